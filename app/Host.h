@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+//
+// The services of the host that the controller stands on. A front end's main() fills this; tests fill it with fakes.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "app/Outlets.h"
+#include "classify/HTTPProbe.h"
+#include "platform/Alias.h"
+#include "platform/FileManager.h"
+#include "platform/InternetConfig.h"
+#include "platform/NetworkDiagnostics.h"
+#include "platform/PageLoader.h"
+#include "platform/Sound.h"
+#include "platform/SystemLog.h"
+#include "platform/UserDefaults.h"
+#include "platform/WebDownload.h"
+
+namespace quillforth::app {
+
+/// Sorts a folder's items into subfolders by extension.
+class FolderAggregation {
+ public:
+  virtual ~FolderAggregation() = default;
+  virtual void aggregateFolder(const QString& path) = 0;
+};
+
+/// Hears what a window would not show: for front ends without a user who watches.
+class DriverObserver {
+ public:
+  virtual ~DriverObserver() = default;
+  /// `downloadFile` was given a text that makes no URL; the queue waits for `tryAgain`.
+  virtual void downloadFileRefusedURL(const QString& text) = 0;
+};
+
+/// All outlive the controller.
+struct Host {
+  Application& application;
+  platform::UserDefaults& userDefaults;
+  platform::WebDownloadService& downloads;
+  platform::PageLoader& pageLoader;
+  platform::NetworkDiagnostics& network;
+  platform::HTTPReadStreamFactory& readStreams;
+  platform::InternetConfigComponent& internetConfig;
+  platform::AliasManager& aliases;
+  platform::FileManager& files;
+  platform::SoundLoader& sounds;
+  platform::SystemLog& log;
+  std::function<QString(const QString& key)> localizedText;  ///< table "LocalizedStrings"; the key when untranslated
+  std::function<std::uint32_t()> currentSeconds;             ///< wall clock in whole seconds; wraps
+  FolderAggregation* aggregation = nullptr;                  ///< null: folders are never sorted
+  DriverObserver* observer = nullptr;                        ///< null: nobody listens
+};
+
+}  // namespace quillforth::app

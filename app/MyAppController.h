@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+//
+// The one controller: the URL queue, the download in flight, and what the interface shows of both.
+//
+// It is the delegate of every download and the data source of the queue table. It knows no widget and no terminal:
+// it sees its outlets (Outlets.h) and its host (Host.h). Its methods stand in one source file a concern. Main thread
+// only; nothing is saved when it goes.
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "app/DestinationFolder.h"
+#include "app/Host.h"
+#include "app/Outlets.h"
+#include "app/Preferences.h"
+#include "app/UrlQueue.h"
+#include "platform/Sound.h"
+
+namespace quillforth::app {
+
+class MyAppController final : public platform::WebDownloadDelegate, public TableViewDataSource {
+ public:
+  MyAppController(const Outlets& outlets, const Host& host);
+  ~MyAppController() override;
+  MyAppController(const MyAppController&) = delete;
+  MyAppController& operator=(const MyAppController&) = delete;
+
+  // Start-up and general actions (MyAppController.cpp).
+  void awakeFromNib();
+  void applicationWillFinishLaunching();
+  void applicationWillBecomeActive();
+  void windowDidBecomeKey();
+  void showStatusAndActivate();
+  void showPreferencesWindow();
+  /// Beeps, shows the texts as they stand with one button "OK", and waits for it.
+  void doAlertAdding(const QString& messageText, const QString& informativeText);
+  [[nodiscard]] Window& statusWindow() { return outlets_.statusWindow; }
+  /// Null when the sound could not be loaded. Never played here.
+  [[nodiscard]] const platform::Sound* completionSound() const;
+
+  // Queue and table (Queue.cpp).
+  void queueURL(const QString& url);
+  void updateCountTextField();
+  [[nodiscard]] std::size_t numberOfRows() const override;
+  [[nodiscard]] QString objectValueForRow(std::size_t row) const override;
+  [[nodiscard]] std::uint64_t identifierOfRow(std::size_t row) const override;
+  void tableViewSelectionDidChange();
+  void deleteButtonClicked();
+  void clearQueue();
+  void stop();
+  void tryAgain();
+  /// Starts one URL, or queues it while a download runs. Without a connection the URL is lost.
+  void startURL(const QString& url, bool promptForDestination);
+
+  // Download driver (DownloadDriver.cpp).
+  void downloadFile(const QString& url);
+  void cancelDownloadFile();
+  [[nodiscard]] bool isDownloading() const { return isDownloading_; }
+  void setDownloading(bool downloading);
+  [[nodiscard]] bool checkInternetConnection();
+  void downloadDidBegin(platform::WebDownload& download) override;
+  void downloadDidReceiveResponse(platform::WebDownload& download, const platform::URLResponse& response) override;
+  void downloadDecideDestinationWithSuggestedFilename(platform::WebDownload& download,
+                                                      const QString& filename) override;
+  platform::AuthenticationSheetParent* downloadWindowForAuthenticationSheet(
+      platform::WebDownload& download) override;
+  bool downloadShouldDecodeSourceDataOfMIMEType(platform::WebDownload& download, const QString& mimeType) override;
+  void downloadDidCreateDestination(platform::WebDownload& download, const QString& path) override;
+  void downloadDidReceiveDataOfLength(platform::WebDownload& download, std::uint64_t length) override;
+  void downloadDidFinish(platform::WebDownload& download) override;
+  void downloadDidFailWithError(platform::WebDownload& download, const platform::DownloadError& error) override;
+
+  // URL intake (Intake.cpp).
+  /// Loads the page, queues its links, and starts the queue's head. Silent on every failure.
+  void extractLinks(const QString& pageURL);
+  /// Page or file; may ask the server, up to ten seconds of silence.
+  [[nodiscard]] bool isWebPageURL(const QString& url);
+
+  // Destination folder (Destination.cpp).
+  void selectDestinationDirectory();
+  void openDestinationDirectory();
+  void setDownloadDestinationTextFieldValue();
+  void setOutputFolderButtonToolTip();
+  [[nodiscard]] DestinationFolder& destinationFolder() { return destination_; }
+
+ private:
+  void takeNextURL(bool promptForDestination);
+  void queueDidChange();
+  void aggregateDestination();
+
+  Outlets outlets_;
+  Host host_;
+  Preferences preferences_;
+  DestinationFolder destination_;
+  std::unique_ptr<platform::Sound> harpSound_;
+  bool isDownloading_ = false;
+  std::shared_ptr<platform::WebDownload> fileWebDownload_;
+  std::int32_t receivedContentLength_ = 0;
+  std::int32_t expectedContentLength_ = 0;
+  std::uint32_t startTime_ = 0;
+  std::uint32_t currentTime_ = 0;
+  QString fileDownloadFilePath_;
+  UrlQueue urlList_;
+};
+
+}  // namespace quillforth::app

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+//
+// What the controller sees of its interface: a few operations of a few kinds of widgets.
+//
+// The desktop, the terminal and the tests' recorder implement these. Main thread only. The controller does not own
+// any of them; they outlive it.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/FileReference.h"
+#include "platform/WebDownload.h"
+
+namespace quillforth::app {
+
+class TextField {
+ public:
+  virtual ~TextField() = default;
+  [[nodiscard]] virtual QString stringValue() const = 0;
+  virtual void setStringValue(const QString& text) = 0;
+  virtual void setHidden(bool hidden) = 0;
+};
+
+class Button {
+ public:
+  virtual ~Button() = default;
+  virtual void setEnabled(bool enabled) = 0;
+  virtual void setHidden(bool hidden) = 0;
+  virtual void setToolTip(const QString& text) = 0;
+};
+
+class ProgressIndicator {
+ public:
+  virtual ~ProgressIndicator() = default;
+  /// 0.0 to 1.0.
+  virtual void setDoubleValue(double value) = 0;
+  virtual void setHidden(bool hidden) = 0;
+  virtual void startAnimation() = 0;
+  virtual void stopAnimation() = 0;
+};
+
+/// Where a table takes its rows from.
+class TableViewDataSource {
+ public:
+  virtual ~TableViewDataSource() = default;
+  [[nodiscard]] virtual std::size_t numberOfRows() const = 0;
+  /// Null when there is no such row.
+  [[nodiscard]] virtual QString objectValueForRow(std::size_t row) const = 0;
+  /// Stays with an entry while it waits, whatever row it stands in; never used again, and ascending with the rows.
+  /// A selection follows it over a reload.
+  [[nodiscard]] virtual std::uint64_t identifierOfRow(std::size_t row) const = 0;
+};
+
+class TableView {
+ public:
+  virtual ~TableView() = default;
+  /// MIME types, the preferred one first.
+  virtual void registerForDraggedTypes(const QStringList& types) = 0;
+  /// The rows may have changed in any way; entries that are still there stay selected. Must not cost more than what is
+  /// visible: it comes after every change.
+  virtual void reloadData() = 0;
+  /// Ascending, without duplicates.
+  [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
+};
+
+class Window : public platform::AuthenticationSheetParent {
+ public:
+  virtual void makeKeyAndOrderFront() = 0;
+  /// A sheet with the default button only, which nobody waits for.
+  virtual void beginAlertSheet(const QString& title, const QString& message) = 0;
+};
+
+/// A modal alert; texts are shown as they stand.
+struct Alert {
+  QString messageText;
+  QString informativeText;
+  QString defaultButton;
+  QString alternateButton;  ///< null: none
+};
+enum class AlertResult { defaultButton, alternateButton };
+
+/// A panel that lets the user pick one existing folder, or make a new one.
+struct FolderPanel {
+  QString title;
+  QString prompt;         ///< label of the button that confirms
+  QString message;        ///< null: none
+  QString directory;      ///< where it opens; null: left to the panel
+};
+
+/// What a choose-folder dialog came to: a cancel is success without a folder.
+struct ChosenFolder {
+  int status = 0;
+  std::optional<platform::FileReference> folder;
+};
+
+/// What the controller asks of the application and its desktop.
+class Application {
+ public:
+  virtual ~Application() = default;
+  virtual void activateIgnoringOtherApps() = 0;
+  virtual void beep() = 0;
+  /// Returns when the user has answered.
+  virtual AlertResult runModalAlert(const Alert& alert) = 0;
+  /// The absolute path of the folder, or nothing when the user did not confirm.
+  [[nodiscard]] virtual std::optional<QString> runOpenPanel(const FolderPanel& panel) = 0;
+  [[nodiscard]] virtual ChosenFolder runChooseFolderDialog(const FolderPanel& panel) = 0;
+  /// Shows a folder in the user's file manager.
+  virtual void openFile(const QString& path) = 0;
+};
+
+/// The controller's outlets, by name. All are set.
+struct Outlets {
+  TextField& downloadDestinationTextField;
+  TextField& urlTextField;
+  TextField& countTextField;
+  Window& preferencesWindow;
+  Window& statusWindow;
+  ProgressIndicator& spinner;
+  ProgressIndicator& fileDownloadProgressBar;
+  TextField& fileDownloadProgressText;
+  TextField& currentURLTextField;
+  Button& fileDownloadCancelButton;
+  Button& deleteButton;
+  Button& stopButton;
+  Button& openOutputFolderButton;
+  TableView& fileTable;
+};
+
+}  // namespace quillforth::app

@@ -1,0 +1,45 @@
+# SPDX-License-Identifier: MIT
+#
+# One set of compiler flags for every target, and `quillforth_room` for the folders that are libraries.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+                    -Wformat=2 -Wundef)
+option(QUILLFORTH_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
+if(QUILLFORTH_WARNINGS_AS_ERRORS)
+  add_compile_options(-Werror)
+endif()
+
+add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH _FILE_OFFSET_BITS=64)
+
+# "address", "thread" or empty. Undefined behaviour is always checked together with addresses.
+set(QUILLFORTH_SANITIZER "" CACHE STRING "address, thread or empty")
+if(QUILLFORTH_SANITIZER STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero
+                      -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+elseif(QUILLFORTH_SANITIZER STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_compile_options(-fstack-protector-strong)
+  add_compile_definitions(_FORTIFY_SOURCE=2)
+  add_link_options(-Wl,-z,relro,-z,now)
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+# quillforth_room(NAME SOURCES... ): the static library of one folder, included as "folder/File.h".
+function(quillforth_room name)
+  add_library(quillforth_${name} STATIC ${ARGN})
+  target_include_directories(quillforth_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+endfunction()

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/URL.h"
+
+#include <QUrl>
+#include <algorithm>
+
+namespace quillforth::platform {
+
+namespace {
+
+bool IsHexDigit(QChar c) {
+  return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+}
+
+// Reserved and unreserved characters of RFC 2396; "%" and "#" are looked at apart.
+bool MayStandInURL(QChar c) {
+  if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9')) return true;
+  return QStringView(u";/?:@&=+$,-_.!~*'()").contains(c);
+}
+
+struct Span {
+  qsizetype start = 0;
+  qsizetype length = 0;
+};
+
+// The parts as RFC 2396, appendix B, splits them.
+struct Parts {
+  Span scheme;
+  bool hasAuthority = false;
+  Span authority;
+  Span path;
+};
+
+Parts SplitURL(const QString& text) {
+  Parts parts;
+  const auto endOf = [&text](QStringView delimiters, qsizetype from) {
+    const auto isDelimiter = [delimiters](QChar c) { return delimiters.contains(c); };
+    return std::find_if(text.begin() + from, text.end(), isDelimiter) - text.begin();
+  };
+  qsizetype position = 0;
+  const qsizetype schemeEnd = endOf(u":/?#", 0);
+  if (schemeEnd > 0 && schemeEnd < text.size() && text[schemeEnd] == u':') {
+    parts.scheme = {0, schemeEnd};
+    position = schemeEnd + 1;
+  }
+  if (QStringView(text).sliced(position).startsWith(u"//")) {
+    parts.hasAuthority = true;
+    const qsizetype end = endOf(u"/?#", position + 2);
+    parts.authority = {position + 2, end - position - 2};
+    position = end;
+  }
+  parts.path = {position, endOf(u"?#", position) - position};
+  return parts;
+}
+
+}  // namespace
+
+std::optional<URL> URL::URLWithString(const QString& text) {
+  if (text.isEmpty()) return std::nullopt;
+  bool inFragment = false;
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const QChar c = text[i];
+    if (c == u'%') {
+      if (i + 2 >= text.size() || !IsHexDigit(text[i + 1]) || !IsHexDigit(text[i + 2])) return std::nullopt;
+    } else if (c == u'#') {
+      if (inFragment) return std::nullopt;
+      inFragment = true;
+    } else if (!MayStandInURL(c)) {
+      return std::nullopt;
+    }
+  }
+  return URL(text);
+}
+
+QString URL::stringWithoutCredentials() const { return WithoutCredentials(text_); }
+
+QString URL::scheme() const {
+  const Span span = SplitURL(text_).scheme;
+  return text_.sliced(span.start, span.length).toLower();
+}
+
+QString URL::host() const {
+  const Span span = SplitURL(text_).authority;
+  QString host = text_.sliced(span.start, span.length);
+  host = host.sliced(host.lastIndexOf(u'@') + 1);
+  const qsizetype colon = host.indexOf(u':');
+  return colon < 0 ? host : host.first(colon);
+}
+
+QString URL::path() const {
+  const Span span = SplitURL(text_).path;
+  return text_.sliced(span.start, span.length);
+}
+
+QString URL::pathExtension() const {
+  const QString wholePath = path();
+  const QString escaped = wholePath.sliced(wholePath.lastIndexOf(u'/') + 1);
+  const QString name = QUrl::fromPercentEncoding(escaped.toLatin1());
+  const qsizetype dot = name.lastIndexOf(u'.');
+  return dot <= 0 ? QString() : name.sliced(dot + 1);
+}
+
+QString WithoutCredentials(const QString& text) {
+  const Parts parts = SplitURL(text);
+  if (!parts.hasAuthority) return text;
+  const QStringView authority = QStringView(text).sliced(parts.authority.start, parts.authority.length);
+  const qsizetype at = authority.lastIndexOf(u'@');
+  if (at < 0) return text;
+  QString stripped = text;
+  return stripped.remove(parts.authority.start, at + 1);
+}
+
+}  // namespace quillforth::platform

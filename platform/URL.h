@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+//
+// What counts as a URL, everywhere in the program.
+//
+// A text makes a URL when all its characters may stand in one (RFC 2396, section 2): nothing else is asked, so that
+// a relative text such as "site-a.test" makes one and fails later, where it is used. Pure values; any thread.
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace quillforth::platform {
+
+/// A text of RFC 2396 characters, kept exactly as it came.
+///
+/// Grammar of the parts (RFC 2396, appendix B): [scheme ":"] ["//" authority] path ["?" query] ["#" fragment].
+class URL {
+ public:
+  /// Nothing for an empty text, or one that holds a blank, a control, non-ASCII or excluded character, a "%" without
+  /// two hexadecimal digits after it, or a second "#".
+  [[nodiscard]] static std::optional<URL> URLWithString(const QString& text);
+
+  /// The whole text, user name and password included.
+  [[nodiscard]] const QString& absoluteString() const { return text_; }
+  /// The same without "user:password@"; for everything that is shown, logged or stored.
+  [[nodiscard]] QString stringWithoutCredentials() const;
+  /// In lower case; empty when there is none.
+  [[nodiscard]] QString scheme() const;
+  /// Without user and port; empty when there is no authority. %-escapes stay.
+  [[nodiscard]] QString host() const;
+  /// The path as written, %-escapes included; may be empty.
+  [[nodiscard]] QString path() const;
+  /// The text after the last "." of the path's last component, %-escapes decoded; empty when there is none: for a path
+  /// that ends in "/", a name whose only "." is its first character, a trailing ".".
+  [[nodiscard]] QString pathExtension() const;
+
+ private:
+  explicit URL(QString text) : text_(std::move(text)) {}
+
+  QString text_;
+};
+
+/// `text` without "user:password@" in its authority, whether or not it makes a URL.
+[[nodiscard]] QString WithoutCredentials(const QString& text);
+
+}  // namespace quillforth::platform

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+//
+// Fetches one URL into a file, and tells a delegate how it goes.
+//
+// Everything here is called, and calls back, on the main thread; callbacks come from the main loop, never from
+// inside a call of this interface. The order for one download is
+//
+//   downloadDidBegin
+//   downloadWindowForAuthenticationSheet          as often as a server or proxy asks
+//   downloadDidReceiveResponse
+//   downloadShouldDecodeSourceDataOfMIMEType      only for a body that arrives encoded
+//   downloadDecideDestinationWithSuggestedFilename
+//   downloadDidCreateDestination                  again if the final name had to differ
+//   downloadDidReceiveDataOfLength                any number of times, counts summed between two turns of the loop
+//   downloadDidFinish
+//
+// and, at any point instead, downloadDidFailWithError. After either of the two ends, or cancel, nothing follows.
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "platform/URL.h"
+
+namespace quillforth::platform {
+
+/// What a server (401) or proxy (407) wants to be told (RFC 9110, section 11).
+struct AuthenticationChallenge {
+  QString host;
+  QString realm;   ///< as the server spells it; may be empty
+  QString scheme;  ///< "Basic" or "Digest"
+  bool isProxy = false;
+  int previousFailureCount = 0;  ///< answers already refused
+};
+
+struct Credential {
+  QString user;
+  QString password;
+};
+
+/// A window that can ask its user for a name and a password.
+class AuthenticationSheetParent {
+ public:
+  virtual ~AuthenticationSheetParent() = default;
+  /// Asks, and later calls `answer` exactly once, on the main thread; nothing means cancelled. May call it at once.
+  virtual void beginAuthenticationSheet(const AuthenticationChallenge& challenge,
+                                        std::function<void(std::optional<Credential>)> answer) = 0;
+};
+
+struct URLResponse {
+  std::int64_t expectedContentLength = -1;  ///< bytes; -1 when unknown
+  QString MIMEType;                         ///< lower case, without parameters; may be empty
+};
+
+struct DownloadError {
+  QString localizedDescription;  ///< for people, ends in "."; null when there is none. Never holds credentials
+  QString failingURLString;      ///< without credentials; null when unknown
+};
+
+class WebDownload;
+
+class WebDownloadDelegate {
+ public:
+  virtual ~WebDownloadDelegate() = default;
+  virtual void downloadDidBegin(WebDownload& download) = 0;
+  virtual void downloadDidReceiveResponse(WebDownload& download, const URLResponse& response) = 0;
+  /// The delegate calls `setDestinationAllowOverwrite` on `download`, or else the download fails.
+  /// `filename` is one safe path component of at most 255 bytes in UTF-8.
+  virtual void downloadDecideDestinationWithSuggestedFilename(WebDownload& download, const QString& filename) = 0;
+  /// Null fails the download.
+  virtual AuthenticationSheetParent* downloadWindowForAuthenticationSheet(WebDownload& download) = 0;
+  virtual bool downloadShouldDecodeSourceDataOfMIMEType(WebDownload& download, const QString& mimeType) = 0;
+  /// `path` is where the complete file will appear; there is nothing under that name before the end.
+  virtual void downloadDidCreateDestination(WebDownload& download, const QString& path) = 0;
+  virtual void downloadDidReceiveDataOfLength(WebDownload& download, std::uint64_t length) = 0;
+  virtual void downloadDidFinish(WebDownload& download) = 0;
+  virtual void downloadDidFailWithError(WebDownload& download, const DownloadError& error) = 0;
+};
+
+/// One download in flight. It keeps itself alive to its end: letting go of it does not cancel it.
+class WebDownload {
+ public:
+  virtual ~WebDownload() = default;
+  [[nodiscard]] virtual const URL& requestURL() const = 0;
+  /// Absolute path of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext", "name-2.ext", ….
+  virtual void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) = 0;
+  /// No callback follows, and no file, hidden or not, stays behind.
+  virtual void cancel() = 0;
+};
+
+/// Starts downloads. Its end cancels what is still in flight and waits until no partial file is left.
+class WebDownloadService {
+ public:
+  virtual ~WebDownloadService() = default;
+  /// Never fails here: what is wrong with the URL is reported to `delegate`, which must outlive the download.
+  [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const URL& url, WebDownloadDelegate& delegate) = 0;
+};
+
+}  // namespace quillforth::platform

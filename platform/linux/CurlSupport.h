@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+//
+// What every libcurl transfer of the program has in common: which protocols, how redirects go, whom to trust.
+//
+// An easy handle belongs to one thread at a time. `CurlGlobal` lives in main(), before any thread.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <QString>
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "platform/URL.h"
+
+namespace quillforth::platform {
+
+/// libcurl's process-wide set-up; one object, made before the first thread starts.
+class CurlGlobal {
+ public:
+  CurlGlobal() { curl_global_init(CURL_GLOBAL_DEFAULT); }
+  ~CurlGlobal() { curl_global_cleanup(); }
+  CurlGlobal(const CurlGlobal&) = delete;
+  CurlGlobal& operator=(const CurlGlobal&) = delete;
+};
+
+/// Settings of one front end for all its transfers; outlives them.
+struct TransferSettings {
+  std::string caCertificateFile;                  ///< PEM bundle to trust instead of the system's; empty: the system's
+  const std::atomic<bool>* interrupted = nullptr;  ///< blocking transfers give up soon after it turns true
+};
+
+inline constexpr const char* kUserAgent = "Quillforth/1.0";
+inline constexpr long kMaxRedirects = 20;
+/// Seconds without a byte after which a transfer counts as stalled.
+inline constexpr long kStallSeconds = 60;
+
+struct CurlEasyDeleter {
+  void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+};
+using CurlEasy = std::unique_ptr<CURL, CurlEasyDeleter>;
+
+/// Sets URL, user agent, http/https/ftp only (redirects too), at most 20 redirects, never to another host with
+/// credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's default.
+void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url);
+
+}  // namespace quillforth::platform
