@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The services of the host that the controller stands on. A front end's main() fills this; tests fill it with fakes.
+// The services of the host that the controller stands on. A front end's main() fills this; tests fill it with
+// fakes.
 #pragma once
 
 #include <QByteArray>
@@ -50,10 +51,11 @@ struct Host {
   platform::FileManager& files;
   platform::SoundLoader& sounds;
   platform::SystemLog& log;
-  std::function<QString(const QString& key)> localizedText;  ///< table "LocalizedStrings"; the key when untranslated
-  std::function<std::uint32_t()> currentSeconds;             ///< wall clock in whole seconds; wraps
-  FolderAggregation* aggregation = nullptr;                  ///< null: folders are never sorted
-  DriverObserver* observer = nullptr;                        ///< null: nobody listens
+  std::function<QString(const QString& key)>
+      localizedText;                              ///< table "LocalizedStrings"; the key when untranslated
+  std::function<std::uint32_t()> currentSeconds;  ///< wall clock in whole seconds; wraps
+  FolderAggregation* aggregation = nullptr;       ///< null: folders are never sorted
+  DriverObserver* observer = nullptr;             ///< null: nobody listens
 };
 
 }  // namespace quillforth::app

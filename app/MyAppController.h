@@ -2,9 +2,9 @@
 //
 // The one controller: the URL queue, the download in flight, and what the interface shows of both.
 //
-// It is the delegate of every download and the data source of the queue table. It knows no widget and no terminal:
-// it sees its outlets (Outlets.h) and its host (Host.h). Its methods stand in one source file a concern. Main thread
-// only; nothing is saved when it goes.
+// It is the delegate of every download and the data source of the queue table. It knows no widget and no
+// terminal: it sees its outlets (Outlets.h) and its host (Host.h). Its methods stand in one source file a
+// concern. Main thread only; nothing is saved when it goes.
 #pragma once
 
 #include <QString>
@@ -62,16 +62,19 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   void setDownloading(bool downloading);
   [[nodiscard]] bool checkInternetConnection();
   void downloadDidBegin(platform::WebDownload& download) override;
-  void downloadDidReceiveResponse(platform::WebDownload& download, const platform::URLResponse& response) override;
+  void downloadDidReceiveResponse(platform::WebDownload& download,
+                                  const platform::URLResponse& response) override;
   void downloadDecideDestinationWithSuggestedFilename(platform::WebDownload& download,
                                                       const QString& filename) override;
   platform::AuthenticationSheetParent* downloadWindowForAuthenticationSheet(
       platform::WebDownload& download) override;
-  bool downloadShouldDecodeSourceDataOfMIMEType(platform::WebDownload& download, const QString& mimeType) override;
+  bool downloadShouldDecodeSourceDataOfMIMEType(platform::WebDownload& download,
+                                                const QString& mimeType) override;
   void downloadDidCreateDestination(platform::WebDownload& download, const QString& path) override;
   void downloadDidReceiveDataOfLength(platform::WebDownload& download, std::uint64_t length) override;
   void downloadDidFinish(platform::WebDownload& download) override;
-  void downloadDidFailWithError(platform::WebDownload& download, const platform::DownloadError& error) override;
+  void downloadDidFailWithError(platform::WebDownload& download,
+                                const platform::DownloadError& error) override;
 
   // URL intake (Intake.cpp).
   /// Loads the page, queues its links, and starts the queue's head. Silent on every failure.

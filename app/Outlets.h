@@ -2,8 +2,8 @@
 //
 // What the controller sees of its interface: a few operations of a few kinds of widgets.
 //
-// The desktop, the terminal and the tests' recorder implement these. Main thread only. The controller does not own
-// any of them; they outlive it.
+// The desktop, the terminal and the tests' recorder implement these. Main thread only. The controller does
+// not own any of them; they outlive it.
 #pragma once
 
 #include <QString>
@@ -51,8 +51,8 @@ class TableViewDataSource {
   [[nodiscard]] virtual std::size_t numberOfRows() const = 0;
   /// Null when there is no such row.
   [[nodiscard]] virtual QString objectValueForRow(std::size_t row) const = 0;
-  /// Stays with an entry while it waits, whatever row it stands in; never used again, and ascending with the rows.
-  /// A selection follows it over a reload.
+  /// Stays with an entry while it waits, whatever row it stands in; never used again, and ascending with the
+  /// rows. A selection follows it over a reload.
   [[nodiscard]] virtual std::uint64_t identifierOfRow(std::size_t row) const = 0;
 };
 
@@ -61,8 +61,8 @@ class TableView {
   virtual ~TableView() = default;
   /// MIME types, the preferred one first.
   virtual void registerForDraggedTypes(const QStringList& types) = 0;
-  /// The rows may have changed in any way; entries that are still there stay selected. Must not cost more than what is
-  /// visible: it comes after every change.
+  /// The rows may have changed in any way; entries that are still there stay selected. Must not cost more
+  /// than what is visible: it comes after every change.
   virtual void reloadData() = 0;
   /// Ascending, without duplicates.
   [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
@@ -87,9 +87,9 @@ enum class AlertResult { defaultButton, alternateButton };
 /// A panel that lets the user pick one existing folder, or make a new one.
 struct FolderPanel {
   QString title;
-  QString prompt;         ///< label of the button that confirms
-  QString message;        ///< null: none
-  QString directory;      ///< where it opens; null: left to the panel
+  QString prompt;     ///< label of the button that confirms
+  QString message;    ///< null: none
+  QString directory;  ///< where it opens; null: left to the panel
 };
 
 /// What a choose-folder dialog came to: a cancel is success without a folder.

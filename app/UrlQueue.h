@@ -2,8 +2,8 @@
 //
 // The URLs that wait, first in, first out.
 //
-// Entries are kept exactly as they came; nothing is merged. Taking the head and appending are constant time, removing
-// any set of rows is one pass. Main thread only.
+// Entries are kept exactly as they came; nothing is merged. Taking the head and appending are constant time,
+// removing any set of rows is one pass. Main thread only.
 #pragma once
 
 #include <QString>

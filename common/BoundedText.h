@@ -2,9 +2,9 @@
 //
 // A short byte text in a fixed field, and the byte-string helpers that every room shares.
 //
-// URLs, link keys, patterns, extensions and the probe's texts live in such fields. Whatever is too long is cut in
-// silence; the cut form is what is stored, compared and queued. Letter case means ASCII letters only. Everything
-// here is a pure value; safe from any thread as long as no object is shared.
+// URLs, link keys, patterns, extensions and the probe's texts live in such fields. Whatever is too long is
+// cut in silence; the cut form is what is stored, compared and queued. Letter case means ASCII letters only.
+// Everything here is a pure value; safe from any thread as long as no object is shared.
 #pragma once
 
 #include <array>
@@ -26,10 +26,11 @@ class BoundedText {
   /// The text up to its first NUL byte, cut at 255 bytes.
   explicit BoundedText(std::string_view text) noexcept { assign(text); }
 
-  /// Replaces the content by the text up to its first NUL byte, cut at 255 bytes. `text` may lie in this field.
-  void assign(std::string_view text) noexcept;
-  /// Appends the text up to its first NUL byte; what goes beyond 255 bytes in all is cut. `text` may lie in this
+  /// Replaces the content by the text up to its first NUL byte, cut at 255 bytes. `text` may lie in this
   /// field.
+  void assign(std::string_view text) noexcept;
+  /// Appends the text up to its first NUL byte; what goes beyond 255 bytes in all is cut. `text` may lie in
+  /// this field.
   void append(std::string_view text) noexcept;
   void clear() noexcept { setLength(0); }
 
@@ -66,8 +67,8 @@ void SafeAppend(BoundedText& destination, const char* source) noexcept;
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// Compares at most `n` bytes after upper-casing each: 0 when equal, else the difference of the first unequal pair
-/// as unsigned bytes. A text that ends early counts as ending in a NUL byte.
+/// Compares at most `n` bytes after upper-casing each: 0 when equal, else the difference of the first unequal
+/// pair as unsigned bytes. A text that ends early counts as ending in a NUL byte.
 [[nodiscard]] int CompareNoCaseN(std::string_view a, std::string_view b, std::size_t n) noexcept;
 
 /// Whether `text` begins with `prefix`, letter case apart.

@@ -2,7 +2,8 @@
 //
 // Names a file or folder that exists, or did when the reference was made.
 //
-// Linux names are bytes, of any encoding or none, so a reference holds the path's bytes and never converts them.
+// Linux names are bytes, of any encoding or none, so a reference holds the path's bytes and never converts
+// them.
 #pragma once
 
 #include <string>

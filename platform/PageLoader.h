@@ -13,8 +13,8 @@ namespace quillforth::platform {
 class PageLoader {
  public:
   virtual ~PageLoader() = default;
-  /// The body as sent, at most `kMaxPageLength` bytes, without any cache; nothing when the load fails in any way or the
-  /// body is longer. Follows redirects. Blocks until the end; any thread.
+  /// The body as sent, at most `kMaxPageLength` bytes, without any cache; nothing when the load fails in any
+  /// way or the body is longer. Follows redirects. Blocks until the end; any thread.
   [[nodiscard]] virtual std::optional<QByteArray> resourceData(const URL& url) = 0;
 
   static constexpr qsizetype kMaxPageLength = 256 * 1024 * 1024;

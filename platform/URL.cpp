@@ -73,7 +73,9 @@ std::optional<URL> URL::URLWithString(const QString& text) {
   return URL(text);
 }
 
-QString URL::stringWithoutCredentials() const { return WithoutCredentials(text_); }
+QString URL::stringWithoutCredentials() const {
+  return WithoutCredentials(text_);
+}
 
 QString URL::scheme() const {
   const Span span = SplitURL(text_).scheme;

@@ -2,8 +2,9 @@
 //
 // What counts as a URL, everywhere in the program.
 //
-// A text makes a URL when all its characters may stand in one (RFC 2396, section 2): nothing else is asked, so that
-// a relative text such as "site-a.test" makes one and fails later, where it is used. Pure values; any thread.
+// A text makes a URL when all its characters may stand in one (RFC 2396, section 2): nothing else is asked,
+// so that a relative text such as "site-a.test" makes one and fails later, where it is used. Pure values; any
+// thread.
 #pragma once
 
 #include <QString>
@@ -13,11 +14,12 @@ namespace quillforth::platform {
 
 /// A text of RFC 2396 characters, kept exactly as it came.
 ///
-/// Grammar of the parts (RFC 2396, appendix B): [scheme ":"] ["//" authority] path ["?" query] ["#" fragment].
+/// Grammar of the parts (RFC 2396, appendix B): [scheme ":"] ["//" authority] path ["?" query] ["#"
+/// fragment].
 class URL {
  public:
-  /// Nothing for an empty text, or one that holds a blank, a control, non-ASCII or excluded character, a "%" without
-  /// two hexadecimal digits after it, or a second "#".
+  /// Nothing for an empty text, or one that holds a blank, a control, non-ASCII or excluded character, a "%"
+  /// without two hexadecimal digits after it, or a second "#".
   [[nodiscard]] static std::optional<URL> URLWithString(const QString& text);
 
   /// The whole text, user name and password included.
@@ -30,8 +32,8 @@ class URL {
   [[nodiscard]] QString host() const;
   /// The path as written, %-escapes included; may be empty.
   [[nodiscard]] QString path() const;
-  /// The text after the last "." of the path's last component, %-escapes decoded; empty when there is none: for a path
-  /// that ends in "/", a name whose only "." is its first character, a trailing ".".
+  /// The text after the last "." of the path's last component, %-escapes decoded; empty when there is none:
+  /// for a path that ends in "/", a name whose only "." is its first character, a trailing ".".
   [[nodiscard]] QString pathExtension() const;
 
  private:

@@ -2,8 +2,8 @@
 //
 // Fetches one URL into a file, and tells a delegate how it goes.
 //
-// Everything here is called, and calls back, on the main thread; callbacks come from the main loop, never from
-// inside a call of this interface. The order for one download is
+// Everything here is called, and calls back, on the main thread; callbacks come from the main loop, never
+// from inside a call of this interface. The order for one download is
 //
 //   downloadDidBegin
 //   downloadWindowForAuthenticationSheet          as often as a server or proxy asks
@@ -11,10 +11,11 @@
 //   downloadShouldDecodeSourceDataOfMIMEType      only for a body that arrives encoded
 //   downloadDecideDestinationWithSuggestedFilename
 //   downloadDidCreateDestination                  again if the final name had to differ
-//   downloadDidReceiveDataOfLength                any number of times, counts summed between two turns of the loop
-//   downloadDidFinish
+//   downloadDidReceiveDataOfLength                any number of times, counts summed between two turns of the
+//   loop downloadDidFinish
 //
-// and, at any point instead, downloadDidFailWithError. After either of the two ends, or cancel, nothing follows.
+// and, at any point instead, downloadDidFailWithError. After either of the two ends, or cancel, nothing
+// follows.
 #pragma once
 
 #include <QString>
@@ -45,7 +46,8 @@ struct Credential {
 class AuthenticationSheetParent {
  public:
   virtual ~AuthenticationSheetParent() = default;
-  /// Asks, and later calls `answer` exactly once, on the main thread; nothing means cancelled. May call it at once.
+  /// Asks, and later calls `answer` exactly once, on the main thread; nothing means cancelled. May call it at
+  /// once.
   virtual void beginAuthenticationSheet(const AuthenticationChallenge& challenge,
                                         std::function<void(std::optional<Credential>)> answer) = 0;
 };
@@ -56,8 +58,9 @@ struct URLResponse {
 };
 
 struct DownloadError {
-  QString localizedDescription;  ///< for people, ends in "."; null when there is none. Never holds credentials
-  QString failingURLString;      ///< without credentials; null when unknown
+  QString
+      localizedDescription;  ///< for people, ends in "."; null when there is none. Never holds credentials
+  QString failingURLString;  ///< without credentials; null when unknown
 };
 
 class WebDownload;
@@ -69,7 +72,8 @@ class WebDownloadDelegate {
   virtual void downloadDidReceiveResponse(WebDownload& download, const URLResponse& response) = 0;
   /// The delegate calls `setDestinationAllowOverwrite` on `download`, or else the download fails.
   /// `filename` is one safe path component of at most 255 bytes in UTF-8.
-  virtual void downloadDecideDestinationWithSuggestedFilename(WebDownload& download, const QString& filename) = 0;
+  virtual void downloadDecideDestinationWithSuggestedFilename(WebDownload& download,
+                                                              const QString& filename) = 0;
   /// Null fails the download.
   virtual AuthenticationSheetParent* downloadWindowForAuthenticationSheet(WebDownload& download) = 0;
   virtual bool downloadShouldDecodeSourceDataOfMIMEType(WebDownload& download, const QString& mimeType) = 0;
@@ -85,7 +89,8 @@ class WebDownload {
  public:
   virtual ~WebDownload() = default;
   [[nodiscard]] virtual const URL& requestURL() const = 0;
-  /// Absolute path of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext", "name-2.ext", ….
+  /// Absolute path of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext",
+  /// "name-2.ext", ….
   virtual void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) = 0;
   /// No callback follows, and no file, hidden or not, stays behind.
   virtual void cancel() = 0;
@@ -96,7 +101,8 @@ class WebDownloadService {
  public:
   virtual ~WebDownloadService() = default;
   /// Never fails here: what is wrong with the URL is reported to `delegate`, which must outlive the download.
-  [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const URL& url, WebDownloadDelegate& delegate) = 0;
+  [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const URL& url,
+                                                                   WebDownloadDelegate& delegate) = 0;
 };
 
 }  // namespace quillforth::platform

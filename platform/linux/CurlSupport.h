@@ -27,7 +27,7 @@ class CurlGlobal {
 
 /// Settings of one front end for all its transfers; outlives them.
 struct TransferSettings {
-  std::string caCertificateFile;                  ///< PEM bundle to trust instead of the system's; empty: the system's
+  std::string caCertificateFile;  ///< PEM bundle to trust instead of the system's; empty: the system's
   const std::atomic<bool>* interrupted = nullptr;  ///< blocking transfers give up soon after it turns true
 };
 
@@ -41,8 +41,9 @@ struct CurlEasyDeleter {
 };
 using CurlEasy = std::unique_ptr<CURL, CurlEasyDeleter>;
 
-/// Sets URL, user agent, http/https/ftp only (redirects too), at most 20 redirects, never to another host with
-/// credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's default.
+/// Sets URL, user agent, http/https/ftp only (redirects too), at most 20 redirects, never to another host
+/// with credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's
+/// default.
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url);
 
 }  // namespace quillforth::platform

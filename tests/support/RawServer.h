@@ -2,8 +2,8 @@
 //
 // A loopback server that says what no honest server would: every byte of every answer is the test's.
 //
-// Port 0; one thread a connection. The handler runs on the connection's thread, once a request header has arrived,
-// and again for each further request while it returns `keepOpen`.
+// Port 0; one thread a connection. The handler runs on the connection's thread, once a request header has
+// arrived, and again for each further request while it returns `keepOpen`.
 #pragma once
 
 #include <atomic>
@@ -75,6 +75,7 @@ class RawServer {
 };
 
 /// A whole HTTP/1.1 answer with its length and `extraHeaders` ("Name: value\r\n" each).
-[[nodiscard]] std::string HttpReply(std::string_view status, std::string_view body, std::string_view extraHeaders = {});
+[[nodiscard]] std::string HttpReply(std::string_view status, std::string_view body,
+                                    std::string_view extraHeaders = {});
 
 }  // namespace quillforth::tests

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// main() of every test program: one application object, so that events are delivered, and a home of its own, so that
-// no test reads or writes what belongs to the person who runs it.
+// main() of every test program: one application object, so that events are delivered, and a home of its own,
+// so that no test reads or writes what belongs to the person who runs it.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,8 @@ int main(int argc, char** argv) {
   if (!home.isValid()) return 1;
   const QByteArray path = home.path().toLocal8Bit();
   qputenv("HOME", path);
-  for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
+  for (const char* name :
+       {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
     qunsetenv(name);
   }
   for (const char* name : {"http_proxy", "https_proxy", "ftp_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY",
