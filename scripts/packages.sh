@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: MIT
+# shellcheck shell=bash
+#
+# Installs Debian packages that are missing. Sourced by ./run and ./test.
+
+# shellcheck disable=SC2034  # read by the scripts that source this one
+{
+  build_packages=(g++ cmake ninja-build pkg-config python3 qt6-base-dev libcurl4-openssl-dev libsndfile1-dev
+    libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
+  test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light openssl
+    shellcheck mandoc)
+  bench_packages=(libbenchmark-dev nginx-light wget curl hyperfine time)
+}
+
+# install_missing PACKAGE...: nothing happens where all are there already.
+install_missing() {
+  local missing=() name
+  for name in "$@"; do
+    dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' || missing+=("$name")
+  done
+  [ "${#missing[@]}" -eq 0 ] && return
+  echo "Installing: ${missing[*]}" >&2
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then as_root=(sudo); fi
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq >&2
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+}
