@@ -73,8 +73,7 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
 }
 
 /// The file that a request path names; nothing for one that does not lie in the folder.
-std::optional<std::string> ReadFile(const fs::path& folder, std::string path) {
-  if (path.ends_with('/')) path += "index.html";
+std::optional<std::string> ReadFile(const fs::path& folder, const std::string& path) {
   std::error_code error;
   const fs::path file = fs::canonical(folder / path.substr(1), error);
   if (error || !fs::is_regular_file(file)) return std::nullopt;
@@ -85,13 +84,14 @@ std::optional<std::string> ReadFile(const fs::path& folder, std::string path) {
 
 void Serve(const Options& options, const std::string& origin, const httplib::Request& request,
            httplib::Response& response) {
-  std::optional<std::string> body = ReadFile(options.folder, request.path);
+  const std::string path = request.path.ends_with('/') ? request.path + "index.html" : request.path;
+  std::optional<std::string> body = ReadFile(options.folder, path);
   if (!body) {
     response.status = 404;
     response.set_content("There is no such file.\n", "text/plain");
     return;
   }
-  const std::string type = ContentType(request.path.ends_with('/') ? request.path + ".html" : request.path);
+  const std::string type = ContentType(path);
   if (type.starts_with("text/html")) ReplaceAll(*body, "{{ORIGIN}}", origin);
   if (options.bytesPerSecond == 0 || type.starts_with("text/html") || body->empty()) {
     response.set_content(*body, type);
