@@ -4,13 +4,11 @@
 // fakes.
 #pragma once
 
-#include <QByteArray>
 #include <QString>
+#include <cstdint>
 #include <functional>
-#include <memory>
 
 #include "app/Outlets.h"
-#include "classify/HTTPProbe.h"
 #include "platform/Alias.h"
 #include "platform/FileManager.h"
 #include "platform/InternetConfig.h"
@@ -21,6 +19,11 @@
 #include "platform/UserDefaults.h"
 #include "platform/WebDownload.h"
 
+namespace quillforth::platform {
+class HTTPReadStreamFactory;
+class MainBundle;
+}  // namespace quillforth::platform
+
 namespace quillforth::app {
 
 /// Sorts a folder's items into subfolders by extension.
@@ -28,6 +31,14 @@ class FolderAggregation {
  public:
   virtual ~FolderAggregation() = default;
   virtual void aggregateFolder(const QString& path) = 0;
+};
+
+/// Notes on a file where it came from.
+class FileComments {
+ public:
+  virtual ~FileComments() = default;
+  /// A failure is nobody's concern. `comment` holds no credentials.
+  virtual void setComment(const QString& path, const QString& comment) = 0;
 };
 
 /// Hears what a window would not show: for front ends without a user who watches.
@@ -49,12 +60,14 @@ struct Host {
   platform::InternetConfigComponent& internetConfig;
   platform::AliasManager& aliases;
   platform::FileManager& files;
+  platform::MainBundle& mainBundle;
   platform::SoundLoader& sounds;
   platform::SystemLog& log;
   std::function<QString(const QString& key)>
       localizedText;                              ///< table "LocalizedStrings"; the key when untranslated
   std::function<std::uint32_t()> currentSeconds;  ///< wall clock in whole seconds; wraps
   FolderAggregation* aggregation = nullptr;       ///< null: folders are never sorted
+  FileComments* fileComments = nullptr;           ///< null: files get no comment
   DriverObserver* observer = nullptr;             ///< null: nobody listens
 };
 

@@ -17,6 +17,7 @@
 #include "app/Outlets.h"
 #include "app/Preferences.h"
 #include "app/UrlQueue.h"
+#include "classify/ExtensionMap.h"
 #include "platform/Sound.h"
 
 namespace quillforth::app {
@@ -35,11 +36,14 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   void windowDidBecomeKey();
   void showStatusAndActivate();
   void showPreferencesWindow();
-  /// Beeps, shows the texts as they stand with one button "OK", and waits for it.
+  /// Beeps, shows the texts with one button "OK", and waits for it. `informativeText` is a format: a literal
+  /// percent sign in it is doubled.
   void doAlertAdding(const QString& messageText, const QString& informativeText);
   [[nodiscard]] Window& statusWindow() { return outlets_.statusWindow; }
   /// Null when the sound could not be loaded. Never played here.
-  [[nodiscard]] const platform::Sound* completionSound() const;
+  [[nodiscard]] const platform::Sound* completionSound() const { return harpSound_.get(); }
+  /// Empty until `applicationWillFinishLaunching`.
+  [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
   void queueURL(const QString& url);
@@ -107,6 +111,7 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   std::uint32_t currentTime_ = 0;
   QString fileDownloadFilePath_;
   UrlQueue urlList_;
+  classify::CExtensionMap extensionMap_;
 };
 
 }  // namespace quillforth::app
