@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+//
+// The desktop's own table of types and extensions, offered as the file-mapping preference.
+//
+// Read from the "mime/globs2" files of the freedesktop Shared MIME-info Database (specification 0.21), in the
+// folders of the XDG Base Directory specification. Only plain "*.ext" patterns name an extension; one such as
+// "*.tar.gz" gives ".tar.gz". Environment variables are read when the preference is.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/InternetConfig.h"
+
+namespace quillforth::platform {
+
+class SharedMimeInfo final : public InternetConfigComponent {
+ public:
+  /// A longer globs2 file is passed over.
+  static constexpr std::int64_t kMaxFileLength = 4 * 1024 * 1024;
+  /// Further records are dropped, those of the least important folder first.
+  static constexpr std::size_t kMaxEntries = 32768;
+
+  [[nodiscard]] int countComponents() override { return 1; }
+  [[nodiscard]] common::Status start(common::FourCharCode creator) override;
+  common::Status stop() override;
+  [[nodiscard]] common::Status begin(ICPermission permission) override;
+  common::Status end() override;
+  /// Only "Mapping" exists. Its records are ordered so that of several for one extension the last is the type
+  /// that the desktop would pick: by weight, then the user's own folder after the system's.
+  [[nodiscard]] common::Status getPrefHandle(std::string_view key) override;
+  void disposeHandle() override { globs_.clear(); }
+  [[nodiscard]] common::Status countMapEntries(std::int32_t& count) override;
+  [[nodiscard]] common::Status getIndMapEntry(std::int32_t index, ICMapEntry& entry) override;
+
+  struct Glob {
+    int weight = 0;          ///< 0 to 100
+    std::size_t folder = 0;  ///< 0: the user's own, then ascending as they matter less
+    std::string extension;   ///< with its leading "."
+    std::string type;
+  };
+
+ private:
+  std::vector<Glob> globs_;
+};
+
+}  // namespace quillforth::platform
