@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/LinuxFileManager.h"
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <vector>
+
+namespace quillforth::platform {
+
+namespace {
+
+common::Status StatusOfErrno(int error) {
+  switch (error) {
+    case ENOENT:
+      return common::kFileNotFound;
+    case EEXIST:
+      return common::kDuplicateName;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return common::kPermissionDenied;
+    case ENOSPC:
+    case EDQUOT:
+      return common::kDiskFull;
+    case ENAMETOOLONG:
+      return common::kBadName;
+    case ENOMEM:
+      return common::kOutOfMemory;
+    default:
+      return common::kIOError;
+  }
+}
+
+bool IsComponent(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+         name.find('\0') == std::string_view::npos;
+}
+
+// The path of `name` in `folder`, not yet looked at.
+FileResult ItemIn(const FileReference& folder, std::string_view name) {
+  if (folder.isEmpty()) return {common::kBadParameter, {}};
+  if (!IsComponent(name)) return {common::kBadName, {}};
+  std::string path = folder.path();
+  if (!path.ends_with('/')) path += '/';
+  return {common::kNoError, FileReference(path.append(name))};
+}
+
+// Makes the folder and those above it that are missing, for this user only.
+common::Status MakeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+    const std::string folder = path.substr(0, end);
+    if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+      const int error = errno;
+      // A read-only or closed level above is no matter as long as it is there.
+      struct stat status {};
+      if (::stat(folder.c_str(), &status) != 0) return StatusOfErrno(error);
+    }
+    if (end == std::string::npos) return common::kNoError;
+  }
+}
+
+std::string AbsoluteFromEnvironment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && value[0] == '/' ? value : "";
+}
+
+std::string WithoutTrailingSlashes(std::string path) {
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+}  // namespace
+
+std::string HomeFolder() {
+  std::string home = AbsoluteFromEnvironment("HOME");
+  if (home.empty()) {
+    std::vector<char> buffer(16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
+      home = found->pw_dir;
+    }
+  }
+  return WithoutTrailingSlashes(home);
+}
+
+FileResult LinuxFileManager::makeReference(const FileReference& folder, std::string_view name) {
+  FileResult item = ItemIn(folder, name);
+  struct stat status {};
+  if (item.status == common::kNoError && ::lstat(item.reference.path().c_str(), &status) != 0) {
+    return {StatusOfErrno(errno), {}};
+  }
+  return item;
+}
+
+FileResult LinuxFileManager::createDirectory(const FileReference& folder, std::string_view name) {
+  FileResult item = ItemIn(folder, name);
+  if (item.status == common::kNoError && ::mkdir(item.reference.path().c_str(), 0777) != 0) {
+    return {StatusOfErrno(errno), {}};
+  }
+  return item;
+}
+
+std::optional<std::string> LinuxFileManager::itemName(const FileReference& item) {
+  const std::string& path = item.path();
+  std::string name = path.substr(path.rfind('/') + 1);
+  struct stat status {};
+  if (name.empty() || ::lstat(path.c_str(), &status) != 0) return std::nullopt;
+  return name;
+}
+
+FileResult LinuxFileManager::findApplicationSupportFolder() {
+  std::string path = WithoutTrailingSlashes(AbsoluteFromEnvironment("XDG_DATA_HOME"));
+  if (path.empty()) {
+    const std::string home = HomeFolder();
+    if (home.empty()) return {common::kFileNotFound, {}};
+    path = home + "/.local/share";
+  }
+  const common::Status status = MakeFolders(path);
+  if (status != common::kNoError) return {status, {}};
+  return {common::kNoError, FileReference(std::move(path))};
+}
+
+}  // namespace quillforth::platform

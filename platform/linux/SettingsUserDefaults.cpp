@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/SettingsUserDefaults.h"
+
+#include <QFile>
+
+namespace quillforth::platform {
+
+namespace {
+
+std::int64_t Nanoseconds(const timespec& time) {
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+}  // namespace
+
+SettingsUserDefaults::SettingsUserDefaults()
+    : settings_(QStringLiteral("Tessary Software"), QStringLiteral("Quillforth")),
+      path_(QFile::encodeName(settings_.fileName()).toStdString()) {
+  settings_.setFallbacksEnabled(false);
+}
+
+SettingsUserDefaults::FileState SettingsUserDefaults::currentState() const {
+  struct stat status {};
+  if (::stat(path_.c_str(), &status) != 0) return {};
+  return {true,
+          status.st_dev,
+          status.st_ino,
+          status.st_size,
+          Nanoseconds(status.st_mtim),
+          Nanoseconds(status.st_ctim)};
+}
+
+void SettingsUserDefaults::synchronize() {
+  const FileState state = currentState();
+  if (!hasPendingChanges_ && seen_ == state) return;
+  settings_.sync();
+  // After a write of our own the file is read once more: somebody else may have written meanwhile.
+  seen_ = hasPendingChanges_ ? std::nullopt : std::optional(state);
+  hasPendingChanges_ = false;
+}
+
+QVariant SettingsUserDefaults::objectForKey(const QString& key) {
+  return settings_.value(key);
+}
+
+void SettingsUserDefaults::setObject(const QString& key, const QVariant& value) {
+  settings_.setValue(key, value);
+  hasPendingChanges_ = true;
+}
+
+void SettingsUserDefaults::removeObject(const QString& key) {
+  settings_.remove(key);
+  hasPendingChanges_ = true;
+}
+
+}  // namespace quillforth::platform
