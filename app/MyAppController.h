@@ -10,7 +10,7 @@
 #include <QString>
 #include <cstdint>
 #include <memory>
-#include <optional>
+#include <vector>
 
 #include "app/DestinationFolder.h"
 #include "app/Host.h"
@@ -94,8 +94,11 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   [[nodiscard]] DestinationFolder& destinationFolder() { return destination_; }
 
  private:
+  void hideProgressArea();
+  /// Starts the head of the queue, if there is one.
   void takeNextURL(bool promptForDestination);
   void queueDidChange();
+  /// Sorts the destination folder, deciding it first if it never was; nothing without a folder.
   void aggregateDestination();
 
   Outlets outlets_;
@@ -105,8 +108,9 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   std::unique_ptr<platform::Sound> harpSound_;
   bool isDownloading_ = false;
   std::shared_ptr<platform::WebDownload> fileWebDownload_;
-  std::int32_t receivedContentLength_ = 0;
-  std::int32_t expectedContentLength_ = 0;
+  std::vector<std::weak_ptr<platform::WebDownload>> startedDownloads_;  // those that may still call back
+  std::int32_t receivedContentLength_ = 0;                              // wraps
+  std::int32_t expectedContentLength_ = 0;                              // 0 or negative: unknown
   std::uint32_t startTime_ = 0;
   std::uint32_t currentTime_ = 0;
   QString fileDownloadFilePath_;

@@ -17,20 +17,31 @@ namespace quillforth::app {
 
 struct BooleanPreference {
   QLatin1String key;
-  bool defaultValue;
+  bool defaultValue;  ///< what an absent key means
 };
 
-/// All boolean settings, with what an absent key means.
-inline constexpr std::array<BooleanPreference, 8> kBooleanPreferences{{
-    {QLatin1String("showStatusWindow"), true},
-    {QLatin1String("bringApplicationToFront"), true},
-    {QLatin1String("setCommentToLocationURL"), true},
-    {QLatin1String("overwriteFilesBySameName"), false},
-    {QLatin1String("preserveFileCommentsWhenAggregatingFiles"), false},
-    {QLatin1String("alwaysPromptForOutputLocation"), false},
-    {QLatin1String("aggregateFiles"), false},
-    {QLatin1String("showAlertsWhenErrorsOccur"), false},
-}};
+inline constexpr BooleanPreference kShowStatusWindow{QLatin1String("showStatusWindow"), true};
+inline constexpr BooleanPreference kBringApplicationToFront{QLatin1String("bringApplicationToFront"), true};
+inline constexpr BooleanPreference kSetCommentToLocationURL{QLatin1String("setCommentToLocationURL"), true};
+inline constexpr BooleanPreference kOverwriteFilesBySameName{QLatin1String("overwriteFilesBySameName"),
+                                                             false};
+inline constexpr BooleanPreference kPreserveFileCommentsWhenAggregatingFiles{
+    QLatin1String("preserveFileCommentsWhenAggregatingFiles"), false};
+inline constexpr BooleanPreference kAlwaysPromptForOutputLocation{
+    QLatin1String("alwaysPromptForOutputLocation"), false};
+inline constexpr BooleanPreference kAggregateFiles{QLatin1String("aggregateFiles"), false};
+inline constexpr BooleanPreference kShowAlertsWhenErrorsOccur{QLatin1String("showAlertsWhenErrorsOccur"),
+                                                              false};
+
+/// All boolean settings.
+inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
+                                                kBringApplicationToFront,
+                                                kSetCommentToLocationURL,
+                                                kOverwriteFilesBySameName,
+                                                kPreserveFileCommentsWhenAggregatingFiles,
+                                                kAlwaysPromptForOutputLocation,
+                                                kAggregateFiles,
+                                                kShowAlertsWhenErrorsOccur};
 
 /// Holds the alias record of the folder that the user chose.
 inline constexpr QLatin1String kDestinationDirectoryKey("DestinationDirectory");

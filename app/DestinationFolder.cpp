@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+
+#include "app/DestinationFolder.h"
+
+#include <QDir>
+
+#include "fileops/SupportFolder.h"
+
+namespace quillforth::app {
+
+QString FolderPath(const platform::FileReference& folder, std::size_t longest) {
+  const std::string& path = folder.path();
+  if (path.empty() || path.size() > longest) return {};
+  QString text = QString::fromStdString(path);
+  // Bytes that are not UTF-8 do not come back as they were.
+  return text.toStdString() == path ? text : QString();
+}
+
+bool StoreFolder(platform::UserDefaults& userDefaults, platform::AliasManager& aliases, const QString& key,
+                 const platform::FileReference& folder) {
+  const std::optional<QByteArray> record = aliases.newAlias(folder);
+  if (!record) return false;
+  userDefaults.setObject(key, *record);
+  userDefaults.synchronize();
+  return true;
+}
+
+std::optional<platform::FileReference> StoredFolder(platform::UserDefaults& userDefaults,
+                                                    platform::AliasManager& aliases, const QString& key) {
+  userDefaults.synchronize();
+  const QVariant stored = userDefaults.objectForKey(key);
+  if (stored.typeId() != QMetaType::QByteArray) return std::nullopt;
+  const QByteArray record = stored.toByteArray();
+  if (record.isEmpty()) return std::nullopt;
+  return aliases.resolveAlias(record);
+}
+
+const QString& DestinationFolder::decidedDestinationPath() {
+  if (currentDestinationPath_.isNull()) decideDestinationFolder();
+  return currentDestinationPath_;
+}
+
+std::optional<platform::FileReference> DestinationFolder::storedDestinationFolder() {
+  std::optional<platform::FileReference> folder =
+      StoredFolder(host_.userDefaults, host_.aliases, kDestinationDirectoryKey);
+  return folder ? folder : fileops::GetSupportFolder(host_.files);
+}
+
+void DestinationFolder::decideDestinationFolder() {
+  QString path;
+  if (preferences_.alwaysPromptForOutputLocation()) {
+    const FolderPanel panel{QStringLiteral("Choose a Destination Folder"), QStringLiteral("Choose"),
+                            QString(), QDir::homePath()};
+    path = host_.application.runOpenPanel(panel).value_or(QString());
+  } else if (const std::optional<platform::FileReference> folder = storedDestinationFolder()) {
+    path = FolderPath(*folder, kLongestUsedPath);
+  }
+  if (!path.isNull()) currentDestinationPath_ = path;
+}
+
+QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {
+  const ChosenFolder chosen = chooseFolderDialog();
+  if (chosen.status != 0 || !chosen.folder) return {};
+  QString path = FolderPath(*chosen.folder, kLongestShownPath);
+  StoreFolder(host_.userDefaults, host_.aliases, key, *chosen.folder);
+  return path;
+}
+
+ChosenFolder DestinationFolder::chooseFolderDialog() {
+  const QString title = localizedString(QStringLiteral("Choose"));
+  const QString prompt = localizedString(QStringLiteral("Choose"));
+  const QString message = localizedString(QStringLiteral("Choose destination folder"));
+  return host_.application.runChooseFolderDialog({title, prompt, message, QString()});
+}
+
+QString DestinationFolder::localizedString(const QString& key) {
+  auto found = localizedStrings_.find(key);
+  if (found == localizedStrings_.end()) found = localizedStrings_.insert(key, host_.localizedText(key));
+  return *found;
+}
+
+}  // namespace quillforth::app

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+//
+// One download at a time: the controller as its delegate, the progress area, and what follows each end.
+
+#include <QFileInfo>
+
+#include "app/MyAppController.h"
+#include "app/NilText.h"
+#include "app/ProgressText.h"
+
+namespace quillforth::app {
+
+namespace {
+
+// Counters are signed 32-bit and wrap as two's complement.
+std::int32_t Wrapped(std::uint64_t value) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
+}
+
+QString PathInFolder(const QString& folder, const QString& name) {
+  return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+}  // namespace
+
+void MyAppController::downloadFile(const QString& url) {
+  fileDownloadFilePath_ = QString();
+  const std::optional<platform::URL> target = platform::URL::URLWithString(url);
+  if (!target) {
+    if (host_.observer != nullptr) host_.observer->downloadFileRefusedURL(url);
+    return;
+  }
+  outlets_.currentURLTextField.setHidden(false);
+  outlets_.currentURLTextField.setStringValue(target->absoluteString());
+  outlets_.spinner.startAnimation();
+  fileWebDownload_ = host_.downloads.startDownload(*target, *this);
+  std::erase_if(startedDownloads_, [](const auto& started) { return started.expired(); });
+  startedDownloads_.push_back(fileWebDownload_);
+}
+
+void MyAppController::cancelDownloadFile() {
+  if (fileWebDownload_) fileWebDownload_->cancel();
+  hideProgressArea();
+  setDownloading(false);
+  takeNextURL(false);
+}
+
+void MyAppController::hideProgressArea() {
+  outlets_.fileDownloadProgressBar.setHidden(true);
+  outlets_.fileDownloadProgressText.setHidden(true);
+  outlets_.fileDownloadCancelButton.setHidden(true);
+  outlets_.currentURLTextField.setHidden(true);
+}
+
+void MyAppController::setDownloading(bool downloading) {
+  if (downloading == isDownloading_) return;
+  isDownloading_ = downloading;
+  if (downloading) return;
+  fileWebDownload_.reset();
+  receivedContentLength_ = 0;
+}
+
+bool MyAppController::checkInternetConnection() {
+  if (host_.network.copyNetworkStatusPassively() == platform::NetworkStatus::connectionUp) return true;
+  host_.application.beep();
+  const Alert alert{QStringLiteral("You are not connected to the Internet."),
+                    QStringLiteral("Do you want to run Network Diagnostics?"), QStringLiteral("OK"),
+                    QStringLiteral("No")};
+  if (host_.application.runModalAlert(alert) == AlertResult::defaultButton) {
+    host_.network.diagnoseProblemInteractively();
+  }
+  return false;
+}
+
+void MyAppController::downloadDidBegin(platform::WebDownload& /*download*/) {
+  outlets_.fileDownloadProgressText.setStringValue(QStringLiteral(""));
+  outlets_.fileDownloadProgressBar.setDoubleValue(0.0);
+  outlets_.fileDownloadProgressBar.setHidden(false);
+  outlets_.fileDownloadProgressText.setHidden(false);
+  outlets_.fileDownloadCancelButton.setHidden(false);
+  setDownloading(true);
+  startTime_ = host_.currentSeconds();
+}
+
+void MyAppController::downloadDidReceiveResponse(platform::WebDownload& /*download*/,
+                                                 const platform::URLResponse& response) {
+  expectedContentLength_ = Wrapped(static_cast<std::uint64_t>(response.expectedContentLength));
+}
+
+void MyAppController::downloadDecideDestinationWithSuggestedFilename(platform::WebDownload& download,
+                                                                     const QString& filename) {
+  const QString folder = destination_.decidedDestinationPath();
+  if (!folder.isNull()) {
+    download.setDestinationAllowOverwrite(PathInFolder(folder, filename),
+                                          preferences_.overwriteFilesBySameName());
+  }
+  outlets_.statusWindow.makeKeyAndOrderFront();
+}
+
+platform::AuthenticationSheetParent* MyAppController::downloadWindowForAuthenticationSheet(
+    platform::WebDownload& /*download*/) {
+  return &outlets_.statusWindow;
+}
+
+bool MyAppController::downloadShouldDecodeSourceDataOfMIMEType(platform::WebDownload& /*download*/,
+                                                               const QString& /*mimeType*/) {
+  return false;  // an archive stays an archive
+}
+
+void MyAppController::downloadDidCreateDestination(platform::WebDownload& /*download*/, const QString& path) {
+  fileDownloadFilePath_ = path;
+}
+
+void MyAppController::downloadDidReceiveDataOfLength(platform::WebDownload& /*download*/,
+                                                     std::uint64_t length) {
+  if (expectedContentLength_ <= 0) return;
+  receivedContentLength_ = Wrapped(static_cast<std::uint64_t>(receivedContentLength_) + length);
+  const double fraction =
+      static_cast<double>(receivedContentLength_) / static_cast<double>(expectedContentLength_);
+  currentTime_ = host_.currentSeconds();
+  const std::uint32_t elapsed = currentTime_ - startTime_;
+  const common::BoundedText times = timeText(elapsed, remainingSeconds(elapsed, fraction));
+  outlets_.fileDownloadProgressBar.setDoubleValue(fraction);
+  const QLocale locale;
+  const QString bytes = bytesText(groupedNumberText(receivedContentLength_, locale),
+                                  groupedNumberText(expectedContentLength_, locale));
+  outlets_.fileDownloadProgressText.setStringValue(progressLine(percentOfFraction(fraction), bytes, times));
+}
+
+void MyAppController::downloadDidFinish(platform::WebDownload& download) {
+  if (preferences_.setCommentToLocationURL() && !fileDownloadFilePath_.isNull() &&
+      QFileInfo::exists(fileDownloadFilePath_) && host_.fileComments != nullptr) {
+    host_.fileComments->setComment(fileDownloadFilePath_, download.requestURL().stringWithoutCredentials());
+  }
+  outlets_.fileDownloadProgressBar.setHidden(true);
+  outlets_.currentURLTextField.setHidden(true);
+  outlets_.fileDownloadCancelButton.setHidden(true);
+  setDownloading(false);
+  if (!urlList_.empty()) {
+    takeNextURL(false);
+    return;
+  }
+  outlets_.spinner.stopAnimation();
+  outlets_.fileDownloadProgressText.setStringValue(QStringLiteral("Done!"));
+  if (preferences_.aggregateFiles()) aggregateDestination();
+}
+
+void MyAppController::downloadDidFailWithError(platform::WebDownload& /*download*/,
+                                               const platform::DownloadError& error) {
+  host_.log.log(QStringLiteral("Quillforth download failed. Error - ") +
+                TextOrNull(error.localizedDescription) + u' ' + TextOrNull(error.failingURLString));
+  if (preferences_.showAlertsWhenErrorsOccur()) {
+    outlets_.statusWindow.beginAlertSheet(QStringLiteral("Download Failed"),
+                                          error.localizedDescription.isNull()
+                                              ? QStringLiteral("An error occured during download.")
+                                              : error.localizedDescription);
+  }
+  hideProgressArea();
+  setDownloading(false);
+  takeNextURL(false);
+  // Looked at only now: when one URL was left, the folder is sorted while that one starts.
+  if (preferences_.aggregateFiles() && urlList_.empty()) aggregateDestination();
+}
+
+}  // namespace quillforth::app

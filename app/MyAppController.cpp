@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// Start-up, the preferences that bring windows forward, and alerts.
+
+#include "app/MyAppController.h"
+
+#include "classify/InternetConfig.h"
+#include "platform/MainBundle.h"
+
+namespace quillforth::app {
+
+MyAppController::MyAppController(const Outlets& outlets, const Host& host)
+    : outlets_(outlets), host_(host), preferences_(host.userDefaults), destination_(host, preferences_) {}
+
+// Downloads call their delegate to their end, and this was it.
+MyAppController::~MyAppController() {
+  for (const std::weak_ptr<platform::WebDownload>& started : startedDownloads_) {
+    if (const std::shared_ptr<platform::WebDownload> download = started.lock()) download->cancel();
+  }
+}
+
+void MyAppController::awakeFromNib() {
+  outlets_.deleteButton.setEnabled(false);  // nothing is selected yet
+  const std::optional<QString> sound = host_.mainBundle.pathForResource(QStringLiteral("harp.aif"));
+  if (sound) harpSound_ = host_.sounds.load(*sound);
+  urlList_.clear();
+  isDownloading_ = false;
+  outlets_.fileTable.registerForDraggedTypes({QStringLiteral("text/uri-list"), QStringLiteral("text/plain")});
+  updateCountTextField();
+  setDownloadDestinationTextFieldValue();
+  setOutputFolderButtonToolTip();
+}
+
+void MyAppController::applicationWillFinishLaunching() {
+  outlets_.statusWindow.makeKeyAndOrderFront();
+  classify::loadExtensionMappings(host_.internetConfig, host_.mainBundle, extensionMap_);
+}
+
+void MyAppController::applicationWillBecomeActive() {
+  setOutputFolderButtonToolTip();
+}
+
+void MyAppController::windowDidBecomeKey() {
+  setDownloadDestinationTextFieldValue();
+}
+
+void MyAppController::showStatusAndActivate() {
+  if (preferences_.bringApplicationToFront()) host_.application.activateIgnoringOtherApps();
+  if (preferences_.showStatusWindow()) outlets_.statusWindow.makeKeyAndOrderFront();
+}
+
+void MyAppController::showPreferencesWindow() {
+  host_.application.activateIgnoringOtherApps();
+  outlets_.preferencesWindow.makeKeyAndOrderFront();
+}
+
+void MyAppController::doAlertAdding(const QString& messageText, const QString& informativeText) {
+  QString information = informativeText;
+  information.replace(QStringLiteral("%%"), QStringLiteral("%"));
+  host_.application.beep();
+  host_.application.runModalAlert({messageText, information, QStringLiteral("OK"), QString()});
+}
+
+}  // namespace quillforth::app

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+
+#include "app/Preferences.h"
+
+namespace quillforth::app {
+
+std::optional<bool> BooleanValue(const QVariant& stored) {
+  switch (stored.typeId()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::QString:
+      break;
+    default:
+      return std::nullopt;
+  }
+  const QString text = stored.toString().toLower();
+  if (text == u"true" || text == u"1" || text == u"yes") return true;
+  if (text == u"false" || text == u"0" || text == u"no") return false;
+  return std::nullopt;
+}
+
+bool Preferences::read(const BooleanPreference& preference) const {
+  userDefaults_.synchronize();
+  const QVariant stored = userDefaults_.objectForKey(preference.key);
+  // Whatever reads as neither falls to the default's side: a setting that is on by default goes off only by a
+  // NO, one that is off goes on only by a YES.
+  return BooleanValue(stored).value_or(preference.defaultValue);
+}
+
+bool Preferences::showStatusWindow() const {
+  return read(kShowStatusWindow);
+}
+
+bool Preferences::bringApplicationToFront() const {
+  return showStatusWindow() && read(kBringApplicationToFront);
+}
+
+bool Preferences::setCommentToLocationURL() const {
+  return read(kSetCommentToLocationURL);
+}
+
+bool Preferences::overwriteFilesBySameName() const {
+  return read(kOverwriteFilesBySameName);
+}
+
+bool Preferences::preserveFileCommentsWhenAggregatingFiles() const {
+  return read(kPreserveFileCommentsWhenAggregatingFiles);
+}
+
+bool Preferences::alwaysPromptForOutputLocation() const {
+  return read(kAlwaysPromptForOutputLocation);
+}
+
+bool Preferences::aggregateFiles() const {
+  return read(kAggregateFiles);
+}
+
+bool Preferences::showAlertsWhenErrorsOccur() const {
+  return read(kShowAlertsWhenErrorsOccur);
+}
+
+}  // namespace quillforth::app
