@@ -28,6 +28,8 @@ class CurlPageLoader final : public PageLoader {
   [[nodiscard]] std::optional<QByteArray> resourceData(const URL& url) override;
 
  private:
+  [[nodiscard]] bool runTransfer();
+
   const TransferSettings& settings_;
   std::chrono::seconds stallLimit_;
   std::mutex mutex_;  // guards transfer_

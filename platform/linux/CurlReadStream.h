@@ -6,7 +6,6 @@
 // redirected request keeps "HEAD".
 #pragma once
 
-#include <cstddef>
 #include <memory>
 
 #include "platform/HTTPReadStream.h"
@@ -16,9 +15,6 @@ namespace quillforth::platform {
 
 class CurlReadStreamFactory final : public HTTPReadStreamFactory {
  public:
-  /// Bytes of all response headers of one exchange, redirects included; more is an error.
-  static constexpr std::size_t kMaxHeaderLength = 256 * 1024;
-
   /// `settings` outlives the factory and its streams. While `settings.interrupted` is true, streams fail
   /// within a fifth of a second.
   explicit CurlReadStreamFactory(const TransferSettings& settings) : settings_(settings) {}

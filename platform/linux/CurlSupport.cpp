@@ -4,6 +4,11 @@
 
 namespace quillforth::platform {
 
+bool CanBeFetched(const URL& url) {
+  const QString scheme = url.scheme();
+  return (scheme == u"http" || scheme == u"https" || scheme == u"ftp") && !url.host().isEmpty();
+}
+
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url) {
   // RFC 2396 characters are ASCII, so this conversion loses nothing.
   curl_easy_setopt(handle, CURLOPT_URL, url.absoluteString().toLatin1().constData());

@@ -9,6 +9,7 @@
 #include <curl/curl.h>
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -21,15 +22,19 @@ class CurlTransfer {
   /// The longest wait of a step, so that interruptions are seen soon.
   static constexpr std::chrono::milliseconds kMaxWait{100};
 
+  /// Bytes of all response headers of one transfer, redirects included; more is an error.
+  static constexpr std::size_t kMaxHeaderLength = 256 * 1024;
+
   CurlTransfer() : multi_(curl_multi_init()) {}
   ~CurlTransfer() { end(); }
   CurlTransfer(const CurlTransfer&) = delete;
   CurlTransfer& operator=(const CurlTransfer&) = delete;
 
-  /// A fresh handle with what all transfers have in common, or null when `url` cannot be fetched: not
-  /// absolute, not http, https or ftp, or out of memory.
+  /// A fresh handle with what all transfers have in common, or null when `url` cannot be fetched or
+  /// memory is short.
   [[nodiscard]] static CurlEasy prepare(const TransferSettings& settings, const URL& url);
-  /// Takes `handle` over; false when it cannot be started. The one before has ended.
+  /// Takes `handle` over, its header callback included; false when it cannot be started. The one before has
+  /// ended.
   [[nodiscard]] bool begin(CurlEasy handle);
   /// Moves what can be moved at once; the result when the transfer is over. Callbacks come from here.
   [[nodiscard]] std::optional<CURLcode> perform();
@@ -41,12 +46,19 @@ class CurlTransfer {
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
 
  private:
+  static std::size_t receiveHeader(const char* data, std::size_t size, std::size_t count, void* self);
+
   struct MultiDeleter {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
   };
 
   std::unique_ptr<CURLM, MultiDeleter> multi_;
   CurlEasy easy_;
+  std::size_t headerLength_ = 0;
 };
+
+[[nodiscard]] inline bool IsInterrupted(const TransferSettings& settings) {
+  return settings.interrupted != nullptr && *settings.interrupted;
+}
 
 }  // namespace quillforth::platform

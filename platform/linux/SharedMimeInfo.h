@@ -9,7 +9,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/InternetConfig.h"
@@ -29,20 +33,22 @@ class SharedMimeInfo final : public InternetConfigComponent {
   [[nodiscard]] common::Status begin(ICPermission permission) override;
   common::Status end() override;
   /// Only "Mapping" exists. Its records are ordered so that of several for one extension the last is the type
-  /// that the desktop would pick: by weight, then the user's own folder after the system's.
+  /// that the desktop would pick: by weight, then the user's own folder after the system's, then backwards
+  /// through each file.
   [[nodiscard]] common::Status getPrefHandle(std::string_view key) override;
   void disposeHandle() override { globs_.clear(); }
   [[nodiscard]] common::Status countMapEntries(std::int32_t& count) override;
   [[nodiscard]] common::Status getIndMapEntry(std::int32_t index, ICMapEntry& entry) override;
 
+ private:
   struct Glob {
-    int weight = 0;          ///< 0 to 100
-    std::size_t folder = 0;  ///< 0: the user's own, then ascending as they matter less
-    std::string extension;   ///< with its leading "."
+    int weight = 0;         // 0 to 100
+    std::string extension;  // with its leading "."
     std::string type;
   };
 
- private:
+  void readFolder(const std::filesystem::path& folder, std::set<std::string, std::less<>>& hiddenTypes);
+
   std::vector<Glob> globs_;
 };
 
