@@ -65,12 +65,13 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
  private:
   enum class Outcome { failed, succeeded };
 
+  void clearResults();
   void runWorker();
   void exchange();
   void streamEvent(platform::StreamEvent event) override;
   void streamDeadlinePassed() override;
   void readAvailableBytes();
-  void setDeadline();
+  void moveDeadline();
   /// Runs at most once an exchange.
   void finish(Outcome outcome);
 

@@ -35,6 +35,8 @@ class CInternetConfig {
   common::Status EndMapping();
 
  private:
+  [[nodiscard]] common::Status openMapping();
+
   platform::InternetConfigComponent& component_;
   bool available_;
   bool started_ = false;
