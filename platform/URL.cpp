@@ -19,6 +19,12 @@ bool MayStandInURL(QChar c) {
   return QStringView(u";/?:@&=+$,-_.!~*'()").contains(c);
 }
 
+// The position of the first of `delimiters` at or after `from`; the text's length when there is none.
+qsizetype FindAnyOf(const QString& text, QStringView delimiters, qsizetype from) {
+  const auto isDelimiter = [delimiters](QChar c) { return delimiters.contains(c); };
+  return std::find_if(text.begin() + from, text.end(), isDelimiter) - text.begin();
+}
+
 struct Span {
   qsizetype start = 0;
   qsizetype length = 0;
@@ -27,30 +33,24 @@ struct Span {
 // The parts as RFC 2396, appendix B, splits them.
 struct Parts {
   Span scheme;
-  bool hasAuthority = false;
   Span authority;
   Span path;
 };
 
 Parts SplitURL(const QString& text) {
   Parts parts;
-  const auto endOf = [&text](QStringView delimiters, qsizetype from) {
-    const auto isDelimiter = [delimiters](QChar c) { return delimiters.contains(c); };
-    return std::find_if(text.begin() + from, text.end(), isDelimiter) - text.begin();
-  };
   qsizetype position = 0;
-  const qsizetype schemeEnd = endOf(u":/?#", 0);
+  const qsizetype schemeEnd = FindAnyOf(text, u":/?#", 0);
   if (schemeEnd > 0 && schemeEnd < text.size() && text[schemeEnd] == u':') {
     parts.scheme = {0, schemeEnd};
     position = schemeEnd + 1;
   }
   if (QStringView(text).sliced(position).startsWith(u"//")) {
-    parts.hasAuthority = true;
-    const qsizetype end = endOf(u"/?#", position + 2);
+    const qsizetype end = FindAnyOf(text, u"/?#", position + 2);
     parts.authority = {position + 2, end - position - 2};
     position = end;
   }
-  parts.path = {position, endOf(u"?#", position) - position};
+  parts.path = {position, FindAnyOf(text, u"?#", position) - position};
   return parts;
 }
 
@@ -104,13 +104,15 @@ QString URL::pathExtension() const {
 }
 
 QString WithoutCredentials(const QString& text) {
-  const Parts parts = SplitURL(text);
-  if (!parts.hasAuthority) return text;
-  const QStringView authority = QStringView(text).sliced(parts.authority.start, parts.authority.length);
-  const qsizetype at = authority.lastIndexOf(u'@');
-  if (at < 0) return text;
-  QString stripped = text;
-  return stripped.remove(parts.authority.start, at + 1);
+  const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
+  const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';
+  const qsizetype slashes = hasScheme ? schemeEnd + 1 : 0;
+  qsizetype start = slashes;
+  while (start < text.size() && (text[start] == u'/' || text[start] == u'\\')) ++start;
+  if (!hasScheme && start - slashes < 2) return text;
+  const qsizetype end = FindAnyOf(text, u"/?#\\", start);
+  const qsizetype at = QStringView(text).sliced(start, end - start).lastIndexOf(u'@');
+  return at < 0 ? text : text.first(start) + text.sliced(start + at + 1);
 }
 
 }  // namespace quillforth::platform
