@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/CommandLine.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <utility>
+
+#include "terminal/HelpText.h"
+
+namespace quillforth::terminal {
+
+namespace {
+
+// The parser with the values that it fills; it keeps references to them.
+struct Parser {
+  Parser();
+
+  CLI::App app;
+  GetArguments getArguments;
+  bool page = false;
+  bool file = false;
+  LinksArguments linksArguments;
+  ClassifyArguments classifyArguments;
+  SettingsArguments settingsArguments;
+  CLI::App* get;
+  CLI::App* links;
+  CLI::App* classify;
+  CLI::App* extensions;
+  CLI::App* settings;
+};
+
+Parser::Parser()
+    : get(app.add_subcommand("get")),
+      links(app.add_subcommand("links")),
+      classify(app.add_subcommand("classify")),
+      extensions(app.add_subcommand("extensions")),
+      settings(app.add_subcommand("settings")) {
+  app.require_subcommand(1);
+  app.set_version_flag("--version", VersionText());
+
+  get->add_option("--to", getArguments.to);
+  CLI::Option* pageFlag = get->add_flag("--page", page);
+  get->add_flag("--file", file)->excludes(pageFlag);
+  get->add_option("--set", getArguments.settings)->allow_extra_args(false);
+  get->add_flag("--json", getArguments.json);
+  get->add_flag("--local", getArguments.local);
+  get->add_option("URL", getArguments.urls)->required();
+
+  CLI::Option* baseOption = links->add_option("--base", linksArguments.base);
+  links->add_option("--url", linksArguments.url)->excludes(baseOption);
+  links->add_flag("--null", linksArguments.null);
+  links->add_option("SOURCE", linksArguments.source)->required();
+
+  classify->add_option("URL", classifyArguments.urls)->required();
+
+  CLI::Option* valueOption = nullptr;
+  CLI::Option* keyOption = settings->add_option("KEY", settingsArguments.key);
+  valueOption = settings->add_option("VALUE", settingsArguments.value)->needs(keyOption);
+  settings->add_flag("--unset", settingsArguments.unset)->needs(keyOption)->excludes(valueOption);
+}
+
+std::string CommandName(const CLI::App& app) {
+  const std::vector<CLI::App*> parsed = app.get_subcommands();
+  return parsed.empty() ? std::string() : parsed.front()->get_name();
+}
+
+Command TakeCommand(Parser& parser) {
+  if (parser.get->parsed()) {
+    if (parser.page) parser.getArguments.kind = GetArguments::Kind::page;
+    if (parser.file) parser.getArguments.kind = GetArguments::Kind::file;
+    return std::move(parser.getArguments);
+  }
+  if (parser.links->parsed()) return std::move(parser.linksArguments);
+  if (parser.classify->parsed()) return std::move(parser.classifyArguments);
+  if (parser.settings->parsed()) return std::move(parser.settingsArguments);
+  return ExtensionsArguments();
+}
+
+}  // namespace
+
+Answer UsageError(const std::string& command, const std::string& message) {
+  const std::string program = command.empty() ? "quillforth-cli" : "quillforth-cli " + command;
+  return {.results = {},
+          .errors = program + ": " + message + "\nTry '" + program + " --help'.\n",
+          .exitStatus = kExitUsage};
+}
+
+Command ParseCommandLine(const std::vector<std::string>& arguments) {
+  Parser parser;
+  try {
+    parser.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    return TakeCommand(parser);
+  } catch (const CLI::CallForHelp&) {
+    return Answer{.results = HelpText(CommandName(parser.app)), .errors = {}, .exitStatus = kExitSuccess};
+  } catch (const CLI::CallForVersion&) {
+    return Answer{.results = VersionText() + "\n", .errors = {}, .exitStatus = kExitSuccess};
+  } catch (const CLI::Error& error) {
+    return UsageError(CommandName(parser.app), error.what());
+  }
+}
+
+}  // namespace quillforth::terminal

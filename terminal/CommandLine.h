@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+//
+// What was asked for on the command line, as plain values.
+//
+// Only the grammar is checked here: which options go with which command, and how many arguments. Texts are
+// the bytes as they came. Pure; no service is needed, so that `--version` and `--help` answer at once.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quillforth::terminal {
+
+inline constexpr int kExitSuccess = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+
+struct GetArguments {
+  enum class Kind { decide, page, file };
+  std::vector<std::string> urls;
+  std::optional<std::string> to;
+  Kind kind = Kind::decide;
+  std::vector<std::string> settings;  ///< "KEY=VALUE" each, unchecked
+  bool json = false;
+  bool local = false;
+};
+
+struct LinksArguments {
+  std::string source;  ///< a file, "-" or a URL
+  std::optional<std::string> base;
+  std::optional<std::string> url;
+  bool null = false;
+};
+
+struct ClassifyArguments {
+  std::vector<std::string> urls;
+};
+
+struct ExtensionsArguments {};
+
+struct SettingsArguments {
+  std::optional<std::string> key;
+  std::optional<std::string> value;
+  bool unset = false;
+};
+
+/// Nothing to do but to say something.
+struct Answer {
+  std::string results;  ///< for standard output
+  std::string errors;   ///< for standard error
+  int exitStatus = kExitSuccess;
+};
+
+using Command = std::variant<Answer, GetArguments, LinksArguments, ClassifyArguments, ExtensionsArguments,
+                             SettingsArguments>;
+
+/// `arguments`: without the program's name.
+[[nodiscard]] Command ParseCommandLine(const std::vector<std::string>& arguments);
+
+/// The answer to a mistake in the use of `command` ("get", …), or of the program when it is empty.
+[[nodiscard]] Answer UsageError(const std::string& command, const std::string& message);
+
+}  // namespace quillforth::terminal

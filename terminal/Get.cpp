@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/Get.h"
+
+#include <QMetaObject>
+
+namespace quillforth::terminal {
+
+namespace {
+
+QString InvalidURLReason() {
+  return QStringLiteral("This is not a valid URL.");
+}
+
+}  // namespace
+
+Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
+         const TerminalPrompt& prompt)
+    : settings_(settings),
+      reporter_(reporter),
+      outlets_(status, reporter, prompt),
+      defaults_(services.userDefaults, settings.preferences),
+      downloads_(services.downloads, *this),
+      pageLoader_(services.pageLoader),
+      network_(services.network, settings.isNetworkAssumedUp),
+      controller_(outlets_.outlets(), app::Host{.application = services.application,
+                                                .userDefaults = defaults_,
+                                                .downloads = downloads_,
+                                                .pageLoader = pageLoader_,
+                                                .network = network_,
+                                                .readStreams = services.readStreams,
+                                                .internetConfig = services.internetConfig,
+                                                .aliases = services.aliases,
+                                                .files = services.files,
+                                                .mainBundle = services.mainBundle,
+                                                .sounds = services.sounds,
+                                                .log = services.log,
+                                                .localizedText = services.localizedText,
+                                                .currentSeconds = services.currentSeconds,
+                                                .aggregation = services.aggregation,
+                                                .fileComments = services.fileComments,
+                                                .observer = this}) {}
+
+Summary Get::run(const QStringList& urls) {
+  urls_.assign(urls.begin(), urls.end());
+  controller_.awakeFromNib();
+  controller_.applicationWillFinishLaunching();
+  moveOnLater();
+  if (!isStopped_) loop_.exec();
+  summary_.notFetched += static_cast<int>(urls_.size() + controller_.numberOfRows()) + network_.refusals();
+  const bool allWell = summary_.failed == 0 && summary_.notFetched == 0;
+  summary_.exitStatus = allWell ? kExitSuccess : kExitFailure;
+  return summary_;
+}
+
+void Get::stop() {
+  isStopped_ = true;
+  if (downloads_.isBusy()) ++summary_.notFetched;
+  downloads_.cancel();
+  loop_.quit();
+}
+
+void Get::moveOnLater() {
+  if (std::exchange(isMoveOnPosted_, true)) return;
+  QMetaObject::invokeMethod(
+      &poster_, [this] { moveOn(); }, Qt::QueuedConnection);
+}
+
+void Get::moveOn() {
+  isMoveOnPosted_ = false;
+  if (isStopped_) return;
+  if (shouldStop_()) return stop();
+  if (const QString refused = std::exchange(refusedURL_, QString()); !refused.isNull()) {
+    fail(refused, InvalidURLReason());
+    controller_.tryAgain();
+    return moveOnLater();
+  }
+  const bool isIdle = !downloads_.isBusy();
+  if (!isIdle && !controller_.isDownloading()) return;
+  // Without a connection every further URL would be lost.
+  if (!urls_.empty() && network_.refusals() == 0) {
+    const QString url = urls_.front();
+    urls_.pop_front();
+    handOver(url);
+    return moveOnLater();
+  }
+  if (isIdle) loop_.quit();
+}
+
+void Get::handOver(const QString& url) {
+  controller_.showStatusAndActivate();
+  const bool isPage = settings_.kind == GetArguments::Kind::page ||
+                      (settings_.kind == GetArguments::Kind::decide && controller_.isWebPageURL(url));
+  if (shouldStop_()) {
+    urls_.push_front(url);
+  } else if (isPage) {
+    workPage(url);
+  } else {
+    controller_.startURL(url, true);
+  }
+}
+
+void Get::workPage(const QString& url) {
+  const QString shownURL = platform::WithoutCredentials(url);
+  reporter_.pageWillLoad(shownURL);
+  pageLoader_.forgetOutcome();
+  const int waitingBefore = static_cast<int>(controller_.numberOfRows());
+  const int leftBefore = urlsThatLeftTheQueue();
+  controller_.extractLinks(url);
+  const int links =
+      static_cast<int>(controller_.numberOfRows()) - waitingBefore + urlsThatLeftTheQueue() - leftBefore;
+  switch (pageLoader_.outcome()) {
+    case ObservedPageLoader::Outcome::loaded:
+      return reporter_.pageDidLoad(shownURL, links);
+    case ObservedPageLoader::Outcome::failed:
+      if (shouldStop_()) {
+        ++summary_.notFetched;
+        return;
+      }
+      return fail(url, QStringLiteral("The page could not be loaded."));
+    case ObservedPageLoader::Outcome::notAsked:
+      return fail(url, InvalidURLReason());
+  }
+}
+
+int Get::urlsThatLeftTheQueue() const {
+  return downloads_.startedCount() + refusedCount_ + network_.refusals();
+}
+
+void Get::fail(const QString& url, const QString& reason) {
+  ++summary_.failed;
+  reporter_.didFail(platform::WithoutCredentials(url), reason);
+}
+
+void Get::downloadBegan(const DownloadProgress& progress) {
+  reporter_.fileDidBegin(progress.url);
+}
+
+void Get::downloadReceived(const DownloadProgress& progress) {
+  reporter_.fileDidProgress(progress.url, progress.received, progress.expected);
+  if (shouldStop_()) moveOnLater();
+}
+
+void Get::downloadFinished(const DownloadProgress& progress) {
+  ++summary_.finished;
+  reporter_.fileDidFinish(progress.url, progress.path, progress.received);
+}
+
+void Get::downloadFailed(const DownloadProgress& progress, const QString& reason) {
+  fail(progress.url, reason);
+}
+
+void Get::controllerMovedOn() {
+  moveOnLater();
+}
+
+void Get::downloadFileRefusedURL(const QString& text) {
+  ++refusedCount_;
+  // Reported and passed over from the event loop: a long run of such texts must not nest.
+  refusedURL_ = text.isNull() ? QString::fromLatin1("") : text;
+  moveOnLater();
+}
+
+}  // namespace quillforth::terminal

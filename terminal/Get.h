@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+//
+// One run of `get`: URLs in, the controller's work on them, one outcome a file out.
+//
+// URLs are handed to the controller one a turn of the event loop, and only while it is idle or a download
+// has begun: one that came between a start and its beginning would start a second download at once. The run
+// is over when nothing waits and nothing is under way. Main thread, with an event loop of its own.
+#pragma once
+
+#include <QEventLoop>
+#include <QObject>
+#include <QString>
+#include <deque>
+
+#include "app/Host.h"
+#include "app/MyAppController.h"
+#include "terminal/CommandLine.h"
+#include "terminal/ObservedServices.h"
+#include "terminal/TerminalOutlets.h"
+
+namespace quillforth::terminal {
+
+/// What a run needs besides the host's services.
+struct GetSettings {
+  GetArguments::Kind kind = GetArguments::Kind::decide;
+  bool isNetworkAssumedUp = false;
+  QHash<QString, QVariant> preferences;  ///< replaced for this run
+};
+
+class Get final : private DownloadObserver, private app::DriverObserver {
+ public:
+  /// `services`: the host, some of whose services are observed from here. `status` is what `reporter` draws.
+  Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
+      const TerminalPrompt& prompt);
+
+  /// Works `urls` to the end, or until one of the two below. The exit status is 0, or 1 when something failed.
+  [[nodiscard]] Summary run(const QStringList& urls);
+  /// Cancels the transfer and ends the run. From the event loop, or before `run`.
+  void stop();
+  /// Asked between two steps; once it is true, the run stops.
+  void stopWhen(std::function<bool()> condition) { shouldStop_ = std::move(condition); }
+
+ private:
+  void downloadBegan(const DownloadProgress& progress) override;
+  void downloadReceived(const DownloadProgress& progress) override;
+  void downloadFinished(const DownloadProgress& progress) override;
+  void downloadFailed(const DownloadProgress& progress, const QString& reason) override;
+  void controllerMovedOn() override;
+  void downloadFileRefusedURL(const QString& text) override;
+
+  void moveOnLater();
+  void moveOn();
+  void handOver(const QString& url);
+  void workPage(const QString& url);
+  void fail(const QString& url, const QString& reason);
+  [[nodiscard]] int urlsThatLeftTheQueue() const;
+
+  GetSettings settings_;
+  Reporter& reporter_;
+  TerminalOutlets outlets_;
+  OverriddenDefaults defaults_;
+  ObservedDownloads downloads_;
+  ObservedPageLoader pageLoader_;
+  ObservedNetwork network_;
+  app::MyAppController controller_;
+  std::function<bool()> shouldStop_ = [] { return false; };
+  std::deque<QString> urls_;
+  Summary summary_;
+  QString refusedURL_;  // null: none waits to be passed over
+  int refusedCount_ = 0;
+  bool isMoveOnPosted_ = false;
+  bool isStopped_ = false;
+  QEventLoop loop_;
+  QObject poster_;  // goes first, and with it what is still posted
+};
+
+}  // namespace quillforth::terminal

@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/HelpText.h"
+
+namespace quillforth::terminal {
+
+namespace {
+
+constexpr std::string_view kProgram = R"(quillforth-cli - download files from the web in batches
+
+Usage: quillforth-cli COMMAND [OPTION...] [ARGUMENT...]
+       quillforth-cli --help | --version
+
+Hand it the URL of a web page, and every file that the page links to is
+downloaded into one folder, one after the other. Hand it the URL of a file, and
+that file is downloaded.
+
+Commands:
+  get URL...              download files, and what pages link to
+  links FILE|-|URL        list the links of a page, without downloading them
+  classify URL...         tell pages from files, and why
+  extensions              list the table of file-name extensions and types
+  settings [KEY [VALUE]]  show or change the settings
+
+"quillforth-cli COMMAND --help" explains a command.
+
+Options:
+  -h, --help  show this text
+  --version   show the version
+
+Examples:
+  Everything that a page links to, into a new folder:
+    quillforth-cli get --to pictures http://www.example.org/gallery/
+  The same in two steps, with a look at the list in between:
+    quillforth-cli links http://www.example.org/gallery/ > list
+    xargs quillforth-cli get --to pictures --file < list
+
+Exit status:
+  0    all well
+  1    something failed: a page, a file, the connection, the output
+  2    a mistake on the command line; nothing was done
+  130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
+
+Environment:
+  XDG_CONFIG_HOME             where the settings are; default ~/.config
+  XDG_DATA_HOME               where the default destination folder and the
+                              user's own file types are; default ~/.local/share
+  XDG_DATA_DIRS               where the system's file types are; default
+                              /usr/local/share:/usr/share
+  http_proxy, https_proxy,    proxies, and the hosts that are reached without
+  ftp_proxy, all_proxy,       them, as for curl(1)
+  no_proxy
+  NO_COLOR                    when set and not empty: no colours
+  TERM                        when unset or "dumb": no live display
+
+Files:
+  $XDG_CONFIG_HOME/Tessary Software/Quillforth.conf    the settings
+  $XDG_DATA_HOME/Tessary Software/Quillforth           where files go as long as
+                                                       no folder is chosen
+  mime/globs2 in the folders of XDG_DATA_HOME          the types of file-name
+  and XDG_DATA_DIRS                                    extensions
+)";
+
+constexpr std::string_view kGet = R"(quillforth-cli get - download files, and what pages link to
+
+Usage: quillforth-cli get [OPTION...] URL...
+
+Each URL is judged to be a page or a file, as "classify" shows. The links of a
+page join a queue; so does a file. The queue is downloaded one file at a time.
+A file appears under its name only when it is complete; an existing file is kept
+and the new one gets a free name, unless overwriteFilesBySameName is set.
+
+A text in the queue that is no URL is reported as failed and passed over. When
+the connection is lost, the run ends. Ctrl-C ends it too, and leaves no partial
+file behind.
+
+Options:
+  --to DIR         download into DIR, which is made when it does not exist. It
+                   answers every question for a folder in this run, whatever
+                   the settings say. Without it the stored folder is used, see
+                   "quillforth-cli settings DestinationDirectory"; with
+                   alwaysPromptForOutputLocation set, the terminal is asked
+  --page           all URLs are pages; none is judged
+  --file           all URLs are files; none is judged
+  --set KEY=VALUE  use VALUE for a setting in this run only; may be repeated.
+                   Keys and values are those of "quillforth-cli settings"
+  --json           one JSON object an event on standard output, see below
+  --local          do not look whether there is an Internet connection: for
+                   servers on this machine or in the local network
+  -h, --help       show this text
+
+Output:
+  On a terminal: what is under way at the bottom, with a progress bar and the
+  progress line, redrawn in place; what is done scrolls above. Elsewhere one
+  line a file, as soon as it is done, and nothing else:
+    done URL -> PATH
+    failed URL: reason
+  Messages go to standard error. User names and passwords in URLs are never
+  shown. Control characters in texts from elsewhere are written as \xHH.
+
+JSON events, one object a line, in ASCII; "event" says which:
+  page      "url", "links": the page was read, its links are in the queue
+  begin     "url": a download has begun
+  progress  "url", "received", "expected" (bytes, null when unknown); at most
+            once a second
+  done      "url", "path", "bytes": the file is complete
+  failed    "url", "reason": a page or a file
+  end       "done", "failed", "notFetched" (how many), "status" (exit status)
+
+A user name and a password that a server asks for are asked on the terminal. An
+empty user name, or no terminal, makes that download fail.
+
+Examples:
+  quillforth-cli get --to pictures http://www.example.org/gallery/
+  quillforth-cli get --file http://www.example.org/one.zip
+  quillforth-cli get --set overwriteFilesBySameName=yes --to . URL
+  quillforth-cli get --json URL | jq -r 'select(.event == "done") | .path'
+
+Exit status:
+  0    every page and file was fetched
+  1    something failed, was not fetched, or could not be written
+  2    a mistake on the command line; nothing was done
+  130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
+)";
+
+constexpr std::string_view kLinks =
+    R"(quillforth-cli links - list the links of a page, in the order of the queue
+
+Usage: quillforth-cli links [--base URL | --url URL] [--null] FILE|-|URL
+
+Reads a page from FILE, from standard input (-), or from the web (a text that
+begins with http://, https:// or ftp://), and prints each link as an absolute
+URL. A file does not say where it came from, so one of --base and --url must;
+for a page from the web, its own URL is the default for --url.
+
+Options:
+  --base URL  resolve all links against URL, whatever the page says
+  --url URL   the page's own URL: links are resolved against it, unless the page
+              names another base in its head
+  --null      for every link the text as it stands in the page, a NUL byte, the
+              absolute URL, a NUL byte; the bytes as they are, for programs
+  -h, --help  show this text
+
+Without --null each link is one line: control characters are written as
+%-escapes, and a link that is not valid UTF-8 is left out, as the queue does.
+A page may have 256 MiB.
+
+Examples:
+  quillforth-cli links http://www.example.org/gallery/
+  quillforth-cli links --url http://www.example.org/gallery/ saved.html
+  curl -s URL | quillforth-cli links --url URL --null - | xargs -0 -n 2 echo
+
+Exit status:
+  0  the page was read, whether or not it has links
+  1  the page could not be read, or the links not be written
+  2  a mistake on the command line
+)";
+
+constexpr std::string_view kClassify = R"(quillforth-cli classify - tell pages from files, and why
+
+Usage: quillforth-cli classify URL...
+
+A URL whose path ends in a file-name extension is judged by that alone: a page
+when "quillforth-cli extensions" lists a type for it that begins with "text/",
+else a file. Letter case counts. A URL without an extension costs a "HEAD"
+request: a page when the server's Content-Type begins with "text/". Whatever
+fails makes a file; a server that stays silent is given up after ten seconds.
+
+Output, one line a URL, separated by tabs:
+  page or file, the URL, the reason
+
+Options:
+  -h, --help  show this text
+
+Examples:
+  $ quillforth-cli classify http://www.example.org/a.zip http://www.example.org/
+  file  http://www.example.org/a.zip  extension .zip is application/zip
+  page  http://www.example.org/       the server says text/html
+
+Exit status:
+  0  every URL was judged
+  1  the result could not be written
+  2  a mistake on the command line
+)";
+
+constexpr std::string_view kExtensions = R"(quillforth-cli extensions - list the table of file-name extensions
+
+Usage: quillforth-cli extensions
+
+Prints the table by which URLs are judged to be pages or files, in its order: an
+extension with its dot, a tab, its MIME type. The table is the desktop's own,
+the shared MIME-info database; what the user has added there counts.
+
+Options:
+  -h, --help  show this text
+
+Environment:
+  XDG_DATA_HOME, XDG_DATA_DIRS  the folders whose mime/globs2 files are read
+
+Exit status:
+  0  the table was printed
+  1  it could not be written
+  2  a mistake on the command line
+)";
+
+constexpr std::string_view kSettings = R"(quillforth-cli settings - show or change the settings
+
+Usage: quillforth-cli settings
+       quillforth-cli settings KEY
+       quillforth-cli settings KEY VALUE
+       quillforth-cli settings --unset KEY
+
+Without arguments: every setting, its value in effect, and "default" or
+"stored", separated by tabs. With KEY: its value in effect. With VALUE: stores
+it. A running Quillforth sees the change at once.
+
+Options:
+  --unset     go back to the default
+  -h, --help  show this text
+
+Keys with a value of yes or no (or true, false, on, off, 1, 0):
+  showStatusWindow (yes)               bring the window forward when work comes
+  bringApplicationToFront (yes)        and the program too; counts as no when
+                                       showStatusWindow is no
+  setCommentToLocationURL (yes)        note on each file where it came from
+  overwriteFilesBySameName (no)        replace files instead of finding a free
+                                       name
+  aggregateFiles (no)                  sort the destination folder by file type
+                                       when the queue is done
+  preserveFileCommentsWhenAggregatingFiles (no)
+                                       keep the notes when files are sorted
+  alwaysPromptForOutputLocation (no)   ask for a folder each time
+  showAlertsWhenErrorsOccur (no)       show a message for each download that
+                                       fails
+
+Key with a folder as its value:
+  DestinationDirectory                 where downloads go: an existing folder,
+                                       found again after it was moved
+
+Examples:
+  quillforth-cli settings aggregateFiles yes
+  quillforth-cli settings DestinationDirectory ~/Pictures
+  quillforth-cli settings --unset DestinationDirectory
+
+Exit status:
+  0  all well
+  1  the folder does not exist, or the setting could not be stored
+  2  a mistake on the command line, such as an unknown key or value
+
+Files:
+  $XDG_CONFIG_HOME/Tessary Software/Quillforth.conf
+)";
+
+}  // namespace
+
+std::string HelpText(std::string_view command) {
+  if (command == "get") return std::string(kGet);
+  if (command == "links") return std::string(kLinks);
+  if (command == "classify") return std::string(kClassify);
+  if (command == "extensions") return std::string(kExtensions);
+  if (command == "settings") return std::string(kSettings);
+  return std::string(kProgram);
+}
+
+std::string VersionText() {
+  return "quillforth-cli " QUILLFORTH_VERSION;
+}
+
+}  // namespace quillforth::terminal

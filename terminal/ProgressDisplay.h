@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+//
+// The live display of `get` on a terminal: what is under way at the bottom, finished files scrolling above.
+//
+//     done http://host/a.jpg -> /home/me/a.jpg        finished files: whole lines, never touched again
+//     http://host/files/b.zip                         the live area: three lines, redrawn in place
+//     [########------------] 17 urls queued
+//     42 percent, (1,234 of 2,938 bytes, Elapsed: 1 min 3 secs , Rem
+//
+// Drawing happens some ten times a second, however often something changes, and each time in one write: a
+// thousand small files a second neither flicker nor slow the transfers. The window's size is asked for at
+// each drawing, and what a narrower window has wrapped is taken into account. Uses the escape sequences of
+// ECMA-48 that every terminal since the VT100 knows. Main thread.
+#pragma once
+
+#include <QByteArrayList>
+#include <QTimer>
+
+#include "terminal/Reporter.h"
+#include "terminal/Status.h"
+
+namespace quillforth::terminal {
+
+struct WindowSize {
+  int columns = 80;
+  int rows = 24;
+  friend bool operator==(const WindowSize&, const WindowSize&) = default;
+};
+
+/// The lines of the live area, each narrower than the window and fewer than its rows; none when nothing is
+/// under way.
+[[nodiscard]] QByteArrayList LiveLines(const Status& status, WindowSize size);
+
+class ProgressDisplay final : public Reporter {
+ public:
+  enum class Colour { none, some };
+  /// `terminal` is one; `status` outlives this.
+  ProgressDisplay(Output& terminal, Output& errors, const Status& status, Colour colour);
+  ~ProgressDisplay() override;
+
+  void pageWillLoad(const QString& url) override;
+  void pageDidLoad(const QString& url, int links) override;
+  void fileDidBegin(const QString& /*url*/) override {}
+  void fileDidProgress(const QString&, std::uint64_t, std::int64_t) override {}
+  void fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) override;
+  void didFail(const QString& url, const QString& reason) override;
+  void notice(const QString& message) override;
+  void suspend() override;
+  void end(const Summary& summary) override;
+
+ private:
+  void appendLine(const char* colour, const QByteArray& line);
+  void draw();
+  void write(const QByteArrayList& live);
+  [[nodiscard]] QByteArray eraseSequence(int columns) const;
+
+  Output& terminal_;
+  Output& errors_;
+  const Status& status_;
+  Colour colour_;
+  QTimer timer_;
+  QString loadingPage_;  // null when none is
+  QByteArray finished_;  // lines that wait for the next drawing
+  QByteArrayList drawn_;
+  WindowSize drawnSize_;
+};
+
+}  // namespace quillforth::terminal

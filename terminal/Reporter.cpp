@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/Reporter.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QStringList>
+#include <chrono>
+
+#include "terminal/Text.h"
+
+namespace quillforth::terminal {
+
+namespace {
+
+constexpr std::int64_t kMillisecondsBetweenProgressEvents = 1000;
+
+std::int64_t SteadyMilliseconds() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+QJsonObject Event(QLatin1String name) {
+  return {{QStringLiteral("event"), name}};
+}
+
+QJsonObject URLEvent(QLatin1String name, const QString& url) {
+  QJsonObject event = Event(name);
+  event.insert(QStringLiteral("url"), url);
+  return event;
+}
+
+QString NoLinksNotice(const QString& url) {
+  return QStringLiteral("no links on %1").arg(url);
+}
+
+}  // namespace
+
+QByteArray DoneLine(const QString& url, const QString& path) {
+  return (QStringLiteral("done ") + Printable(url) + QStringLiteral(" -> ") + Printable(path)).toUtf8();
+}
+
+QByteArray FailedLine(const QString& url, const QString& reason) {
+  return (QStringLiteral("failed ") + Printable(url) + QStringLiteral(": ") + Printable(reason)).toUtf8();
+}
+
+QByteArray NoticeText(const QString& message) {
+  QByteArray text("quillforth-cli: ");
+  const QStringList lines = message.split(u'\n');
+  for (const QString& line : lines) text.append(Printable(line).toUtf8()).append('\n');
+  return text;
+}
+
+QString SummaryNotice(const Summary& summary) {
+  if (summary.notFetched == 0) return {};
+  return QStringLiteral("%1 of the URLs not fetched").arg(summary.notFetched);
+}
+
+void LineReporter::pageDidLoad(const QString& url, int links) {
+  if (links == 0) notice(NoLinksNotice(url));
+}
+
+void LineReporter::fileDidFinish(const QString& url, const QString& path, std::uint64_t /*bytes*/) {
+  results_.writeLine(DoneLine(url, path));
+}
+
+void LineReporter::didFail(const QString& url, const QString& reason) {
+  results_.writeLine(FailedLine(url, reason));
+}
+
+void LineReporter::notice(const QString& message) {
+  errors_.write(NoticeText(message));
+}
+
+void LineReporter::end(const Summary& summary) {
+  if (const QString message = SummaryNotice(summary); !message.isEmpty()) notice(message);
+}
+
+void JsonReporter::write(const QJsonObject& event) {
+  const QString text = QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact));
+  QByteArray line;
+  line.reserve(text.size());
+  // Beyond ASCII everything is escaped: some of it would steer a terminal.
+  for (const QChar c : text) {
+    if (c.unicode() < 0x7f) {
+      line.append(static_cast<char>(c.unicode()));
+    } else {
+      line.append("\\u").append(QByteArray::number(c.unicode(), 16).rightJustified(4, '0'));
+    }
+  }
+  results_.writeLine(line);
+}
+
+void JsonReporter::pageDidLoad(const QString& url, int links) {
+  QJsonObject event = URLEvent(QLatin1String("page"), url);
+  event.insert(QStringLiteral("links"), links);
+  write(event);
+}
+
+void JsonReporter::fileDidBegin(const QString& url) {
+  write(URLEvent(QLatin1String("begin"), url));
+}
+
+void JsonReporter::fileDidProgress(const QString& url, std::uint64_t received, std::int64_t expected) {
+  const std::int64_t now = SteadyMilliseconds();
+  if (now - lastProgress_ < kMillisecondsBetweenProgressEvents) return;
+  lastProgress_ = now;
+  QJsonObject event = URLEvent(QLatin1String("progress"), url);
+  event.insert(QStringLiteral("received"), static_cast<qint64>(received));
+  event.insert(QStringLiteral("expected"), expected < 0 ? QJsonValue() : QJsonValue(qint64{expected}));
+  write(event);
+}
+
+void JsonReporter::fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) {
+  QJsonObject event = URLEvent(QLatin1String("done"), url);
+  event.insert(QStringLiteral("path"), path);
+  event.insert(QStringLiteral("bytes"), static_cast<qint64>(bytes));
+  write(event);
+}
+
+void JsonReporter::didFail(const QString& url, const QString& reason) {
+  QJsonObject event = URLEvent(QLatin1String("failed"), url);
+  event.insert(QStringLiteral("reason"), reason);
+  write(event);
+}
+
+void JsonReporter::notice(const QString& message) {
+  errors_.write(NoticeText(message));
+}
+
+void JsonReporter::end(const Summary& summary) {
+  QJsonObject event = Event(QLatin1String("end"));
+  event.insert(QStringLiteral("done"), summary.finished);
+  event.insert(QStringLiteral("failed"), summary.failed);
+  event.insert(QStringLiteral("notFetched"), summary.notFetched);
+  event.insert(QStringLiteral("status"), summary.exitStatus);
+  write(event);
+}
+
+}  // namespace quillforth::terminal

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/TerminalOutlets.h"
+
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "terminal/Text.h"
+
+namespace quillforth::terminal {
+
+using platform::Credential;
+
+namespace {
+
+// A typed folder name as an absolute path; a leading "~/" is the home folder, as in a shell.
+QString AbsolutePath(const QString& typed) {
+  if (typed == u'~' || typed.startsWith(QStringLiteral("~/"))) return QDir::homePath() + typed.sliced(1);
+  return QDir::current().absoluteFilePath(typed);
+}
+
+std::optional<Credential> AskForCredential(const TerminalPrompt& prompt,
+                                           const platform::AuthenticationChallenge& challenge) {
+  const QString server = challenge.isProxy ? QStringLiteral("proxy ") + challenge.host : challenge.host;
+  const QString place =
+      challenge.realm.isEmpty() ? server : QStringLiteral("\"%1\" at %2").arg(challenge.realm, server);
+  const QString user =
+      prompt.ask(Printable(QStringLiteral("User name for %1: ").arg(place)), TerminalPrompt::Echo::shown)
+          .value_or(QString());
+  if (user.isEmpty()) return std::nullopt;
+  const std::optional<QString> password =
+      prompt.ask(QStringLiteral("Password: "), TerminalPrompt::Echo::hidden);
+  if (!password) return std::nullopt;
+  return Credential{user, *password};
+}
+
+}  // namespace
+
+void TerminalWindow::beginAlertSheet(const QString& title, const QString& message) {
+  reporter_.notice(title + QStringLiteral(": ") + message);
+}
+
+void TerminalWindow::beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
+                                              std::function<void(std::optional<Credential>)> answer) {
+  reporter_.suspend();
+  if (challenge.previousFailureCount > 0) {
+    reporter_.notice(QStringLiteral("the user name or the password was refused"));
+  }
+  answer(AskForCredential(prompt_, challenge));
+}
+
+void TerminalApplication::beep() {
+  if (::isatty(STDERR_FILENO) == 1) Output(STDERR_FILENO).write("\a");
+}
+
+app::AlertResult TerminalApplication::runModalAlert(const app::Alert& alert) {
+  const bool isQuestion = !alert.alternateButton.isNull();
+  QString text = alert.messageText;
+  if (!isQuestion && !alert.informativeText.isEmpty()) text += u'\n' + alert.informativeText;
+  reporter_.notice(text);
+  return isQuestion ? app::AlertResult::alternateButton : app::AlertResult::defaultButton;
+}
+
+std::optional<QString> TerminalApplication::runOpenPanel(const app::FolderPanel& panel) {
+  if (!destination_.isNull()) return destination_;
+  reporter_.suspend();
+  const QString title = panel.title.isEmpty() ? panel.prompt : panel.title;
+  const QString typed =
+      prompt_.ask(Printable(title) + QStringLiteral(": "), TerminalPrompt::Echo::shown).value_or(QString());
+  if (typed.isEmpty()) return std::nullopt;
+  const QString path = AbsolutePath(typed);
+  if (QFileInfo(path).isDir() || QDir().mkpath(path)) return path;
+  reporter_.notice(QStringLiteral("cannot make the folder ") + path);
+  return std::nullopt;
+}
+
+app::ChosenFolder TerminalApplication::runChooseFolderDialog(const app::FolderPanel& panel) {
+  const std::optional<QString> path = runOpenPanel(panel);
+  if (!path) return {};
+  return {0, platform::FileReference(QFile::encodeName(*path).toStdString())};
+}
+
+void TerminalApplication::openFile(const QString& path) {
+  reporter_.notice(path);
+}
+
+TerminalOutlets::TerminalOutlets(Status& status, Reporter& reporter, const TerminalPrompt& prompt)
+    : downloadDestinationTextField_(unseenTexts_[0], unseenHidden_),
+      urlTextField_(unseenTexts_[1], unseenHidden_),
+      countTextField_(status.countText, unseenHidden_),
+      window_(reporter, prompt),
+      fileDownloadProgressBar_(status),
+      fileDownloadProgressText_(status.progressText, status.progressTextHidden),
+      currentURLTextField_(status.currentURL, status.currentURLHidden) {}
+
+app::Outlets TerminalOutlets::outlets() {
+  return {.downloadDestinationTextField = downloadDestinationTextField_,
+          .urlTextField = urlTextField_,
+          .countTextField = countTextField_,
+          .preferencesWindow = window_,
+          .statusWindow = window_,
+          .spinner = spinner_,
+          .fileDownloadProgressBar = fileDownloadProgressBar_,
+          .fileDownloadProgressText = fileDownloadProgressText_,
+          .currentURLTextField = currentURLTextField_,
+          .fileDownloadCancelButton = button_,
+          .deleteButton = button_,
+          .stopButton = button_,
+          .openOutputFolderButton = button_,
+          .fileTable = fileTable_};
+}
+
+}  // namespace quillforth::terminal

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+//
+// The controller's outlets in a terminal: a few of them fill a Status, the others have nobody to show
+// themselves to.
+//
+// Windows have no place here, so bringing them forward is nothing; sheets and alerts are messages; questions
+// are asked on the controlling terminal where there is one, and count as cancelled where there is none. Main
+// thread.
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "app/Outlets.h"
+#include "terminal/Reporter.h"
+#include "terminal/Status.h"
+#include "terminal/TerminalPrompt.h"
+
+namespace quillforth::terminal {
+
+/// Keeps its text where the display finds it.
+class TextFieldInStatus final : public app::TextField {
+ public:
+  TextFieldInStatus(QString& text, bool& hidden) : text_(text), hidden_(hidden) {}
+  [[nodiscard]] QString stringValue() const override { return text_; }
+  void setStringValue(const QString& text) override { text_ = text; }
+  void setHidden(bool hidden) override { hidden_ = hidden; }
+
+ private:
+  QString& text_;
+  bool& hidden_;
+};
+
+class ProgressBarInStatus final : public app::ProgressIndicator {
+ public:
+  explicit ProgressBarInStatus(Status& status) : status_(status) {}
+  void setDoubleValue(double value) override { status_.fraction = value; }
+  void setHidden(bool hidden) override { status_.progressBarHidden = hidden; }
+  void startAnimation() override {}
+  void stopAnimation() override {}
+
+ private:
+  Status& status_;
+};
+
+/// A button, spinner or table that a terminal has no use for.
+class UnseenButton final : public app::Button {
+ public:
+  void setEnabled(bool /*enabled*/) override {}
+  void setHidden(bool /*hidden*/) override {}
+  void setToolTip(const QString& /*text*/) override {}
+};
+class UnseenSpinner final : public app::ProgressIndicator {
+ public:
+  void setDoubleValue(double /*value*/) override {}
+  void setHidden(bool /*hidden*/) override {}
+  void startAnimation() override {}
+  void stopAnimation() override {}
+};
+class UnseenTable final : public app::TableView {
+ public:
+  void registerForDraggedTypes(const QStringList& /*types*/) override {}
+  void reloadData() override {}
+  [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override { return {}; }
+};
+
+/// Sheets become messages, the authentication sheet two questions.
+class TerminalWindow final : public app::Window {
+ public:
+  TerminalWindow(Reporter& reporter, const TerminalPrompt& prompt) : reporter_(reporter), prompt_(prompt) {}
+  void makeKeyAndOrderFront() override {}
+  void beginAlertSheet(const QString& title, const QString& message) override;
+  /// Answers at once. An empty user name cancels.
+  void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
+                                std::function<void(std::optional<platform::Credential>)> answer) override;
+
+ private:
+  Reporter& reporter_;
+  const TerminalPrompt& prompt_;
+};
+
+class TerminalApplication final : public app::Application {
+ public:
+  /// `destination`: what every folder panel answers; null: the user is asked.
+  TerminalApplication(Reporter& reporter, const TerminalPrompt& prompt, QString destination)
+      : reporter_(reporter), prompt_(prompt), destination_(std::move(destination)) {}
+
+  void activateIgnoringOtherApps() override {}
+  /// Rings where standard error is a terminal.
+  void beep() override;
+  /// Shows the text on standard error. Never asks: the answer is the alternate button, where there is one.
+  app::AlertResult runModalAlert(const app::Alert& alert) override;
+  std::optional<QString> runOpenPanel(const app::FolderPanel& panel) override;
+  app::ChosenFolder runChooseFolderDialog(const app::FolderPanel& panel) override;
+  /// Shows the path.
+  void openFile(const QString& path) override;
+
+ private:
+  Reporter& reporter_;
+  const TerminalPrompt& prompt_;
+  QString destination_;
+};
+
+/// All outlets of one controller.
+class TerminalOutlets {
+ public:
+  TerminalOutlets(Status& status, Reporter& reporter, const TerminalPrompt& prompt);
+  [[nodiscard]] app::Outlets outlets();
+
+ private:
+  QString unseenTexts_[2];
+  bool unseenHidden_ = false;
+  TextFieldInStatus downloadDestinationTextField_;
+  TextFieldInStatus urlTextField_;
+  TextFieldInStatus countTextField_;
+  TerminalWindow window_;
+  UnseenSpinner spinner_;
+  ProgressBarInStatus fileDownloadProgressBar_;
+  TextFieldInStatus fileDownloadProgressText_;
+  TextFieldInStatus currentURLTextField_;
+  UnseenButton button_;
+  UnseenTable fileTable_;
+};
+
+}  // namespace quillforth::terminal

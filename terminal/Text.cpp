@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/Text.h"
+
+#include <QList>
+#include <cwchar>
+
+namespace quillforth::terminal {
+
+namespace {
+
+bool IsHarmless(char32_t c) {
+  switch (QChar::category(c)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+      return false;
+    default:
+      return true;
+  }
+}
+
+void AppendEscape(QString& result, char32_t c) {
+  const int digits = c <= 0xff ? 2 : c <= 0xffff ? 4 : 8;
+  const char16_t letter = c <= 0xff ? u'x' : c <= 0xffff ? u'u' : u'U';
+  result.append(u'\\').append(letter).append(QString::number(c, 16).rightJustified(digits, u'0'));
+}
+
+int Width(char32_t c) {
+  // Code points that Qt knows and the C library does not are taken as narrow.
+  const int width = ::wcwidth(static_cast<wchar_t>(c));
+  return width < 0 ? 1 : width;
+}
+
+// UTF-16 units of a code point.
+qsizetype UnitsOf(char32_t c) {
+  return QChar::requiresSurrogates(c) ? 2 : 1;
+}
+
+// UTF-16 units of the longest run of code points, from `first` on, that fits.
+template <typename Iterator>
+qsizetype UnitsInWidth(Iterator first, Iterator last, int columns) {
+  qsizetype units = 0;
+  for (; first != last; ++first) {
+    columns -= Width(*first);
+    if (columns < 0) break;
+    units += UnitsOf(*first);
+  }
+  return units;
+}
+
+}  // namespace
+
+QString Printable(const QString& text) {
+  QString result;
+  result.reserve(text.size());
+  for (const char32_t c : text.toUcs4()) {
+    if (IsHarmless(c)) {
+      result.append(QChar::fromUcs4(c));
+    } else {
+      AppendEscape(result, c);
+    }
+  }
+  return result;
+}
+
+int DisplayWidth(QStringView text) {
+  int width = 0;
+  for (const char32_t c : text.toUcs4()) width += Width(c);
+  return width;
+}
+
+QString CutToWidth(const QString& text, int columns) {
+  const QList<uint> characters = text.toUcs4();
+  return text.first(UnitsInWidth(characters.begin(), characters.end(), columns));
+}
+
+QString ElideMiddle(const QString& text, int columns) {
+  if (DisplayWidth(text) <= columns) return text;
+  const int kept = columns - 3;
+  if (kept <= 0) return CutToWidth(text, columns);
+  const QList<uint> characters = text.toUcs4();
+  const QString beginning = CutToWidth(text, kept / 2);
+  const int rest = kept - DisplayWidth(beginning);
+  return beginning + QStringLiteral("...") +
+         text.last(UnitsInWidth(characters.rbegin(), characters.rend(), rest));
+}
+
+QByteArray PercentEncodedControls(const QByteArray& bytes) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  QByteArray result;
+  result.reserve(bytes.size());
+  const auto appendEscape = [&result](unsigned char byte) {
+    result.append('%').append(kDigits[byte >> 4]).append(kDigits[byte & 15]);
+  };
+  for (qsizetype i = 0; i < bytes.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < bytes.size() ? bytes[i + 1] : '\0');
+    if (byte < 0x20 || byte == 0x7f) {
+      appendEscape(byte);
+    } else if (byte == 0xc2 && next >= 0x80 && next <= 0x9f) {
+      appendEscape(byte);
+      appendEscape(next);
+      ++i;
+    } else {
+      result.append(bytes[i]);
+    }
+  }
+  return result;
+}
+
+}  // namespace quillforth::terminal

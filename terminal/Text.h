@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+//
+// Texts made fit for a terminal: nothing in them steers it, and their width in columns is known.
+//
+// URLs, server messages and file names come from strangers. What they hold of control characters, of
+// bidirectional overrides and of code points without a picture is written as an escape, so that a line is
+// one line and shows what it says. Pure functions; any thread, once the C library's locale is one of UTF-8.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace quillforth::terminal {
+
+/// `text` with every control, format and unassigned character as "\xHH", "\uHHHH" or "\UHHHHHHHH". One line,
+/// safe to show.
+[[nodiscard]] QString Printable(const QString& text);
+
+/// Columns that a printable text takes: wide characters two, combining ones none.
+[[nodiscard]] int DisplayWidth(QStringView text);
+
+/// The longest beginning of a printable text that fits into `columns`.
+[[nodiscard]] QString CutToWidth(const QString& text, int columns);
+
+/// A printable text in at most `columns`: when it is longer, "..." stands for its middle, so that a URL's
+/// host and its file name both stay.
+[[nodiscard]] QString ElideMiddle(const QString& text, int columns);
+
+/// `bytes` with every control character, in ASCII or in UTF-8 (U+0080 to U+009F), as %-escapes: one line.
+[[nodiscard]] QByteArray PercentEncodedControls(const QByteArray& bytes);
+
+}  // namespace quillforth::terminal
