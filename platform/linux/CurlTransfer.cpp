@@ -3,6 +3,7 @@
 #include "platform/linux/CurlTransfer.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace quillforth::platform {
@@ -21,6 +22,7 @@ bool CurlTransfer::begin(CurlEasy handle) {
   end();
   if (multi_ == nullptr || handle == nullptr) return false;
   headerLength_ = 0;
+  isInsideHeader_ = false;
   curl_easy_setopt(handle.get(), CURLOPT_HEADERFUNCTION, &CurlTransfer::receiveHeader);
   curl_easy_setopt(handle.get(), CURLOPT_HEADERDATA, this);
   if (curl_multi_add_handle(multi_.get(), handle.get()) != CURLM_OK) return false;
@@ -34,6 +36,7 @@ std::optional<CURLcode> CurlTransfer::perform() {
   int left = 0;
   const CURLMsg* message = curl_multi_info_read(multi_.get(), &left);
   if (message == nullptr || message->msg != CURLMSG_DONE) return std::nullopt;
+  if (message->data.result == CURLE_OK && isInsideHeader_) return CURLE_RECV_ERROR;
   return message->data.result;
 }
 
@@ -48,11 +51,15 @@ void CurlTransfer::end() {
   easy_.reset();
 }
 
-std::size_t CurlTransfer::receiveHeader(const char* /*data*/, std::size_t /*size*/, std::size_t count,
+// libcurl takes a header that the server cuts off for a whole one.
+std::size_t CurlTransfer::receiveHeader(const char* data, std::size_t /*size*/, std::size_t count,
                                         void* self) {
-  std::size_t& length = static_cast<CurlTransfer*>(self)->headerLength_;
-  length += count;
-  return length <= kMaxHeaderLength ? count : 0;
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  const std::string_view line(data, count);
+  if (line.starts_with("HTTP/")) transfer.isInsideHeader_ = true;
+  if (line == "\r\n" || line == "\n") transfer.isInsideHeader_ = false;
+  transfer.headerLength_ += count;
+  return transfer.headerLength_ <= kMaxHeaderLength ? count : 0;
 }
 
 }  // namespace quillforth::platform

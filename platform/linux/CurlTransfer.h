@@ -55,6 +55,7 @@ class CurlTransfer {
   std::unique_ptr<CURLM, MultiDeleter> multi_;
   CurlEasy easy_;
   std::size_t headerLength_ = 0;
+  bool isInsideHeader_ = false;  // between a status line and its blank line
 };
 
 [[nodiscard]] inline bool IsInterrupted(const TransferSettings& settings) {
