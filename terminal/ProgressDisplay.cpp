@@ -5,7 +5,9 @@
 #include <sys/ioctl.h>
 
 #include <algorithm>
+#include <utility>
 
+#include "platform/URL.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -38,7 +40,7 @@ QString Bar(double fraction, int width) {
 QByteArrayList LiveLines(const Status& status, WindowSize size) {
   if (status.currentURLHidden) return {};
   const int columns = std::max(size.columns - 1, 1);
-  const QString url = ElideMiddle(Printable(status.currentURL), columns);
+  const QString url = ElideMiddle(Printable(platform::WithoutCredentials(status.currentURL)), columns);
   const QString bar =
       status.progressBarHidden ? QString() : Bar(status.fraction, std::min(columns / 2, 40)) + u' ';
   const QString text = status.progressTextHidden ? QString() : Printable(status.progressText);
