@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+//
+// A controller whose every call to the outside is written down.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/MyAppController.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/Recorder.h"
+
+namespace quillforth::tests {
+
+class ControllerTest : public ::testing::Test {
+ protected:
+  ControllerTest() { outlets.table.dataSource = &controller; }
+
+  void queue(std::initializer_list<const char*> urls) {
+    for (const char* url : urls) controller.queueURL(QString::fromLatin1(url));
+    static_cast<void>(log.take());
+  }
+  /// The queue's entries, parted by blanks.
+  [[nodiscard]] std::string queued() const {
+    QStringList urls;
+    for (std::size_t row = 0; row < controller.numberOfRows(); ++row)
+      urls << controller.objectValueForRow(row);
+    return urls.join(u' ').toStdString();
+  }
+  /// Starts a URL up to the callback that begins it.
+  FakeDownload& begin(const char* url) {
+    controller.startURL(QString::fromLatin1(url), false);
+    FakeDownload& download = latest();
+    download.begin();
+    static_cast<void>(log.take());
+    return download;
+  }
+  FakeDownload& latest() { return *host.downloads.started.back(); }
+
+  CallLog log;
+  FakeHost host{log};
+  RecordedOutlets outlets{log};
+  app::MyAppController controller{outlets.outlets(), host.host()};
+};
+
+}  // namespace quillforth::tests
