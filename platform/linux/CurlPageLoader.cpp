@@ -16,15 +16,6 @@ std::size_t AppendToPage(const char* data, std::size_t /*size*/, std::size_t cou
   return count;
 }
 
-void SetLimits(CURL* handle, std::chrono::seconds stallLimit) {
-  const auto seconds = static_cast<long>(stallLimit.count());
-  curl_easy_setopt(handle, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(PageLoader::kMaxPageLength));
-  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, seconds);
-  curl_easy_setopt(handle, CURLOPT_SERVER_RESPONSE_TIMEOUT, seconds);
-  curl_easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
-  curl_easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, seconds);
-}
-
 }  // namespace
 
 CurlPageLoader::CurlPageLoader(const TransferSettings& settings, std::chrono::seconds stallLimit)
@@ -34,22 +25,29 @@ std::optional<QByteArray> CurlPageLoader::resourceData(const URL& url) {
   CurlEasy easy = CurlTransfer::prepare(settings_, url);
   if (easy == nullptr) return std::nullopt;
   QByteArray body(0, '\0');  // not null: an empty page is a page
-  SetLimits(easy.get(), stallLimit_);
+  curl_easy_setopt(easy.get(), CURLOPT_MAXFILESIZE_LARGE, curl_off_t{kMaxPageLength});
   curl_easy_setopt(easy.get(), CURLOPT_HTTPAUTH, CURLAUTH_BASIC | CURLAUTH_DIGEST);
   curl_easy_setopt(easy.get(), CURLOPT_FAILONERROR, 1L);
   curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &AppendToPage);
   curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
   const std::lock_guard lock(mutex_);
   if (!transfer_.begin(std::move(easy))) return std::nullopt;
-  const bool complete = runTransfer();
+  const bool complete = runTransfer(body);
   transfer_.end();
   if (!complete) return std::nullopt;
   return body;
 }
 
-bool CurlPageLoader::runTransfer() {
+bool CurlPageLoader::runTransfer(const QByteArray& body) {
+  using Clock = std::chrono::steady_clock;
+  std::size_t received = 0;
+  Clock::time_point deadline = Clock::now() + stallLimit_;
   while (!IsInterrupted(settings_)) {
     if (const std::optional<CURLcode> result = transfer_.perform()) return *result == CURLE_OK;
+    const std::size_t receivedNow = transfer_.headerLength() + static_cast<std::size_t>(body.size());
+    if (receivedNow != received) deadline = Clock::now() + stallLimit_;
+    if (Clock::now() >= deadline) return false;
+    received = receivedNow;
     transfer_.wait();
   }
   return false;

@@ -18,7 +18,7 @@ namespace quillforth::platform {
 class CurlPageLoader final : public PageLoader {
  public:
   /// `settings` outlives the loader. While `settings.interrupted` is true, loads fail within a fifth of a
-  /// second.
+  /// second. `stallLimit` without a byte of header or body fails a load; a redirect's body does not count.
   explicit CurlPageLoader(const TransferSettings& settings,
                           std::chrono::seconds stallLimit = std::chrono::seconds(kStallSeconds));
 
@@ -28,7 +28,7 @@ class CurlPageLoader final : public PageLoader {
   [[nodiscard]] std::optional<QByteArray> resourceData(const URL& url) override;
 
  private:
-  [[nodiscard]] bool runTransfer();
+  [[nodiscard]] bool runTransfer(const QByteArray& body);
 
   const TransferSettings& settings_;
   std::chrono::seconds stallLimit_;

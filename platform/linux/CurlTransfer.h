@@ -42,6 +42,8 @@ class CurlTransfer {
   void wait(std::chrono::milliseconds limit = kMaxWait);
   /// Aborts the transfer if it is not over. Not from a callback.
   void end();
+  /// Bytes of response headers so far.
+  [[nodiscard]] std::size_t headerLength() const { return headerLength_; }
   /// Null before `begin` and after `end`.
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
 
