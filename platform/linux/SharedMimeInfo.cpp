@@ -47,11 +47,12 @@ std::vector<std::filesystem::path> DataFolders() {
 std::string ReadFile(const std::filesystem::path& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return {};
+  const std::uintmax_t length = std::filesystem::file_size(path, error);
+  if (error || length > SharedMimeInfo::kMaxFileLength) return {};
+  std::string text(static_cast<std::size_t>(length), '\0');
   std::ifstream file(path, std::ios::binary);
-  std::string text(SharedMimeInfo::kMaxFileLength + 1, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(file.gcount()));
-  if (text.size() > SharedMimeInfo::kMaxFileLength) return {};
   return text;
 }
 
