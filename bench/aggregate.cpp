@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+//
+// Sorting a folder of many items against a bare loop of renameat2 over the same names, in one run.
+//
+//   aggregate [--rounds N] FOLDER...
+//
+// Works in a new folder below each FOLDER (one on tmpfs and one on a disk tell most) and removes it. Prints
+// the best of the rounds, the ratio, and the time for a folder in which nothing is left to do. Ends with 1
+// when a ratio is above 1.5, or that time above half a second.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "fileops/Aggregation.h"
+#include "platform/linux/LinuxFolder.h"
+
+namespace {
+
+using namespace quillforth;
+
+constexpr int kItems = 100'000;
+constexpr int kExtensions = 20;
+constexpr double kHighestRatio = 1.5;
+constexpr double kLongestSortedSeconds = 0.5;
+
+void Require(bool condition, const char* what) {
+  if (condition) return;
+  std::perror(what);
+  std::exit(2);
+}
+
+class SilentLog final : public platform::SystemLog {
+ public:
+  void log(const QString& message) override { std::cerr << message.toStdString() << '\n'; }
+};
+
+std::string ItemName(int i, const char* separator) {
+  return "picture-" + std::to_string(i) + separator + "ext" + std::to_string(i % kExtensions);
+}
+
+void Fill(const std::string& folder, const char* separator) {
+  std::filesystem::create_directories(folder);
+  for (int i = 0; i < kItems; ++i) {
+    const int file =
+        ::open((folder + '/' + ItemName(i, separator)).c_str(), O_CREAT | O_EXCL | O_WRONLY, 0666);
+    Require(file >= 0, "create");
+    ::close(file);
+  }
+}
+
+double Seconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+std::vector<std::string> NamesInOrder(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename());
+  return names;
+}
+
+// The names, their order and the subfolders are all there before the clock starts.
+double BareLoop(const std::string& folder) {
+  Fill(folder, ".");
+  const std::vector<std::string> names = NamesInOrder(folder);
+  const int from = ::open(folder.c_str(), O_PATH | O_DIRECTORY);
+  std::vector<int> subfolders;
+  for (int i = 0; i < kExtensions; ++i) {
+    const std::string name = "ext" + std::to_string(i);
+    Require(::mkdirat(from, name.c_str(), 0777) == 0, "mkdirat");
+    subfolders.push_back(::openat(from, name.c_str(), O_PATH | O_DIRECTORY));
+  }
+  std::vector<int> targets;
+  for (const std::string& name : names) {
+    targets.push_back(subfolders[static_cast<std::size_t>(std::stoi(name.substr(name.rfind("ext") + 3)))]);
+  }
+  const double seconds = Seconds([&] {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const char* name = names[i].c_str();
+      Require(::renameat2(from, name, targets[i], name, RENAME_NOREPLACE) == 0, "renameat2");
+    }
+  });
+  for (const int subfolder : subfolders) ::close(subfolder);
+  ::close(from);
+  std::filesystem::remove_all(folder);
+  return seconds;
+}
+
+// `separator` "." makes items to move, "-" items to leave.
+double Aggregation(const std::string& folder, const char* separator) {
+  Fill(folder, separator);
+  platform::LinuxFolderAccess folders;
+  SilentLog log;
+  fileops::AggregationResult result;
+  const double seconds = Seconds([&] {
+    result = fileops::AggregateFolder({folders, log}, QString::fromStdString(folder));
+  });
+  Require(result.status == 0 && result.left == 0 && result.moved == (*separator == '.' ? kItems : 0),
+          "aggregate");
+  std::filesystem::remove_all(folder);
+  return seconds;
+}
+
+bool MeasureIn(const std::string& parent, int rounds) {
+  std::string folder = std::filesystem::absolute(parent) / "aggregate-XXXXXX";
+  Require(::mkdtemp(folder.data()) != nullptr, "mkdtemp");
+  double bare = std::numeric_limits<double>::max();
+  double ours = bare;
+  double sorted = bare;
+  for (int round = 0; round < rounds; ++round) {
+    bare = std::min(bare, BareLoop(folder + "/bare"));
+    ours = std::min(ours, Aggregation(folder + "/ours", "."));
+    sorted = std::min(sorted, Aggregation(folder + "/sorted", "-"));
+  }
+  std::filesystem::remove_all(folder);
+  std::printf("%-24s bare %.3f s, aggregation %.3f s, ratio %.2f, sorted folder %.3f s\n", parent.c_str(),
+              bare, ours, ours / bare, sorted);
+  return ours <= kHighestRatio * bare && sorted <= kLongestSortedSeconds;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  int rounds = 3;
+  if (arguments.size() > 2 && arguments[0] == "--rounds") {
+    rounds = std::max(1, std::atoi(arguments[1].c_str()));
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+  }
+  if (arguments.empty()) {
+    std::fputs("usage: aggregate [--rounds N] FOLDER...\n", stderr);
+    return 2;
+  }
+  bool held = true;
+  for (const std::string& parent : arguments) held = MeasureIn(parent, rounds) && held;
+  return held ? 0 : 1;
+}

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+//
+// Finds URL-like words around the dots of a page's text, whatever markup they stand in.
+//
+// Pure but for the sink; any thread.
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <string_view>
+
+#include "classify/ExtensionMap.h"
+#include "linkextract/LinkSink.h"
+
+namespace quillforth::linkextract {
+
+/// ASCII letters, digits, every printable character from "!" to "@", and "_".
+[[nodiscard]] bool IsUrlChar(char c) noexcept;
+
+/// The extensions of a table, with a filter before them: most words that a page asks about are none, and a
+/// page of dots asks at every byte.
+class KnownSuffixes {
+ public:
+  /// `extensions` must not change while this lives.
+  explicit KnownSuffixes(const classify::CExtensionMap& extensions);
+
+  /// Whether "." and `suffix`, cut at 255 bytes in all, is an extension of the table.
+  [[nodiscard]] bool contains(std::string_view suffix) const;
+  /// Bytes without the leading "." above which no suffix is known; the largest number there is when a
+  /// full-length extension is, since a longer suffix is cut to one.
+  [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
+
+ private:
+  static constexpr std::size_t kFilterBits = 1U << 15;
+  [[nodiscard]] static std::size_t filterBit(std::string_view suffix) noexcept;
+
+  const classify::CExtensionMap& extensions_;
+  std::size_t longest_;
+  std::bitset<kFilterBits> filter_;
+};
+
+/// Whether what follows a "." up to the end of its word makes that word look like a URL or a file name: a
+/// known extension, or two to four characters of which the second and later ones are letters or digits, with
+/// a letter among them. An empty text looks like one, too.
+[[nodiscard]] bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known);
+
+/// Gives `sink` a candidate for every "." of `text` whose word reaches from one delimiter (a quote, a
+/// parenthesis,
+/// "<", ">" or a line end) to the next without a character that no URL has, and ends in a suffix; in the
+/// order of the dots, duplicates included.
+///
+/// The first byte of the text is never part of a candidate, and a word that the text's end cuts off is none;
+/// both are kept on purpose. Linear in the text.
+void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& sink);
+
+}  // namespace quillforth::linkextract

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+//
+// From a loaded page to its links: the whole of the way that needs no controller.
+//
+// Any thread.
+#pragma once
+
+#include <string_view>
+
+#include "classify/ExtensionMap.h"
+#include "common/BoundedText.h"
+#include "linkextract/LinkTable.h"
+
+namespace quillforth::linkextract {
+
+/// What the links of `page` resolve against: the first <base href="..."> anywhere in it, if its head holds
+/// one in whatever quotes, and else, or when that is empty, `url`, the page's own URL. Cut at 255 bytes.
+[[nodiscard]] common::BoundedText FindPageBase(std::string_view page, std::string_view url);
+
+/// The links of a page that was loaded from `url` as `bytes`; none when there is no base at all.
+[[nodiscard]] LinkTable ExtractPageLinks(std::string_view bytes, std::string_view url,
+                                         const classify::CExtensionMap& extensions);
+
+}  // namespace quillforth::linkextract

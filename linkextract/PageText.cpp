@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+
+#include "linkextract/PageText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "linkextract/TextSearch.h"
+
+namespace quillforth::linkextract {
+
+namespace {
+
+/// Mac OS Roman above ASCII; all are in Unicode's first plane.
+constexpr std::array<char16_t, 128> kMacRoman{
+    0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5,
+    0x00E7, 0x00E9, 0x00E8, 0x00EA, 0x00EB, 0x00ED, 0x00EC, 0x00EE, 0x00EF, 0x00F1, 0x00F3, 0x00F2, 0x00F4,
+    0x00F6, 0x00F5, 0x00FA, 0x00F9, 0x00FB, 0x00FC, 0x2020, 0x00B0, 0x00A2, 0x00A3, 0x00A7, 0x2022, 0x00B6,
+    0x00DF, 0x00AE, 0x00A9, 0x2122, 0x00B4, 0x00A8, 0x2260, 0x00C6, 0x00D8, 0x221E, 0x00B1, 0x2264, 0x2265,
+    0x00A5, 0x00B5, 0x2202, 0x2211, 0x220F, 0x03C0, 0x222B, 0x00AA, 0x00BA, 0x03A9, 0x00E6, 0x00F8, 0x00BF,
+    0x00A1, 0x00AC, 0x221A, 0x0192, 0x2248, 0x2206, 0x00AB, 0x00BB, 0x2026, 0x00A0, 0x00C0, 0x00C3, 0x00D5,
+    0x0152, 0x0153, 0x2013, 0x2014, 0x201C, 0x201D, 0x2018, 0x2019, 0x00F7, 0x25CA, 0x00FF, 0x0178, 0x2044,
+    0x20AC, 0x2039, 0x203A, 0xFB01, 0xFB02, 0x2021, 0x00B7, 0x201A, 0x201E, 0x2030, 0x00C2, 0x00CA, 0x00C1,
+    0x00CB, 0x00C8, 0x00CD, 0x00CE, 0x00CF, 0x00CC, 0x00D3, 0x00D4, 0xF8FF, 0x00D2, 0x00DA, 0x00DB, 0x00D9,
+    0x0131, 0x02C6, 0x02DC, 0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7,
+};
+
+constexpr unsigned Byte(char c) noexcept {
+  return static_cast<unsigned char>(c);
+}
+constexpr bool IsASCII(char c) noexcept {
+  return Byte(c) < 0x80;
+}
+
+/// How many bytes at the front of `text` are ASCII, eight at a time and perhaps a few short of all.
+std::size_t ASCIIWords(std::string_view text) noexcept {
+  std::size_t count = 0;
+  for (std::uint64_t word = 0; text.size() - count >= sizeof word; count += sizeof word) {
+    std::memcpy(&word, text.data() + count, sizeof word);
+    if ((word & 0x8080808080808080) != 0) break;
+  }
+  return count;
+}
+
+/// Bytes of the well-formed character at the front of `text`, which is not empty; 0 when there is none.
+///
+///     lead    second byte   further bytes
+///     00-7F
+///     C2-DF   80-BF
+///     E0      A0-BF         80-BF
+///     E1-EF   80-BF (ED: to 9F)  80-BF
+///     F0      90-BF         80-BF 80-BF
+///     F1-F4   80-BF (F4: to 8F)  80-BF 80-BF
+std::size_t CharacterLength(std::string_view text) noexcept {
+  const unsigned lead = Byte(text[0]);
+  if (lead < 0x80) return 1;
+  if (lead < 0xC2 || lead > 0xF4) return 0;
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (text.size() < length) return 0;
+  const unsigned lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  const unsigned highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  if (Byte(text[1]) < lowest || Byte(text[1]) > highest) return 0;
+  for (std::size_t i = 2; i < length; ++i) {
+    if (Byte(text[i]) >> 6 != 0b10) return 0;
+  }
+  return length;
+}
+
+[[nodiscard]] bool AppendCharacter(TextBuffer& text, char16_t character) {
+  const auto tail = [character](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
+  if (character < 0x800) {
+    const char bytes[] = {static_cast<char>(0xC0 | character >> 6), tail(0)};
+    return text.append(std::string_view(bytes, sizeof bytes));
+  }
+  const char bytes[] = {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
+  return text.append(std::string_view(bytes, sizeof bytes));
+}
+
+[[nodiscard]] bool AppendMacRoman(TextBuffer& text, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto plain =
+        static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), IsASCII) - bytes.begin());
+    if (!text.append(bytes.substr(0, plain))) return false;
+    bytes.remove_prefix(plain);
+    if (bytes.empty()) break;
+    if (!AppendCharacter(text, kMacRoman[Byte(bytes.front()) - 0x80])) return false;
+    bytes.remove_prefix(1);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool IsValidUTF8(std::string_view text) noexcept {
+  while (!text.empty()) {
+    text.remove_prefix(ASCIIWords(text));
+    while (!text.empty()) {
+      const std::size_t length = CharacterLength(text);
+      if (length == 0) return false;
+      text.remove_prefix(length);
+      if (text.size() >= 8 && IsASCII(text.front())) break;  // back to whole words
+    }
+  }
+  return true;
+}
+
+std::optional<PageText> DecodePage(std::string_view bytes) {
+  std::optional<PageText> page{PageText()};
+  if (IsValidUTF8(bytes)) {
+    page->bytes_ = UpToNul(bytes);
+    if (page->bytes_.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+  } else if (!AppendMacRoman(page->converted_.emplace(), UpToNul(bytes))) {
+    return std::nullopt;
+  }
+  return page;
+}
+
+}  // namespace quillforth::linkextract

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// Finds the links of a page.
+//
+// The page is not parsed into elements: links are what stands between fixed attribute texts, and URL-like
+// words around dots, wherever these are. Any thread as long as the table is not shared.
+#pragma once
+
+#include <string_view>
+
+#include "classify/ExtensionMap.h"
+#include "common/BoundedText.h"
+#include "linkextract/LinkTable.h"
+
+namespace quillforth::linkextract {
+
+/// Records every link of `page` in `table` under its raw text with its absolute URL: first the bare words, in
+/// the order of their dots, then the attributes' links, pattern by pattern. A link that the table holds
+/// already keeps its place and gets the URL that this page's base gives. Links that begin with "#" or
+/// "mailto:" are left out.
+///
+/// The page ends at its first NUL byte. A page of 2^31 bytes or more is refused: it has no links. Linear in
+/// the page; memory beyond it and the table is at most twice its size, and next to nothing for ordinary
+/// pages.
+void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable& table,
+              const classify::CExtensionMap& extensions);
+
+}  // namespace quillforth::linkextract

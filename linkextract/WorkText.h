@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+//
+// A text from which spans are cut out, without moving or copying a byte of it.
+//
+// A page is searched for one pattern after another, and what one has matched is gone for the next. Where a
+// span was cut out, the bytes before and after it become neighbours. The cuts stand in a gap buffer around a
+// reading position that only moves forward until the next rewind; everything else is a position in the
+// original text.
+//
+//      text    | kept | cut | kept | cut | kept   ^   kept | cut | kept |
+//      cuts    [ behind: 0, 1 ]        (free)              [ ahead: 2 ]
+//
+// Two cuts never touch, so the bytes at both sides of a cut are kept ones. Any thread as long as none is
+// shared.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+namespace quillforth::linkextract {
+
+class WorkText {
+ public:
+  using Position = std::uint32_t;
+  static constexpr Position kNowhere = ~Position{0};
+
+  struct Cut {
+    Position begin;
+    Position end;  ///< one behind the last byte of the cut
+  };
+
+  /// A kept byte, and how many of the cuts behind the reading position stand before it.
+  struct Place {
+    Position position;
+    std::size_t cutsBefore;
+  };
+
+  /// `text` is kept by reference, at most 2^31 - 1 bytes. No cut is made that spans fewer than `shortestCut`
+  /// kept bytes.
+  WorkText(std::string_view text, std::size_t shortestCut);
+
+  [[nodiscard]] std::string_view text() const noexcept { return text_; }
+
+  void rewind() noexcept;
+  /// Moves the reading position to `position`, not back; a cut that begins right there is behind it.
+  void moveTo(Position position) noexcept {
+    while (aheadBegin_ < capacity_ && cuts_[aheadBegin_].begin <= position) {
+      cuts_[behind_++] = cuts_[aheadBegin_++];
+    }
+  }
+
+  /// The reading position's kept byte at or after `position`, or the text's size.
+  [[nodiscard]] Position firstKept(Position position) const noexcept {
+    return cutBeginsAt(position) ? cuts_[behind_ - 1].end : position;
+  }
+  /// `position`, the reading position, as a place to step back from.
+  [[nodiscard]] Place placeAt(Position position) const noexcept {
+    return {position, behind_ - (cutBeginsAt(position) ? 1 : 0)};
+  }
+  /// The last cut made, as a place to step back from to what now stands before it.
+  [[nodiscard]] Place placeBeforeLastCut() const noexcept { return {cuts_[behind_ - 1].begin, behind_ - 1}; }
+  /// Whether a kept byte stands before `place`; if so, steps back to it.
+  [[nodiscard]] bool stepBack(Place& place) const noexcept;
+  /// Steps back by `count` bytes, which must be there.
+  [[nodiscard]] Place stepBackBy(Place place, Position count) const noexcept;
+
+  /// The first `c` among the kept bytes at or after `position`, which the reading position has not passed;
+  /// kNowhere when there is none.
+  [[nodiscard]] Position find(char c, Position position) const noexcept;
+  struct Copied {
+    std::size_t count;
+    Position end;  ///< one behind the last byte copied
+  };
+  /// Copies kept bytes from `begin` on, which the reading position has not passed, to at most `end`, until
+  /// `out` is full.
+  Copied copy(Position begin, std::size_t end, std::span<char> out) const noexcept;
+  /// Whether no cut lies ahead of the reading position and before `end`.
+  [[nodiscard]] bool isWholeUpTo(Position end) const noexcept {
+    return aheadBegin_ == capacity_ || cuts_[aheadBegin_].begin >= end;
+  }
+
+  /// Cuts out what is left from `begin` to before `end`, and moves the reading position there. The cut as it
+  /// is now, joined with its neighbours.
+  Cut cut(Place begin, Position end) noexcept;
+
+ private:
+  [[nodiscard]] bool cutBeginsAt(Position position) const noexcept {
+    return behind_ > 0 && cuts_[behind_ - 1].begin == position;
+  }
+
+  std::string_view text_;
+  std::size_t capacity_;
+  std::unique_ptr<Cut[]> cuts_;  // memory that is never reached is never touched
+  std::size_t behind_ = 0;       // cuts_[0] to before this
+  std::size_t aheadBegin_;       // from this to the capacity
+};
+
+}  // namespace quillforth::linkextract
