@@ -1,11 +1,43 @@
 // SPDX-License-Identifier: MIT
 //
-// How URLs come in: pages give their links to the queue.
+// How URLs come in: a page gives its links to the queue.
+
+#include <QStringDecoder>
 
 #include "app/MyAppController.h"
 #include "classify/PageOrFile.h"
+#include "linkextract/PageLinks.h"
+#include "linkextract/PageText.h"
 
 namespace quillforth::app {
+
+namespace {
+
+// `text` is UTF-8; unlike QString::fromUtf8, this keeps a byte-order mark.
+QString StringFromUTF8(std::string_view text) {
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+  return decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+}  // namespace
+
+void MyAppController::extractLinks(const QString& pageURL) {
+  queueLinksOfPage(pageURL);
+  takeNextURL(true);  // also when the page gave nothing, for those that waited before
+}
+
+void MyAppController::queueLinksOfPage(const QString& pageURL) {
+  const std::optional<platform::URL> url = platform::URL::URLWithString(pageURL);
+  if (!url) return;
+  const std::optional<QByteArray> page = host_.pageLoader.resourceData(*url);
+  if (!page) return;
+  const linkextract::LinkTable links = linkextract::ExtractPageLinks(
+      {page->constData(), static_cast<std::size_t>(page->size())}, pageURL.toStdString(), extensionMap_);
+  for (const linkextract::LinkEntry& link : links) {
+    // A value that was cut inside a character makes no string.
+    if (linkextract::IsValidUTF8(link.value())) urlList_.append(StringFromUTF8(link.value()));
+  }
+}
 
 bool MyAppController::isWebPageURL(const QString& url) {
   return classify::isWebPageURL(url, extensionMap_, host_.readStreams);

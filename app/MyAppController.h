@@ -98,6 +98,8 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   /// Starts the head of the queue, if there is one.
   void takeNextURL(bool promptForDestination);
   void queueDidChange();
+  /// Appends the page's links, and shows nothing of it yet. Silent on every failure.
+  void queueLinksOfPage(const QString& pageURL);
   /// Sorts the destination folder, deciding it first if it never was; nothing without a folder.
   void aggregateDestination();
 
