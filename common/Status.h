@@ -17,11 +17,26 @@ inline constexpr Status kDiskFull = -34;
 inline constexpr Status kIOError = -36;
 inline constexpr Status kBadName = -37;
 inline constexpr Status kFileNotFound = -43;
+inline constexpr Status kVolumeIsReadOnly = -46;
 inline constexpr Status kPermissionDenied = -54;
 inline constexpr Status kDuplicateName = -48;
 inline constexpr Status kBadParameter = -50;
 inline constexpr Status kOutOfMemory = -108;
+/// The volume has no place for what was asked for.
+inline constexpr Status kWrongVolumeType = -123;
+/// No application of that signature runs.
+inline constexpr Status kProcessNotFound = -600;
+/// Neither a file nor a folder.
+inline constexpr Status kNotAFile = -1302;
+inline constexpr Status kDataTooBig = -1309;
 inline constexpr Status kNoMoreItems = -1417;
+inline constexpr Status kAECoercionFailed = -1700;
+inline constexpr Status kAEDescriptorNotFound = -1701;
+inline constexpr Status kAECorruptData = -1702;
+inline constexpr Status kAEEventNotHandled = -1708;
+inline constexpr Status kAEWaitCanceled = -1711;
+inline constexpr Status kAEUnknownAddressType = -1716;
+inline constexpr Status kAENoSuchObject = -1728;
 inline constexpr Status kCoreFoundationFailure = -4960;
 
 }  // namespace quillforth::common

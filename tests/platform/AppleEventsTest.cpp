@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+//
+// Apple-event values, their byte form, and the way from a sender to a handler.
+
+#include "platform/AppleEvents.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <random>
+
+#include "platform/AppleEventBytes.h"
+#include "platform/AppleEventManager.h"
+
+namespace quillforth::platform {
+namespace {
+
+using common::FourCC;
+using common::Status;
+namespace type = descriptor_type;
+namespace keyword = event_keyword;
+
+AEDescriptor Text(const char* bytes, common::FourCharCode textType = type::kUTF8Text) {
+  return {textType, QByteArray(bytes)};
+}
+
+AEDescriptor Unicode(QStringView text) {
+  return UnicodeTextDescriptor(text);
+}
+
+AEDescriptor Record(common::FourCharCode recordType = type::kRecord) {
+  AEDescriptor record(recordType, {});
+  record.setField(keyword::kDesiredClass, CodeDescriptor(type::kType, FourCC("file")));
+  record.setField(keyword::kContainer, {});
+  record.setField(keyword::kKeyForm, CodeDescriptor(type::kEnumerated, key_form::kName));
+  record.setField(keyword::kKeyData, Unicode(u"Linux:a"));
+  return record;
+}
+
+AEDescriptor Nested(int depth) {
+  AEDescriptor result = Int16Descriptor(1);
+  for (int i = 0; i < depth; ++i) {
+    AEDescriptor list(type::kList, {});
+    list.append(std::move(result));
+    result = std::move(list);
+  }
+  return result;
+}
+
+TEST(AppleEvents, ACoercionGivesTheSameValueOrIsRefused) {
+  AEDescriptor incomplete(type::kRecord, {});
+  incomplete.setField(keyword::kKeyData, Unicode(u"x"));
+  const char16_t loneSurrogate[] = {u'a', 0xD800, 0};
+  const struct {
+    AEDescriptor from;
+    common::FourCharCode to;
+    std::optional<AEDescriptor> expected;  // nothing: refused
+  } cases[] = {
+      {Unicode(u"aé😀"), type::kUTF8Text, Text("aé😀")},
+      {Unicode(u"\uFEFFa"), type::kText,
+       Text("\xEF\xBB\xBF"
+            "a",
+            type::kText)},
+      {Unicode(u""), type::kText, Text("", type::kText)},
+      {Unicode(loneSurrogate), type::kUTF8Text, std::nullopt},
+      {Text("aé😀"), type::kUnicodeText, Unicode(u"aé😀")},
+      {Text("\xEF\xBB\xBF"
+            "a",
+            type::kText),
+       type::kUnicodeText, Unicode(u"\uFEFFa")},
+      {Text("a\xFF"), type::kUnicodeText, std::nullopt},
+      {Text("a\xC3"), type::kUnicodeText, std::nullopt},
+      {Text("\xED\xA0\x80"), type::kUnicodeText, std::nullopt},
+      {Text("a"), type::kText, Text("a", type::kText)},
+      {Int16Descriptor(-2), type::kInt32, Int32Descriptor(-2)},
+      {Int32Descriptor(-32768), type::kInt16, Int16Descriptor(-32768)},
+      {Int32Descriptor(32768), type::kInt16, std::nullopt},
+      {{type::kInt32, "abc"}, type::kInt16, std::nullopt},
+      {Int16Descriptor(7), type::kUnicodeText, std::nullopt},
+      {Record(), type::kObjectSpecifier, Record(type::kObjectSpecifier)},
+      {Record(type::kObjectSpecifier), type::kRecord, Record()},
+      {incomplete, type::kObjectSpecifier, std::nullopt},
+      {Nested(1), type::kUnicodeText, std::nullopt},
+      {Record(), type::kWildcard, Record()},
+      {{FourCC("fsrf"), "data"}, FourCC("fsrf"), AEDescriptor{FourCC("fsrf"), "data"}},
+      {{FourCC("furl"), "data"}, FourCC("fsrf"), std::nullopt},
+      {{}, type::kUnicodeText, AEDescriptor()},
+  };
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    const DescriptorResult result = CoerceDescriptor(cases[i].from, cases[i].to);
+    EXPECT_EQ(result.status, cases[i].expected ? common::kNoError : Status{-1700}) << "case " << i;
+    EXPECT_EQ(result.descriptor, cases[i].expected.value_or(AEDescriptor())) << "case " << i;
+  }
+}
+
+TEST(AppleEvents, ValuesOfAnotherTypeOrLengthAreNone) {
+  EXPECT_EQ(Int16Value(Int16Descriptor(-32768)), std::int16_t{-32768});
+  EXPECT_EQ(Int16Descriptor(258).data(), QByteArray("\x01\x02", 2));
+  EXPECT_FALSE(Int16Value({type::kInt16, "a"}) || Int16Value(Int32Descriptor(1)));
+  EXPECT_FALSE(CodeValue(CodeDescriptor(type::kType, 1), type::kEnumerated));
+  EXPECT_EQ(UnicodeTextValue({type::kUnicodeText, "a"}), QStringLiteral(""));
+  EXPECT_TRUE(AEDescriptor(type::kNull, "data").data().isEmpty());
+}
+
+QByteArray Flat(const AEDescriptor& descriptor) {
+  return FlattenDescriptor(descriptor).value_or(QByteArray("beyond the limits"));
+}
+
+QByteArray Bytes(const char* typeCode, int length, const QByteArray& contents) {
+  return typeCode + Int32Descriptor(length).data() + contents;
+}
+
+TEST(AppleEventBytes, WhatIsWrittenIsReadBackAndEveryPartOfItIsRefused) {
+  AEDescriptor list(type::kList, {});
+  list.append(Record(type::kObjectSpecifier));
+  list.append({});
+  list.append(Text("a"));
+  for (const AEDescriptor& descriptor : {list, AEDescriptor(), Record(), Nested(16)}) {
+    const QByteArray bytes = Flat(descriptor);
+    EXPECT_EQ(UnflattenDescriptor(bytes).descriptor, descriptor);
+    for (qsizetype length = 0; length < bytes.size(); ++length) {
+      EXPECT_EQ(UnflattenDescriptor(bytes.first(length)).status, -1702) << length;
+    }
+    EXPECT_EQ(UnflattenDescriptor(bytes + '\0').status, -1702);
+  }
+  EXPECT_EQ(Flat(Int16Descriptor(258)), Bytes("shor", 2, QByteArray("\x01\x02", 2)));
+}
+
+TEST(AppleEventBytes, HostileBytesAreRefused) {
+  const QByteArray one = Flat(Int16Descriptor(1));
+  const QByteArray keyed = "abcd" + one;
+  QByteArray fields;
+  for (int i = 0; i < 257; ++i) fields += Int32Descriptor(i).data() + one;
+  const QByteArray tooManyItems = Flat(AEDescriptor()).repeated(65537);
+  const QByteArray tooLong(kMaxFlatLength, 'x');
+  QByteArray tooDeep = one;
+  for (int i = 0; i < 17; ++i) tooDeep = Bytes("list", static_cast<int>(tooDeep.size()), tooDeep);
+  const QByteArray cases[] = {
+      Bytes("TEXT", -1, "a"),
+      Bytes("TEXT", 0x7FFFFFFF, "a"),
+      Bytes("null", 1, "a"),
+      Bytes("list", 10, one.first(9) + "x").replace("shor", "list"),
+      Bytes("list", 9, one.first(9)),
+      Bytes("reco", 3, "abc"),
+      Bytes("reco", 28, keyed + keyed),
+      Bytes("reco", static_cast<int>(fields.size()), fields),
+      Bytes("list", static_cast<int>(tooManyItems.size()), tooManyItems),
+      Bytes("TEXT", static_cast<int>(tooLong.size()), tooLong),
+      tooDeep,
+  };
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(UnflattenDescriptor(cases[i]).status, -1702) << "case " << i;
+  }
+  AEDescriptor wide(type::kList, {});
+  for (int i = 0; i < 65537; ++i) wide.append({});
+  for (const AEDescriptor& beyond : {Nested(17), wide, AEDescriptor(type::kText, tooLong)}) {
+    EXPECT_FALSE(FlattenDescriptor(beyond));
+  }
+}
+
+TEST(AppleEventBytes, WhateverIsReadIsWrittenAsItWas) {
+  std::mt19937 engine(20260730);
+  const auto random = [&engine] { return static_cast<unsigned>(engine()); };
+  const QByteArray original = Flat(Record(type::kObjectSpecifier));
+  int accepted = 0;
+  for (int round = 0; round < 20000; ++round) {
+    QByteArray bytes = original;
+    for (unsigned changes = random() % 3; changes > 0; --changes) {
+      bytes[random() % bytes.size()] = static_cast<char>(random() % 4 == 0 ? random() : random() % 40);
+    }
+    const DescriptorResult result = UnflattenDescriptor(bytes);
+    if (result.status != common::kNoError) continue;
+    ++accepted;
+    ASSERT_EQ(Flat(result.descriptor), bytes);
+  }
+  EXPECT_GT(accepted, 6000);
+}
+
+class AppleEventManagerTest : public ::testing::Test {
+ protected:
+  AppleEventManagerTest() {
+    dispatcher_.installHandler(FourCC("core"), FourCC("getd"),
+                               [this](const AppleEvent& event, AppleEvent& reply) {
+                                 received_.push_back(event);
+                                 if (!reply.isNull())
+                                   reply.setParameter(keyword::kDirectObject, Text("answer"));
+                                 return handlerStatus_;
+                               });
+    manager_.registerTarget(FourCC("MACS"), dispatcher_);
+  }
+
+  static AppleEvent Event(const char (&eventID)[5], const char (&target)[5] = "MACS") {
+    return {FourCC("core"), FourCC(eventID), CodeDescriptor(type::kApplicationSignature, FourCC(target))};
+  }
+
+  static bool GiveUp(IdleRequest& /*request*/) { return true; }
+
+  AppleEventDispatcher dispatcher_;
+  AppleEventManager manager_;
+  AppleEvent reply_;
+  std::vector<AppleEvent> received_;
+  Status handlerStatus_ = common::kNoError;
+};
+
+TEST_F(AppleEventManagerTest, AWaitingSenderGetsTheHandlersAnswer) {
+  ASSERT_EQ(manager_.send(Event("getd"), {}, reply_), common::kNoError);
+  ASSERT_EQ(manager_.send({FourCC("core"), FourCC("getd"), Event("getd").target(), 500, 9}, {}, reply_), 0);
+  ASSERT_EQ(received_.size(), 2U);
+  EXPECT_GT(received_[0].returnID(), 0);
+  EXPECT_EQ(received_[1].returnID(), 500);
+  EXPECT_EQ(reply_.returnID(), 500);
+  EXPECT_EQ(reply_.transactionID(), 9);
+  EXPECT_EQ(reply_.eventID(), FourCC("ansr"));
+  EXPECT_EQ(reply_.parameter(keyword::kDirectObject, type::kUnicodeText).descriptor, Unicode(u"answer"));
+  EXPECT_EQ(reply_.parameter(keyword::kErrorNumber, type::kInt16).status, -1701);
+}
+
+TEST_F(AppleEventManagerTest, AHandlersFailureIsInTheReply) {
+  handlerStatus_ = -43;
+  ASSERT_EQ(manager_.send(Event("getd"), {}, reply_), common::kNoError);
+  EXPECT_EQ(reply_.parameter(keyword::kErrorNumber, type::kInt16).descriptor, Int16Descriptor(-43));
+  ASSERT_EQ(manager_.send(Event("quit"), {}, reply_), common::kNoError);
+  EXPECT_EQ(reply_.parameter(keyword::kErrorNumber, type::kInt16).descriptor, Int16Descriptor(-1708));
+}
+
+TEST_F(AppleEventManagerTest, ASendThatReachesNobodyFails) {
+  SendOptions options;
+  EXPECT_EQ(manager_.send(Event("getd", "none"), options, reply_), -600);
+  EXPECT_EQ(manager_.send({FourCC("core"), FourCC("getd"), Text("MACS")}, options, reply_), -1716);
+  options.idle = &GiveUp;
+  EXPECT_EQ(manager_.send(Event("getd"), options, reply_), -1711);
+  EXPECT_TRUE(reply_.isNull());
+  EXPECT_TRUE(received_.empty());
+}
+
+TEST_F(AppleEventManagerTest, WithoutWaitingTheEventIsDeliveredLaterOrNotAtAll) {
+  SendOptions options;
+  options.mode = SendMode::noReply;
+  handlerStatus_ = -43;
+  ASSERT_EQ(manager_.send(Event("getd"), options, reply_), common::kNoError);
+  EXPECT_TRUE(reply_.isNull());
+  EXPECT_TRUE(received_.empty());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(received_.size(), 1U);
+  ASSERT_EQ(manager_.send(Event("getd"), options, reply_), common::kNoError);
+  manager_.unregisterTarget(FourCC("MACS"));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(received_.size(), 1U);
+}
+
+}  // namespace
+}  // namespace quillforth::platform
