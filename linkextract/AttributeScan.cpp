@@ -27,72 +27,72 @@ using Position = WorkText::Position;
 /// the others, and no two neighbouring letters stand in two of them, so that a seam can join at most one.
 constexpr std::array<std::string_view, 3> kNames{"HREF=", "SRC=", "BACKGROUND="};
 constexpr std::size_t kShortestName = 4;
+constexpr std::size_t kLongestName = 11;
 
-/// The last letter of a name, which stands for it.
-using NameLetter = char;
-constexpr NameLetter LetterOf(std::string_view name) {
-  return UpperCased(name[name.size() - 2]);
+constexpr char LastLetter(std::string_view name) {
+  return name[name.size() - 2];
+}
+
+constexpr bool EqualsNoCase(std::string_view upper, std::string_view text) {
+  return upper.size() == text.size() && std::equal(upper.begin(), upper.end(), text.begin(),
+                                                   [](char a, char b) { return a == UpperCased(b); });
 }
 
 /// A pair of the pattern list, taken apart.
 struct Row {
-  NameLetter name = 0;
-  Position nameLength = 0;
-  char quote = 0;  // stands between the name and the link; 0 for none
+  std::size_t name = kNames.size();  // of `kNames`
+  char quote = 0;                    // stands between the name and the link; 0 for none
   char end = 0;
 };
 
 constexpr Row RowOf(const PatternPair& pair) {
   const bool quoted = !pair.begin.ends_with('=');
-  const std::string_view name = pair.begin.substr(0, pair.begin.size() - (quoted ? 1 : 0));
-  return {LetterOf(name), static_cast<Position>(name.size()), quoted ? pair.begin.back() : '\0', pair.end[0]};
+  const std::string_view wanted = pair.begin.substr(0, pair.begin.size() - (quoted ? 1 : 0));
+  const auto* const name = std::find_if(kNames.begin(), kNames.end(), [wanted](std::string_view candidate) {
+    return EqualsNoCase(candidate, wanted);
+  });
+  return {static_cast<std::size_t>(name - kNames.begin()), quoted ? pair.begin.back() : '\0', pair.end[0]};
 }
 
-constexpr bool IsKnown(const PatternPair& pair) {
-  const Row row = RowOf(pair);
-  return pair.end.size() == 1 && std::any_of(kNames.begin(), kNames.end(), [&](std::string_view name) {
-           return name.size() == row.nameLength && LetterOf(name) == row.name &&
-                  std::equal(name.begin(), name.end(), pair.begin.begin(),
-                             [](char a, char b) { return a == UpperCased(b); });
-         });
-}
-static_assert(std::all_of(kPatternList.begin(), kPatternList.end(),
-                          [](const PatternPair& pair) { return !pair.enabled || IsKnown(pair); }));
+static_assert(std::all_of(kPatternList.begin(), kPatternList.end(), [](const PatternPair& pair) {
+  return !pair.enabled || (RowOf(pair).name < kNames.size() && pair.end.size() == 1);
+}));
 
-/// Two letters that follow each other in a name.
+/// Two characters that follow each other in a name.
 struct Joint {
-  char before;
-  char after;
-  std::string_view name;
-  std::size_t split;  // of the name, between the two
+  std::size_t name = kNames.size();
+  std::size_t split = 0;  // of the name, between the two
 };
 
-constexpr std::size_t kJointCount = [] {
-  std::size_t count = 0;
-  for (const std::string_view name : kNames) count += name.size() - 1;
-  return count;
-}();
+/// By the low five bits of two characters: other pairs get there, too, but no two joints do.
+constexpr std::size_t JointIndex(char before, char after) {
+  return static_cast<std::size_t>((before & 31) << 5 | (after & 31));
+}
 
-constexpr std::array<Joint, kJointCount> kJoints = [] {
-  std::array<Joint, kJointCount> joints{};
-  std::size_t count = 0;
-  for (const std::string_view name : kNames) {
-    for (std::size_t split = 1; split < name.size(); ++split) {
-      joints[count++] = {name[split - 1], name[split], name, split};
+constexpr std::array<Joint, 1024> kJoints = [] {
+  std::array<Joint, 1024> joints{};
+  for (std::size_t name = 0; name < kNames.size(); ++name) {
+    for (std::size_t split = 1; split < kNames[name].size(); ++split) {
+      joints[JointIndex(kNames[name][split - 1], kNames[name][split])] = {name, split};
     }
   }
   return joints;
 }();
+static_assert(std::count_if(kJoints.begin(), kJoints.end(), [](const Joint& joint) {
+                return joint.split > 0;
+              }) == kNames[0].size() + kNames[1].size() + kNames[2].size() - kNames.size());
+
+/// Positions right after the "=" of each name in a text, ascending.
+using NamePositions = std::array<std::vector<Position>, kNames.size()>;
 
 /// Which bytes are the last letter of a name.
 std::uint64_t LastLetters(const ByteBlock& block) {
   std::uint64_t letters = 0;
-  for (const std::string_view name : kNames) letters |= block.maskNoCase(LetterOf(name));
+  for (const std::string_view name : kNames) letters |= block.maskNoCase(LastLetter(name));
   return letters;
 }
 
-/// Positions right after the "=" of every name in the text, ascending.
-std::vector<Position> FindNames(std::string_view text) {
+NamePositions FindNames(std::string_view text) {
   MatchCursor ends(text, [](std::string_view all, std::size_t offset) {
     const ByteBlock block = ByteBlock::load(all, offset);
     const std::uint64_t equals = block.mask('=');
@@ -100,14 +100,17 @@ std::vector<Position> FindNames(std::string_view text) {
         offset > 0 && (equals & 1) != 0 && LastLetters(ByteBlock::load(all.substr(offset - 1, 1), 0)) != 0;
     return equals & (LastLetters(block) << 1 | (carried ? 1 : 0));
   });
-  std::vector<Position> names;
-  names.reserve(text.size() / kShortestName + 1);  // untouched memory costs nothing; growing would
-  for (std::size_t end = ends.next(0); end != std::string_view::npos; end = ends.next(end + 1)) {
-    const std::string_view upToHere = text.substr(0, end + 1);
-    for (const std::string_view name : kNames) {
-      if (upToHere.size() < name.size()) continue;
-      if (common::StartsWithNoCase(upToHere.substr(upToHere.size() - name.size()), name)) {
-        names.push_back(static_cast<Position>(end + 1));
+  NamePositions names;
+  for (std::size_t i = 0; i < kNames.size(); ++i) {
+    names[i].reserve(text.size() / kNames[i].size() + 1);  // untouched memory costs nothing; growing would
+  }
+  for (std::size_t equals = ends.next(0); equals != std::string_view::npos; equals = ends.next(equals + 1)) {
+    const std::size_t end = equals + 1;
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+      const std::size_t length = kNames[i].size();
+      if (LastLetter(kNames[i]) != UpperCased(text[equals - 1]) || end < length) continue;
+      if (EqualsNoCase(kNames[i], text.substr(end - length, length))) {
+        names[i].push_back(static_cast<Position>(end));
       }
     }
   }
@@ -119,53 +122,40 @@ class AttributeScanner {
   AttributeScanner(std::string_view text, LinkSink& sink)
       : work_(text, kShortestName + 1), names_(FindNames(text)), sink_(sink) {}
 
-  [[nodiscard]] bool hasNames() const { return !names_.empty(); }
-
   /// Finds and cuts out all that lies between the pair's texts.
   void run(const Row& row) {
+    std::vector<Position>& names = names_[row.name];
+    if (names.empty()) return;
     work_.rewind();
-    kept_ = read_ = 0;
-    joined_.reset();
-    while (const std::optional<Position> name = nextName()) {
-      work_.moveTo(*name);
-      const std::optional<Position> begin = linkAfter(*name, row);
-      if (!begin) {
-        keep(*name);
-        continue;
+    std::size_t kept = 0;
+    std::size_t read = 0;
+    while (revived_ || read < names.size()) {
+      const Position name = revived_ ? *std::exchange(revived_, std::nullopt) : names[read++];
+      work_.moveTo(name);
+      if (work_.isCutBefore(name)) continue;
+      // Fewer names are kept than were read: what a seam revives stands for the one that was cut out there.
+      names[kept++] = name;
+      const Position begin = work_.firstKept(name);
+      if (row.quote != 0 && !work_.is(begin, row.quote)) continue;
+      const Position inner = begin + (row.quote != 0 ? 1 : 0);
+      const Position end = work_.find(row.end, inner);
+      if (end == WorkText::kNowhere) break;  // nor does it follow any later name
+      --kept;
+      emit(inner, end);
+      const WorkText::Place start = work_.stepBackBy(work_.placeAt(name), kNames[row.name].size());
+      const WorkText::Cut seam = work_.cut(start, end + 1);
+      if (kept > 0 && names[kept - 1] == seam.begin) {
+        revived_ = names[--kept];  // a quote may follow it now
+      } else {
+        joinAcross(seam, row.name);
       }
-      const Position end = work_.find(row.end, *begin);
-      if (end == WorkText::kNowhere) {  // nor does it follow any later name
-        keep(*name);
-        break;
-      }
-      emit(*begin, end);
-      cut(work_.stepBackBy(work_.placeAt(*name), row.nameLength), end + 1);
     }
-    names_.erase(names_.begin() + static_cast<std::ptrdiff_t>(kept_),
-                 names_.begin() + static_cast<std::ptrdiff_t>(read_));
+    names.erase(names.begin() + static_cast<std::ptrdiff_t>(kept),
+                names.begin() + static_cast<std::ptrdiff_t>(read));
+    for (std::size_t i = 0; i < kNames.size(); ++i) takeIn(joined_[i], names_[i]);
   }
 
  private:
-  std::optional<Position> nextName() {
-    if (joined_) return std::exchange(joined_, std::nullopt);
-    if (read_ == names_.size()) return std::nullopt;
-    return names_[read_++];
-  }
-
-  // Fewer names are kept than were read: what a seam adds stands for the one that was cut out there.
-  void keep(Position name) { names_[kept_++] = name; }
-
-  /// Where the link begins if `name` and what follows it are the row's begin text.
-  [[nodiscard]] std::optional<Position> linkAfter(Position name, const Row& row) const {
-    WorkText::Place letter = work_.stepBackBy(work_.placeAt(name), 2);
-    const std::string_view text = work_.text();
-    if (UpperCased(text[letter.position]) != row.name) return std::nullopt;
-    const Position begin = work_.firstKept(name);
-    if (row.quote == 0) return begin;
-    if (begin >= text.size() || text[begin] != row.quote) return std::nullopt;
-    return begin + 1;
-  }
-
   void emit(Position begin, Position end) {
     if (work_.isWholeUpTo(end)) {
       sink_.add(work_.text().substr(begin, std::min<std::size_t>(end - begin, BoundedText::kMaxLength)));
@@ -175,27 +165,18 @@ class AttributeScanner {
     sink_.add({pieces.data(), work_.copy(begin, end, pieces).count});
   }
 
-  void cut(WorkText::Place begin, Position end) {
-    const WorkText::Cut seam = work_.cut(begin, end);
-    while (read_ < names_.size() && names_[read_] <= seam.end) ++read_;
+  /// Notes the name, if there is one, that the seam has joined together: one of the running row is up next.
+  void joinAcross(const WorkText::Cut& seam, std::size_t running) {
     if (seam.begin == 0 || seam.end == work_.text().size()) return;
-    if (kept_ > 0 && names_[kept_ - 1] == seam.begin) {
-      joined_ = names_[--kept_];  // a quote may follow it now
+    const Joint joint = kJoints[JointIndex(work_.text()[seam.begin - 1], work_.text()[seam.end])];
+    if (joint.split == 0 || !endsBeforeSeam(kNames[joint.name].substr(0, joint.split))) return;
+    const std::optional<Position> end = endAfterSeam(seam.end, kNames[joint.name].substr(joint.split));
+    if (!end) return;
+    if (joint.name == running) {
+      revived_ = end;
     } else {
-      joined_ = nameAcross(seam);
+      joined_[joint.name].push_back(*end);
     }
-  }
-
-  /// The position after the "=" of the name that the seam has joined together.
-  [[nodiscard]] std::optional<Position> nameAcross(const WorkText::Cut& seam) const {
-    const char before = UpperCased(work_.text()[seam.begin - 1]);
-    const char after = UpperCased(work_.text()[seam.end]);
-    for (const Joint& joint : kJoints) {
-      if (joint.before != before || joint.after != after) continue;
-      if (!endsBeforeSeam(joint.name.substr(0, joint.split))) return std::nullopt;
-      return endAfterSeam(seam.end, joint.name.substr(joint.split));
-    }
-    return std::nullopt;
   }
 
   [[nodiscard]] bool endsBeforeSeam(std::string_view part) const {
@@ -207,20 +188,25 @@ class AttributeScanner {
   }
 
   [[nodiscard]] std::optional<Position> endAfterSeam(Position begin, std::string_view part) const {
-    std::array<char, kNames[2].size()> bytes;
+    std::array<char, kLongestName> bytes;
     const WorkText::Copied copied =
         work_.copy(begin, work_.text().size(), std::span(bytes).first(part.size()));
-    if (!common::StartsWithNoCase({bytes.data(), copied.count}, part)) return std::nullopt;
+    if (!EqualsNoCase(part, {bytes.data(), copied.count})) return std::nullopt;
     return copied.end;
   }
 
+  static void takeIn(std::vector<Position>& added, std::vector<Position>& names) {
+    if (added.empty()) return;
+    const auto old = static_cast<std::ptrdiff_t>(names.size());
+    names.insert(names.end(), added.begin(), added.end());
+    std::inplace_merge(names.begin(), names.begin() + old, names.end());
+    added.clear();
+  }
+
   WorkText work_;
-  // Positions right after the "=" of every name that is left, ascending. During a run: those kept so far,
-  // then names that are gone, then from `read_` on those to come.
-  std::vector<Position> names_;
-  std::size_t kept_ = 0;
-  std::size_t read_ = 0;
-  std::optional<Position> joined_;  // the name to look at before these
+  NamePositions names_;              // may hold names that are cut out
+  NamePositions joined_;             // by the running row, of other names than its own
+  std::optional<Position> revived_;  // the running row's name to look at before all others
   LinkSink& sink_;
 };
 
@@ -229,7 +215,7 @@ class AttributeScanner {
 void ScanAttributes(std::string_view text, LinkSink& sink) {
   AttributeScanner scanner(text, sink);
   for (const PatternPair& pair : kPatternList) {
-    if (pair.enabled && scanner.hasNames()) scanner.run(RowOf(pair));
+    if (pair.enabled) scanner.run(RowOf(pair));
   }
 }
 

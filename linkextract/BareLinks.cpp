@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 #include "common/BoundedText.h"
 #include "linkextract/ByteScan.h"
@@ -109,9 +108,7 @@ bool KnownSuffixes::contains(std::string_view suffix) const {
 }
 
 std::size_t KnownSuffixes::filterBit(std::string_view suffix) noexcept {
-  std::uint64_t head = 0;
-  std::memcpy(&head, suffix.data(), std::min(suffix.size(), sizeof head));
-  const std::uint64_t mixed = (head + suffix.size()) * 0x9E3779B97F4A7C15;
+  const std::uint64_t mixed = (WordAt(suffix) + suffix.size()) * 0x9E3779B97F4A7C15;
   return static_cast<std::size_t>(mixed >> 40) % kFilterBits;
 }
 

@@ -22,6 +22,23 @@
 
 namespace quillforth::linkextract {
 
+/// The first eight bytes of `text` as a number, or all of it when it is shorter: different for different
+/// texts of one length.
+[[nodiscard]] inline std::uint64_t WordAt(std::string_view text) noexcept {
+  const char* const bytes = text.data();
+  const auto load = [](const char* from, auto word) {
+    std::memcpy(&word, from, sizeof word);
+    return std::uint64_t{word};
+  };
+  if (text.size() >= 8) return load(bytes, std::uint64_t{});
+  if (text.size() >= 4) {
+    return load(bytes, std::uint32_t{}) << 32 | load(bytes + text.size() - 4, std::uint32_t{});
+  }
+  std::uint64_t word = 0;
+  for (const char c : text) word = word << 8 | static_cast<unsigned char>(c);
+  return word;
+}
+
 /// 64 bytes; bit i of every mask stands for byte i.
 class ByteBlock {
  public:

@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <random>
 #include <utility>
 
 #include "common/BoundedText.h"
+#include "common/RecordPool.h"
+#include "linkextract/ByteScan.h"
 
 namespace quillforth::linkextract {
 
@@ -16,13 +19,10 @@ namespace {
 using common::BoundedText;
 
 /// Other in every process: a page cannot be written to make its links collide.
-std::uint64_t ProcessSeed() {
-  static const std::uint64_t seed = [] {
-    std::random_device device;
-    return std::uint64_t{device()} << 32 | device();
-  }();
-  return seed;
-}
+const std::uint64_t kSeed = [] {
+  std::random_device device;
+  return std::uint64_t{device()} << 32 | device() | 1;
+}();
 
 /// Both halves of the 128-bit product, folded.
 std::uint64_t Mixed(std::uint64_t a, std::uint64_t b) noexcept {
@@ -31,94 +31,89 @@ std::uint64_t Mixed(std::uint64_t a, std::uint64_t b) noexcept {
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-std::uint64_t Load(const char* bytes, std::size_t count) noexcept {
-  std::uint64_t word = 0;
-  std::memcpy(&word, bytes, count);
-  return word;
-}
-
-std::uint32_t HashOf(std::string_view key) noexcept {
-  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
-  const std::uint64_t seed = ProcessSeed();
-  std::uint64_t hash = seed ^ (key.size() * kFactor);
-  for (; key.size() > 8; key.remove_prefix(8)) hash = Mixed(hash ^ Load(key.data(), 8), seed | 1) + kFactor;
-  hash = Mixed(hash ^ Load(key.data(), key.size()), kFactor ^ seed >> 1);
-  return static_cast<std::uint32_t>(hash ^ hash >> 32);
+std::string_view Bounded(std::string_view text) {
+  return text.substr(0, BoundedText::kMaxLength);
 }
 
 }  // namespace
 
-LinkTable::Insertion LinkTable::insert(std::string_view key) {
-  key = key.substr(0, BoundedText::kMaxLength);
-  const std::uint32_t hash = HashOf(key);
-  if (LinkEntry* const found = find(key, hash)) return {*found, false};
-  if (buckets_.size() < 2 * (size_ + 1)) growBuckets();
+std::uint32_t LinkTable::hashOf(std::string_view key) noexcept {
+  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
+  key = Bounded(key);
+  std::uint64_t hash = kSeed ^ (key.size() * kFactor);
+  for (; key.size() > 8; key.remove_prefix(8)) hash = Mixed(hash ^ WordAt(key), kSeed) + kFactor;
+  hash = Mixed(hash ^ WordAt(key), kFactor ^ kSeed << 1);
+  return static_cast<std::uint32_t>(hash ^ hash >> 32);
+}
 
-  LinkEntry& entry = *common::RecordPool<LinkEntry>::take();
-  entry.key_ = store(key);
-  entry.keyLength_ = static_cast<std::uint8_t>(key.size());
-  entry.value_ = nullptr;
-  entry.valueLength_ = 0;
-  entry.hash_ = hash;
-  linkIntoBucket(entry);
-  (head_ == nullptr ? head_ : tail_->next) = &entry;
-  tail_ = &entry;
+void LinkTable::expect(std::uint32_t hash) const noexcept {
+  if (!buckets_.empty()) __builtin_prefetch(&buckets_[bucketOf(hash)]);
+}
+
+void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
+  if (buckets_.empty()) return;
+  const LinkEntry* const entry = buckets_[bucketOf(hash)];
+  __builtin_prefetch(entry);
+  __builtin_prefetch(reinterpret_cast<const char*>(entry) + 64);
+}
+
+LinkTable::Insertion LinkTable::insert(std::string_view key, std::uint32_t hash) {
+  key = Bounded(key);
+  if (size_ >= buckets_.size()) growBuckets();
+  LinkEntry* entry = buckets_[bucketOf(hash)];
+  while (entry != nullptr && (entry->hash_ != hash || entry->key() != key)) entry = entry->sameBucket_;
+  if (entry != nullptr) return {*entry, false};
+
+  entry = new (allocate(sizeof(LinkEntry) + key.size(), alignof(LinkEntry))) LinkEntry;
+  std::copy(key.begin(), key.end(), reinterpret_cast<char*>(entry + 1));
+  entry->keyLength_ = static_cast<std::uint8_t>(key.size());
+  entry->hash_ = hash;
+  linkIntoBucket(*entry);
+  (head_ == nullptr ? head_ : tail_->next_) = entry;
+  tail_ = entry;
   ++size_;
-  return {entry, true};
+  return {*entry, true};
 }
 
 void LinkTable::setValue(LinkEntry& entry, std::string_view value) {
-  value = value.substr(0, BoundedText::kMaxLength);
-  if (value.size() > entry.valueLength_) {
-    entry.value_ = store(value);
-  } else if (!value.empty()) {
-    std::memmove(entry.value_, value.data(), value.size());
-  }
+  value = Bounded(value);
+  if (value.size() > entry.valueLength_) entry.value_ = allocate(value.size(), 1);
+  std::copy(value.begin(), value.end(), entry.value_);
   entry.valueLength_ = static_cast<std::uint8_t>(value.size());
 }
 
 void LinkTable::clear() noexcept {
-  if (head_ != nullptr) common::RecordPool<LinkEntry>::release(head_, tail_);
-  if (newestBlock_ != nullptr) common::RecordPool<TextBlock>::release(newestBlock_, oldestBlock_);
+  if (newestBlock_ != nullptr) common::RecordPool<Block>::release(newestBlock_, oldestBlock_);
   buckets_.clear();
   head_ = tail_ = nullptr;
   size_ = 0;
   newestBlock_ = oldestBlock_ = nullptr;
-  used_ = sizeof(TextBlock::bytes);
-}
-
-LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexcept {
-  if (buckets_.empty()) return nullptr;
-  LinkEntry* entry = buckets_[hash & (buckets_.size() - 1)];
-  while (entry != nullptr && (entry->hash_ != hash || entry->key() != key)) entry = entry->sameBucket_;
-  return entry;
+  used_ = sizeof(Block::bytes);
 }
 
 void LinkTable::growBuckets() {
-  constexpr std::size_t kFewest = 256;
+  constexpr std::size_t kFewest = 512;
   buckets_.assign(std::max(kFewest, 2 * buckets_.size()), nullptr);
-  for (LinkEntry* entry = head_; entry != nullptr; entry = entry->next) linkIntoBucket(*entry);
+  for (LinkEntry* entry = head_; entry != nullptr; entry = entry->next_) linkIntoBucket(*entry);
 }
 
 void LinkTable::linkIntoBucket(LinkEntry& entry) noexcept {
-  LinkEntry*& bucket = buckets_[entry.hash_ & (buckets_.size() - 1)];
+  LinkEntry*& bucket = buckets_[bucketOf(entry.hash_)];
   entry.sameBucket_ = bucket;
   bucket = &entry;
 }
 
-char* LinkTable::store(std::string_view text) {
-  if (sizeof(TextBlock::bytes) - used_ < text.size()) {
-    TextBlock* const block = common::RecordPool<TextBlock>::take();
+char* LinkTable::allocate(std::size_t size, std::size_t alignment) {
+  std::size_t begin = (used_ + alignment - 1) / alignment * alignment;
+  if (begin + size > sizeof(Block::bytes)) {
+    Block* const block = common::RecordPool<Block>::take();
     block->next = newestBlock_;
     if (newestBlock_ == nullptr) oldestBlock_ = block;
     newestBlock_ = block;
-    used_ = 0;
+    begin = 0;
   }
-  if (text.empty()) return nullptr;
-  char* const place = newestBlock_->bytes + used_;
-  std::memcpy(place, text.data(), text.size());
-  used_ += text.size();
-  return place;
+  used_ = begin + size;
+  return newestBlock_->bytes + begin;
 }
 
 void LinkTable::swap(LinkTable& other) noexcept {

@@ -2,10 +2,10 @@
 //
 // The links of one page: raw link text to absolute URL, each raw text once, in the order of first appearance.
 //
-// Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. Texts are kept at their
-// length, not in full-width fields: a page of 200,000 links then fills 30 MB of fresh memory and not 110,
-// which is what most of the time for such a page would go into. Entries and the blocks for their texts come
-// from process-wide pools. Any thread as long as no table is shared.
+// Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. An entry and its texts
+// lie together at their length, not in full-width fields: a page of 200,000 links then fills a fifth of the
+// memory, and filling fresh memory is what most of the time for such a page would go into. The blocks for
+// them come from a process-wide pool. Any thread as long as no table is shared.
 #pragma once
 
 #include <cstddef>
@@ -14,29 +14,33 @@
 #include <string_view>
 #include <vector>
 
-#include "common/RecordPool.h"
-
 namespace quillforth::linkextract {
 
 /// One link; lives until its table is cleared.
 class LinkEntry {
  public:
+  LinkEntry(const LinkEntry&) = delete;
+  LinkEntry& operator=(const LinkEntry&) = delete;
+
   /// The link exactly as it stands in the page, cut at 255 bytes.
-  [[nodiscard]] std::string_view key() const noexcept { return {key_, keyLength_}; }
+  [[nodiscard]] std::string_view key() const noexcept {
+    return {reinterpret_cast<const char*>(this + 1), keyLength_};
+  }
   /// Its absolute URL, cut at 255 bytes, possibly inside a character; empty until one is set.
   [[nodiscard]] std::string_view value() const noexcept { return {value_, valueLength_}; }
+  /// The entry that was inserted after this one; null for the last.
+  [[nodiscard]] const LinkEntry* next() const noexcept { return next_; }
 
  private:
   friend class LinkTable;
-  friend class common::RecordPool<LinkEntry>;
+  LinkEntry() = default;
 
-  LinkEntry* next;  // in order of insertion; in the pool, of idleness
-  LinkEntry* sameBucket_;
-  const char* key_;
-  char* value_;
-  std::uint32_t hash_;
-  std::uint8_t keyLength_;
-  std::uint8_t valueLength_;
+  LinkEntry* next_ = nullptr;
+  LinkEntry* sameBucket_ = nullptr;
+  char* value_ = nullptr;
+  std::uint32_t hash_ = 0;
+  std::uint8_t keyLength_ = 0;  // the key's bytes follow the entry
+  std::uint8_t valueLength_ = 0;
 };
 
 class LinkTable {
@@ -55,10 +59,17 @@ class LinkTable {
   };
   /// The entry under exactly the first 255 bytes of `key`: the one that is there, unchanged, or a new one at
   /// the end of the order with an empty value.
-  Insertion insert(std::string_view key);
+  Insertion insert(std::string_view key) { return insert(key, hashOf(key)); }
   /// Replaces the value of an entry of this table; cut at 255 bytes.
   void setValue(LinkEntry& entry, std::string_view value);
   void clear() noexcept;
+
+  /// For whoever knows his keys some time before he inserts them: in a large table each step of a look-up
+  /// waits for memory. The hash of `key`; asks for the memory of the first step, and then of the second.
+  [[nodiscard]] static std::uint32_t hashOf(std::string_view key) noexcept;
+  void expect(std::uint32_t hash) const noexcept;
+  void expectEntry(std::uint32_t hash) const noexcept;
+  Insertion insert(std::string_view key, std::uint32_t hash);
 
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
@@ -71,12 +82,11 @@ class LinkTable {
     using pointer = const LinkEntry*;
     using reference = const LinkEntry&;
 
-    Iterator() = default;
-    explicit Iterator(const LinkEntry* entry) : entry_(entry) {}
+    explicit Iterator(const LinkEntry* entry = nullptr) : entry_(entry) {}
     reference operator*() const { return *entry_; }
     pointer operator->() const { return entry_; }
     Iterator& operator++() {
-      entry_ = NextOf(*entry_);
+      entry_ = entry_->next();
       return *this;
     }
     Iterator operator++(int) {
@@ -87,32 +97,33 @@ class LinkTable {
     friend bool operator==(Iterator, Iterator) = default;
 
    private:
-    const LinkEntry* entry_ = nullptr;
+    const LinkEntry* entry_;
   };
   /// In the order of first insertion.
   [[nodiscard]] Iterator begin() const { return Iterator(head_); }
-  [[nodiscard]] Iterator end() const { return {}; }
+  [[nodiscard]] Iterator end() const { return Iterator(); }
 
  private:
-  struct TextBlock {
-    TextBlock* next;
-    char bytes[4096 - sizeof(TextBlock*)];
+  struct Block {
+    Block* next;
+    alignas(LinkEntry) char bytes[4096 - sizeof(Block*)];
   };
 
-  static const LinkEntry* NextOf(const LinkEntry& entry) { return entry.next; }
-  [[nodiscard]] LinkEntry* find(std::string_view key, std::uint32_t hash) const noexcept;
+  [[nodiscard]] std::size_t bucketOf(std::uint32_t hash) const noexcept {
+    return hash & (buckets_.size() - 1);
+  }
   void growBuckets();
   void linkIntoBucket(LinkEntry& entry) noexcept;
-  [[nodiscard]] char* store(std::string_view text);
+  [[nodiscard]] char* allocate(std::size_t size, std::size_t alignment);
   void swap(LinkTable& other) noexcept;
 
-  std::vector<LinkEntry*> buckets_;  // a power of two, at least twice the entries
+  std::vector<LinkEntry*> buckets_;  // a power of two, at least as many as there are entries
   LinkEntry* head_ = nullptr;
   LinkEntry* tail_ = nullptr;
   std::size_t size_ = 0;
-  TextBlock* newestBlock_ = nullptr;  // `next` leads to older ones
-  TextBlock* oldestBlock_ = nullptr;
-  std::size_t used_ = sizeof(TextBlock::bytes);  // of the newest block
+  Block* newestBlock_ = nullptr;  // `next` leads to older ones
+  Block* oldestBlock_ = nullptr;
+  std::size_t used_ = sizeof(Block::bytes);  // of the newest block
 };
 
 }  // namespace quillforth::linkextract

@@ -2,6 +2,9 @@
 
 #include "linkextract/ScanPage.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -15,24 +18,55 @@ namespace quillforth::linkextract {
 
 namespace {
 
+/// Enters links into a table, each a few links after it was found: time enough for the table's memory to
+/// arrive.
 class LinkCollector final : public LinkSink {
  public:
   LinkCollector(const common::BoundedText& base, LinkTable& table)
       : resolver_(base), table_(table), overwrites_(!table.empty()) {}
 
   void add(std::string_view link) override {
-    if (link.starts_with('#') || common::StartsWithNoCase(link, "mailto:")) return;
-    const LinkTable::Insertion insertion = table_.insert(link);
-    if (!insertion.isNew && !overwrites_) return;  // the same base gave it the same value before
-    resolver_.resolve(link, absolute_);
-    table_.setValue(insertion.entry, absolute_.view());
+    constexpr std::string_view kMailto = "mailto:";
+    if (!link.empty() &&
+        (link[0] == '#' || (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, kMailto)))) {
+      return;
+    }
+    Waiting& last = waiting_[added_ % kWaiting];
+    if (added_ >= kWaiting) enter(last);
+    last.hash = LinkTable::hashOf(link);
+    last.length = link.copy(last.text.data(), last.text.size());
+    table_.expect(last.hash);
+    if (added_ >= kWaiting / 2) table_.expectEntry(waiting_[(added_ - kWaiting / 2) % kWaiting].hash);
+    ++added_;
+  }
+
+  void finish() {
+    for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) enter(waiting_[i % kWaiting]);
+    added_ = 0;
   }
 
  private:
+  struct Waiting {
+    std::uint32_t hash;
+    std::size_t length;
+    std::array<char, common::BoundedText::kMaxLength> text;
+  };
+  static constexpr std::size_t kWaiting = 16;
+
+  void enter(const Waiting& link) {
+    const std::string_view key(link.text.data(), link.length);
+    const LinkTable::Insertion insertion = table_.insert(key, link.hash);
+    if (!insertion.isNew && !overwrites_) return;  // the same base gave it the same value before
+    resolver_.resolve(key, absolute_);
+    table_.setValue(insertion.entry, absolute_.view());
+  }
+
   LinkResolver resolver_;
   LinkTable& table_;
   bool overwrites_;  // entries of another page, perhaps of another base, are in the table
   common::BoundedText absolute_;
+  std::array<Waiting, kWaiting> waiting_;
+  std::size_t added_ = 0;
 };
 
 }  // namespace
@@ -44,6 +78,7 @@ void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable&
   LinkCollector collector(base, table);
   FindBareLinks(page, KnownSuffixes(extensions), collector);
   ScanAttributes(page, collector);
+  collector.finish();
 }
 
 }  // namespace quillforth::linkextract

@@ -29,9 +29,9 @@ bool WorkText::stepBack(Place& place) const noexcept {
   return true;
 }
 
-WorkText::Place WorkText::stepBackBy(Place place, Position count) const noexcept {
+WorkText::Place WorkText::stepBackBy(Place place, std::size_t count) const noexcept {
   if (place.cutsBefore == 0 || cuts_[place.cutsBefore - 1].end + count <= place.position) {
-    return {place.position - count, place.cutsBefore};
+    return {place.position - static_cast<Position>(count), place.cutsBefore};
   }
   while (count > 0 && stepBack(place)) --count;
   return place;

@@ -56,6 +56,14 @@ class WorkText {
   [[nodiscard]] Position firstKept(Position position) const noexcept {
     return cutBeginsAt(position) ? cuts_[behind_ - 1].end : position;
   }
+  /// Whether the byte before `position`, the reading position, is cut out.
+  [[nodiscard]] bool isCutBefore(Position position) const noexcept {
+    return behind_ > 0 && cuts_[behind_ - 1].begin < position && position <= cuts_[behind_ - 1].end;
+  }
+  /// Whether `c` stands at `position`, which is kept or the text's size.
+  [[nodiscard]] bool is(Position position, char c) const noexcept {
+    return position < text_.size() && text_[position] == c;
+  }
   /// `position`, the reading position, as a place to step back from.
   [[nodiscard]] Place placeAt(Position position) const noexcept {
     return {position, behind_ - (cutBeginsAt(position) ? 1 : 0)};
@@ -65,7 +73,7 @@ class WorkText {
   /// Whether a kept byte stands before `place`; if so, steps back to it.
   [[nodiscard]] bool stepBack(Place& place) const noexcept;
   /// Steps back by `count` bytes, which must be there.
-  [[nodiscard]] Place stepBackBy(Place place, Position count) const noexcept;
+  [[nodiscard]] Place stepBackBy(Place place, std::size_t count) const noexcept;
 
   /// The first `c` among the kept bytes at or after `position`, which the reading position has not passed;
   /// kNowhere when there is none.
