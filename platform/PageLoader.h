@@ -17,7 +17,7 @@ class PageLoader {
   /// way or the body is longer. Follows redirects. Blocks until the end; any thread.
   [[nodiscard]] virtual std::optional<QByteArray> resourceData(const URL& url) = 0;
 
-  static constexpr qsizetype kMaxPageLength = 256 * 1024 * 1024;
+  static constexpr qsizetype kMaxPageLength = qsizetype{256} * 1024 * 1024;
 };
 
 }  // namespace quillforth::platform

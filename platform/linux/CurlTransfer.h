@@ -23,7 +23,7 @@ class CurlTransfer {
   static constexpr std::chrono::milliseconds kMaxWait{100};
 
   /// Bytes of all response headers of one transfer, redirects included; more is an error.
-  static constexpr std::size_t kMaxHeaderLength = 256 * 1024;
+  static constexpr std::size_t kMaxHeaderLength = std::size_t{256} * 1024;
 
   CurlTransfer() : multi_(curl_multi_init()) {}
   ~CurlTransfer() { end(); }

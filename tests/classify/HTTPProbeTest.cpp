@@ -32,7 +32,7 @@ TEST(HTTPProbe, FinishesOnceWithTheFirstOutcome) {
     const char* name;
     FakeReadStreams::Script script;
     bool succeeded;
-    std::size_t bodyLength;
+    int bodyLength;
     int deadlines;
   };
   const Case cases[] = {
@@ -68,7 +68,7 @@ TEST(HTTPProbe, FinishesOnceWithTheFirstOutcome) {
     EXPECT_EQ(probe.responseHeader().has_value(), expected.succeeded);
     const auto body = probe.body();
     EXPECT_EQ(body.has_value(), expected.bodyLength > 0);
-    EXPECT_EQ(body ? body->size() : 0, expected.bodyLength);
+    EXPECT_EQ(body ? std::ssize(*body) : 0, expected.bodyLength);
     EXPECT_EQ(streams.deadlinesSet, expected.deadlines);
     EXPECT_EQ(streams.closes, 1);
     EXPECT_EQ(streams.streamsAlive, 0);
