@@ -2,7 +2,7 @@
 
 #include "terminal/Get.h"
 
-#include <QMetaObject>
+#include <utility>
 
 namespace quillforth::terminal {
 
@@ -39,7 +39,10 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
                                                 .currentSeconds = services.currentSeconds,
                                                 .aggregation = services.aggregation,
                                                 .fileComments = services.fileComments,
-                                                .observer = this}) {}
+                                                .observer = this}) {
+  next_.setSingleShot(true);
+  next_.callOnTimeout([this] { moveOn(); });
+}
 
 Summary Get::run(const QStringList& urls) {
   urls_.assign(urls.begin(), urls.end());
@@ -61,13 +64,10 @@ void Get::stop() {
 }
 
 void Get::moveOnLater() {
-  if (std::exchange(isMoveOnPosted_, true)) return;
-  QMetaObject::invokeMethod(
-      &poster_, [this] { moveOn(); }, Qt::QueuedConnection);
+  if (!next_.isActive()) next_.start();
 }
 
 void Get::moveOn() {
-  isMoveOnPosted_ = false;
   if (isStopped_) return;
   if (shouldStop_()) return stop();
   if (const QString refused = std::exchange(refusedURL_, QString()); !refused.isNull()) {

@@ -8,9 +8,10 @@
 #pragma once
 
 #include <QEventLoop>
-#include <QObject>
 #include <QString>
+#include <QTimer>
 #include <deque>
+#include <functional>
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
@@ -33,7 +34,8 @@ class Get final : private DownloadObserver, private app::DriverObserver {
   Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
       const TerminalPrompt& prompt);
 
-  /// Works `urls` to the end, or until one of the two below. The exit status is 0, or 1 when something failed.
+  /// Works `urls` to the end, or until one of the two below. The exit status is 0, or 1 when something
+  /// failed.
   [[nodiscard]] Summary run(const QStringList& urls);
   /// Cancels the transfer and ends the run. From the event loop, or before `run`.
   void stop();
@@ -68,10 +70,9 @@ class Get final : private DownloadObserver, private app::DriverObserver {
   Summary summary_;
   QString refusedURL_;  // null: none waits to be passed over
   int refusedCount_ = 0;
-  bool isMoveOnPosted_ = false;
   bool isStopped_ = false;
   QEventLoop loop_;
-  QObject poster_;  // goes first, and with it what is still posted
+  QTimer next_;  // fires as soon as the event loop is reached
 };
 
 }  // namespace quillforth::terminal

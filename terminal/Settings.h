@@ -2,7 +2,8 @@
 //
 // The command `settings`, and what `get --set` makes of its arguments.
 //
-// Keys and their meaning are the controller's (app/Preferences.h); here they meet a person who types. Main thread.
+// Keys and their meaning are the controller's (app/Preferences.h); here they meet a person who types. Main
+// thread.
 #pragma once
 
 #include <QString>
@@ -34,9 +35,10 @@ struct Setting {
 /// yes, true, on and 1, no, false, off and 0, letter case apart; nothing for all else.
 [[nodiscard]] std::optional<bool> BooleanFromText(const QString& text);
 
-/// The stored form of a typed value: a truth value, or for `DestinationDirectory` the alias record of an existing
-/// folder.
-[[nodiscard]] std::variant<Setting, SettingsError> MakeSetting(const std::string& key, const std::string& value,
+/// The stored form of a typed value: a truth value, or for `DestinationDirectory` the alias record of an
+/// existing folder.
+[[nodiscard]] std::variant<Setting, SettingsError> MakeSetting(const std::string& key,
+                                                               const std::string& value,
                                                                platform::AliasManager& aliases);
 
 class SettingsCommand {

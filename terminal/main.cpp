@@ -201,6 +201,9 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
 }
 
 int Run(const LinksArguments& arguments, Output& results, Output& errors) {
+  if (!IsWebSource(arguments.source) && !arguments.base && !arguments.url) {
+    return Complain(UsageError("links", "a file needs --base or --url"), errors);
+  }
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers;
   platform::CurlPageLoader pages(transfers);

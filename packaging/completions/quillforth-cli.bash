@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: MIT
+#
+# Completion of quillforth-cli for bash.
+
+_quillforth_cli() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
+  local keys='showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName
+    preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles
+    showAlertsWhenErrorsOccur DestinationDirectory'
+  local words='' kind=''
+  case $previous in
+    --to | DestinationDirectory) kind=folder ;;
+    --base | --url) return ;;
+    --set) words=$keys ;;
+    *)
+      case $COMP_CWORD:$command in
+        1:*) words='get links classify extensions settings --help --version' ;;
+        *:get) words='--to --page --file --set --json --local --help' ;;
+        *:links) words='--base --url --null --help' kind=file ;;
+        *:settings) words="--unset --help $keys" ;;
+        *) words='--help' ;;
+      esac
+      if [[ $command == settings && $COMP_CWORD -eq 3 && $previous != --unset ]]; then words='yes no'; fi
+      if [[ $command == settings && $COMP_CWORD -eq 3 && $previous == --unset ]]; then words=$keys; fi
+      ;;
+  esac
+  if [[ $previous == --set ]]; then compopt -o nospace; fi
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  case $kind in
+    folder) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    file)
+      if [[ $current != -* ]]; then
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      fi
+      ;;
+  esac
+}
+complete -F _quillforth_cli quillforth-cli

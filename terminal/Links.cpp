@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+
+#include "terminal/Links.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QByteArray>
+#include <cerrno>
+#include <cstring>
+
+#include "linkextract/PageLinks.h"
+#include "linkextract/PageText.h"
+#include "linkextract/ScanPage.h"
+#include "terminal/Text.h"
+
+namespace quillforth::terminal {
+
+namespace {
+
+// Links go out in portions of about this many bytes.
+constexpr qsizetype kPortion = 65536;
+
+struct Page {
+  QByteArray bytes;
+  QString error;  // null when the page was read
+};
+
+Page ReadDescriptor(int descriptor, const QString& name) {
+  QByteArray bytes;
+  QByteArray chunk(kPortion, Qt::Uninitialized);
+  for (;;) {
+    const ssize_t length = ::read(descriptor, chunk.data(), static_cast<std::size_t>(chunk.size()));
+    if (length < 0 && errno == EINTR) continue;
+    if (length < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
+    if (length == 0) return {bytes, {}};
+    bytes.append(chunk.constData(), length);
+    if (bytes.size() > platform::PageLoader::kMaxPageLength) {
+      return {{}, name + QStringLiteral(": longer than a page may be")};
+    }
+  }
+}
+
+Page ReadFile(const std::string& path) {
+  if (path == "-") return ReadDescriptor(STDIN_FILENO, QStringLiteral("standard input"));
+  const QString name = QString::fromStdString(path);
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
+  Page page = ReadDescriptor(descriptor, name);
+  ::close(descriptor);
+  return page;
+}
+
+Page LoadPage(const std::string& source, platform::PageLoader& pages) {
+  const QString shown = platform::WithoutCredentials(QString::fromStdString(source));
+  const std::optional<platform::URL> url = platform::URL::URLWithString(QString::fromStdString(source));
+  if (!url) return {{}, shown + QStringLiteral(": not a valid URL")};
+  std::optional<QByteArray> bytes = pages.resourceData(*url);
+  if (!bytes) return {{}, shown + QStringLiteral(": the page could not be loaded")};
+  return {std::move(*bytes), {}};
+}
+
+linkextract::LinkTable LinksOf(const QByteArray& bytes, const LinksArguments& arguments,
+                               const classify::CExtensionMap& extensions) {
+  const std::string_view page(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+  if (!arguments.base) {
+    return linkextract::ExtractPageLinks(page, arguments.url.value_or(arguments.source), extensions);
+  }
+  linkextract::LinkTable table;
+  const common::BoundedText base(*arguments.base);
+  const std::optional<linkextract::PageText> text = linkextract::DecodePage(page);
+  if (text && !base.empty()) linkextract::ScanPage(text->view(), base, table, extensions);
+  return table;
+}
+
+void AppendRecord(QByteArray& portion, const linkextract::LinkEntry& entry) {
+  portion.append(entry.key()).append('\0').append(entry.value()).append('\0');
+}
+
+void AppendLine(QByteArray& portion, const linkextract::LinkEntry& entry) {
+  if (!linkextract::IsValidUTF8(entry.value())) return;
+  const auto length = static_cast<qsizetype>(entry.value().size());
+  portion.append(PercentEncodedControls(QByteArray::fromRawData(entry.value().data(), length))).append('\n');
+}
+
+}  // namespace
+
+bool IsWebSource(const std::string& source) {
+  return source.starts_with("http://") || source.starts_with("https://") || source.starts_with("ftp://");
+}
+
+std::optional<QString> PrintLinks(const LinksArguments& arguments, const classify::CExtensionMap& extensions,
+                                  platform::PageLoader& pages, Output& output) {
+  const Page page =
+      IsWebSource(arguments.source) ? LoadPage(arguments.source, pages) : ReadFile(arguments.source);
+  if (!page.error.isNull()) return page.error;
+  QByteArray portion;
+  for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, arguments, extensions)) {
+    if (arguments.null) {
+      AppendRecord(portion, entry);
+    } else {
+      AppendLine(portion, entry);
+    }
+    if (portion.size() < kPortion) continue;
+    if (!output.write(portion)) return std::nullopt;
+    portion.clear();
+  }
+  output.write(portion);
+  return std::nullopt;
+}
+
+}  // namespace quillforth::terminal

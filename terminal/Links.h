@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+//
+// The command `links`: a page in, its links out, by the same steps that fill the queue. Main thread.
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "classify/ExtensionMap.h"
+#include "platform/PageLoader.h"
+#include "terminal/CommandLine.h"
+#include "terminal/Output.h"
+
+namespace quillforth::terminal {
+
+/// Whether a source of `links` is loaded from the web: it begins with "http://", "https://" or "ftp://".
+[[nodiscard]] bool IsWebSource(const std::string& source);
+
+/// Prints the links; what went wrong when the page could not be read. A source that is not on the web comes
+/// with a base or a URL.
+[[nodiscard]] std::optional<QString> PrintLinks(const LinksArguments& arguments,
+                                                const classify::CExtensionMap& extensions,
+                                                platform::PageLoader& pages, Output& output);
+
+}  // namespace quillforth::terminal
