@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <utility>
@@ -28,6 +30,7 @@ using Position = WorkText::Position;
 constexpr std::array<std::string_view, 3> kNames{"HREF=", "SRC=", "BACKGROUND="};
 constexpr std::size_t kShortestName = 4;
 constexpr std::size_t kLongestName = 11;
+constexpr unsigned kCaseBit = 0x20;  // what makes an upper-case letter a lower-case one
 
 constexpr char LastLetter(std::string_view name) {
   return name[name.size() - 2];
@@ -92,6 +95,33 @@ std::uint64_t LastLetters(const ByteBlock& block) {
   return letters;
 }
 
+/// The last four bytes of each name, in lower case, as a number.
+using Tail = std::uint32_t;
+constexpr std::array<Tail, kNames.size()> kTails = [] {
+  std::array<Tail, kNames.size()> tails{};
+  for (std::size_t i = 0; i < kNames.size(); ++i) {
+    std::array<char, sizeof(Tail)> bytes{};
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+      bytes[at] = static_cast<char>(kNames[i][kNames[i].size() - bytes.size() + at] | kCaseBit);
+    }
+    tails[i] = std::bit_cast<Tail>(bytes);
+  }
+  return tails;
+}();
+
+/// The name that ends right before `end`, after an "=".
+std::size_t NameBefore(std::string_view text, std::size_t end) {
+  Tail tail = 0;
+  if (end < sizeof tail) return kNames.size();
+  std::memcpy(&tail, text.data() + end - sizeof tail, sizeof tail);
+  tail |= kCaseBit * 0x01010101U;  // exact for letters, and "=" has that bit
+  const auto found = static_cast<std::size_t>(std::find(kTails.begin(), kTails.end(), tail) - kTails.begin());
+  if (found == kNames.size()) return found;
+  const std::string_view head = kNames[found].substr(0, kNames[found].size() - sizeof tail);
+  if (end < kNames[found].size()) return kNames.size();
+  return EqualsNoCase(head, text.substr(end - kNames[found].size(), head.size())) ? found : kNames.size();
+}
+
 NamePositions FindNames(std::string_view text) {
   MatchCursor ends(text, [](std::string_view all, std::size_t offset) {
     const ByteBlock block = ByteBlock::load(all, offset);
@@ -105,14 +135,8 @@ NamePositions FindNames(std::string_view text) {
     names[i].reserve(text.size() / kNames[i].size() + 1);  // untouched memory costs nothing; growing would
   }
   for (std::size_t equals = ends.next(0); equals != std::string_view::npos; equals = ends.next(equals + 1)) {
-    const std::size_t end = equals + 1;
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-      const std::size_t length = kNames[i].size();
-      if (LastLetter(kNames[i]) != UpperCased(text[equals - 1]) || end < length) continue;
-      if (EqualsNoCase(kNames[i], text.substr(end - length, length))) {
-        names[i].push_back(static_cast<Position>(end));
-      }
-    }
+    const std::size_t name = NameBefore(text, equals + 1);
+    if (name < kNames.size()) names[name].push_back(static_cast<Position>(equals + 1));
   }
   return names;
 }
@@ -127,10 +151,12 @@ class AttributeScanner {
     std::vector<Position>& names = names_[row.name];
     if (names.empty()) return;
     work_.rewind();
+    constexpr std::size_t kAhead = 8;  // names that the text's memory is asked for before it is read
     std::size_t kept = 0;
     std::size_t read = 0;
     while (revived_ || read < names.size()) {
       const Position name = revived_ ? *std::exchange(revived_, std::nullopt) : names[read++];
+      if (names.size() - read > kAhead) work_.expect(names[read + kAhead]);
       work_.moveTo(name);
       if (work_.isCutBefore(name)) continue;
       // Fewer names are kept than were read: what a seam revives stands for the one that was cut out there.

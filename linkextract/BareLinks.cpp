@@ -94,22 +94,27 @@ KnownSuffixes::KnownSuffixes(const classify::CExtensionMap& extensions) : extens
       longestKey >= BoundedText::kMaxLength ? kNone : longestKey - std::min<std::size_t>(longestKey, 1);
   for (const auto& node : extensions.nodes()) {
     const std::string_view key = node->key.view();
-    if (key.starts_with('.')) filter_.set(filterBit(key.substr(1)));
+    if (key.size() < 2 || key[0] != '.') continue;
+    firsts_.set(static_cast<unsigned char>(key[1]));
+    for (const std::size_t bit : filterBits(key.substr(1))) filter_.set(bit);
   }
 }
 
-bool KnownSuffixes::contains(std::string_view suffix) const {
+bool KnownSuffixes::find(std::string_view suffix) const {
   if (suffix.size() > longest_) return false;
   suffix = suffix.substr(0, BoundedText::kMaxLength - 1);
-  if (!filter_.test(filterBit(suffix))) return false;
+  for (const std::size_t bit : filterBits(suffix)) {
+    if (!filter_.test(bit)) return false;
+  }
   BoundedText key(".");
   key.append(suffix);
   return extensions_.find(key.view()) != nullptr;
 }
 
-std::size_t KnownSuffixes::filterBit(std::string_view suffix) noexcept {
+std::array<std::size_t, 2> KnownSuffixes::filterBits(std::string_view suffix) noexcept {
   const std::uint64_t mixed = (WordAt(suffix) + suffix.size()) * 0x9E3779B97F4A7C15;
-  return static_cast<std::size_t>(mixed >> 40) % kFilterBits;
+  return {static_cast<std::size_t>(mixed >> 49) % kFilterBits,
+          static_cast<std::size_t>(mixed >> 34) % kFilterBits};
 }
 
 bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known) {

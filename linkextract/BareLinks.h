@@ -5,6 +5,7 @@
 // Pure but for the sink; any thread.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <string_view>
@@ -24,18 +25,22 @@ class KnownSuffixes {
   /// `extensions` must not change while this lives.
   explicit KnownSuffixes(const classify::CExtensionMap& extensions);
 
-  /// Whether "." and `suffix`, cut at 255 bytes in all, is an extension of the table.
-  [[nodiscard]] bool contains(std::string_view suffix) const;
+  /// Whether "." and `suffix`, which is not empty, cut at 255 bytes in all, is an extension of the table.
+  [[nodiscard]] bool contains(std::string_view suffix) const {
+    return firsts_.test(static_cast<unsigned char>(suffix[0])) && find(suffix);
+  }
   /// Bytes without the leading "." above which no suffix is known; the largest number there is when a
   /// full-length extension is, since a longer suffix is cut to one.
   [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
 
  private:
   static constexpr std::size_t kFilterBits = 1U << 15;
-  [[nodiscard]] static std::size_t filterBit(std::string_view suffix) noexcept;
+  [[nodiscard]] bool find(std::string_view suffix) const;
+  [[nodiscard]] static std::array<std::size_t, 2> filterBits(std::string_view suffix) noexcept;
 
   const classify::CExtensionMap& extensions_;
   std::size_t longest_;
+  std::bitset<256> firsts_;  // first bytes of the known suffixes
   std::bitset<kFilterBits> filter_;
 };
 

@@ -93,7 +93,7 @@ void LinkTable::clear() noexcept {
 
 void LinkTable::growBuckets() {
   constexpr std::size_t kFewest = 512;
-  buckets_.assign(std::max(kFewest, 2 * buckets_.size()), nullptr);
+  buckets_.assign(std::max(kFewest, 4 * buckets_.size()), nullptr);
   for (LinkEntry* entry = head_; entry != nullptr; entry = entry->next_) linkIntoBucket(*entry);
 }
 

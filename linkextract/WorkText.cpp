@@ -20,23 +20,6 @@ void WorkText::rewind() noexcept {
   behind_ = 0;
 }
 
-bool WorkText::stepBack(Place& place) const noexcept {
-  if (place.cutsBefore > 0 && cuts_[place.cutsBefore - 1].end == place.position) {
-    place.position = cuts_[--place.cutsBefore].begin;
-  }
-  if (place.position == 0) return false;
-  --place.position;
-  return true;
-}
-
-WorkText::Place WorkText::stepBackBy(Place place, std::size_t count) const noexcept {
-  if (place.cutsBefore == 0 || cuts_[place.cutsBefore - 1].end + count <= place.position) {
-    return {place.position - static_cast<Position>(count), place.cutsBefore};
-  }
-  while (count > 0 && stepBack(place)) --count;
-  return place;
-}
-
 WorkText::Position WorkText::find(char c, Position position) const noexcept {
   for (std::size_t next = aheadBegin_;; ++next) {
     const std::size_t end = next < capacity_ ? cuts_[next].begin : text_.size();

@@ -44,6 +44,9 @@ class WorkText {
 
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
 
+  /// Asks for the text's memory at `position`, which will be looked at soon.
+  void expect(Position position) const noexcept { __builtin_prefetch(text_.data() + position); }
+
   void rewind() noexcept;
   /// Moves the reading position to `position`, not back; a cut that begins right there is behind it.
   void moveTo(Position position) noexcept {
@@ -71,9 +74,22 @@ class WorkText {
   /// The last cut made, as a place to step back from to what now stands before it.
   [[nodiscard]] Place placeBeforeLastCut() const noexcept { return {cuts_[behind_ - 1].begin, behind_ - 1}; }
   /// Whether a kept byte stands before `place`; if so, steps back to it.
-  [[nodiscard]] bool stepBack(Place& place) const noexcept;
+  [[nodiscard]] bool stepBack(Place& place) const noexcept {
+    if (place.cutsBefore > 0 && cuts_[place.cutsBefore - 1].end == place.position) {
+      place.position = cuts_[--place.cutsBefore].begin;
+    }
+    if (place.position == 0) return false;
+    --place.position;
+    return true;
+  }
   /// Steps back by `count` bytes, which must be there.
-  [[nodiscard]] Place stepBackBy(Place place, std::size_t count) const noexcept;
+  [[nodiscard]] Place stepBackBy(Place place, std::size_t count) const noexcept {
+    if (place.cutsBefore == 0 || cuts_[place.cutsBefore - 1].end + count <= place.position) {
+      return {place.position - static_cast<Position>(count), place.cutsBefore};
+    }
+    while (count > 0 && stepBack(place)) --count;
+    return place;
+  }
 
   /// The first `c` among the kept bytes at or after `position`, which the reading position has not passed;
   /// kNowhere when there is none.
