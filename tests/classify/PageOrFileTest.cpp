@@ -82,7 +82,7 @@ TEST(PageOrFile, WithoutAnExtensionTheServersContentTypeDecides) {
   const std::string html = "Content-Type: text/html\r\n";
   const auto redirect = [](const std::string& status, const std::string& target) {
     return "HTTP/1.1 " + status + "\r\nLocation: " + target +
-           "\r\nContent-Type: text/html\r\nContent-Length: 0\r\n\r\n";
+           "\r\nContent-Type: text/html\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
   };
   struct Answer {
     std::string bytes;
