@@ -2,8 +2,8 @@
 //
 // Makes read streams that fetch over HTTP/1.1, HTTPS and FTP with libcurl.
 //
-// Each stream has handles of its own, so streams on different threads never meet. Whatever its method, a
-// redirected request keeps "HEAD".
+// Each stream has handles of its own, so streams on different threads never meet. A redirected "HEAD" stays
+// one.
 #pragma once
 
 #include <memory>
