@@ -7,10 +7,9 @@
 
 namespace quillforth::fileops {
 
-void Assert(bool holds, const char* expression, const std::source_location& caller) {
+void Assert(bool holds, const char* expression, const char* file, unsigned line) {
   if (holds) return;
-  std::fprintf(stderr, "%s:%u: failed assertion `%s'\n", caller.file_name(),
-               static_cast<unsigned>(caller.line()), expression);
+  std::fprintf(stderr, "%s:%u: failed assertion `%s'\n", file, line, expression);
   std::abort();
 }
 

@@ -20,7 +20,7 @@
 namespace quillforth::platform {
 
 /// Bytes of a whole descriptor.
-inline constexpr qsizetype kMaxFlatLength = 16 * 1024 * 1024;
+inline constexpr qsizetype kMaxFlatLength = qsizetype{16} * 1024 * 1024;
 /// Containers in containers; a plain descriptor has depth 0.
 inline constexpr int kMaxDescriptorDepth = 16;
 /// Items of all containers together.

@@ -2,10 +2,29 @@
 
 #include "platform/AppleEventManager.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <limits>
 
 namespace quillforth::platform {
+
+namespace {
+
+// An event that nobody waits for, in the main loop's queue. All custom events of a manager are such.
+class QueuedEvent final : public QEvent {
+ public:
+  explicit QueuedEvent(AppleEvent event) : QEvent(User), event_(std::move(event)) {}
+  [[nodiscard]] const AppleEvent& event() const { return event_; }
+
+ private:
+  AppleEvent event_;
+};
+
+std::optional<common::FourCharCode> SignatureOf(const AppleEvent& event) {
+  return CodeValue(event.target(), descriptor_type::kApplicationSignature);
+}
+
+}  // namespace
 
 void AppleEventDispatcher::installHandler(common::FourCharCode eventClass, common::FourCharCode eventID,
                                           Handler handler) {
@@ -40,26 +59,23 @@ std::int16_t AppleEventManager::newReturnID() {
 common::Status AppleEventManager::send(const AppleEvent& event, const SendOptions& options,
                                        AppleEvent& reply) {
   reply = AppleEvent();
-  const std::optional<common::FourCharCode> signature =
-      CodeValue(event.target(), descriptor_type::kApplicationSignature);
+  const std::optional<common::FourCharCode> signature = SignatureOf(event);
   if (!signature) return common::kAEUnknownAddressType;
   if (dispatcherFor(*signature) == nullptr) return common::kProcessNotFound;
   AppleEvent sent = event;
   if (sent.returnID() == kAutoGenerateReturnID) sent.setReturnID(newReturnID());
   if (options.mode == SendMode::noReply) {
-    enqueue(sent, *signature);
+    QCoreApplication::postEvent(this, new QueuedEvent(sent));
     return common::kNoError;
   }
   return sendAndWait(sent, *signature, options, reply);
 }
 
-void AppleEventManager::enqueue(const AppleEvent& event, common::FourCharCode signature) {
-  const auto deliver = [this, event, signature] {
-    AppleEvent unwanted;
-    const AppleEventDispatcher* dispatcher = dispatcherFor(signature);
-    if (dispatcher != nullptr) static_cast<void>(dispatcher->dispatch(event, unwanted));
-  };
-  QMetaObject::invokeMethod(&queue_, deliver, Qt::QueuedConnection);
+void AppleEventManager::customEvent(QEvent* queued) {
+  const AppleEvent& event = static_cast<QueuedEvent*>(queued)->event();
+  AppleEvent unwanted;
+  const AppleEventDispatcher* dispatcher = dispatcherFor(SignatureOf(event).value_or(0));
+  if (dispatcher != nullptr) static_cast<void>(dispatcher->dispatch(event, unwanted));
 }
 
 common::Status AppleEventManager::sendAndWait(const AppleEvent& event, common::FourCharCode signature,

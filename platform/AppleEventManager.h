@@ -72,7 +72,7 @@ class AppleEventDispatcher {
   std::map<std::pair<common::FourCharCode, common::FourCharCode>, Handler> handlers_;
 };
 
-class AppleEventManager final : public AppleEventSender {
+class AppleEventManager final : public QObject, public AppleEventSender {
  public:
   /// `dispatcher` outlives its registration. An earlier one of the same signature is replaced.
   void registerTarget(common::FourCharCode signature, const AppleEventDispatcher& dispatcher);
@@ -84,16 +84,17 @@ class AppleEventManager final : public AppleEventSender {
   [[nodiscard]] common::Status send(const AppleEvent& event, const SendOptions& options,
                                     AppleEvent& reply) override;
 
+ protected:
+  void customEvent(QEvent* queued) override;
+
  private:
   [[nodiscard]] const AppleEventDispatcher* dispatcherFor(common::FourCharCode signature) const;
-  void enqueue(const AppleEvent& event, common::FourCharCode signature);
   [[nodiscard]] common::Status sendAndWait(const AppleEvent& event, common::FourCharCode signature,
                                            const SendOptions& options, AppleEvent& reply);
   std::int16_t newReturnID();
 
   std::map<common::FourCharCode, const AppleEventDispatcher*> targets_;
   std::int16_t lastReturnID_ = 0;
-  QObject queue_;  // events without a reply wait in its event queue, and go with it
 };
 
 }  // namespace quillforth::platform

@@ -18,7 +18,6 @@ using common::FourCC;
 using common::Status;
 using platform::AEDescriptor;
 using platform::AppleEvent;
-using platform::CodeDescriptor;
 using platform::FileReference;
 using platform::Int16Descriptor;
 using platform::Int32Descriptor;
@@ -148,23 +147,23 @@ TEST_F(FinderCommentTest, AnswersBecomeStatusAndText) {
   const AEDescriptor list(FourCC("list"), {});
   const struct {
     common::FourCharCode keyword;
-    AEDescriptor value;
     Status status;
+    AEDescriptor value;
     QString text;
   } cases[] = {
-      {FourCC("----"), text, 0, QStringLiteral("t")},
-      {FourCC("----"), UnicodeTextDescriptor(u""), 0, QStringLiteral("")},
-      {FourCC("----"), {FourCC("utxt"), QByteArray("t\0x", 3)}, 0, QStringLiteral("t")},
-      {FourCC("----"), {FourCC("utf8"), "é"}, 0, QStringLiteral("é")},
-      {FourCC("----"), {FourCC("TEXT"), "\xFF"}, 0, QString()},
-      {FourCC("----"), list, 0, QString()},
-      {FourCC("----"), {}, 0, QString()},
-      {FourCC("none"), text, 0, QString()},
-      {FourCC("errn"), Int16Descriptor(-43), -43, QString()},
-      {FourCC("errn"), Int32Descriptor(-5000), -5000, QString()},
-      {FourCC("errn"), Int16Descriptor(0), 0, QString()},
-      {FourCC("errn"), Int32Descriptor(70000), -1700, QString()},
-      {FourCC("errn"), text, -1700, QString()},
+      {FourCC("----"), 0, text, QStringLiteral("t")},
+      {FourCC("----"), 0, UnicodeTextDescriptor(u""), QStringLiteral("")},
+      {FourCC("----"), 0, {FourCC("utxt"), QByteArray("t\0x", 3)}, QStringLiteral("t")},
+      {FourCC("----"), 0, {FourCC("utf8"), "é"}, QStringLiteral("é")},
+      {FourCC("----"), 0, {FourCC("TEXT"), "\xFF"}, QString()},
+      {FourCC("----"), 0, list, QString()},
+      {FourCC("----"), 0, {}, QString()},
+      {FourCC("none"), 0, text, QString()},
+      {FourCC("errn"), -43, Int16Descriptor(-43), QString()},
+      {FourCC("errn"), -5000, Int32Descriptor(-5000), QString()},
+      {FourCC("errn"), 0, Int16Descriptor(0), QString()},
+      {FourCC("errn"), -1700, Int32Descriptor(70000), QString()},
+      {FourCC("errn"), -1700, text, QString()},
   };
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     answer(cases[i].keyword, cases[i].value);

@@ -116,25 +116,25 @@ TEST_P(LinuxFinderTest, SpecifiersOfSomethingElseGetAnErrorNumber) {
   };
   const struct {
     common::FourCharCode field;  // of the item or, below, the property; 0: nothing is changed
-    AEDescriptor value;
     Status status;
     bool inItem;
+    AEDescriptor value;
   } cases[] = {
-      {0, {}, 0, true},
-      {FourCC("want"), code("type", "cobj"), 0, true},
-      {FourCC("want"), code("type", "disk"), -1728, true},
-      {FourCC("want"), code("enum", "file"), -1728, true},
-      {FourCC("form"), code("enum", "indx"), -1728, true},
-      {FourCC("from"), AEDescriptor(FourCC("obj "), {}), -1728, true},
-      {FourCC("seld"), AEDescriptor(FourCC("utf8"), "Linux:tmp"), -1728, true},
-      {FourCC("seld"), longer(QStringLiteral(":")), -1728, true},
-      {FourCC("seld"), platform::UnicodeTextDescriptor(u"Disk:a"), -1728, true},
-      {FourCC("seld"), longer(QStringLiteral("x")), -43, true},
-      {FourCC("seld"), longer(QStringLiteral(":x")), -43, true},
-      {FourCC("seld"), longer(QString(300, u'x')), -37, true},
-      {FourCC("want"), code("type", "file"), -1728, false},
-      {FourCC("seld"), code("type", "name"), -1728, false},
-      {FourCC("from"), {}, -1728, false},
+      {0, 0, true, {}},
+      {FourCC("want"), 0, true, code("type", "cobj")},
+      {FourCC("want"), -1728, true, code("type", "disk")},
+      {FourCC("want"), -1728, true, code("enum", "file")},
+      {FourCC("form"), -1728, true, code("enum", "indx")},
+      {FourCC("from"), -1728, true, AEDescriptor(FourCC("obj "), {})},
+      {FourCC("seld"), -1728, true, AEDescriptor(FourCC("utf8"), "Linux:tmp")},
+      {FourCC("seld"), -1728, true, longer(QStringLiteral(":"))},
+      {FourCC("seld"), -1728, true, platform::UnicodeTextDescriptor(u"Disk:a")},
+      {FourCC("seld"), -43, true, longer(QStringLiteral("x"))},
+      {FourCC("seld"), -43, true, longer(QStringLiteral(":x"))},
+      {FourCC("seld"), -37, true, longer(QString(300, u'x'))},
+      {FourCC("want"), -1728, false, code("type", "file")},
+      {FourCC("seld"), -1728, false, code("type", "name")},
+      {FourCC("from"), -1728, false, {}},
   };
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     AEDescriptor item = platform::ObjectSpecifier(finder::kFileClass, {}, FourCC("name"),

@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <random>
-
 #include "platform/AppleEventBytes.h"
 #include "platform/AppleEventManager.h"
 
@@ -57,17 +55,11 @@ TEST(AppleEvents, ACoercionGivesTheSameValueOrIsRefused) {
     std::optional<AEDescriptor> expected;  // nothing: refused
   } cases[] = {
       {Unicode(u"aé😀"), type::kUTF8Text, Text("aé😀")},
-      {Unicode(u"\uFEFFa"), type::kText,
-       Text("\xEF\xBB\xBF"
-            "a",
-            type::kText)},
+      {Unicode(u"\uFEFFmark"), type::kText, Text("\xEF\xBB\xBFmark", type::kText)},
       {Unicode(u""), type::kText, Text("", type::kText)},
       {Unicode(loneSurrogate), type::kUTF8Text, std::nullopt},
       {Text("aé😀"), type::kUnicodeText, Unicode(u"aé😀")},
-      {Text("\xEF\xBB\xBF"
-            "a",
-            type::kText),
-       type::kUnicodeText, Unicode(u"\uFEFFa")},
+      {Text("\xEF\xBB\xBFmark", type::kText), type::kUnicodeText, Unicode(u"\uFEFFmark")},
       {Text("a\xFF"), type::kUnicodeText, std::nullopt},
       {Text("a\xC3"), type::kUnicodeText, std::nullopt},
       {Text("\xED\xA0\x80"), type::kUnicodeText, std::nullopt},
@@ -156,24 +148,6 @@ TEST(AppleEventBytes, HostileBytesAreRefused) {
   for (const AEDescriptor& beyond : {Nested(17), wide, AEDescriptor(type::kText, tooLong)}) {
     EXPECT_FALSE(FlattenDescriptor(beyond));
   }
-}
-
-TEST(AppleEventBytes, WhateverIsReadIsWrittenAsItWas) {
-  std::mt19937 engine(20260730);
-  const auto random = [&engine] { return static_cast<unsigned>(engine()); };
-  const QByteArray original = Flat(Record(type::kObjectSpecifier));
-  int accepted = 0;
-  for (int round = 0; round < 20000; ++round) {
-    QByteArray bytes = original;
-    for (unsigned changes = random() % 3; changes > 0; --changes) {
-      bytes[random() % bytes.size()] = static_cast<char>(random() % 4 == 0 ? random() : random() % 40);
-    }
-    const DescriptorResult result = UnflattenDescriptor(bytes);
-    if (result.status != common::kNoError) continue;
-    ++accepted;
-    ASSERT_EQ(Flat(result.descriptor), bytes);
-  }
-  EXPECT_GT(accepted, 6000);
 }
 
 class AppleEventManagerTest : public ::testing::Test {

@@ -20,9 +20,7 @@ TEST(LosslessText, BytesThatAreNoUTF8BecomeLoneSurrogates) {
   } cases[] = {
       {"", QStringLiteral("")},
       {"aé😀", QStringLiteral("aé😀")},
-      {"\xEF\xBB\xBF"
-       "a",
-       QStringLiteral("\uFEFFa")},
+      {"\xEF\xBB\xBFmark", QStringLiteral("\uFEFFmark")},
       {std::string("\0a", 2), QString(QChar(0)) + u'a'},
       {"\xE9", QString(QChar(0xDCE9))},
       {"a\xC3", QStringLiteral("a") + QChar(0xDCC3)},
@@ -48,9 +46,7 @@ TEST(HFSPath, PathsHaveColonsAndComeBack) {
       {"/", true, u"Linux:"},
       {"/home/me/a.txt", false, u"Linux:home:me:a.txt"},
       {"/home/me", true, u"Linux:home:me:"},
-      {"/a:b/::/c", false,
-       u"Linux:a/b:/"
-       u"/:c"},
+      {"/a:b/::x/c", false, u"Linux:a/b://x:c"},
       {"/.hidden/... /Linux", false, u"Linux:.hidden:... :Linux"},
       {"/é/\xE9\xFF", false, u"Linux:é:\xDCE9\xDCFF"},
       {"/a/../b", false, u"Linux:a::b"},
@@ -76,43 +72,20 @@ TEST(HFSPath, PathsHaveColonsAndComeBack) {
 }
 
 TEST(HFSPath, EveryLegalNameComesBack) {
+  // Bytes that make up whole characters, parts of some, and what no text holds.
+  const std::string bytes = ":. \na\x7F\x80\xA9\xBF\xBB\xC3\xE9\xED\xB2\xEF\xF0\x9F\x98\xF4\xFF";
   std::mt19937 engine(20260731);
   const auto random = [&engine] { return static_cast<unsigned>(engine()); };
-  const std::string_view pieces[] = {":",
-                                     ".",
-                                     " ",
-                                     "\n",
-                                     "a",
-                                     "\x7F",
-                                     "\x80",
-                                     "\xBF",
-                                     "\xC3",
-                                     "\xE9",
-                                     "\xED\xB2",
-                                     "\xEF\xBB\xBF",
-                                     "\xF0\x9F\x98\x80",
-                                     "\xF4\x90",
-                                     "\xFF",
-                                     "é",
-                                     "e\xCC\x81"};
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < 50000; ++round) {
     std::string path;
     for (unsigned depth = 1 + random() % 3; depth > 0; --depth) {
       std::string name;
-      for (unsigned length = 1 + random() % 6; length > 0; --length) {
-        if (random() % 2 == 0) {
-          name += pieces[random() % std::size(pieces)];
-        } else {
-          const char byte = static_cast<char>(1 + random() % 255);
-          name += byte == '/' ? ':' : byte;
-        }
-      }
+      for (unsigned length = 1 + random() % 8; length > 0; --length) name += bytes[random() % bytes.size()];
       path += '/' + (name == "." ? ".." : name);
     }
     const bool isDirectory = random() % 2 == 0 || path.ends_with("/..");
-    const std::optional<QString> hfsPath = HFSPath({path, isDirectory});
-    ASSERT_TRUE(hfsPath) << path;
-    const std::optional<HFSPathTarget> target = TargetOfHFSPath(*hfsPath);
+    const std::optional<HFSPathTarget> target =
+        TargetOfHFSPath(HFSPath({path, isDirectory}).value_or(QString()));
     ASSERT_TRUE(target) << path;
     ASSERT_EQ(target->path, path);
     ASSERT_EQ(target->isDirectory, isDirectory);
