@@ -55,7 +55,7 @@ void DestinationFolder::decideDestinationFolder() {
   } else if (const std::optional<platform::FileReference> folder = storedDestinationFolder()) {
     path = FolderPath(*folder, kLongestUsedPath);
   }
-  if (!path.isNull()) currentDestinationPath_ = path;
+  if (!path.isEmpty()) currentDestinationPath_ = path;
 }
 
 QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {

@@ -45,7 +45,8 @@ class FileComments {
 class DriverObserver {
  public:
   virtual ~DriverObserver() = default;
-  /// `downloadFile` was given a text that makes no URL; the queue waits for `tryAgain`.
+  /// `downloadFile` was given a text that makes no URL; the queue waits for `tryAgain`,
+  /// which is not called from in here: a long queue of such texts would go as deep.
   virtual void downloadFileRefusedURL(const QString& text) = 0;
 };
 

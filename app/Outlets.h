@@ -37,7 +37,7 @@ class Button {
 class ProgressIndicator {
  public:
   virtual ~ProgressIndicator() = default;
-  /// 0.0 to 1.0.
+  /// 0.0 to 1.0; what lies outside, after counters have wrapped, is shown as the nearer end.
   virtual void setDoubleValue(double value) = 0;
   virtual void setHidden(bool hidden) = 0;
   virtual void startAnimation() = 0;
@@ -62,7 +62,8 @@ class TableView {
   /// MIME types, the preferred one first.
   virtual void registerForDraggedTypes(const QStringList& types) = 0;
   /// The rows may have changed in any way; entries that are still there stay selected. Must not cost more
-  /// than what is visible: it comes after every change.
+  /// than what is visible: it comes after every change. Whoever owns the table tells the controller when the
+  /// selection has changed, by this too.
   virtual void reloadData() = 0;
   /// Ascending, without duplicates.
   [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
