@@ -85,7 +85,7 @@ class PageMaker {
 TEST(ScannerDifferentialTest, FindsExactlyWhatCuttingAndStartingOverFinds) {
   const classify::CExtensionMap extensions = SomeExtensions();
   std::size_t found = 0;
-  for (unsigned seed = 0; seed < 12000; ++seed) {
+  for (unsigned seed = 0; seed < 3000; ++seed) {
     PageMaker maker(seed);
     const std::string page = maker.page();
     const std::string base = maker.base();
@@ -95,7 +95,7 @@ TEST(ScannerDifferentialTest, FindsExactlyWhatCuttingAndStartingOverFinds) {
         << page;
     found += expected.size();
   }
-  EXPECT_GT(found, 100000U);
+  EXPECT_GT(found, 25000U);
 }
 
 TEST(ScannerDifferentialTest, AgreesOnAllBytesAndOnAFullLengthExtension) {
@@ -103,7 +103,7 @@ TEST(ScannerDifferentialTest, AgreesOnAllBytesAndOnAFullLengthExtension) {
   const std::string longest(255, 'e');
   extensions.findOrInsert(common::BoundedText("." + longest.substr(1)), {});
   std::mt19937 random(7);
-  for (unsigned round = 0; round < 1500; ++round) {
+  for (unsigned round = 0; round < 600; ++round) {
     std::string page(random() % 2000, '\0');
     for (char& c : page) c = static_cast<char>(random() % 255 + 1);
     page += "\"" + std::string(1 + random() % 300, 'l') + "." + std::string(250 + random() % 20, 'e') + "\"";

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+
+#include "common/BoundedText.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quillforth::common {
+namespace {
+
+using std::string_literals::operator""s;
+
+TEST(BoundedTextTest, CutsAt255BytesAndAtTheFirstNul) {
+  BoundedText text(std::string(300, 'a'));
+  EXPECT_EQ(text.size(), 255U);
+  text.append("b");
+  EXPECT_EQ(text.view(), std::string(255, 'a'));
+  text.assign("ab\0cd"s);
+  text.append("e\0f"s);
+  EXPECT_EQ(text.view(), "abe");
+  text.append(text.view());
+  EXPECT_STREQ(text.c_str(), "abeabe");
+  text.assign(text.view().substr(2));
+  EXPECT_EQ(text, BoundedText("eabe"));
+
+  SafeAppend(text, nullptr);
+  EXPECT_EQ(text.view(), "eabe");
+  SafeAppend(text, std::string(400, 'x').c_str());
+  EXPECT_EQ(text.size(), 255U);
+  SafeCopy(text, nullptr);
+  EXPECT_TRUE(text.empty());
+}
+
+TEST(BoundedTextTest, ComparesAsciiLettersOnlyWithoutCase) {
+  struct Case {
+    const char *a, *b;
+    std::size_t count;
+    int difference;
+  };
+  for (const Case& c : {Case{"Abc", "aBC", 3, 0},
+                        {"abX", "abY", 2, 0},
+                        {"abX", "aby", 3, -1},
+                        {"ab", "abc", 9, -'C'},
+                        {"", "", 5, 0},
+                        {"[", "{", 1, '[' - '{'},
+                        {"\xC3\xA9", "\xC3\x89", 2, 0xA9 - 0x89}}) {
+    EXPECT_EQ(CompareNoCaseN(c.a, c.b, c.count), c.difference) << c.a << " " << c.b;
+  }
+  EXPECT_TRUE(StartsWithNoCase("MailTo:x", "mailto:"));
+  EXPECT_FALSE(StartsWithNoCase("mail", "mailto:"));
+  EXPECT_FALSE(StartsWith("MailTo:x", "mailto:", LetterCase::exact));
+}
+
+}  // namespace
+}  // namespace quillforth::common

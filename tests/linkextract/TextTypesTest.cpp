@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "linkextract/LinkTable.h"
+#include "linkextract/TextBuffer.h"
+#include "linkextract/TextList.h"
+#include "linkextract/TextSearch.h"
+
+namespace quillforth::linkextract {
+namespace {
+
+using std::string_literals::operator""s;
+constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+
+TEST(TextBufferTest, CapacityGrowsInBlocksAndRefusesToLeave32Bits) {
+  TextBuffer buffer;
+  EXPECT_EQ(buffer.capacity(), 32000);
+  ASSERT_TRUE(buffer.assign(std::string(40000, 'x')));
+  EXPECT_EQ(buffer.capacity(), 64000);
+  ASSERT_TRUE(buffer.assign(std::string(31998, 'x')));
+  ASSERT_TRUE(buffer.append('y'));
+  EXPECT_EQ(buffer.capacity(), 32000);
+  ASSERT_TRUE(buffer.append('z'));
+  EXPECT_EQ(buffer.capacity(), 64000);
+  ASSERT_TRUE(buffer.append(std::string(70000, 'w')));
+  EXPECT_EQ(buffer.capacity(), 128000);
+  EXPECT_EQ(buffer.length(), 102000);
+  EXPECT_EQ(buffer.grow(31999), 160000);
+  EXPECT_EQ(buffer.grow(kMost), 0);
+  EXPECT_EQ(buffer.grow(-1), 0);
+  EXPECT_EQ(buffer.capacity(), 160000);
+  EXPECT_EQ(buffer.view().substr(31997, 4), "xyzw");
+}
+
+TEST(TextBufferTest, WithoutDataMostOperationsDoNothing) {
+  TextBuffer none{std::string_view{}};
+  TextBuffer text("Text\0more"s);
+  EXPECT_FALSE(none.hasData());
+  none.copyFrom(text);
+  EXPECT_FALSE(none.append("x"));
+  none.erase(0, 5);
+  none.reverse();
+  EXPECT_FALSE(none.hasData());
+  EXPECT_EQ(none.grow(1), 0);
+  EXPECT_EQ(none.find("T"), -1);
+  EXPECT_EQ(none.findNoCase("t"), -1);
+  EXPECT_FALSE(none.substring(0, 0));
+  EXPECT_FALSE(ExtractBetween(none, "a", "b", text, CutOut::yes));
+  EXPECT_EQ(text.view(), "");  // "" although nothing was found
+  ASSERT_TRUE(text.assign("abc"));
+  text.sideText().assign("side");
+  text.copyFrom(none);
+  EXPECT_EQ(text.view(), "abc");
+  TextBuffer copy;
+  copy.copyFrom(text);
+  EXPECT_EQ(copy.sideText().view(), "side");
+  ASSERT_TRUE(copy.assign('q'));
+  EXPECT_TRUE(copy.sideText().empty());
+  ASSERT_TRUE(none.append('z'));
+  EXPECT_EQ(none.view(), "z");
+}
+
+TEST(TextBufferTest, SubstringAndEraseClampTheirEnds) {
+  struct Case {
+    std::int32_t first, last;
+    const char *part, *rest;
+  };
+  for (const Case& c : {Case{1, 2, "bc", "ade"},
+                        {-5, 1, "ab", "cde"},
+                        {3, 99, "de", "abc"},
+                        {2, 1, "", "abcde"},
+                        {7, 9, "", "abcde"},
+                        {-3, -1, "", "abcde"},
+                        {0, kMost, "abcde", ""}}) {
+    TextBuffer buffer("abcde");
+    const std::optional<TextBuffer> part = buffer.substring(c.first, c.last);
+    ASSERT_TRUE(part && part->hasData());
+    EXPECT_EQ(part->view(), c.part) << c.first;
+    buffer.erase(c.first, c.last);
+    EXPECT_EQ(buffer.view(), c.rest) << c.first;
+    EXPECT_TRUE(buffer.hasData());
+  }
+  TextBuffer buffer("abCabc");
+  EXPECT_EQ(buffer.find("bc"), 4);
+  EXPECT_EQ(buffer.findNoCase("bc"), 1);
+  EXPECT_TRUE(buffer.startsWithNoCase("ABc"));
+  EXPECT_FALSE(buffer.startsWithNoCase("abcabcx"));
+  buffer.reverse();
+  EXPECT_EQ(buffer.view(), "cbaCba");
+}
+
+TEST(TextSearchTest, ExtractsBetweenTheFirstPatternAndTheNextOne) {
+  struct Case {
+    const char *page, *between, *left;
+  };
+  for (const Case& c : {Case{"x<B>y</b>z", "y", "xz"},
+                        {"</b><b></b><b>", "", "</b><b>"},
+                        {"<b>y", nullptr, "<b>y"},
+                        {"<b", nullptr, "<b"},
+                        {"a<<b>b<b></b", nullptr, "a<<b>b<b></b"},
+                        {"<b><b>1</b>", "<b>1", ""}}) {
+    TextBuffer page(c.page), out("old");
+    EXPECT_EQ(ExtractBetween(page, "<b>", "</b>", out, CutOut::yes), c.between != nullptr) << c.page;
+    EXPECT_EQ(out.view(), c.between == nullptr ? "" : c.between);
+    EXPECT_EQ(page.view(), c.left);
+  }
+  const std::string far = std::string(200, '<') + "<BASE href";
+  for (std::size_t length = 0; length < far.size(); ++length) {  // around every block boundary
+    EXPECT_EQ(FindNoCase(far.substr(length), "<base"),
+              200 - std::min<std::size_t>(length, 200) + (length > 200 ? std::string::npos : 0));
+  }
+}
+
+TEST(TextListTest, KeepsOrderAndDuplicatesUnlessAskedNotTo) {
+  TextList list;
+  for (const char* text : {"b", "a", "b"}) list.append(text);
+  EXPECT_FALSE(list.addIfAbsent("a"));
+  EXPECT_TRUE(list.addIfAbsent(std::string(300, 'c')));
+  EXPECT_FALSE(list.addIfAbsent(std::string(255, 'c') + "d"));
+  std::string all;
+  for (const TextList::Record* record = list.first(); record != nullptr; record = record->next) {
+    all += record->text.view().substr(0, 2);
+  }
+  EXPECT_EQ(all, "babcc");
+  list = TextList();
+  EXPECT_EQ(list.count(), 0);
+}
+
+TEST(LinkTableTest, IsUniqueByExactKeyInOrderOfFirstInsertion) {
+  LinkTable table;
+  const std::string common(255, 'k');
+  for (const std::string& key : {"b"s, "a"s, "c"s, "a"s, "B"s, ""s, common + "1", common + "2"}) {
+    const auto [entry, isNew] = table.insert(key);
+    EXPECT_EQ(entry.value().empty(), isNew);
+    table.setValue(entry, "short");
+    table.setValue(entry, "a longer value for " + key);
+  }
+  std::vector<std::string> found;
+  for (const LinkEntry& entry : table) found.emplace_back(entry.key());
+  EXPECT_EQ(found, (std::vector<std::string>{"b", "a", "c", "B", "", common}));
+  EXPECT_EQ(table.begin()->value(), "a longer value for b");
+  EXPECT_EQ(table.insert(common).entry.value().size(), 255U);
+  table.clear();
+  EXPECT_TRUE(table.empty() && table.begin() == table.end());
+}
+
+TEST(LinkTableTest, HoldsManySortedKeysAndMovesWithThem) {
+  LinkTable table;
+  for (unsigned i = 0; i < 150000; ++i) {
+    const std::string key = "page" + std::to_string(1000000 + i) + std::string(i % 200, 'x');
+    table.setValue(table.insert(key).entry, key);
+  }
+  LinkTable moved = std::move(table);
+  EXPECT_EQ(moved.size(), 150000U);
+  unsigned i = 0;
+  for (const LinkEntry& entry : moved) {
+    ASSERT_EQ(entry.key(), entry.value());
+    ASSERT_EQ(entry.key().substr(4, 7), std::to_string(1000000 + i++));
+  }
+}
+
+}  // namespace
+}  // namespace quillforth::linkextract
