@@ -9,7 +9,7 @@ namespace quillforth::platform {
 
 class SndfileSoundLoader final : public SoundLoader {
  public:
-  static constexpr std::int64_t kMostSamples = 4 * 1024 * 1024;
+  static constexpr std::int64_t kMostSamples = std::int64_t{4} * 1024 * 1024;
   static constexpr int kMostChannels = 8;
   static constexpr int kHighestSampleRate = 192'000;
 
