@@ -29,6 +29,7 @@ inline constexpr Status kProcessNotFound = -600;
 /// Neither a file nor a folder.
 inline constexpr Status kNotAFile = -1302;
 inline constexpr Status kDataTooBig = -1309;
+inline constexpr Status kNotAFolder = -1407;
 inline constexpr Status kNoMoreItems = -1417;
 inline constexpr Status kAECoercionFailed = -1700;
 inline constexpr Status kAEDescriptorNotFound = -1701;

@@ -10,31 +10,11 @@
 #include <cstdlib>
 #include <vector>
 
+#include "platform/linux/StatusOfErrno.h"
+
 namespace quillforth::platform {
 
 namespace {
-
-common::Status StatusOfErrno(int error) {
-  switch (error) {
-    case ENOENT:
-      return common::kFileNotFound;
-    case EEXIST:
-      return common::kDuplicateName;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return common::kPermissionDenied;
-    case ENOSPC:
-    case EDQUOT:
-      return common::kDiskFull;
-    case ENAMETOOLONG:
-      return common::kBadName;
-    case ENOMEM:
-      return common::kOutOfMemory;
-    default:
-      return common::kIOError;
-  }
-}
 
 bool IsComponent(std::string_view name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
