@@ -11,7 +11,11 @@ bool CanBeFetched(const URL& url) {
 
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url) {
   // RFC 2396 characters are ASCII, so this conversion loses nothing.
-  curl_easy_setopt(handle, CURLOPT_URL, url.absoluteString().toLatin1().constData());
+  ApplyCommonOptions(handle, settings, url.absoluteString().toLatin1().toStdString());
+}
+
+void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const std::string& url) {
+  curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https,ftp");
   curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http,https,ftp");
   curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);

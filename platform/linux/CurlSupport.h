@@ -49,5 +49,7 @@ using CurlEasy = std::unique_ptr<CURL, CurlEasyDeleter>;
 /// with credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's
 /// default.
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url);
+/// The same for the text of a URL that can be fetched.
+void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const std::string& url);
 
 }  // namespace quillforth::platform

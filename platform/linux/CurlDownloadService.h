@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+//
+// The program's downloads, by libcurl.
+//
+// Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
+// the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
+// cancelled fall away, with the file that they may bring. All members are called on the thread that made the
+// service, which runs a Qt event loop.
+#pragma once
+
+#include <QSocketNotifier>
+#include <chrono>
+#include <memory>
+#include <unordered_map>
+
+#include "platform/WebDownload.h"
+#include "platform/linux/CurlSupport.h"
+#include "platform/linux/Mailbox.h"
+#include "platform/linux/TransferThread.h"
+
+namespace quillforth::platform {
+
+class CurlDownload;
+
+struct DownloadOptions {
+  /// Without a byte for so long, a transfer has failed.
+  std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
+  FileCalls* files = nullptr;  ///< outlives the service; null: the kernel's
+};
+
+class CurlDownloadService final : public WebDownloadService {
+ public:
+  /// A CurlGlobal exists. `settings` outlives the service.
+  explicit CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options = {});
+  /// Not from inside a callback.
+  ~CurlDownloadService() override;
+  CurlDownloadService(const CurlDownloadService&) = delete;
+  CurlDownloadService& operator=(const CurlDownloadService&) = delete;
+
+  [[nodiscard]] std::shared_ptr<WebDownload> startDownload(const URL& url,
+                                                           WebDownloadDelegate& delegate) override;
+
+ private:
+  friend class CurlDownload;
+
+  void deliverReports();
+  void deliver(Report& report);
+  void fail(DownloadId id, const QString& description);
+  void forget(DownloadId id);
+
+  FileCalls kernelCalls_;
+  Mailbox<Report> reports_;
+  QSocketNotifier notifier_;
+  std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
+  DownloadId lastId_ = 0;
+  TransferThread thread_;
+};
+
+}  // namespace quillforth::platform

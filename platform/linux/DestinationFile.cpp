@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/DestinationFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include "platform/SuggestedFilename.h"
+
+namespace quillforth::platform {
+
+namespace {
+
+constexpr qsizetype kMaxFilenameBytes = 255;
+constexpr int kMaxTemporaryNames = 100;
+
+std::string NumberedName(const std::string& name, std::uint64_t number) {
+  return FilenameWithInsert(QByteArray::fromStdString(name), "-" + QByteArray::number(number),
+                            kMaxFilenameBytes)
+      .toStdString();
+}
+
+// What a file system answers that knows no such way to name a file.
+bool IsUnsupported(int error) {
+  return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM || error == EMLINK;
+}
+
+}  // namespace
+
+ssize_t FileCalls::write(int file, const char* bytes, std::size_t length) {
+  return ::write(file, bytes, length);
+}
+
+int FileCalls::flush(int file) {
+  // Every close of a descriptor flushes the file, but only the last one lets go of the lock.
+  const int second = ::fcntl(file, F_DUPFD_CLOEXEC, 0);
+  return second < 0 ? -1 : ::close(second);
+}
+
+int FileCalls::rename(int folder, const char* from, const char* to) {
+  return ::renameat(folder, from, folder, to);
+}
+
+int FileCalls::renameWithoutReplacing(int folder, const char* from, const char* to) {
+  return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
+}
+
+int FileCalls::link(int folder, const char* from, const char* to) {
+  return ::linkat(folder, from, folder, to, 0);
+}
+
+DestinationFile::DestinationFile(DownloadFolder folder, const Target& target, FileCalls& calls)
+    : folder_(std::move(folder)),
+      calls_(calls),
+      wantedName_(target.name),
+      allowOverwrite_(target.allowOverwrite),
+      name_(target.name) {}
+
+int DestinationFile::create(DownloadFolders& folders, const Target& target, FileCalls& calls,
+                            std::unique_ptr<DestinationFile>& file) {
+  DownloadFolder folder;
+  if (const int error = folders.open(target.folder, folder); error != 0) return error;
+  std::unique_ptr<DestinationFile> made(new DestinationFile(std::move(folder), target, calls));
+  if (const int error = made->planName(); error != 0) return error;
+  if (const int error = made->openTemporary(); error != 0) return error;
+  file = std::move(made);
+  return 0;
+}
+
+DestinationFile::~DestinationFile() {
+  if (isKept_ || !file_.isOpen()) return;
+  const std::string& name = isPublished_ ? name_ : temporaryName_;
+  if (isOurs(name)) ::unlinkat(folder_.descriptor.get(), name.c_str(), 0);
+}
+
+// False when the user, or another program, has since put something else there.
+bool DestinationFile::isOurs(const std::string& name) const {
+  struct stat status {};
+  return ::fstatat(folder_.descriptor.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         status.st_dev == device_ && status.st_ino == inode_;
+}
+
+int DestinationFile::openTemporary() {
+  for (int attempt = 0; attempt < kMaxTemporaryNames; ++attempt) {
+    temporaryName_ = TemporaryFilename();
+    file_ = FileDescriptor(::openat(folder_.descriptor.get(), temporaryName_.c_str(),
+                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (!file_.isOpen() && errno != EEXIST) return errno;
+    if (!file_.isOpen()) continue;
+    // A process that tidies the folder may have been quicker than this lock: then the file is gone, or about
+    // to go. Where files cannot be locked nobody tidies.
+    if (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) continue;
+    struct stat status {};
+    if (::fstat(file_.get(), &status) != 0) return errno;
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
+    if (status.st_nlink > 0) return 0;
+  }
+  return EEXIST;
+}
+
+int DestinationFile::planName() {
+  for (;;) {
+    struct stat status {};
+    if (::fstatat(folder_.descriptor.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      return errno == ENOENT ? 0 : errno;
+    }
+    if (allowOverwrite_) return S_ISDIR(status.st_mode) ? EISDIR : 0;
+    takeNextName();
+  }
+}
+
+void DestinationFile::takeNextName() {
+  if (number_ == 0) {
+    const auto last = folder_.numbers->find(wantedName_);
+    if (last != folder_.numbers->end()) number_ = last->second;
+  }
+  name_ = NumberedName(wantedName_, ++number_);
+}
+
+int DestinationFile::write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = calls_.write(file_.get(), bytes.data(), bytes.size());
+    if (written > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    } else if (written == 0) {
+      return EIO;
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+int DestinationFile::publish() {
+  if (calls_.flush(file_.get()) != 0) return errno;
+  int error = 0;
+  if (allowOverwrite_) {
+    const char* from = temporaryName_.c_str();
+    error = calls_.rename(folder_.descriptor.get(), from, name_.c_str()) == 0 ? 0 : errno;
+  } else {
+    error = publishUnderFreeName();
+  }
+  isPublished_ = error == 0;
+  return error;
+}
+
+int DestinationFile::publishUnderFreeName() {
+  int error = moveTo(name_);
+  while (error == EEXIST) {
+    takeNextName();
+    error = moveTo(name_);
+  }
+  if (error == 0 && number_ > 0) {
+    std::uint64_t& last = (*folder_.numbers)[wantedName_];
+    last = std::max(last, number_);
+  }
+  return error;
+}
+
+// Never replaces anything, whatever the file system can do.
+int DestinationFile::moveTo(const std::string& name) {
+  const int folder = folder_.descriptor.get();
+  const char* from = temporaryName_.c_str();
+  if (calls_.renameWithoutReplacing(folder, from, name.c_str()) == 0) return 0;
+  if (!IsUnsupported(errno)) return errno;
+  if (calls_.link(folder, from, name.c_str()) == 0) {
+    ::unlinkat(folder, from, 0);
+    return 0;
+  }
+  return IsUnsupported(errno) ? moveOverReservation(name) : errno;
+}
+
+// The last resort: an empty file takes the name, which only one can win, and is replaced at once.
+int DestinationFile::moveOverReservation(const std::string& name) {
+  const int folder = folder_.descriptor.get();
+  const FileDescriptor reservation(
+      ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (!reservation.isOpen()) return errno;
+  if (calls_.rename(folder, temporaryName_.c_str(), name.c_str()) == 0) return 0;
+  const int error = errno;
+  ::unlinkat(folder, name.c_str(), 0);
+  return error;
+}
+
+}  // namespace quillforth::platform

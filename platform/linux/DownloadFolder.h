@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+//
+// The folders that downloads go into: opened once a file, tidied once a folder, and with a memory of the
+// names given out.
+//
+// A temporary file of ours is named ".quillforth-", sixteen hexadecimal digits, ".part", and is locked
+// (flock) by the process that writes it. One that nobody holds locked was left by a process that died, and
+// goes at the first download into its folder. The transfer thread only.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/linux/FileDescriptor.h"
+
+namespace quillforth::platform {
+
+/// For each wanted name that was taken, the highest number put behind it so far, so that the next file of
+/// that name need not try them all again.
+using NameNumbers = std::unordered_map<std::string, std::uint64_t>;
+
+struct DownloadFolder {
+  FileDescriptor descriptor;       ///< O_PATH: for the "at" calls
+  NameNumbers* numbers = nullptr;  ///< lives as long as the DownloadFolders it came from
+};
+
+class DownloadFolders {
+ public:
+  /// Opens the folder that `path` names now; 0 or the error number. Everything done with the result stays in
+  /// that folder, even if another takes its path.
+  [[nodiscard]] int open(const std::string& path, DownloadFolder& folder);
+
+ private:
+  std::map<std::pair<dev_t, ino_t>, NameNumbers> known_;
+};
+
+/// A name for a temporary file, hardly ever one that exists.
+[[nodiscard]] std::string TemporaryFilename();
+[[nodiscard]] bool IsTemporaryFilename(std::string_view name);
+
+/// Removes from a folder the temporary files of this user that no process holds. Regular files only.
+void RemoveStaleTemporaries(int folderDescriptor);
+
+}  // namespace quillforth::platform

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// Which logins the requests of one download carry, and what comes of a refusal.
+//
+// A login is bound to the origin that asked for it; libcurl keeps it from every other. The transfer thread
+// only.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/WebDownload.h"
+#include "platform/linux/Authentication.h"
+
+namespace quillforth::platform {
+
+class DownloadLogins {
+ public:
+  /// So many refused answers are enough.
+  static constexpr int kMaxFailures = 5;
+
+  /// A response with status 401 (407 for a proxy).
+  struct Refusal {
+    bool isProxy = false;
+    std::string origin;               ///< who refused, as in ProtectionSpace
+    std::string host;                 ///< to be shown
+    std::vector<std::string> fields;  ///< values of WWW-Authenticate (Proxy-Authenticate)
+  };
+  enum class Next { retry, ask, giveUp };
+
+  explicit DownloadLogins(CredentialStore& store) : store_(store) {}
+
+  /// Takes the login that stands in `url`, or one that its origin has taken before.
+  void begin(const RequestURL& url);
+  void apply(CURL* handle) const;
+  /// `retry`: there is a login that has not been tried. `ask`: `challenge` says for what.
+  [[nodiscard]] Next refused(const Refusal& refusal);
+  [[nodiscard]] const AuthenticationChallenge& challenge() const { return challenge_; }
+  /// The answer to `challenge`.
+  void answer(const std::string& user, const std::string& password);
+  /// The request for `path` was not refused.
+  void accepted(const std::string& path);
+
+ private:
+  struct Use {
+    std::optional<Login> login;
+    std::string origin;                    // that `login` is for
+    std::optional<ProtectionSpace> space;  // nothing for a login from a URL
+    int failureCount = 0;
+  };
+
+  Use& useFor(bool isProxy) { return isProxy ? proxy_ : server_; }
+
+  CredentialStore& store_;
+  Use server_;
+  Use proxy_;
+  AuthenticationChallenge challenge_;
+  unsigned long challengedMethod_ = 0;
+};
+
+}  // namespace quillforth::platform

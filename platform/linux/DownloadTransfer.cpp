@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/DownloadTransfer.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/linux/ResponseHead.h"
+#include "platform/linux/TransferText.h"
+
+namespace quillforth::platform {
+
+namespace {
+
+// Received at a time; libcurl's greatest. Fewer, larger steps are what makes large files fast.
+constexpr long kReceiveBytes = 512L * 1024;
+// Of all responses to one request, redirects and interim ones included.
+constexpr std::size_t kMaxHeaderBytes = 256UL * 1024;
+// A body that nobody wants is read to its end up to this size, which keeps the connection usable.
+constexpr std::size_t kMaxDiscardedBytes = 64UL * 1024;
+// So often progress is reported at most.
+constexpr std::chrono::milliseconds kReportInterval{40};
+
+constexpr long kUnauthorized = 401;
+constexpr long kProxyUnauthorized = 407;
+
+}  // namespace
+
+void DownloadTransfer::start(const std::string& url) {
+  std::optional<RequestURL> parsed = RequestURL::parse(url);
+  if (!parsed || !handle_) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
+  url_ = *std::move(parsed);
+  logins_.begin(url_);
+  beginRequest();
+}
+
+void DownloadTransfer::beginRequest() {
+  CURL* handle = handle_.get();
+  curl_easy_reset(handle);
+  ApplyCommonOptions(handle, context_.settings, url_.text);
+  curl_easy_setopt(handle, CURLOPT_MAXREDIRS, redirectsLeft_);
+  curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kReceiveBytes);
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &DownloadTransfer::receiveHeader);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &DownloadTransfer::receiveBody);
+  curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(handle, CURLOPT_PRIVATE, this);
+  logins_.apply(handle);
+  request_ = {};
+  hasMoved_ = true;
+  phase_ = Phase::requesting;
+}
+
+std::size_t DownloadTransfer::receiveHeader(const char*, std::size_t size, std::size_t count, void* self) {
+  auto& transfer = *static_cast<DownloadTransfer*>(self);
+  transfer.hasMoved_ = true;
+  transfer.request_.headerLength += size * count;
+  if (transfer.request_.headerLength <= kMaxHeaderBytes) return size * count;
+  transfer.request_.failure = QStringLiteral("The header of the server's answer is too long.");
+  return CURL_WRITEFUNC_ERROR;
+}
+
+std::size_t DownloadTransfer::receiveBody(const char* data, std::size_t size, std::size_t count, void* self) {
+  auto& transfer = *static_cast<DownloadTransfer*>(self);
+  transfer.hasMoved_ = true;
+  return transfer.takeBody({data, size * count});
+}
+
+std::size_t DownloadTransfer::takeBody(std::string_view bytes) {
+  if (!request_.hasHead) readHead();
+  if (request_.isDiscarding) {
+    request_.discardedLength += bytes.size();
+    return request_.discardedLength <= kMaxDiscardedBytes ? bytes.size() : CURL_WRITEFUNC_ERROR;
+  }
+  if (!sink_.append(bytes)) {
+    request_.isPaused = true;
+    return CURL_WRITEFUNC_PAUSE;
+  }
+  return sink_.error() == 0 ? bytes.size() : CURL_WRITEFUNC_ERROR;
+}
+
+// The last response has begun its body, or ended without one. FTP has no status and is good as it is.
+void DownloadTransfer::readHead() {
+  request_.hasHead = true;
+  const long status = LastHTTPStatus(handle_.get());
+  if (status == 0 || (status >= 200 && status < 300 && status != 206)) return readGoodHead();
+  request_.isDiscarding = true;
+  if (refusalStatus() == 0) request_.failure = HTTPStatusText(status);
+}
+
+void DownloadTransfer::readGoodHead() {
+  logins_.accepted(url_.path);
+  const std::optional<std::int64_t> length = AnnouncedLength(handle_.get());
+  if (!length) {
+    request_.isDiscarding = true;
+    request_.failure = QStringLiteral("The server announced an impossible length.");
+    return;
+  }
+  request_.announcedLength = *length;
+  const std::string mimeType = MIMETypeOfResponse(handle_.get());
+  context_.outbox.emplace_back(ResponseReport{id_,
+                                              {*length, QString::fromStdString(mimeType)},
+                                              FilenameOfResponse(handle_.get(), mimeType),
+                                              HasContentCoding(handle_.get())});
+}
+
+QString DownloadTransfer::requestErrorText(CURLcode result) const {
+  long tunnelStatus = 0;  // of a proxy that was to connect us through
+  curl_easy_getinfo(handle_.get(), CURLINFO_HTTP_CONNECTCODE, &tunnelStatus);
+  if (tunnelStatus >= 300) return HTTPStatusText(tunnelStatus);
+  return TransferErrorText(result, LastHTTPStatus(handle_.get()));
+}
+
+// 401 or 407 when the last response was such, also one that refused a tunnel; else 0.
+long DownloadTransfer::refusalStatus() const {
+  long connectStatus = 0;
+  curl_easy_getinfo(handle_.get(), CURLINFO_HTTP_CONNECTCODE, &connectStatus);
+  if (connectStatus == kProxyUnauthorized) return connectStatus;
+  const long status = LastHTTPStatus(handle_.get());
+  return status == kUnauthorized || status == kProxyUnauthorized ? status : 0;
+}
+
+void DownloadTransfer::requestDone(CURLcode result) {
+  hasMoved_ = true;
+  if (const int error = sink_.error(); error != 0) return fail(FileErrorText(error));
+  if (!request_.failure.isNull()) return fail(request_.failure);
+  const long refusal = refusalStatus();
+  if (refusal != 0 && (request_.isDiscarding || !request_.hasHead)) {
+    return handleRefusal(refusal == kProxyUnauthorized);
+  }
+  if (result != CURLE_OK) return fail(requestErrorText(result));
+  if (!request_.hasHead) readHead();
+  if (!request_.failure.isNull()) return fail(request_.failure);
+  finishBody();
+}
+
+void DownloadTransfer::handleRefusal(bool isProxy) {
+  CURL* handle = handle_.get();
+  char* effective = nullptr;
+  char* address = nullptr;
+  long redirects = 0;
+  curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &effective);
+  curl_easy_getinfo(handle, CURLINFO_PRIMARY_IP, &address);
+  curl_easy_getinfo(handle, CURLINFO_REDIRECT_COUNT, &redirects);
+  const std::optional<RequestURL> url = RequestURL::parse(effective == nullptr ? "" : effective);
+  if (!url) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
+  url_ = *url;
+  redirectsLeft_ = std::max(0L, redirectsLeft_ - redirects);
+
+  DownloadLogins::Refusal refusal{isProxy, url_.origin, url_.host, HeaderValues(handle, "WWW-Authenticate")};
+  if (isProxy) {
+    refusal.host = address == nullptr ? "" : address;
+    refusal.origin = "proxy " + refusal.host;
+    refusal.fields = HeaderValues(handle, "Proxy-Authenticate", CURLH_HEADER | CURLH_CONNECT);
+  }
+  switch (logins_.refused(refusal)) {
+    case DownloadLogins::Next::retry:
+      return beginRequest();
+    case DownloadLogins::Next::ask:
+      phase_ = Phase::awaitingAnswer;
+      context_.outbox.emplace_back(ChallengeReport{id_, logins_.challenge()});
+      return;
+    case DownloadLogins::Next::giveUp:
+      return fail(HTTPStatusText(isProxy ? kProxyUnauthorized : kUnauthorized));
+  }
+}
+
+void DownloadTransfer::answer(const std::string& user, const std::string& password) {
+  if (phase_ != Phase::awaitingAnswer) return;
+  logins_.answer(user, password);
+  beginRequest();
+}
+
+void DownloadTransfer::setDestination(const DestinationFile::Target& target) {
+  if (!request_.hasHead || phase_ == Phase::ended || sink_.file() != nullptr) return;
+  std::unique_ptr<DestinationFile> file;
+  const int error = DestinationFile::create(context_.folders, target, context_.files, file);
+  if (error != 0) return fail(FileErrorText(error));
+  context_.outbox.emplace_back(DestinationReport{id_, file->name()});
+  sink_.setFile(std::move(file));
+  hasMoved_ = true;
+  if (phase_ == Phase::awaitingDestination) return finishFile();
+  if (std::exchange(request_.isPaused, false)) curl_easy_pause(handle_.get(), CURLPAUSE_CONT);
+}
+
+// libcurl has checked lengths and chunks already; this is the last look before a file is given its name.
+void DownloadTransfer::finishBody() {
+  const std::int64_t announced = request_.announcedLength;
+  if (announced >= 0 && sink_.length() != static_cast<std::uint64_t>(announced)) {
+    return fail(TransferErrorText(CURLE_PARTIAL_FILE, 0));
+  }
+  phase_ = Phase::awaitingDestination;
+  if (sink_.file() != nullptr) finishFile();
+}
+
+void DownloadTransfer::finishFile() {
+  const std::string plannedName = sink_.file()->name();
+  if (const int error = sink_.finish(); error != 0) return fail(FileErrorText(error));
+  if (sink_.file()->name() != plannedName) {
+    context_.outbox.emplace_back(DestinationReport{id_, sink_.file()->name()});
+  }
+  reportData();
+  context_.outbox.emplace_back(FinishedReport{id_, sink_.takeFile()});
+  phase_ = Phase::ended;
+}
+
+void DownloadTransfer::reportData() {
+  const std::uint64_t length = sink_.length() - std::exchange(reportedLength_, sink_.length());
+  if (length > 0) context_.outbox.emplace_back(DataReport{id_, length});
+}
+
+DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_point now) {
+  if (std::exchange(hasMoved_, false)) lastMove_ = now;
+  if (phase_ != Phase::requesting || request_.isPaused) return Clock::time_point::max();
+  const Clock::time_point stallTime = lastMove_ + context_.stallTimeout;
+  if (now >= stallTime) {
+    fail(QStringLiteral("The server has sent nothing for too long."));
+    return now;
+  }
+  if (sink_.file() == nullptr || sink_.length() == reportedLength_) return stallTime;
+  if (now >= lastReport_ + kReportInterval) {
+    reportData();
+    lastReport_ = now;
+    return stallTime;
+  }
+  return std::min(stallTime, lastReport_ + kReportInterval);
+}
+
+void DownloadTransfer::fail(const QString& description) {
+  phase_ = Phase::ended;
+  context_.outbox.emplace_back(FailedReport{id_, description});
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+//
+// One download on the transfer thread: its requests, its body, its file.
+//
+// Usually there is one request. A refused one (401, 407) ends, and the next is made once there is a login for
+// it. While nobody has said where the file goes, the body is held; when it no longer fits, the transfer
+// pauses.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/Authentication.h"
+#include "platform/linux/BodySink.h"
+#include "platform/linux/CurlSupport.h"
+#include "platform/linux/DownloadLogins.h"
+#include "platform/linux/TransferMessages.h"
+
+namespace quillforth::platform {
+
+/// What the downloads of one transfer thread share.
+struct TransferContext {
+  const TransferSettings& settings;
+  FileCalls& files;
+  std::chrono::milliseconds stallTimeout;
+  CredentialStore credentials{};
+  DownloadFolders folders{};
+  std::vector<Report> outbox{};  ///< reports to be posted
+};
+
+class DownloadTransfer {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  enum class Phase {
+    requesting,           ///< `handle` is to be driven
+    awaitingAnswer,       ///< a login was asked for
+    awaitingDestination,  ///< the body is there whole
+    ended                 ///< reported as finished or failed
+  };
+
+  /// `handle`: an unused one.
+  DownloadTransfer(DownloadId id, TransferContext& context, CurlEasy handle)
+      : id_(id), context_(context), handle_(std::move(handle)), logins_(context.credentials) {}
+  DownloadTransfer(const DownloadTransfer&) = delete;
+  DownloadTransfer& operator=(const DownloadTransfer&) = delete;
+
+  [[nodiscard]] Phase phase() const { return phase_; }
+  [[nodiscard]] CURL* handle() const { return handle_.get(); }
+
+  void start(const std::string& url);
+  void answer(const std::string& user, const std::string& password);
+  void setDestination(const DestinationFile::Target& target);
+  /// The handle has come to its end and is driven by nobody.
+  void requestDone(CURLcode result);
+  /// Reports progress and finds stalls. When to look again.
+  [[nodiscard]] Clock::time_point lookAtClock(Clock::time_point now);
+  /// The handle, for another download. Driven by nobody.
+  [[nodiscard]] CurlEasy takeHandle() { return std::move(handle_); }
+
+ private:
+  // What is known of the request that is going on.
+  struct Request {
+    std::size_t headerLength = 0;
+    std::size_t discardedLength = 0;
+    bool hasHead = false;
+    bool isDiscarding = false;  // the body is not the file
+    bool isPaused = false;
+    std::int64_t announcedLength = -1;
+    QString failure;  // why it is given up; null: it is not
+  };
+
+  static std::size_t receiveHeader(const char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t receiveBody(const char* data, std::size_t size, std::size_t count, void* self);
+
+  void beginRequest();
+  std::size_t takeBody(std::string_view bytes);
+  void readHead();
+  void readGoodHead();
+  [[nodiscard]] long refusalStatus() const;
+  [[nodiscard]] QString requestErrorText(CURLcode result) const;
+  void handleRefusal(bool isProxy);
+  void finishBody();
+  void finishFile();
+  void reportData();
+  void fail(const QString& description);
+
+  const DownloadId id_;
+  TransferContext& context_;
+  Phase phase_ = Phase::requesting;
+  CurlEasy handle_;
+  RequestURL url_;
+  long redirectsLeft_ = kMaxRedirects;
+  DownloadLogins logins_;
+  Request request_;
+  BodySink sink_;
+  std::uint64_t reportedLength_ = 0;
+  bool hasMoved_ = true;  // since the last look at the clock
+  Clock::time_point lastMove_{};
+  Clock::time_point lastReport_{};
+};
+
+}  // namespace quillforth::platform

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/RequestURL.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace quillforth::platform {
+
+namespace {
+
+struct CurlURLDeleter {
+  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+using CurlURL = std::unique_ptr<CURLU, CurlURLDeleter>;
+
+std::string Part(CURLU* url, CURLUPart part, unsigned flags = 0) {
+  char* text = nullptr;
+  if (curl_url_get(url, part, &text, flags) != CURLUE_OK) return {};
+  std::string copy(text);
+  curl_free(text);
+  return copy;
+}
+
+}  // namespace
+
+std::optional<RequestURL> RequestURL::parse(const std::string& text) {
+  const CurlURL url(curl_url());
+  if (!url || curl_url_set(url.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK) return std::nullopt;
+  RequestURL request;
+  const std::string scheme = Part(url.get(), CURLUPART_SCHEME);
+  if (scheme != "http" && scheme != "https" && scheme != "ftp") return std::nullopt;
+  char* user = nullptr;
+  if (curl_url_get(url.get(), CURLUPART_USER, &user, CURLU_URLDECODE) == CURLUE_OK) {
+    request.login =
+        Login{user, Part(url.get(), CURLUPART_PASSWORD, CURLU_URLDECODE), CURLAUTH_BASIC | CURLAUTH_DIGEST};
+    curl_free(user);
+  }
+  for (const CURLUPart part : {CURLUPART_USER, CURLUPART_PASSWORD, CURLUPART_FRAGMENT}) {
+    if (curl_url_set(url.get(), part, nullptr, 0) != CURLUE_OK) return std::nullopt;
+  }
+  request.host = Part(url.get(), CURLUPART_HOST);
+  request.origin = scheme + "://" + request.host + ":" + Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  request.path = Part(url.get(), CURLUPART_PATH);
+  request.text = Part(url.get(), CURLUPART_URL);
+  if (request.host.empty() || request.text.empty()) return std::nullopt;
+  return request;
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+//
+// A URL that is about to be requested, taken apart: where it goes, and with which login.
+//
+// The login never stays in the text that is requested, so no redirect and no message can carry it along.
+// Pure; any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace quillforth::platform {
+
+struct Login {
+  std::string user;  ///< UTF-8, as the password
+  std::string password;
+  unsigned long methods = 0;  ///< libcurl's CURLAUTH_ bits
+};
+
+struct RequestURL {
+  std::string text;    ///< absolute; no user name, password or fragment
+  std::string origin;  ///< "scheme://host:port", always with the port
+  std::string host;
+  std::string path;  ///< begins with "/"
+  std::optional<Login> login;
+
+  /// Nothing when `text` is no absolute URL of http, https or ftp.
+  [[nodiscard]] static std::optional<RequestURL> parse(const std::string& text);
+};
+
+}  // namespace quillforth::platform

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/TransferText.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+
+namespace quillforth::platform {
+
+namespace {
+
+struct Phrase {
+  int code;
+  const char* text;
+};
+
+// RFC 9110, section 15, and the IANA registry.
+constexpr Phrase kStatusPhrases[] = {
+    {101, "Switching Protocols"},
+    {206, "Partial Content"},
+    {300, "Multiple Choices"},
+    {301, "Moved Permanently"},
+    {302, "Found"},
+    {303, "See Other"},
+    {304, "Not Modified"},
+    {305, "Use Proxy"},
+    {307, "Temporary Redirect"},
+    {308, "Permanent Redirect"},
+    {400, "Bad Request"},
+    {401, "Unauthorized"},
+    {402, "Payment Required"},
+    {403, "Forbidden"},
+    {404, "Not Found"},
+    {405, "Method Not Allowed"},
+    {406, "Not Acceptable"},
+    {407, "Proxy Authentication Required"},
+    {408, "Request Timeout"},
+    {409, "Conflict"},
+    {410, "Gone"},
+    {411, "Length Required"},
+    {412, "Precondition Failed"},
+    {413, "Content Too Large"},
+    {414, "URI Too Long"},
+    {415, "Unsupported Media Type"},
+    {416, "Range Not Satisfiable"},
+    {417, "Expectation Failed"},
+    {421, "Misdirected Request"},
+    {422, "Unprocessable Content"},
+    {423, "Locked"},
+    {424, "Failed Dependency"},
+    {425, "Too Early"},
+    {426, "Upgrade Required"},
+    {428, "Precondition Required"},
+    {429, "Too Many Requests"},
+    {431, "Request Header Fields Too Large"},
+    {451, "Unavailable For Legal Reasons"},
+    {500, "Internal Server Error"},
+    {501, "Not Implemented"},
+    {502, "Bad Gateway"},
+    {503, "Service Unavailable"},
+    {504, "Gateway Timeout"},
+    {505, "HTTP Version Not Supported"},
+    {507, "Insufficient Storage"},
+    {508, "Loop Detected"},
+    {511, "Network Authentication Required"},
+};
+
+constexpr Phrase kTransferPhrases[] = {
+    {CURLE_URL_MALFORMAT, "The URL is malformed."},
+    {CURLE_COULDNT_RESOLVE_PROXY, "The proxy was not found."},
+    {CURLE_COULDNT_RESOLVE_HOST, "The server was not found."},
+    {CURLE_COULDNT_CONNECT, "The server cannot be reached."},
+    {CURLE_WEIRD_SERVER_REPLY, "The server's answer cannot be understood."},
+    {CURLE_REMOTE_ACCESS_DENIED, "The server refused access."},
+    {CURLE_PARTIAL_FILE, "The server sent less than the whole file."},
+    {CURLE_FTP_COULDNT_RETR_FILE, "The server refused to send the file."},
+    {CURLE_OPERATION_TIMEDOUT, "The server took too long."},
+    {CURLE_SSL_CONNECT_ERROR, "No secure connection to the server could be made."},
+    {CURLE_TOO_MANY_REDIRECTS, "The server redirected too many times."},
+    {CURLE_GOT_NOTHING, "The server closed the connection without an answer."},
+    {CURLE_SEND_ERROR, "The connection to the server broke off."},
+    {CURLE_RECV_ERROR, "The server's answer broke off or was damaged."},
+    {CURLE_PEER_FAILED_VERIFICATION, "The server's certificate is not trusted."},
+    {CURLE_LOGIN_DENIED, "The server refused the user name or the password."},
+    {CURLE_SSL_CACERT_BADFILE, "The file of trusted certificates cannot be read."},
+    {CURLE_REMOTE_FILE_NOT_FOUND, "The server has no such file."},
+};
+
+constexpr Phrase kFilePhrases[] = {
+    {ENOENT, "The destination folder does not exist."},
+    {ENOTDIR, "The destination folder does not exist."},
+    {EISDIR, "A folder has the name of the file."},
+    {ENOSPC, "There is not enough space in the destination folder."},
+    {EDQUOT, "There is not enough space in the destination folder."},
+    {EACCES, "The destination folder is not writable."},
+    {EPERM, "The destination folder is not writable."},
+    {EROFS, "The destination folder is not writable."},
+    {EFBIG, "The file is larger than the destination folder can hold."},
+    {ENAMETOOLONG, "The name of the file is too long for the destination folder."},
+};
+
+template <std::size_t Size>
+const char* PhraseFor(const Phrase (&phrases)[Size], long code) {
+  const auto found = std::find_if(std::begin(phrases), std::end(phrases),
+                                  [code](const Phrase& p) { return p.code == code; });
+  return found == std::end(phrases) ? nullptr : found->text;
+}
+
+}  // namespace
+
+QString HTTPStatusText(long status) {
+  const char* phrase = PhraseFor(kStatusPhrases, status);
+  const QString answer = QStringLiteral("The server answered %1").arg(status);
+  return phrase == nullptr ? answer + u'.' : answer + u' ' + QLatin1StringView(phrase) + u'.';
+}
+
+QString TransferErrorText(CURLcode code, long status) {
+  if (code == CURLE_UNSUPPORTED_PROTOCOL) {
+    return status >= 300 ? QStringLiteral("The server redirected to something other than http, https or ftp.")
+                         : QStringLiteral("The server's answer cannot be understood.");
+  }
+  if (const char* phrase = PhraseFor(kTransferPhrases, code)) return QLatin1StringView(phrase);
+  return QStringLiteral("The transfer failed: %1.").arg(QLatin1StringView(curl_easy_strerror(code)));
+}
+
+QString FileErrorText(int error) {
+  if (const char* phrase = PhraseFor(kFilePhrases, error)) return QLatin1StringView(phrase);
+  return QStringLiteral("The file could not be written: %1.").arg(QString::fromLocal8Bit(strerror(error)));
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/TransferThread.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <type_traits>
+
+namespace quillforth::platform {
+
+namespace {
+
+// Connections kept between files; a page's files lie on a few hosts.
+constexpr long kKeptConnections = 16;
+constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(1);
+
+// Signals are the main thread's; SIGPIPE and SIGXFSZ are wanted as error numbers.
+void BlockAllSignals() {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+}  // namespace
+
+TransferThread::TransferThread(const TransferSettings& settings, FileCalls& files,
+                               std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports)
+    : context_{.settings = settings, .files = files, .stallTimeout = stallTimeout},
+      reports_(reports),
+      multi_(curl_multi_init()) {
+  curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
+  thread_ = std::thread([this] { run(); });
+}
+
+TransferThread::~TransferThread() {
+  post(StopCommand{});
+  thread_.join();
+}
+
+void TransferThread::run() {
+  BlockAllSignals();
+  while (obeyCommands()) {
+    drive();
+    const Clock::time_point next = lookAtClock();
+    reports_.postAll(context_.outbox);
+    wait(next);
+  }
+  while (!entries_.empty()) release(entries_.begin());
+}
+
+bool TransferThread::obeyCommands() {
+  while (const std::optional<Command> command = commands_.take()) {
+    if (!obey(*command)) return false;
+  }
+  return true;
+}
+
+bool TransferThread::obey(const Command& command) {
+  if (std::holds_alternative<StopCommand>(command)) return false;
+  if (const auto* start = std::get_if<StartCommand>(&command)) {
+    obeyStart(*start);
+    return true;
+  }
+  const auto toTransfer = [this](const auto& specific) {
+    using Specific = std::decay_t<decltype(specific)>;
+    if constexpr (!std::is_same_v<Specific, StopCommand>) {
+      const auto entry = entries_.find(specific.id);
+      if (entry == entries_.end()) return;
+      if constexpr (std::is_same_v<Specific, DestinationCommand>) {
+        entry->second.transfer->setDestination(specific.target);
+      } else if constexpr (std::is_same_v<Specific, AnswerCommand>) {
+        entry->second.transfer->answer(specific.user, specific.password);
+      } else if constexpr (std::is_same_v<Specific, CancelCommand>) {
+        return release(entry);
+      }
+      settle(entry);
+    }
+  };
+  std::visit(toTransfer, command);
+  return true;
+}
+
+void TransferThread::obeyStart(const StartCommand& command) {
+  CurlEasy handle = spareHandle_ ? std::move(spareHandle_) : CurlEasy(curl_easy_init());
+  auto transfer = std::make_unique<DownloadTransfer>(command.id, context_, std::move(handle));
+  transfer->start(command.url);
+  settle(entries_.emplace(command.id, Entry{std::move(transfer)}).first);
+}
+
+void TransferThread::drive() {
+  int running = 0;
+  curl_multi_perform(multi_.get(), &running);
+  int waiting = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &waiting)) {
+    const CURLcode result = message->data.result;
+    CURL* handle = message->easy_handle;
+    const auto entry = std::find_if(entries_.begin(), entries_.end(), [handle](const auto& candidate) {
+      return candidate.second.transfer->handle() == handle;
+    });
+    if (message->msg != CURLMSG_DONE || entry == entries_.end()) continue;
+    curl_multi_remove_handle(multi_.get(), handle);
+    entry->second.isDriven = false;
+    entry->second.transfer->requestDone(result);
+    settle(entry);
+  }
+}
+
+TransferThread::Clock::time_point TransferThread::lookAtClock() {
+  const Clock::time_point now = Clock::now();
+  Clock::time_point next = now + kLongestWait;
+  for (auto entry = entries_.begin(); entry != entries_.end();) {
+    const auto current = entry++;
+    next = std::min(next, current->second.transfer->lookAtClock(now));
+    settle(current);
+  }
+  return next;
+}
+
+void TransferThread::wait(Clock::time_point until) {
+  curl_waitfd mailbox{commands_.descriptor(), CURL_WAIT_POLLIN, 0};
+  const auto duration = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
+  const int milliseconds = static_cast<int>(std::clamp(duration, {}, kLongestWait).count());
+  curl_multi_poll(multi_.get(), &mailbox, 1, milliseconds, nullptr);
+}
+
+void TransferThread::settle(Entries::iterator entry) {
+  Entry& settled = entry->second;
+  if (settled.transfer->phase() == DownloadTransfer::Phase::ended) return release(entry);
+  if (settled.transfer->phase() != DownloadTransfer::Phase::requesting || settled.isDriven) return;
+  settled.isDriven = true;
+  curl_multi_add_handle(multi_.get(), settled.transfer->handle());
+}
+
+void TransferThread::release(Entries::iterator entry) {
+  if (entry->second.isDriven) curl_multi_remove_handle(multi_.get(), entry->second.transfer->handle());
+  spareHandle_ = entry->second.transfer->takeHandle();
+  entries_.erase(entry);
+}
+
+}  // namespace quillforth::platform

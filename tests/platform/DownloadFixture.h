@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+//
+// What the tests of downloads share: a delegate that writes down what it hears, and one place that checks
+// what must hold after every download, however it went.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "platform/linux/CurlDownloadService.h"
+#include "platform/linux/DownloadFolder.h"
+#include "tests/support/RawServer.h"
+
+namespace quillforth::tests {
+
+using platform::WebDownload;
+
+/// Runs the main loop until `isDone`; false after twenty seconds.
+inline bool RunLoopUntil(const std::function<bool()>& isDone) {
+  const QDeadlineTimer deadline(20'000);
+  QTimer tick;  // so that `isDone` is looked at even when no event comes
+  tick.start(5);
+  while (!isDone() && !deadline.hasExpired()) {
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  return isDone();
+}
+
+/// What one download said.
+class DownloadRecorder final : public platform::WebDownloadDelegate,
+                               public platform::AuthenticationSheetParent {
+ public:
+  // How it answers.
+  QString folder;  ///< null: no destination is set
+  QString name;    ///< null: as suggested
+  bool allowOverwrite = false;
+  bool hasWindow = true;
+  std::list<std::optional<platform::Credential>> answers;  ///< none left: cancelled
+  std::function<void(char, WebDownload&)> hook;            ///< with the letter of each callback
+
+  // What it heard. The letters: B begin, W window, R response, S should decode, D decide, C create,
+  // L length, F finish, E error.
+  std::string calls;
+  platform::URLResponse response;
+  QString suggested, path, error, failingURL;
+  std::vector<platform::AuthenticationChallenge> challenges;
+  std::uint64_t received = 0;
+
+  [[nodiscard]] bool isOver() const { return calls.ends_with('F') || calls.ends_with('E'); }
+
+  void downloadDidBegin(WebDownload& download) override { note('B', download); }
+  void downloadDidReceiveResponse(WebDownload& download, const platform::URLResponse& r) override {
+    response = r;
+    note('R', download);
+  }
+  void downloadDecideDestinationWithSuggestedFilename(WebDownload& download,
+                                                      const QString& filename) override {
+    suggested = filename;
+    note('D', download);
+    const QString wanted = name.isNull() ? filename : name;
+    if (!folder.isNull()) download.setDestinationAllowOverwrite(folder + u'/' + wanted, allowOverwrite);
+  }
+  platform::AuthenticationSheetParent* downloadWindowForAuthenticationSheet(WebDownload& download) override {
+    note('W', download);
+    return hasWindow ? this : nullptr;
+  }
+  bool downloadShouldDecodeSourceDataOfMIMEType(WebDownload& download, const QString&) override {
+    note('S', download);
+    return false;
+  }
+  void downloadDidCreateDestination(WebDownload& download, const QString& created) override {
+    path = created;
+    note('C', download);
+  }
+  void downloadDidReceiveDataOfLength(WebDownload& download, std::uint64_t length) override {
+    received += length;
+    note('L', download);
+  }
+  void downloadDidFinish(WebDownload& download) override { note('F', download); }
+  void downloadDidFailWithError(WebDownload& download, const platform::DownloadError& e) override {
+    error = e.localizedDescription;
+    failingURL = e.failingURLString;
+    note('E', download);
+  }
+  void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
+                                std::function<void(std::optional<platform::Credential>)> answer) override {
+    challenges.push_back(challenge);
+    std::optional<platform::Credential> next;
+    if (!answers.empty()) {
+      next = answers.front();
+      answers.pop_front();
+    }
+    if (challenges.size() % 2 == 0) return answer(next);  // a sheet may answer at once, or later
+    QTimer::singleShot(0, [answer = std::move(answer), next] { answer(next); });
+  }
+
+ private:
+  void note(char call, WebDownload& download) {
+    calls.push_back(call);
+    if (hook) hook(call, download);
+  }
+};
+
+class DownloadTest : public testing::Test {
+ protected:
+  DownloadTest() { restart(); }
+
+  void restart(const platform::DownloadOptions& options = {}) {
+    service.reset();
+    service = std::make_unique<platform::CurlDownloadService>(settings, options);
+  }
+
+  [[nodiscard]] DownloadRecorder recorder() const {
+    DownloadRecorder made;
+    made.folder = directory.path();
+    return made;
+  }
+
+  std::shared_ptr<WebDownload> start(const std::string& url, DownloadRecorder& recorder) const {
+    return service->startDownload(*platform::URL::URLWithString(QString::fromStdString(url)), recorder);
+  }
+
+  /// Downloads `url` to its end, and checks what must always hold.
+  DownloadRecorder& download(const std::string& url, DownloadRecorder& recorder) const {
+    const QStringList before = names();
+    const std::weak_ptr<WebDownload> download = start(url, recorder);
+    EXPECT_EQ(recorder.calls, "") << "called from inside startDownload";
+    EXPECT_TRUE(RunLoopUntil([&] { return recorder.isOver(); })) << url << " after " << recorder.calls;
+    checkEnd(recorder, before);
+    EXPECT_TRUE(download.expired());
+    return recorder;
+  }
+  DownloadRecorder download(const std::string& url) const {
+    DownloadRecorder made = recorder();
+    download(url, made);
+    return made;
+  }
+
+  void checkEnd(const DownloadRecorder& recorder, QStringList before) const {
+    static const std::regex order("B(W*|W*RS?D(CL*C?L*)?)E|BW*RS?DCL*C?L*F");
+    EXPECT_TRUE(std::regex_match(recorder.calls, order)) << recorder.calls;
+    if (recorder.calls.ends_with('F')) {
+      if (!before.contains(fileName(recorder))) before << fileName(recorder);
+      EXPECT_EQ(static_cast<qint64>(recorder.received), QFile(recorder.path).size());
+      if (recorder.response.expectedContentLength > 0) {
+        EXPECT_EQ(static_cast<qint64>(recorder.received), recorder.response.expectedContentLength);
+      }
+    } else {
+      EXPECT_TRUE(recorder.error.endsWith(u'.')) << recorder.error.toStdString();
+    }
+    before.sort();
+    EXPECT_EQ(names(), before) << recorder.error.toStdString();
+  }
+
+  /// `wanted`: a text, or "*" for any.
+  static void expectError(const DownloadRecorder& recorder, const std::string& wanted) {
+    EXPECT_EQ(recorder.calls.back(), wanted.empty() ? 'F' : 'E') << recorder.error.toStdString();
+    if (wanted != "*") {
+      EXPECT_EQ(recorder.error.toStdString(), wanted);
+    }
+  }
+
+  /// Everything in the folder, hidden or not.
+  [[nodiscard]] QStringList names() const {
+    return QDir(directory.path())
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+  }
+  [[nodiscard]] static QString fileName(const DownloadRecorder& recorder) {
+    return recorder.path.sliced(recorder.path.lastIndexOf(u'/') + 1);
+  }
+  [[nodiscard]] static std::string content(const DownloadRecorder& recorder) {
+    QFile file(recorder.path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(unreadable)";
+  }
+
+  inline static const platform::CurlGlobal curl{};
+  platform::TransferSettings settings;
+  QTemporaryDir directory;
+  std::unique_ptr<platform::CurlDownloadService> service;
+};
+
+}  // namespace quillforth::tests
