@@ -8,17 +8,43 @@ namespace quillforth::fileops {
 
 namespace {
 
-// The text after the last "."; empty for a name whose only "." is its first character.
+std::string NewUUIDString() {
+  return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
+}
+
+// The longest beginning of at most `length` bytes that does not end within a character of UTF-8.
+std::string_view CutAtCharacter(std::string_view text, std::size_t length) {
+  if (length >= text.size()) return text;
+  while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) --length;
+  return text.substr(0, length);
+}
+
+}  // namespace
+
+std::string PathInFolder(const platform::Folder& folder, std::string_view name) {
+  std::string path = folder.path();
+  if (!path.ends_with('/')) path += '/';
+  return path.append(name);
+}
+
 std::string_view PathExtension(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string_view::npos || dot == 0 ? std::string_view{} : name.substr(dot + 1);
 }
 
-std::string NewUUIDString() {
-  return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
+std::string UniqueName(std::string_view name, std::size_t longest) {
+  constexpr std::string_view kSeparator = " - ";
+  const std::string_view extension = PathExtension(name);
+  std::string_view base = name;
+  std::string ending = NewUUIDString();
+  if (!extension.empty()) {
+    base.remove_suffix(extension.size() + 1);
+    ending.append(".").append(extension);
+  }
+  const std::size_t used = kSeparator.size() + ending.size();
+  base = CutAtCharacter(base, longest > used ? longest - used : 0);
+  return base.empty() ? ending : std::string(base).append(kSeparator).append(ending);
 }
-
-}  // namespace
 
 bool ItemExistsInFolder(platform::FileManager& files, const platform::FileReference& folder,
                         std::string_view name, platform::FileReference& item) {
@@ -34,19 +60,20 @@ platform::FileResult FindOrCreateFolder(platform::FileManager& files, const plat
   return files.createDirectory(parent, name);
 }
 
+common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& name) {
+  const common::Status found = parent.findItem(name);
+  if (found != common::kFileNotFound) return found;
+  const common::Status created = parent.createFolder(name);
+  return created == common::kDuplicateName ? common::kNoError : created;  // made by someone else just now
+}
+
 std::optional<std::string> MakeUniqueNameForMove(platform::FileManager& files,
                                                  const platform::FileReference& destination,
                                                  const platform::FileReference& item) {
   const std::optional<std::string> name = files.itemName(item);
   platform::FileReference existing;
   if (!name || !ItemExistsInFolder(files, destination, *name, existing)) return std::nullopt;
-  const std::string extension(PathExtension(*name));
-  std::string unique = *name;
-  if (!extension.empty()) unique.resize(name->size() - extension.size() - 1);
-  if (!unique.empty()) unique += " - ";
-  unique += NewUUIDString();
-  if (!extension.empty()) unique.append(".").append(extension);
-  return unique;
+  return UniqueName(*name);
 }
 
 }  // namespace quillforth::fileops

@@ -11,6 +11,7 @@
 
 #include "platform/FileManager.h"
 #include "platform/FileReference.h"
+#include "platform/Folder.h"
 
 namespace quillforth::fileops {
 
@@ -23,6 +24,20 @@ namespace quillforth::fileops {
 [[nodiscard]] platform::FileResult FindOrCreateFolder(platform::FileManager& files,
                                                       const platform::FileReference& parent,
                                                       std::string_view name);
+
+/// The same in a folder that is held open. Not 0 either for a name that is taken by what cannot be looked at.
+[[nodiscard]] common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& name);
+
+/// Where the item is; it need not exist.
+[[nodiscard]] std::string PathInFolder(const platform::Folder& folder, std::string_view name);
+
+/// The text after the last "."; empty for "name.", and for a name whose only "." is its first character.
+[[nodiscard]] std::string_view PathExtension(std::string_view name);
+
+/// "report - UUID.pdf" for "report.pdf", "UUID.pdf" when there is nothing before the extension. Where that
+/// has more than `longest` bytes, "report" is cut at a character; an extension never is, so that the name may
+/// stay too long.
+[[nodiscard]] std::string UniqueName(std::string_view name, std::size_t longest = std::string_view::npos);
 
 /// A new name for an item whose own name is taken in `destination`: "report - UUID.pdf". Nothing when its
 /// name is free, or cannot be read. The name is not looked up again, and may be too long for the file system.

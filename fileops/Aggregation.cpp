@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+
+#include "fileops/Aggregation.h"
+
+#include <QStringEncoder>
+#include <QUtf8StringView>
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "fileops/FolderItems.h"
+
+namespace quillforth::fileops {
+
+namespace {
+
+using common::Status;
+using platform::Folder;
+using platform::FolderItem;
+
+// Longest name that is tried when the one that the rule gives is too long.
+constexpr std::size_t kLongestName = 255;
+
+bool IsUtf8(std::string_view text) {
+  return QUtf8StringView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
+}
+
+// An absolute path's bytes, without "/" at its end; nothing for what names no item.
+std::optional<std::string> PathBytes(const QString& path) {
+  QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+  const QByteArray encoded = encoder(path);
+  if (encoder.hasError() || !encoded.startsWith('/') || encoded.contains('\0')) return std::nullopt;
+  std::string bytes = encoded.toStdString();
+  while (bytes.size() > 1 && bytes.ends_with('/')) bytes.pop_back();
+  return bytes;
+}
+
+void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const Subfolder& subfolder) {
+  log.log(
+      QStringLiteral("The file \"%1\" could not be moved to \"%2\". A file by the same name may exists there "
+                     "already.")
+          .arg(QString::fromStdString(PathInFolder(item.parent, item.name)),
+               QString::fromStdString(subfolder.path())));
+}
+
+// Moves the item and says under which name, or why not. The file system tells of a name that is taken, so
+// that none can be taken between a test and the move.
+struct Moved {
+  Status status;
+  std::string name;
+};
+Moved MoveUnderFreeName(const ItemReference& item, Folder& destination) {
+  Moved moved{item.parent.moveItem(item.name, destination, item.name), item.name};
+  if (moved.status != common::kDuplicateName) return moved;
+  moved.name = UniqueName(item.name);
+  moved.status = item.parent.moveItem(item.name, destination, moved.name);
+  if (moved.status != common::kBadName) return moved;
+  moved.name = UniqueName(item.name, kLongestName);
+  moved.status = item.parent.moveItem(item.name, destination, moved.name);
+  return moved;
+}
+
+// One run over one folder.
+class Walk {
+ public:
+  Walk(const AggregationServices& services, Folder& folder)
+      : services_(services), folder_(folder), hidden_(folder), subfolders_(folder) {}
+
+  AggregationResult run();
+
+ private:
+  enum class Outcome { passedOver, moved, left };
+  [[nodiscard]] bool hasPath(const std::string& name) const;
+  Outcome sort(const FolderItem& item);
+  Outcome moveIntoSubfolder(const ItemReference& item, std::string_view extension);
+
+  const AggregationServices& services_;
+  Folder& folder_;
+  HiddenNames hidden_;
+  Subfolders subfolders_;
+};
+
+AggregationResult Walk::run() {
+  AggregationResult result;
+  std::vector<FolderItem> items;
+  result.status = ListFolderItems(folder_, false, items);
+  for (const FolderItem& item : items) {
+    const Outcome outcome = sort(item);
+    result.moved += outcome == Outcome::moved;
+    result.left += outcome == Outcome::left;
+  }
+  return result;
+}
+
+bool Walk::hasPath(const std::string& name) const {
+  return folder_.path().size() + 1 + name.size() <= kLongestItemPath && IsUtf8(folder_.path()) &&
+         IsUtf8(name);
+}
+
+Walk::Outcome Walk::sort(const FolderItem& item) {
+  if (ShouldSkipItem(item, hidden_)) return Outcome::passedOver;
+  const std::string_view extension = PathExtension(item.name);
+  if (extension.empty()) return Outcome::passedOver;
+  return hasPath(item.name) ? moveIntoSubfolder({folder_, item.name}, extension) : Outcome::left;
+}
+
+Walk::Outcome Walk::moveIntoSubfolder(const ItemReference& item, std::string_view extension) {
+  Subfolder* const subfolder = subfolders_.forExtension(extension);
+  if (subfolder == nullptr) return Outcome::left;
+  if (MoveItemToFolderPath(services_, item, *subfolder)) return Outcome::moved;
+  LogThatItemStays(services_.log, item, *subfolder);
+  return Outcome::left;
+}
+
+}  // namespace
+
+AggregationResult AggregateFolder(const AggregationServices& services, const QString& path) {
+  std::optional<std::string> bytes = PathBytes(path);
+  if (!bytes) return {common::kBadParameter};
+  const platform::FolderResult opened =
+      services.folders.openFolder(platform::FileReference(std::move(*bytes)));
+  return opened.folder ? AggregateFolderRef(services, *opened.folder) : AggregationResult{opened.status};
+}
+
+AggregationResult AggregateFolderRef(const AggregationServices& services, Folder& folder) {
+  return Walk(services, folder).run();
+}
+
+Status ListFolderItems(const Folder& folder, bool filesOnly, std::vector<FolderItem>& items) {
+  const std::size_t before = items.size();
+  const Status status = folder.listItems(items);
+  const auto first = items.begin() + static_cast<std::ptrdiff_t>(before);
+  if (status != common::kNoError) {
+    items.erase(first, items.end());
+  } else if (filesOnly) {
+    items.erase(std::remove_if(first, items.end(), [](const FolderItem& item) { return item.isFolder; }),
+                items.end());
+  }
+  return status;
+}
+
+bool ShouldSkipItem(const FolderItem& item, const HiddenNames& hidden) {
+  return (!item.isFolder && hidden.contains(item.name)) || item.name.starts_with('.');
+}
+
+bool MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
+                          Subfolder& subfolder) {
+  Status status = subfolder.open();
+  if (status == common::kNoError) {
+    if (MoveItemPreservingComment(services, item, subfolder.folder())) return true;
+    if (!subfolder.wasReplaced()) return false;
+    status = subfolder.open();
+    if (status == common::kNoError) return MoveItemPreservingComment(services, item, subfolder.folder());
+  }
+  // What is no folder can be named all the same; it is the move into it that fails.
+  if (status != common::kNotAFolder) {
+    services.log.log(
+        QStringLiteral("An error occurred moving a folder or file. Error code = %1").arg(status));
+  }
+  return false;
+}
+
+bool MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
+                               Folder& destination) {
+  std::optional<QString> comment;
+  if (services.comments != nullptr) {
+    comment = services.comments->comment(platform::FileReference(PathInFolder(item.parent, item.name)));
+  }
+  if (item.parent.isSameFolder(destination)) return true;
+  const Moved moved = MoveUnderFreeName(item, destination);
+  if (comment && moved.status == common::kNoError) {
+    services.comments->setComment(platform::FileReference(PathInFolder(destination, moved.name)), *comment);
+  }
+  return moved.status == common::kNoError;
+}
+
+}  // namespace quillforth::fileops

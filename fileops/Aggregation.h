@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+//
+// Sorts the items that lie directly in a folder into subfolders named after their extensions: "a.pdf" goes
+// into "pdf".
+//
+// Only the top level is looked at, and what lies there when the run begins. Whole folders with an extension
+// are moved like files, links as links. Everything is done by moves within the one file system that replace
+// nothing, each whole or not at all: a run that is cut off anywhere has lost nothing, and the next one goes
+// on. The folder itself is followed when it is a link; a subfolder that is one is no subfolder.
+//
+// Hidden items, and so transfers under way, are left alone. Items whose names are not UTF-8 have no path that
+// could be written in the log, and stay, silently. Problems go to the system's log only. One thread.
+#pragma once
+
+#include <QString>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/Status.h"
+#include "fileops/HiddenNames.h"
+#include "fileops/Subfolders.h"
+#include "platform/FileReference.h"
+#include "platform/Folder.h"
+#include "platform/SystemLog.h"
+
+namespace quillforth::fileops {
+
+/// Keeps an item's comment over a move, on hosts where a move loses it.
+class CommentPreservation {
+ public:
+  virtual ~CommentPreservation() = default;
+  /// Nothing when there is no comment, and on every error.
+  [[nodiscard]] virtual std::optional<QString> comment(const platform::FileReference& item) = 0;
+  /// A failure is nobody's concern.
+  virtual void setComment(const platform::FileReference& item, const QString& comment) = 0;
+};
+
+/// All outlive the run.
+struct AggregationServices {
+  platform::FolderAccess& folders;
+  platform::SystemLog& log;
+  CommentPreservation* comments = nullptr;  ///< null: moves keep comments by themselves
+};
+
+struct AggregationResult {
+  common::Status status = common::kNoError;  ///< of opening and listing the folder
+  std::size_t moved = 0;
+  std::size_t left = 0;  ///< items with an extension that could not be moved
+};
+
+/// An item by its name in an open folder, which outlives this.
+struct ItemReference {
+  platform::Folder& parent;
+  const std::string& name;
+};
+
+/// Longest path, in bytes, of an item that is sorted.
+inline constexpr std::size_t kLongestItemPath = 2047;
+
+/// Sorts the folder at an absolute path. Does nothing, and hands back -50, when the path has no UTF-8 form.
+AggregationResult AggregateFolder(const AggregationServices& services, const QString& path);
+AggregationResult AggregateFolderRef(const AggregationServices& services, platform::Folder& folder);
+
+/// Appends the folder's items, in the file system's order; nothing at all on an error.
+[[nodiscard]] common::Status ListFolderItems(const platform::Folder& folder, bool filesOnly,
+                                             std::vector<platform::FolderItem>& items);
+/// Whether sorting leaves the item alone: a name that begins with ".", or one that is listed as hidden unless
+/// it is a folder's.
+[[nodiscard]] bool ShouldSkipItem(const platform::FolderItem& item, const HiddenNames& hidden);
+
+/// Moves an item into a subfolder; false when that failed. Logs only that the subfolder is gone.
+[[nodiscard]] bool MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
+                                        Subfolder& subfolder);
+/// Moves an item under its own name, or a unique one where that is taken. True without a move for an item
+/// that is in `destination` already.
+[[nodiscard]] bool MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
+                                             platform::Folder& destination);
+
+}  // namespace quillforth::fileops

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+
+#include "fileops/Subfolders.h"
+
+#include <utility>
+
+#include "fileops/FolderItems.h"
+
+namespace quillforth::fileops {
+
+namespace {
+
+// A look costs a fifth of a move. A folder that was removed is noticed at once all the same: moves fail.
+constexpr int kUsesBetweenLooks = 64;
+
+}  // namespace
+
+std::string Subfolder::path() const {
+  return PathInFolder(parent_, name_);
+}
+
+common::Status Subfolder::open() {
+  if (folder_ && (++uses_ < kUsesBetweenLooks || !wasReplaced())) return common::kNoError;
+  platform::FolderResult opened = parent_.openFolder(name_);
+  folder_ = std::move(opened.folder);
+  return opened.status;
+}
+
+bool Subfolder::wasReplaced() {
+  uses_ = 0;
+  if (parent_.holds(name_, *folder_)) return false;
+  close();
+  return true;
+}
+
+Subfolder* Subfolders::forExtension(std::string_view extension) {
+  auto found = subfolders_.find(extension);
+  if (found == subfolders_.end()) {
+    std::string name(extension);
+    if (FindOrCreateFolder(parent_, name) != common::kNoError) return nullptr;
+    found = subfolders_.try_emplace(name, parent_, name).first;
+  }
+  holdOpen(found->second);
+  return &found->second;
+}
+
+void Subfolders::holdOpen(Subfolder& subfolder) {
+  if (subfolder.isOpen()) return;
+  if (open_.size() == kMostOpen) {
+    for (Subfolder* other : open_) other->close();
+    open_.clear();
+  }
+  open_.push_back(&subfolder);
+}
+
+}  // namespace quillforth::fileops
