@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+//
+// Sorting a folder of many items against a bare loop of renameat2 over the same names, in one run.
+//
+//   aggregate_benchmark [--rounds N] FOLDER...
+//
+// Works in a new folder below each FOLDER (one on tmpfs and one on a disk tell most) and removes it. Prints
+// the best of the rounds, the ratio, and the time for a folder in which nothing is left to do. Ends with 1
+// when a ratio is above 1.5, or that time above half a second. On a busy machine the ratio of the processor
+// times tells more.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "fileops/Aggregation.h"
+#include "platform/linux/LinuxFolder.h"
+
+namespace {
+
+using namespace quillforth;
+
+constexpr int kItems = 100'000;
+constexpr int kExtensions = 20;
+constexpr double kHighestRatio = 1.5;
+constexpr double kLongestSortedSeconds = 0.5;
+
+void Require(bool condition, const char* what) {
+  if (condition) return;
+  std::perror(what);
+  std::exit(2);
+}
+
+class SilentLog final : public platform::SystemLog {
+ public:
+  void log(const QString& message) override { std::cerr << message.toStdString() << '\n'; }
+};
+
+std::string ItemName(int i, const char* separator) {
+  return "picture-" + std::to_string(i) + separator + "ext" + std::to_string(i % kExtensions);
+}
+
+void Fill(const std::string& folder, const char* separator) {
+  std::filesystem::create_directories(folder);
+  for (int i = 0; i < kItems; ++i) {
+    const int file =
+        ::open((folder + '/' + ItemName(i, separator)).c_str(), O_CREAT | O_EXCL | O_WRONLY, 0666);
+    Require(file >= 0, "create");
+    ::close(file);
+  }
+}
+
+struct Cost {
+  double seconds = std::numeric_limits<double>::max();
+  double cpu = std::numeric_limits<double>::max();
+};
+
+Cost Least(const Cost& a, const Cost& b) {
+  return {std::min(a.seconds, b.seconds), std::min(a.cpu, b.cpu)};
+}
+
+double Now(clockid_t clock) {
+  timespec now{};
+  ::clock_gettime(clock, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+Cost CostOf(const std::function<void()>& work) {
+  const Cost start{Now(CLOCK_MONOTONIC), Now(CLOCK_PROCESS_CPUTIME_ID)};
+  work();
+  return {Now(CLOCK_MONOTONIC) - start.seconds, Now(CLOCK_PROCESS_CPUTIME_ID) - start.cpu};
+}
+
+std::vector<std::string> NamesInOrder(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename());
+  return names;
+}
+
+// The names, their order and the subfolders are all there before the clock starts.
+Cost BareLoop(const std::string& folder) {
+  Fill(folder, ".");
+  const std::vector<std::string> names = NamesInOrder(folder);
+  const int from = ::open(folder.c_str(), O_PATH | O_DIRECTORY);
+  std::vector<int> subfolders;
+  for (int i = 0; i < kExtensions; ++i) {
+    const std::string name = "ext" + std::to_string(i);
+    Require(::mkdirat(from, name.c_str(), 0777) == 0, "mkdirat");
+    subfolders.push_back(::openat(from, name.c_str(), O_PATH | O_DIRECTORY));
+  }
+  std::vector<int> targets;
+  for (const std::string& name : names) {
+    targets.push_back(subfolders[static_cast<std::size_t>(std::stoi(name.substr(name.rfind("ext") + 3)))]);
+  }
+  const Cost cost = CostOf([&] {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const char* name = names[i].c_str();
+      Require(::renameat2(from, name, targets[i], name, RENAME_NOREPLACE) == 0, "renameat2");
+    }
+  });
+  for (const int subfolder : subfolders) ::close(subfolder);
+  ::close(from);
+  std::filesystem::remove_all(folder);
+  return cost;
+}
+
+// `separator` "." makes items to move, "-" items to leave.
+Cost Aggregation(const std::string& folder, const char* separator) {
+  Fill(folder, separator);
+  platform::LinuxFolderAccess folders;
+  SilentLog log;
+  fileops::AggregationResult result;
+  const Cost cost = CostOf([&] {
+    result = fileops::AggregateFolder({folders, log}, QString::fromStdString(folder));
+  });
+  Require(result.status == 0 && result.left == 0 && result.moved == (*separator == '.' ? kItems : 0),
+          "aggregate");
+  std::filesystem::remove_all(folder);
+  return cost;
+}
+
+bool MeasureIn(const std::string& parent, int rounds) {
+  std::string folder = std::filesystem::absolute(parent) / "aggregate-XXXXXX";
+  Require(::mkdtemp(folder.data()) != nullptr, "mkdtemp");
+  Cost bare;
+  Cost ours;
+  Cost sorted;
+  for (int round = 0; round < rounds; ++round) {
+    bare = Least(bare, BareLoop(folder + "/bare"));
+    ours = Least(ours, Aggregation(folder + "/ours", "."));
+    sorted = Least(sorted, Aggregation(folder + "/sorted", "-"));
+  }
+  std::filesystem::remove_all(folder);
+  std::printf(
+      "%-24s bare %.3f s (cpu %.3f), aggregation %.3f s (cpu %.3f), ratio %.2f (cpu %.2f), sorted %.3f s\n",
+      parent.c_str(), bare.seconds, bare.cpu, ours.seconds, ours.cpu, ours.seconds / bare.seconds,
+      ours.cpu / bare.cpu, sorted.seconds);
+  return ours.seconds <= kHighestRatio * bare.seconds && sorted.seconds <= kLongestSortedSeconds;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  int rounds = 3;
+  if (arguments.size() > 2 && arguments[0] == "--rounds") {
+    rounds = std::max(1, std::atoi(arguments[1].c_str()));
+    arguments.erase(arguments.begin(), arguments.begin() + 2);
+  }
+  if (arguments.empty()) {
+    std::fputs("usage: aggregate_benchmark [--rounds N] FOLDER...\n", stderr);
+    return 2;
+  }
+  bool held = true;
+  for (const std::string& parent : arguments) held = MeasureIn(parent, rounds) && held;
+  return held ? 0 : 1;
+}
