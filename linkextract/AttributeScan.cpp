@@ -30,7 +30,7 @@ using Position = WorkText::Position;
 constexpr std::array<std::string_view, 3> kNames{"HREF=", "SRC=", "BACKGROUND="};
 constexpr std::size_t kShortestName = 4;
 constexpr std::size_t kLongestName = 11;
-constexpr unsigned kCaseBit = 0x20;  // what makes an upper-case letter a lower-case one
+constexpr char kCaseBit = 0x20;  // what makes an upper-case letter a lower-case one
 
 constexpr char LastLetter(std::string_view name) {
   return name[name.size() - 2];
@@ -114,7 +114,7 @@ std::size_t NameBefore(std::string_view text, std::size_t end) {
   Tail tail = 0;
   if (end < sizeof tail) return kNames.size();
   std::memcpy(&tail, text.data() + end - sizeof tail, sizeof tail);
-  tail |= kCaseBit * 0x01010101U;  // exact for letters, and "=" has that bit
+  tail |= 0x20202020;  // exact for letters, and "=" has that bit
   const auto found = static_cast<std::size_t>(std::find(kTails.begin(), kTails.end(), tail) - kTails.begin());
   if (found == kNames.size()) return found;
   const std::string_view head = kNames[found].substr(0, kNames[found].size() - sizeof tail);

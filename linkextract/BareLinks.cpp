@@ -40,7 +40,9 @@ constexpr std::array<Role, 256> kRoles = [] {
   for (unsigned char c = '!'; c <= '@'; ++c) roles[c] = Role::word;
   for (unsigned char c = 'A'; c <= 'Z'; ++c) roles[c] = roles[c - 'A' + 'a'] = Role::word;
   roles['_'] = Role::word;
-  for (const unsigned char c : {'"', '\'', '(', ')', '<', '>', '\r', '\n'}) roles[c] = Role::delimiter;
+  for (const char c : {'"', '\'', '(', ')', '<', '>', '\r', '\n'}) {
+    roles[static_cast<unsigned char>(c)] = Role::delimiter;
+  }
   return roles;
 }();
 

@@ -53,8 +53,9 @@ void LinkTable::expect(std::uint32_t hash) const noexcept {
 void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
   if (buckets_.empty()) return;
   const LinkEntry* const entry = buckets_[bucketOf(hash)];
+  if (entry == nullptr) return;
   __builtin_prefetch(entry);
-  __builtin_prefetch(reinterpret_cast<const char*>(entry) + 64);
+  __builtin_prefetch(entry + 1);  // the key, often in the next cache line
 }
 
 LinkTable::Insertion LinkTable::insert(std::string_view key, std::uint32_t hash) {
