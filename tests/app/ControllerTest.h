@@ -13,13 +13,15 @@
 
 namespace quillforth::tests {
 
+inline const std::string kSupportFolder = "/data/Tessary Software/Quillforth";
+
 class ControllerTest : public ::testing::Test {
  protected:
   ControllerTest() { outlets.table.dataSource = &controller; }
 
   void queue(std::initializer_list<const char*> urls) {
     for (const char* url : urls) controller.queueURL(QString::fromLatin1(url));
-    static_cast<void>(log.take());
+    log.take();
   }
   /// The queue's entries, parted by blanks.
   [[nodiscard]] std::string queued() const {
@@ -28,15 +30,16 @@ class ControllerTest : public ::testing::Test {
       urls << controller.objectValueForRow(row);
     return urls.join(u' ').toStdString();
   }
-  /// Starts a URL up to the callback that begins it.
-  FakeDownload& begin(const char* url) {
+  FakeDownload& start(const char* url) {
     controller.startURL(QString::fromLatin1(url), false);
-    FakeDownload& download = latest();
-    download.begin();
-    static_cast<void>(log.take());
+    return *host.downloads.started.back();
+  }
+  FakeDownload& begin(const char* url) {
+    FakeDownload& download = start(url);
+    controller.downloadDidBegin(download);
+    log.take();
     return download;
   }
-  FakeDownload& latest() { return *host.downloads.started.back(); }
 
   CallLog log;
   FakeHost host{log};

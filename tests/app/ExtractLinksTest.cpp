@@ -7,23 +7,18 @@ namespace {
 
 class ExtractLinks : public ControllerTest {
  protected:
-  void extract(const QByteArray& page, const char* url = "http://site-a.test/dir/page.html") {
-    const QString text = QString::fromLatin1(url);
-    host.pages.pages[text] = page;
-    controller.extractLinks(text);
+  void extract(const QByteArray& page) {
+    const QString url = QStringLiteral("http://site-a.test/dir/page.html");
+    host.services.pages[url] = page;
+    controller.extractLinks(url);
   }
 };
 
 TEST_F(ExtractLinks, QueuesThePagesLinksAndStartsTheHead) {
   queue({"first"});
-  extract("<a href=\"b.zip\">x</a><img src=\"../c/d.jpg\"><a href=\"b.zip\"><a href=\"./b.zip\">");
-  const QStringList calls = log.take();
-  EXPECT_EQ(calls.mid(0, 2).join(u';').toStdString(), "table.reload;count = 3 urls queued");
-  EXPECT_EQ(calls.last(), u"start first");
-  const std::string links = queued();
-  for (const char* link : {"http://site-a.test/dir/b.zip", "http://site-a.test/c/d.jpg"}) {
-    EXPECT_NE(links.find(link), std::string::npos) << links;
-  }
+  extract("<a href=\"b/\">x</a><a href=\"../c/\"><a href=\"b/\"><a href=\"./b/\">");
+  EXPECT_EQ(log.take({"table", "count", "start"}), "table.reload; count = 3 urls queued; start first");
+  EXPECT_EQ(queued(), "http://site-a.test/dir/b/ http://site-a.test/c/ http://site-a.test/dir/b/");
 }
 
 TEST_F(ExtractLinks, ADownloadThatRunsSendsTheHeadToTheEnd) {
@@ -32,22 +27,21 @@ TEST_F(ExtractLinks, ADownloadThatRunsSendsTheHeadToTheEnd) {
   host.defaults.set("alwaysPromptForOutputLocation", true);
   controller.extractLinks(QString());
   EXPECT_EQ(queued(), "b a");
-  EXPECT_EQ(log.takeOnly({"table", "count", "application.openPanel", "start"}).substr(0, 90),
-            "table.reload; count = 1 urls queued; application.openPanel Choose a Destination Folder | C");
+  EXPECT_TRUE(log.take().starts_with("table.reload; count = 1 urls queued; application.panel"));
 }
 
 TEST_F(ExtractLinks, FailuresAreSilentAndStartWhatWaits) {
   for (const char* url : {"", "not a url", "http://site-a.test/unreachable"}) {
     controller.extractLinks(QString::fromLatin1(url));
-    EXPECT_EQ(log.takeText(), "") << url;
+    EXPECT_EQ(log.take(), "") << url;
     queue({"waiting"});
     controller.extractLinks(QString::fromLatin1(url));
-    EXPECT_EQ(log.takeOnly({"table", "count", "start", "application"}),
+    EXPECT_EQ(log.take({"table", "count", "start", "application"}),
               "table.reload; count = 0 urls queued; start waiting");
   }
   extract("");
   extract("no links here");
-  EXPECT_EQ(log.takeText(), "");
+  EXPECT_EQ(log.take(), "");
 }
 
 TEST_F(ExtractLinks, ABaseInTheHeadAndOtherEncodingsAreTaken) {

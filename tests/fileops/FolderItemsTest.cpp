@@ -16,45 +16,39 @@ using platform::FileReference;
 
 TEST(FolderItems, ANameIsFreeOnlyWhenItIsSurelyNotThere) {
   FakeFiles files;
-  files.items.insert("/data/plain file");
+  files.items = {"/data/file"};
+  const FileReference data("/data");
   FileReference item;
-  EXPECT_TRUE(fileops::ItemExistsInFolder(files, FileReference("/data"), "plain file", item));
-  EXPECT_EQ(item.path(), "/data/plain file");
-  EXPECT_FALSE(fileops::ItemExistsInFolder(files, FileReference("/data"), "other", item));
+  EXPECT_TRUE(fileops::ItemExistsInFolder(files, data, "file", item));
+  EXPECT_EQ(item.path(), "/data/file");
+  EXPECT_FALSE(fileops::ItemExistsInFolder(files, data, "other", item));
   files.createStatus = common::kPermissionDenied;
-  EXPECT_EQ(fileops::FindOrCreateFolder(files, FileReference("/data"), "other").status, files.createStatus);
-  EXPECT_EQ(fileops::FindOrCreateFolder(files, FileReference("/data"), "plain file").reference.path(),
-            "/data/plain file");
+  EXPECT_EQ(fileops::FindOrCreateFolder(files, data, "other").status, files.createStatus);
+  EXPECT_EQ(fileops::FindOrCreateFolder(files, data, "file").reference.path(), "/data/file");
   files.lookStatus = common::kPermissionDenied;
-  EXPECT_TRUE(fileops::ItemExistsInFolder(files, FileReference("/data"), "other", item));
-  EXPECT_EQ(fileops::FindOrCreateFolder(files, FileReference("/data"), "other").status, common::kNoError);
+  EXPECT_EQ(fileops::FindOrCreateFolder(files, data, "other").status, common::kNoError);
 }
 
 TEST(FolderItems, AUniqueNameKeepsBaseAndExtension) {
   const std::string uuid = "[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}";
-  const struct {
-    const char* name;
-    std::string pattern;
-  } cases[] = {{"report.pdf", "report - " + uuid + "\\.pdf"},
-               {"README", "README - " + uuid},
-               {"photo.jpeg.jpeg", "photo\\.jpeg - " + uuid + "\\.jpeg"},
-               {"a.gz.b.gz", "a\\.gz\\.b - " + uuid + "\\.gz"},
-               {".hidden", "\\.hidden - " + uuid},
-               {"dot.", "dot\\. - " + uuid},
-               {"caf\xe9.txt", "caf\xe9 - " + uuid + "\\.txt"}};
+  const std::pair<std::string, std::string> cases[] = {
+      {"report.pdf", "report - " + uuid + "\\.pdf"},
+      {"README", "README - " + uuid},
+      {"photo.jpeg.jpeg", "photo\\.jpeg - " + uuid + "\\.jpeg"},
+      {".hidden", "\\.hidden - " + uuid},
+      {"a.gz.b.gz", "a\\.gz\\.b - " + uuid + "\\.gz"},
+      {"dot.", "dot\\. - " + uuid}};
   FakeFiles files;
-  for (const auto& c : cases) {
-    const FileReference item(std::string("/from/") + c.name);
+  for (const auto& [name, pattern] : cases) {
+    const FileReference item("/from/" + name);
+    const auto unique = [&] { return fileops::MakeUniqueNameForMove(files, FileReference("/data"), item); };
+    files.items.insert("/data/" + name);
+    EXPECT_EQ(unique(), std::nullopt) << "gone";
     files.items.insert(item.path());
-    EXPECT_EQ(fileops::MakeUniqueNameForMove(files, FileReference("/data"), item), std::nullopt) << "free";
-    files.items.insert(std::string("/data/") + c.name);
-    const std::optional<std::string> unique =
-        fileops::MakeUniqueNameForMove(files, FileReference("/data"), item);
-    ASSERT_TRUE(unique);
-    EXPECT_TRUE(std::regex_match(*unique, std::regex(c.pattern))) << *unique;
+    EXPECT_TRUE(std::regex_match(unique().value_or(""), std::regex(pattern))) << name;
+    files.items.erase("/data/" + name);
+    EXPECT_EQ(unique(), std::nullopt) << "free";
   }
-  EXPECT_EQ(fileops::MakeUniqueNameForMove(files, FileReference("/data"), FileReference("/gone")),
-            std::nullopt);
 }
 
 TEST(SupportFolder, IsMadeOnFirstUseAndFoundAfterwards) {

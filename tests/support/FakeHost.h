@@ -18,15 +18,14 @@
 
 namespace quillforth::tests {
 
+/// What is stored is seen by readers only once they have synchronized.
 class FakeUserDefaults final : public platform::UserDefaults {
  public:
-  /// What is stored, and seen by readers only once they have synchronized.
   QHash<QString, QVariant> stored;
   void set(const char* key, const QVariant& value) { stored.insert(QString::fromLatin1(key), value); }
 
   void synchronize() override {
-    stored.insert(pending_);
-    pending_.clear();
+    stored.insert(std::exchange(pending_, {}));
     seen_ = stored;
   }
   [[nodiscard]] QVariant objectForKey(const QString& key) override { return seen_.value(key); }
@@ -34,8 +33,7 @@ class FakeUserDefaults final : public platform::UserDefaults {
   void removeObject(const QString& key) override { stored.remove(key); }
 
  private:
-  QHash<QString, QVariant> pending_;
-  QHash<QString, QVariant> seen_;
+  QHash<QString, QVariant> pending_, seen_;
 };
 
 class FakeDownload final : public platform::WebDownload, private Recording {
@@ -48,19 +46,16 @@ class FakeDownload final : public platform::WebDownload, private Recording {
 
   [[nodiscard]] const platform::URL& requestURL() const override { return url_; }
   void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) override {
-    note(QStringLiteral(".to ") + path + (allowOverwrite ? QStringLiteral(" over") : QString()));
+    note(allowOverwrite ? ".to (over) " : ".to ", path);
   }
   void cancel() override {
     isCancelled = true;
-    note(QStringLiteral(".cancel ") + url_.absoluteString());
+    note(".cancel ", url_.absoluteString());
   }
-  void begin() { delegate.downloadDidBegin(*this); }
   void respond(std::int64_t length) { delegate.downloadDidReceiveResponse(*this, {length, {}}); }
   void receive(std::uint64_t length) { delegate.downloadDidReceiveDataOfLength(*this, length); }
   void finish() { delegate.downloadDidFinish(*this); }
-  void fail(const QString& description, const QString& url = {}) {
-    delegate.downloadDidFailWithError(*this, {description, url});
-  }
+  void fail(const QString& why, const QString& url) { delegate.downloadDidFailWithError(*this, {why, url}); }
 
  private:
   platform::URL url_;
@@ -73,35 +68,30 @@ class FakeDownloads final : public platform::WebDownloadService {
 
   std::shared_ptr<platform::WebDownload> startDownload(const platform::URL& url,
                                                        platform::WebDownloadDelegate& delegate) override {
-    log_.add(QStringLiteral("start ") + url.absoluteString());
-    started.push_back(std::make_shared<FakeDownload>(log_, url, delegate));
-    return started.back();
+    log_.add("start " + url.absoluteString().toStdString());
+    return started.emplace_back(std::make_shared<FakeDownload>(log_, url, delegate));
   }
 
  private:
   CallLog& log_;
 };
 
-/// Folders and files by path; only those under `roots` can be looked at.
+/// Items by path; the support folder lies in "/data".
 class FakeFiles final : public platform::FileManager {
  public:
-  std::set<std::string> items{"/data"};
-  common::Status supportStatus = common::kNoError;
-  common::Status lookStatus = common::kNoError;
-  common::Status createStatus = common::kNoError;
+  std::set<std::string> items;
+  common::Status supportStatus = 0, lookStatus = 0, createStatus = 0;
 
   platform::FileResult makeReference(const platform::FileReference& folder, std::string_view name) override {
     const std::string path = folder.path() + "/" + std::string(name);
-    if (lookStatus != common::kNoError) return {lookStatus, {}};
-    if (!items.contains(path)) return {common::kFileNotFound, {}};
-    return {common::kNoError, platform::FileReference(path)};
+    if (lookStatus != 0) return {lookStatus, {}};
+    return items.contains(path) ? platform::FileResult{0, platform::FileReference(path)}
+                                : platform::FileResult{common::kFileNotFound, {}};
   }
   platform::FileResult createDirectory(const platform::FileReference& folder,
                                        std::string_view name) override {
-    if (createStatus != common::kNoError) return {createStatus, {}};
-    const std::string path = folder.path() + "/" + std::string(name);
-    items.insert(path);
-    return {common::kNoError, platform::FileReference(path)};
+    if (createStatus != 0) return {createStatus, {}};
+    return {0, platform::FileReference(*items.insert(folder.path() + "/" + std::string(name)).first)};
   }
   std::optional<std::string> itemName(const platform::FileReference& item) override {
     if (!items.contains(item.path())) return std::nullopt;
@@ -112,89 +102,73 @@ class FakeFiles final : public platform::FileManager {
   }
 };
 
-/// Records are the folder's path with "@" before it; a folder in `moved` is somewhere else now.
-class FakeAliases final : public platform::AliasManager {
- public:
-  std::map<std::string, std::string> moved;
-  std::set<std::string> gone;
-
-  std::optional<QByteArray> newAlias(const platform::FileReference& folder) override {
-    return QByteArray::fromStdString("@" + folder.path());
-  }
-  std::optional<platform::FileReference> resolveAlias(const QByteArray& alias) override {
-    const std::string path = alias.sliced(1).toStdString();
-    if (!alias.startsWith('@') || gone.contains(path)) return std::nullopt;
-    const auto found = moved.find(path);
-    return platform::FileReference(found == moved.end() ? path : found->second);
-  }
-};
-
-class FakePageLoader final : public platform::PageLoader {
- public:
-  std::map<QString, QByteArray> pages;
-  std::optional<QByteArray> resourceData(const platform::URL& url) override {
-    const auto found = pages.find(url.absoluteString());
-    return found == pages.end() ? std::nullopt : std::optional(found->second);
-  }
-};
-
-/// The services that only answer, each with what the test has put there.
+/// The services that only answer, each with what the test has put there. An alias is its folder's path after
+/// "@".
 class FakeServices final : public platform::NetworkDiagnostics,
+                           public platform::PageLoader,
                            public platform::HTTPReadStreamFactory,
                            public platform::InternetConfigComponent,
+                           public platform::AliasManager,
                            public platform::MainBundle,
                            public platform::SoundLoader,
                            public platform::SystemLog,
                            public app::FolderAggregation,
                            public app::FileComments,
-                           public app::DriverObserver {
+                           public app::DriverObserver,
+                           private Recording {
  public:
-  explicit FakeServices(CallLog& log) : log_(log) {}
+  explicit FakeServices(CallLog& log) : Recording(log, "") {}
   platform::NetworkStatus network = platform::NetworkStatus::connectionUp;
+  std::map<QString, QByteArray> pages;
+  std::map<std::string, std::string> moved;  ///< folders that are somewhere else now; "": nowhere
   std::optional<QString> soundPath;
   std::vector<platform::ICMapEntry> mappings;
 
   platform::NetworkStatus copyNetworkStatusPassively() override { return network; }
-  void diagnoseProblemInteractively() override { log_.add(QStringLiteral("diagnose")); }
+  void diagnoseProblemInteractively() override { note("diagnose"); }
+  std::optional<QByteArray> resourceData(const platform::URL& url) override {
+    const auto found = pages.find(url.absoluteString());
+    return found == pages.end() ? std::nullopt : std::optional(found->second);
+  }
   std::unique_ptr<platform::HTTPReadStream> createStream(const platform::HTTPRequest& /*request*/) override {
     return nullptr;
   }
   int countComponents() override { return 1; }
-  common::Status start(common::FourCharCode /*creator*/) override {
-    log_.add(QStringLiteral("mappings"));
-    return common::kNoError;
-  }
-  common::Status stop() override { return common::kNoError; }
-  common::Status begin(platform::ICPermission /*permission*/) override { return common::kNoError; }
-  common::Status end() override { return common::kNoError; }
-  common::Status getPrefHandle(std::string_view /*key*/) override { return common::kNoError; }
+  common::Status start(common::FourCharCode /*creator*/) override { return note("mappings"), 0; }
+  common::Status stop() override { return 0; }
+  common::Status begin(platform::ICPermission /*permission*/) override { return 0; }
+  common::Status end() override { return 0; }
+  common::Status getPrefHandle(std::string_view /*key*/) override { return 0; }
   void disposeHandle() override {}
   common::Status countMapEntries(std::int32_t& count) override {
-    count = static_cast<std::int32_t>(mappings.size());
-    return common::kNoError;
+    return count = static_cast<std::int32_t>(mappings.size()), 0;
   }
   common::Status getIndMapEntry(std::int32_t index, platform::ICMapEntry& entry) override {
-    entry = mappings.at(static_cast<std::size_t>(index) - 1);
-    return common::kNoError;
+    return entry = mappings.at(static_cast<std::size_t>(index) - 1), 0;
+  }
+  std::optional<QByteArray> newAlias(const platform::FileReference& folder) override {
+    return QByteArray::fromStdString("@" + folder.path());
+  }
+  std::optional<platform::FileReference> resolveAlias(const QByteArray& alias) override {
+    const std::string path = alias.sliced(1).toStdString();
+    const auto found = moved.find(path);
+    if (!alias.startsWith('@') || (found != moved.end() && found->second.empty())) return std::nullopt;
+    return platform::FileReference(found == moved.end() ? path : found->second);
   }
   std::optional<QString> objectForInfoDictionaryKey(const QString& /*key*/) override { return std::nullopt; }
   std::optional<QString> pathForResource(const QString& name) override {
-    log_.add(QStringLiteral("resource ") + name);
-    return soundPath;
+    return note("resource ", name), soundPath;
   }
   std::unique_ptr<platform::Sound> load(const QString& path) override {
-    log_.add(QStringLiteral("sound ") + path);
+    note("sound ", path);
     return std::make_unique<platform::Sound>();
   }
-  void log(const QString& message) override { log_.add(QStringLiteral("log ") + message); }
-  void aggregateFolder(const QString& path) override { log_.add(QStringLiteral("aggregate ") + path); }
+  void log(const QString& message) override { note("log ", message); }
+  void aggregateFolder(const QString& path) override { note("aggregate ", path); }
   void setComment(const QString& path, const QString& comment) override {
-    log_.add(QStringLiteral("comment ") + path + u' ' + comment);
+    note("comment ", QStringList{path, comment});
   }
-  void downloadFileRefusedURL(const QString& text) override { log_.add(QStringLiteral("refused ") + text); }
-
- private:
-  CallLog& log_;
+  void downloadFileRefusedURL(const QString& text) override { note("refused ", text); }
 };
 
 /// Everything that a controller stands on.
@@ -204,25 +178,17 @@ struct FakeHost {
   RecordingApplication application;
   FakeUserDefaults defaults;
   FakeDownloads downloads;
-  FakePageLoader pages;
-  FakeAliases aliases;
   FakeFiles files;
   FakeServices services;
   std::uint32_t seconds = 1000;
   int translations = 0;  ///< how often the strings table was asked
 
   [[nodiscard]] app::Host host() {
-    app::Host host{application, defaults, downloads, pages,    services, services, services,
-                   aliases,     files,    services,  services, services, {},       {}};
-    host.localizedText = [this](const QString& key) {
-      ++translations;
-      return key;
-    };
-    host.currentSeconds = [this] { return seconds; };
-    host.aggregation = &services;
-    host.fileComments = &services;
-    host.observer = &services;
-    return host;
+    const auto localizedText = [this](const QString& key) { return ++translations, key; };
+    const auto currentSeconds = [this] { return seconds; };
+    return {application,   defaults,       downloads, services,  services, services,
+            services,      services,       files,     services,  services, services,
+            localizedText, currentSeconds, &services, &services, &services};
   }
 };
 

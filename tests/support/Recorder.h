@@ -17,72 +17,58 @@
 
 namespace quillforth::tests {
 
-/// Calls as text: "spinner.start", "count = 2 urls queued". Takes what is asked for and forgets it.
+/// Calls as text: "spinner.start", "count = 2 urls queued".
 class CallLog {
  public:
-  void add(const QString& call) { calls_ << call; }
-  [[nodiscard]] QStringList take() { return std::exchange(calls_, {}); }
-  /// One text, for comparing: calls parted by "; ".
-  [[nodiscard]] std::string takeText() { return take().join(QStringLiteral("; ")).toStdString(); }
-  /// Only the calls that begin with one of the prefixes, one text.
-  [[nodiscard]] std::string takeOnly(std::initializer_list<const char*> prefixes) {
-    QStringList chosen;
-    for (const QString& call : take()) {
-      if (std::any_of(prefixes.begin(), prefixes.end(),
-                      [&](const char* prefix) { return call.startsWith(QLatin1String(prefix)); })) {
-        chosen << call;
-      }
+  void add(std::string call) { calls_.push_back(std::move(call)); }
+  /// The calls that begin with one of the prefixes, or all when there are none, parted by "; ". The log is
+  /// empty afterwards.
+  std::string take(std::initializer_list<std::string_view> prefixes = {}) {
+    std::string text;
+    for (const std::string& call : std::exchange(calls_, {})) {
+      const auto begins = [&call](std::string_view prefix) { return call.starts_with(prefix); };
+      if (prefixes.size() != 0 && std::none_of(prefixes.begin(), prefixes.end(), begins)) continue;
+      text.append(text.empty() ? "" : "; ").append(call);
     }
-    return chosen.join(QStringLiteral("; ")).toStdString();
+    return text;
   }
 
  private:
-  QStringList calls_;
+  std::vector<std::string> calls_;
 };
 
 /// A named thing that writes to the log.
 class Recording {
  public:
-  Recording(CallLog& log, const char* name) : log_(log), name_(QString::fromLatin1(name)) {}
+  Recording(CallLog& log, std::string name) : log_(log), name_(std::move(name)) {}
 
  protected:
-  void note(const QString& call) const { log_.add(name_ + call); }
-  void noteFlag(const char* property, bool value) const {
-    note(u'.' + QString::fromLatin1(property) + (value ? QStringLiteral(" YES") : QStringLiteral(" NO")));
-  }
+  void note(const char* call) const { log_.add(name_ + call); }
+  void note(const char* call, const QString& value) const { log_.add(name_ + call + value.toStdString()); }
+  void note(const char* call, bool value) const { log_.add(name_ + call + (value ? " YES" : " NO")); }
+  void note(const char* call, const QStringList& values) const { note(call, values.join(u" | ")); }
 
  private:
   CallLog& log_;
-  QString name_;
+  std::string name_;
 };
 
-class RecordingTextField final : public app::TextField, private Recording {
+/// A text field, button or progress indicator.
+class RecordingWidget final : public app::TextField,
+                              public app::Button,
+                              public app::ProgressIndicator,
+                              private Recording {
  public:
   using Recording::Recording;
   QString text;
   [[nodiscard]] QString stringValue() const override { return text; }
-  void setStringValue(const QString& value) override {
-    text = value;
-    note(QStringLiteral(" = ") + value);
-  }
-  void setHidden(bool hidden) override { noteFlag("hidden", hidden); }
-};
-
-class RecordingButton final : public app::Button, private Recording {
- public:
-  using Recording::Recording;
-  void setEnabled(bool enabled) override { noteFlag("enabled", enabled); }
-  void setHidden(bool hidden) override { noteFlag("hidden", hidden); }
-  void setToolTip(const QString& text) override { note(QStringLiteral(".toolTip = ") + text); }
-};
-
-class RecordingProgressIndicator final : public app::ProgressIndicator, private Recording {
- public:
-  using Recording::Recording;
-  void setDoubleValue(double value) override { note(QStringLiteral(" = ") + QString::number(value, 'f', 3)); }
-  void setHidden(bool hidden) override { noteFlag("hidden", hidden); }
-  void startAnimation() override { note(QStringLiteral(".start")); }
-  void stopAnimation() override { note(QStringLiteral(".stop")); }
+  void setStringValue(const QString& value) override { note(" = ", text = value); }
+  void setDoubleValue(double value) override { note(" = ", QString::number(value, 'f', 3)); }
+  void setHidden(bool hidden) override { note(".hidden", hidden); }
+  void setEnabled(bool enabled) override { note(".enabled", enabled); }
+  void setToolTip(const QString& tip) override { note(".toolTip = ", tip); }
+  void startAnimation() override { note(".start"); }
+  void stopAnimation() override { note(".stop"); }
 };
 
 /// Its selection is of entries, not of rows, and so survives a reload.
@@ -91,10 +77,8 @@ class RecordingTable final : public app::TableView, private Recording {
   using Recording::Recording;
   const app::TableViewDataSource* dataSource = nullptr;
 
-  void registerForDraggedTypes(const QStringList& types) override {
-    note(QStringLiteral(".types ") + types.join(u','));
-  }
-  void reloadData() override { note(QStringLiteral(".reload")); }
+  void registerForDraggedTypes(const QStringList& types) override { note(".types ", types); }
+  void reloadData() override { note(".reload"); }
   [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override {
     std::vector<std::size_t> rows;
     for (std::size_t row = 0; row < dataSource->numberOfRows(); ++row) {
@@ -114,9 +98,9 @@ class RecordingTable final : public app::TableView, private Recording {
 class RecordingWindow final : public app::Window, private Recording {
  public:
   using Recording::Recording;
-  void makeKeyAndOrderFront() override { note(QStringLiteral(".front")); }
+  void makeKeyAndOrderFront() override { note(".front"); }
   void beginAlertSheet(const QString& title, const QString& message) override {
-    note(QStringLiteral(".sheet ") + title + QStringLiteral(" | ") + message);
+    note(".sheet ", QStringList{title, message});
   }
   void beginAuthenticationSheet(const platform::AuthenticationChallenge& /*challenge*/,
                                 std::function<void(std::optional<platform::Credential>)> answer) override {
@@ -132,29 +116,21 @@ class RecordingApplication final : public app::Application, private Recording {
   std::optional<QString> panelAnswer;
   app::ChosenFolder dialogAnswer;
 
-  void activateIgnoringOtherApps() override { note(QStringLiteral(".activate")); }
-  void beep() override { note(QStringLiteral(".beep")); }
-  app::AlertResult runModalAlert(const app::Alert& alert) override {
-    note(QStringList{QStringLiteral(".alert ") + alert.messageText, alert.informativeText,
-                     alert.defaultButton, alert.alternateButton}
-             .join(QStringLiteral(" | ")));
+  void activateIgnoringOtherApps() override { note(".activate"); }
+  void beep() override { note(".beep"); }
+  app::AlertResult runModalAlert(const app::Alert& a) override {
+    note(".alert ", QStringList{a.messageText, a.informativeText, a.defaultButton, a.alternateButton});
     return alertAnswer;
   }
-  std::optional<QString> runOpenPanel(const app::FolderPanel& panel) override {
-    noteFolderPanel(QStringLiteral(".openPanel "), panel);
+  std::optional<QString> runOpenPanel(const app::FolderPanel& p) override {
+    note(".panel ", QStringList{p.title, p.prompt, p.message, p.directory});
     return panelAnswer;
   }
-  app::ChosenFolder runChooseFolderDialog(const app::FolderPanel& panel) override {
-    noteFolderPanel(QStringLiteral(".chooseDialog "), panel);
+  app::ChosenFolder runChooseFolderDialog(const app::FolderPanel& p) override {
+    note(".dialog ", QStringList{p.title, p.prompt, p.message, p.directory});
     return dialogAnswer;
   }
-  void openFile(const QString& path) override { note(QStringLiteral(".openFile ") + path); }
-
- private:
-  void noteFolderPanel(const QString& kind, const app::FolderPanel& panel) {
-    note(kind +
-         QStringList{panel.title, panel.prompt, panel.message, panel.directory}.join(QStringLiteral(" | ")));
-  }
+  void openFile(const QString& path) override { note(".open ", path); }
 };
 
 /// All outlets of one controller.
@@ -162,19 +138,11 @@ struct RecordedOutlets {
   explicit RecordedOutlets(CallLog& calls) : log(calls) {}
 
   CallLog& log;
-  RecordingTextField destination{log, "destination"};
-  RecordingTextField url{log, "url"};
-  RecordingTextField count{log, "count"};
-  RecordingWindow preferencesWindow{log, "preferencesWindow"};
-  RecordingWindow statusWindow{log, "statusWindow"};
-  RecordingProgressIndicator spinner{log, "spinner"};
-  RecordingProgressIndicator bar{log, "bar"};
-  RecordingTextField line{log, "line"};
-  RecordingTextField currentURL{log, "currentURL"};
-  RecordingButton cancelButton{log, "cancelButton"};
-  RecordingButton deleteButton{log, "deleteButton"};
-  RecordingButton stopButton{log, "stopButton"};
-  RecordingButton openFolderButton{log, "openFolderButton"};
+  RecordingWidget destination{log, "destination"}, url{log, "url"}, count{log, "count"}, line{log, "line"};
+  RecordingWidget spinner{log, "spinner"}, bar{log, "bar"}, currentURL{log, "currentURL"};
+  RecordingWidget cancelButton{log, "cancelButton"}, deleteButton{log, "deleteButton"};
+  RecordingWidget stopButton{log, "stopButton"}, openFolderButton{log, "openFolderButton"};
+  RecordingWindow preferencesWindow{log, "preferencesWindow"}, statusWindow{log, "statusWindow"};
   RecordingTable table{log, "table"};
 
   [[nodiscard]] app::Outlets outlets() {
