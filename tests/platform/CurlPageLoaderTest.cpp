@@ -12,12 +12,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <chrono>
-#include <map>
 #include <string>
 #include <thread>
 
 #include "platform/linux/LinuxNetworkDiagnostics.h"
-#include "tests/support/RawServer.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::platform {
 namespace {
@@ -34,12 +33,11 @@ std::string PathOf(const std::string& request) {
 
 class CurlPageLoaderTest : public ::testing::Test {
  protected:
-  // The page's bytes; "(nothing)" when the load failed.
+  // The page's bytes; "-" when there are none.
   std::string load(const std::string& text) {
     const auto url = URL::URLWithString(QString::fromStdString(text));
-    if (!url) return "(no URL)";
-    const std::optional<QByteArray> data = loader.resourceData(*url);
-    return data ? data->toStdString() : "(nothing)";
+    const auto data = url ? loader.resourceData(*url) : std::nullopt;
+    return data ? data->toStdString() : "-";
   }
 
   std::atomic<bool> interrupted = false;
@@ -48,70 +46,19 @@ class CurlPageLoaderTest : public ::testing::Test {
 };
 
 TEST_F(CurlPageLoaderTest, TakesWholePagesAndNothingElse) {
-  const auto reply = [](const std::string& header, const std::string& body) {
-    return "HTTP/1.1 200 OK\r\n" + header + "\r\n" + body;
-  };
-  const auto redirect = [](const std::string& target) {
-    return "HTTP/1.1 302 Found\r\nLocation: " + target + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
-  };
-  const std::string chunked = "Transfer-Encoding: chunked\r\n";
-  const std::string nothing = "(nothing)";
-  const std::map<std::string, std::pair<std::string, std::string>> answers = {
-      {"/plain", {HttpReply("200 OK", "page"), "page"}},
-      {"/binary", {HttpReply("200 OK", std::string("a\0b", 3)), std::string("a\0b", 3)}},
-      {"/empty", {HttpReply("200 OK", ""), ""}},
-      {"/204", {"HTTP/1.1 204 No Content\r\n\r\n", ""}},
-      {"/until-close", {reply("", "page"), "page"}},
-      {"/chunked", {reply(chunked, "2\r\npa\r\n2\r\nge\r\n0\r\n\r\n"), "page"}},
-      {"/encoded", {HttpReply("200 OK", "\x1f\x8b-raw", "Content-Encoding: gzip\r\n"), "\x1f\x8b-raw"}},
-      {"/more-than-announced", {reply("Content-Length: 4\r\n", "pageandmore"), "page"}},
-      {"/length-and-chunks", {reply("Content-Length: 2\r\n" + chunked, "4\r\npage\r\n0\r\n\r\n"), "page"}},
-      {"/moved", {redirect("/plain"), "page"}},
-      {"/moved-oddly", {redirect("odd name/\xc3\xa9"), nothing}},
-      {"/no-target", {redirect(""), ""}},
-      {"/404", {HttpReply("404 Not Found", "error page"), nothing}},
-      {"/500", {HttpReply("500 Oops", "error page"), nothing}},
-      {"/short", {reply("Content-Length: 9\r\n", "page"), nothing}},
-      {"/chunks-end-early", {reply(chunked, "4\r\npage\r\n"), nothing}},
-      {"/bad-chunk", {reply(chunked, "4\r\npage\r\nxyz\r\n"), nothing}},
-      {"/huge-chunk", {reply(chunked, "fffffffffffffffff\r\npage\r\n"), nothing}},
-      {"/negative-length", {reply("Content-Length: -4\r\n", "page"), nothing}},
-      {"/wordy-length", {reply("Content-Length: four\r\n", "page"), nothing}},
-      {"/too-long", {reply("Content-Length: 268435457\r\n", "page"), nothing}},
-      {"/far-too-long", {reply("Content-Length: 99999999999999999999\r\n", "page"), nothing}},
-      {"/cut-header", {"HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n", nothing}},
-      {"/huge-header",
-       {reply("A: " + std::string(90000, 'a') + "\r\nB: " + std::string(90000, 'b') +
-                  "\r\nC: " + std::string(90000, 'c') + "\r\n",
-              "page"),
-        nothing}},
-      {"/garbage", {"page", nothing}},
-      {"/no-reply", {"", nothing}},
-      {"/loop", {redirect("/loop"), nothing}},
-      {"/to-file", {redirect("file:///etc/hostname"), nothing}},
-      {"/to-data", {redirect("data:,page"), nothing}},
-  };
-  RawServer server([&answers](Connection& connection, const std::string& request) {
-    const auto answer = answers.find(PathOf(request));
-    if (answer != answers.end()) connection.send(answer->second.first);
-    if (PathOf(request) == "/reset") {
-      connection.send("HTTP/1.1 200 OK\r\n\r\npag");
-      connection.reset();
-    }
-    return RawServer::After::close;
-  });
-  for (const auto& [path, answer] : answers) EXPECT_EQ(load(server.url(path)), answer.second) << path;
-  EXPECT_EQ(load(server.url("/reset")), nothing);
+  const auto rows = tests::ReadCases(QUILLFORTH_TEST_DATA "/http_answers.tsv", 4);
+  RawServer server(tests::AnswerFrom(rows));
+  for (const auto& row : rows) EXPECT_EQ(load(server.url(row[0])), row[2]) << row[0];
   const int connections = server.connectionCount();
   const std::string host = "127.0.0.1:" + std::to_string(server.port());
   for (const std::string& text :
        {host + "/plain", "//" + host + "/plain", "http:/" + host + "/plain", "http:///" + host + "/plain",
         std::string("file:///etc/hostname"), "gopher://" + host + "/plain", std::string("site-a.test")}) {
-    EXPECT_EQ(load(text), nothing) << text;
+    EXPECT_EQ(load(text), "-") << text;
   }
   EXPECT_EQ(server.connectionCount(), connections)
       << "what is not absolute or not fetched costs no connection";
-  EXPECT_EQ(load("http://127.0.0.1:1/"), nothing);
+  EXPECT_EQ(load("http://127.0.0.1:1/"), "-");
 }
 
 TEST_F(CurlPageLoaderTest, KeepsTheConnectionAndAnswersOnlyTheHostThatTheCredentialsAreFor) {
@@ -138,7 +85,7 @@ TEST_F(CurlPageLoaderTest, KeepsTheConnectionAndAnswersOnlyTheHostThatTheCredent
   EXPECT_EQ(other.requests().at(0).find("Authorization"), std::string::npos);
   EXPECT_NE(other.requests().at(0).find("\r\nUser-Agent: Quillforth/1.0\r\n"), std::string::npos);
   EXPECT_EQ(server.connectionCount(), 1);
-  EXPECT_EQ(load(server.url("/private")), "(nothing)");
+  EXPECT_EQ(load(server.url("/private")), "-");
 }
 
 TEST_F(CurlPageLoaderTest, GivesUpOnAStallAndSoonAfterAnInterruption) {
@@ -148,7 +95,7 @@ TEST_F(CurlPageLoaderTest, GivesUpOnAStallAndSoonAfterAnInterruption) {
     return RawServer::After::close;
   });
   auto start = Clock::now();
-  EXPECT_EQ(load(server.url("/")), "(nothing)");
+  EXPECT_EQ(load(server.url("/")), "-");
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
   CurlPageLoader patient(settings);
   start = Clock::now();

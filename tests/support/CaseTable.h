@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+//
+// Reads the tables of cases in tests/data: a row a line, cells between tabs, "#" begins a comment line.
+//
+// Escapes in cells: \r \n \t \0 \\ \xHH, and \*COUNT; for the next character COUNT times.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/RawServer.h"
+
+namespace quillforth::tests {
+
+inline std::string Unescaped(const std::string& cell) {
+  std::string text;
+  for (std::size_t i = 0; i < cell.size(); ++i) {
+    const char kind = cell[i] == '\\' && i + 1 < cell.size() ? cell[++i] : ' ';
+    constexpr std::string_view kNames = "rnt0\\";
+    if (const std::size_t named = kNames.find(kind); named != std::string_view::npos) {
+      text += std::string_view("\r\n\t\0\\", 5)[named];
+    } else if (kind == 'x') {
+      text += static_cast<char>(std::strtol(cell.substr(i + 1, 2).c_str(), nullptr, 16));
+      i += 2;
+    } else if (kind == '*') {
+      const std::size_t end = cell.find(';', i);
+      text.append(std::strtoul(cell.c_str() + i + 1, nullptr, 10), cell.at(end + 1));
+      i = end + 1;
+    } else {
+      text += cell[i];
+    }
+  }
+  return text;
+}
+
+/// The rows of the table in `file`, each with `columns` cells.
+inline std::vector<std::vector<std::string>> ReadCases(const std::string& file, std::size_t columns) {
+  std::vector<std::vector<std::string>> rows;
+  std::ifstream input(file);
+  for (std::string line; std::getline(input, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::vector<std::string>& row = rows.emplace_back();
+    for (std::size_t start = 0; start <= line.size();) {
+      const std::size_t end = std::min(line.find('\t', start), line.size());
+      row.push_back(Unescaped(line.substr(start, end - start)));
+      start = end + 1;
+    }
+    EXPECT_EQ(row.size(), columns) << line;
+    row.resize(columns);
+  }
+  EXPECT_FALSE(rows.empty()) << file;
+  return rows;
+}
+
+/// Sends the second cell of the row whose first cell is the requested path, then closes.
+inline RawServer::Handler AnswerFrom(std::vector<std::vector<std::string>> rows) {
+  return [rows = std::move(rows)](RawServer::Connection& connection, const std::string& request) {
+    const std::size_t start = request.find(' ') + 1;
+    const std::string path = request.substr(start, request.find(' ', start) - start);
+    for (const auto& row : rows) {
+      if (row[0] == path) connection.send(row[1]);
+    }
+    return RawServer::After::close;
+  };
+}
+
+}  // namespace quillforth::tests
