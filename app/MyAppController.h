@@ -93,6 +93,12 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   void setOutputFolderButtonToolTip();
   [[nodiscard]] DestinationFolder& destinationFolder() { return destination_; }
 
+  // Sorting the destination folder (Aggregation.cpp).
+  /// Asks first, in a sheet on the status window.
+  void aggregateFile();
+  /// Sorts when the sheet's first button was pressed.
+  void alertDidEndReturnCodeContextInfo(int returnCode);
+
  private:
   void hideProgressArea();
   /// Starts the head of the queue, if there is one.

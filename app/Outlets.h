@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -69,13 +70,6 @@ class TableView {
   [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
 };
 
-class Window : public platform::AuthenticationSheetParent {
- public:
-  virtual void makeKeyAndOrderFront() = 0;
-  /// A sheet with the default button only, which nobody waits for.
-  virtual void beginAlertSheet(const QString& title, const QString& message) = 0;
-};
-
 /// A modal alert; texts are shown as they stand.
 struct Alert {
   QString messageText;
@@ -84,6 +78,20 @@ struct Alert {
   QString alternateButton;  ///< null: none
 };
 enum class AlertResult { defaultButton, alternateButton };
+
+/// What the end of a sheet says of the button: the default one, and the alternate one.
+inline constexpr int kAlertFirstButtonReturn = 1000;
+inline constexpr int kAlertSecondButtonReturn = 1001;
+
+class Window : public platform::AuthenticationSheetParent {
+ public:
+  virtual void makeKeyAndOrderFront() = 0;
+  /// A sheet with the default button only, which nobody waits for.
+  virtual void beginAlertSheet(const QString& title, const QString& message) = 0;
+  /// A warning that blocks this window only. `didEnd` gets the button's return code, once and perhaps before
+  /// this returns; never after the application has begun to quit.
+  virtual void beginSheetModal(const Alert& alert, std::function<void(int returnCode)> didEnd) = 0;
+};
 
 /// A panel that lets the user pick one existing folder, or make a new one.
 struct FolderPanel {

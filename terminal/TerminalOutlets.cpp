@@ -24,11 +24,13 @@ QString AbsolutePath(const QString& typed) {
 
 std::optional<Credential> AskForCredential(const TerminalPrompt& prompt,
                                            const platform::AuthenticationChallenge& challenge) {
-  const QString server = challenge.isProxy ? QStringLiteral("proxy ") + challenge.host : challenge.host;
-  const QString place =
-      challenge.realm.isEmpty() ? server : QStringLiteral("\"%1\" at %2").arg(challenge.realm, server);
+  // A realm may be as long as a server likes.
+  const QString realm = ElideMiddle(Printable(challenge.realm), 60);
+  const QString host = ElideMiddle(Printable(challenge.host), 60);
+  const QString server = challenge.isProxy ? QStringLiteral("proxy ") + host : host;
+  const QString place = realm.isEmpty() ? server : QStringLiteral("\"%1\" at %2").arg(realm, server);
   const QString user =
-      prompt.ask(Printable(QStringLiteral("User name for %1: ").arg(place)), TerminalPrompt::Echo::shown)
+      prompt.ask(QStringLiteral("User name for %1: ").arg(place), TerminalPrompt::Echo::shown)
           .value_or(QString());
   if (user.isEmpty()) return std::nullopt;
   const std::optional<QString> password =
@@ -39,8 +41,23 @@ std::optional<Credential> AskForCredential(const TerminalPrompt& prompt,
 
 }  // namespace
 
+bool Confirm(const TerminalPrompt& prompt, const app::Alert& alert) {
+  const QString question = Printable(alert.messageText) + u'\n' + Printable(alert.informativeText) +
+                           QStringLiteral("\n%1 or %2? ").arg(alert.defaultButton, alert.alternateButton);
+  const QString answer = prompt.ask(question, TerminalPrompt::Echo::shown).value_or(QString()).trimmed();
+  for (const QString& yes : {alert.defaultButton, QStringLiteral("yes"), QStringLiteral("y")}) {
+    if (answer.compare(yes, Qt::CaseInsensitive) == 0) return true;
+  }
+  return false;
+}
+
 void TerminalWindow::beginAlertSheet(const QString& title, const QString& message) {
   reporter_.notice(title + QStringLiteral(": ") + message);
+}
+
+void TerminalWindow::beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) {
+  reporter_.suspend();
+  didEnd(Confirm(prompt_, alert) ? app::kAlertFirstButtonReturn : app::kAlertSecondButtonReturn);
 }
 
 void TerminalWindow::beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,

@@ -70,6 +70,8 @@ class TerminalWindow final : public app::Window {
   TerminalWindow(Reporter& reporter, const TerminalPrompt& prompt) : reporter_(reporter), prompt_(prompt) {}
   void makeKeyAndOrderFront() override {}
   void beginAlertSheet(const QString& title, const QString& message) override;
+  /// Asked on the terminal, and answered before this returns.
+  void beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) override;
   /// Answers at once. An empty user name cancels.
   void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
                                 std::function<void(std::optional<platform::Credential>)> answer) override;
@@ -100,6 +102,9 @@ class TerminalApplication final : public app::Application {
   const TerminalPrompt& prompt_;
   QString destination_;
 };
+
+/// Whether the user answers the question with its first button. False without a terminal.
+[[nodiscard]] bool Confirm(const TerminalPrompt& prompt, const app::Alert& alert);
 
 /// All outlets of one controller.
 class TerminalOutlets {

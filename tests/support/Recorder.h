@@ -102,6 +102,11 @@ class RecordingWindow final : public app::Window, private Recording {
   void beginAlertSheet(const QString& title, const QString& message) override {
     note(".sheet ", QStringList{title, message});
   }
+  int sheetReturnCode = 0;
+  void beginSheetModal(const app::Alert& a, std::function<void(int returnCode)> didEnd) override {
+    note(".sheet ", QStringList{a.messageText, a.informativeText, a.defaultButton, a.alternateButton});
+    didEnd(sheetReturnCode);
+  }
   void beginAuthenticationSheet(const platform::AuthenticationChallenge& /*challenge*/,
                                 std::function<void(std::optional<platform::Credential>)> answer) override {
     answer(std::nullopt);
