@@ -17,7 +17,6 @@ inline constexpr Status kDiskFull = -34;
 inline constexpr Status kIOError = -36;
 inline constexpr Status kBadName = -37;
 inline constexpr Status kFileNotFound = -43;
-inline constexpr Status kVolumeIsReadOnly = -46;
 inline constexpr Status kPermissionDenied = -54;
 inline constexpr Status kDuplicateName = -48;
 inline constexpr Status kBadParameter = -50;

@@ -7,39 +7,21 @@
 
 #include <cerrno>
 
+#include "platform/linux/StatusOfErrno.h"
+
 namespace quillforth::platform {
 
 namespace {
 
-common::Status StatusOfErrno(int error) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      return common::kFileNotFound;
-    case EPERM:
-    case EACCES:
-      return common::kPermissionDenied;
-    case ENOTSUP:
-      return common::kWrongVolumeType;
-    case E2BIG:
-    case ERANGE:
-      return common::kDataTooBig;
-    case ENOSPC:
-    case EDQUOT:
-      return common::kDiskFull;
-    case EROFS:
-      return common::kVolumeIsReadOnly;
-    case ENAMETOOLONG:
-      return common::kBadName;
-    default:
-      return common::kIOError;
-  }
+common::Status StatusOfAttributeError(int error) {
+  if (error == ENOTSUP) return common::kWrongVolumeType;
+  return error == E2BIG || error == ERANGE ? common::kDataTooBig : StatusOfErrno(error);
 }
 
 // Other kinds of items refuse user attributes with codes that say something else.
 common::Status CheckKind(const std::string& path) {
   struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return StatusOfErrno(errno);
+  if (::lstat(path.c_str(), &status) != 0) return StatusOfAttributeError(errno);
   return S_ISREG(status.st_mode) || S_ISDIR(status.st_mode) ? common::kNoError : common::kNotAFile;
 }
 
@@ -51,7 +33,7 @@ common::Status ReadAttribute(const std::string& path, const char* name, std::str
   if (kind != common::kNoError) return kind;
   std::string buffer(kMaxAttributeLength, '\0');
   const ssize_t length = ::lgetxattr(path.c_str(), name, buffer.data(), buffer.size());
-  if (length < 0) return errno == ENODATA ? common::kNoError : StatusOfErrno(errno);
+  if (length < 0) return errno == ENODATA ? common::kNoError : StatusOfAttributeError(errno);
   buffer.resize(static_cast<std::size_t>(length));
   value = std::move(buffer);
   return common::kNoError;
@@ -63,7 +45,7 @@ common::Status WriteAttribute(const std::string& path, const char* name, const s
   const int result = value.empty() ? ::lremovexattr(path.c_str(), name)
                                    : ::lsetxattr(path.c_str(), name, value.data(), value.size(), 0);
   if (result == 0 || (value.empty() && errno == ENODATA)) return common::kNoError;
-  return StatusOfErrno(errno);
+  return StatusOfAttributeError(errno);
 }
 
 }  // namespace quillforth::platform

@@ -3,9 +3,8 @@
 // Extended attributes of files and folders (xattr(7)), and nothing else: a symbolic link is never followed,
 // and nothing is opened, so that a FIFO or a device never blocks. Any thread.
 //
-// Failures: -43 no such item, -54 not permitted, -1302 neither a file nor a folder, -123 the file system
-// keeps no attributes, -1309 the value is too long for them, -34 no room, -46 read-only, -37 the path is too
-// long, -36 anything else.
+// Failures are those of StatusOfErrno.h, and -1302 for what is neither a file nor a folder, -123 where the
+// file system keeps no attributes, -1309 for a value that is too long for them.
 #pragma once
 
 #include <string>

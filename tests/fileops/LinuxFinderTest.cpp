@@ -130,7 +130,7 @@ TEST_P(LinuxFinderTest, SpecifiersOfSomethingElseGetAnErrorNumber) {
       {FourCC("seld"), -1728, true, longer(QStringLiteral(":"))},
       {FourCC("seld"), -1728, true, platform::UnicodeTextDescriptor(u"Disk:a")},
       {FourCC("seld"), -43, true, longer(QStringLiteral("x"))},
-      {FourCC("seld"), -43, true, longer(QStringLiteral(":x"))},
+      {FourCC("seld"), -1407, true, longer(QStringLiteral(":x"))},
       {FourCC("seld"), -37, true, longer(QString(300, u'x'))},
       {FourCC("want"), -1728, false, code("type", "file")},
       {FourCC("seld"), -1728, false, code("type", "name")},
