@@ -90,7 +90,8 @@ TEST_F(ExtensionMapLoading, KeepsTheLastRecordInTheFirstOnesPlace) {
   EXPECT_EQ(component.creator, common::FourCC("QFth"));
   CExtensionMap map;
   map.findOrInsert(common::BoundedText(".a"), {}).record.flags = 1;
-  EXPECT_EQ(map.findOrInsert(common::BoundedText(".a"), {}).record.flags, 1U);
+  const std::uint32_t kept = map.findOrInsert(common::BoundedText(".a"), {}).record.flags;
+  EXPECT_EQ(kept, 1U);
   EXPECT_EQ(map.longestKey(), 2U);
 }
 
