@@ -151,7 +151,7 @@ void Get::downloadFailed(const DownloadProgress& progress, const QString& reason
 }
 
 void Get::controllerMovedOn() {
-  moveOnLater();
+  if (!urls_.empty() || !downloads_.isBusy() || shouldStop_()) moveOnLater();
 }
 
 void Get::downloadFileRefusedURL(const QString& text) {

@@ -3,6 +3,7 @@
 #include "terminal/Output.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,7 +19,13 @@ constexpr qsizetype kChunk = 4096;
 
 }  // namespace
 
+Output::Output(int descriptor, int interrupt) : descriptor_(descriptor), interrupt_(interrupt) {
+  struct stat status {};
+  mayBlock_ = ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode);
+}
+
 bool Output::waitUntilWritable() {
+  if (!mayBlock_) return true;
   pollfd entries[] = {{descriptor_, POLLOUT, 0}, {interrupt_, POLLIN, 0}};
   for (;;) {
     const int ready = ::poll(entries, 2, -1);

@@ -14,7 +14,7 @@ namespace quillforth::terminal {
 class Output {
  public:
   /// `descriptor` is not owned. `interrupt`: a descriptor whose readability ends all waiting, or -1.
-  explicit Output(int descriptor, int interrupt = -1) : descriptor_(descriptor), interrupt_(interrupt) {}
+  explicit Output(int descriptor, int interrupt = -1);
 
   /// All bytes, or false. After a failure nothing more is written.
   bool write(const QByteArray& bytes);
@@ -31,6 +31,7 @@ class Output {
 
   int descriptor_;
   int interrupt_;
+  bool mayBlock_;
   bool failed_ = false;
   int error_ = 0;
 };

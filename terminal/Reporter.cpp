@@ -53,7 +53,8 @@ QByteArray NoticeText(const QString& message) {
 }
 
 QString SummaryNotice(const Summary& summary) {
-  if (summary.notFetched == 0) return {};
+  const bool wasInterrupted = summary.exitStatus >= 128;
+  if (summary.notFetched == 0 || wasInterrupted) return {};
   return QStringLiteral("%1 of the URLs not fetched").arg(summary.notFetched);
 }
 
@@ -74,7 +75,8 @@ void LineReporter::notice(const QString& message) {
 }
 
 void LineReporter::end(const Summary& summary) {
-  if (const QString message = SummaryNotice(summary); !message.isEmpty()) notice(message);
+  const QString message = SummaryNotice(summary);
+  if (!message.isEmpty() && !results_.failed()) notice(message);
 }
 
 void JsonReporter::write(const QJsonObject& event) {

@@ -91,7 +91,7 @@ class JsonReporter final : public Reporter {
 [[nodiscard]] QByteArray FailedLine(const QString& url, const QString& reason);
 /// What standard error gets: "quillforth-cli: " and the message, line ends kept, all else made harmless.
 [[nodiscard]] QByteArray NoticeText(const QString& message);
-/// What is worth saying at the end; empty when all went as the lines before say.
+/// What is worth saying at the end; empty when the lines before, or the user, have said it all.
 [[nodiscard]] QString SummaryNotice(const Summary& summary);
 
 }  // namespace quillforth::terminal

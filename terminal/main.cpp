@@ -17,10 +17,10 @@
 #include <ctime>
 
 #include "classify/InternetConfig.h"
+#include "platform/linux/CurlDownloadService.h"
 #include "platform/linux/CurlPageLoader.h"
 #include "platform/linux/CurlReadStream.h"
 #include "platform/linux/CurlSupport.h"
-#include "platform/linux/CurlWebDownload.h"
 #include "platform/linux/LinuxAliasManager.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxMainBundle.h"
@@ -157,7 +157,7 @@ struct LinuxServices {
   platform::CurlGlobal curl;
   platform::TransferSettings transfers{.caCertificateFile = {}, .interrupted = &Interruption::flag()};
   platform::SettingsUserDefaults defaults;
-  platform::CurlWebDownloadService downloads{transfers};
+  platform::CurlDownloadService downloads{transfers};
   platform::CurlPageLoader pages{transfers};
   platform::LinuxNetworkDiagnostics network;
   platform::CurlReadStreamFactory streams{transfers};

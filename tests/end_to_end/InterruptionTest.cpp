@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+//
+// Runs that are ended from outside, at any moment: no partial file, nothing wrong under a final name.
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <random>
+
+#include "tests/end_to_end/EndToEnd.h"
+#include "tests/support/RawServer.h"
+
+namespace quillforth::tests {
+namespace {
+
+using Interruption = EndToEnd;
+using After = RawServer::After;
+
+bool WaitFor(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
+TEST_F(Interruption, ASignalEndsEveryKindOfWaiting) {
+  const RawServer server([](RawServer::Connection& connection, const std::string& request) {
+    if (request.find("/body.zip") != std::string::npos) {
+      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n" + std::string(500000, 'x'));
+    }
+    static_cast<void>(connection.waitForEnd(20000));
+    return After::close;
+  });
+  struct Case {
+    const char* path;
+    int signal;
+    int exitStatus;
+  };
+  const Case cases[] = {{"/page.html", SIGINT, 130},
+                        {"/probe", SIGINT, 130},
+                        {"/header.zip", SIGINT, 130},
+                        {"/body.zip", SIGINT, 130},
+                        {"/body.zip", SIGTERM, 143}};
+  std::size_t requests = 0;
+  for (const Case& one : cases) {
+    Program program(setup(getArguments({server.url(one.path), server.url("/later.zip")})));
+    ++requests;
+    const bool hasBody = std::string(one.path) == "/body.zip";
+    ASSERT_TRUE(
+        WaitFor([&] { return server.requests().size() == requests && (!hasBody || !files().empty()); }));
+    const auto start = std::chrono::steady_clock::now();
+    program.signal(one.signal);
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.exitStatus, one.exitStatus) << one.path;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << one.path;
+    EXPECT_EQ(outcome.output, "") << one.path;
+    EXPECT_TRUE(files().empty()) << one.path;
+    EXPECT_EQ(server.requests().size(), requests);
+  }
+}
+
+TEST_F(Interruption, AReaderThatGoesEndsTheRunQuietly) {
+  const RawServer server([](RawServer::Connection& connection, const std::string& request) {
+    const bool isPage = request.find(".html") != std::string::npos;
+    std::string page;
+    for (int i = 0; isPage && i < 500; ++i) page += "<a href=\"" + std::to_string(i) + ".jpg\">";
+    connection.send(HttpReply("200 OK", isPage ? page : std::string(1000, 'x')));
+    return After::keepOpen;
+  });
+  for (const bool json : {false, true}) {
+    std::vector<std::string> arguments = getArguments({server.url("/gallery.html")});
+    if (json) arguments.emplace_back("--json");
+    Program program(setup(arguments));
+    ASSERT_TRUE(program.waitForOutput("done"));
+    program.closeOutput();
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_EQ(outcome.errors, "");
+    for (const auto& [name, bytes] : files()) {
+      EXPECT_FALSE(name.starts_with(".")) << name;
+      EXPECT_EQ(bytes.size(), 1000U) << name;
+    }
+    EXPECT_LT(files().size(), 500U);
+  }
+}
+
+TEST_F(Interruption, AKillAtAnyMomentLeavesNothingWrongUnderAFinalName) {
+  const auto contents = [](const std::string& name) {
+    std::string bytes;
+    while (bytes.size() < 200000) bytes += name;
+    return bytes;
+  };
+  const RawServer server([&contents](RawServer::Connection& connection, const std::string& request) {
+    const std::string path = request.substr(5, request.find(' ', 5) - 5);
+    std::string body;
+    if (path == "gallery.html") {
+      for (int i = 0; i < 30; ++i) body += "<a href=\"" + std::to_string(i) + ".jpg\">";
+    } else {
+      body = contents(path);
+    }
+    const std::string reply = HttpReply("200 OK", body);
+    connection.send(std::string_view(reply).substr(0, reply.size() / 2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    connection.send(std::string_view(reply).substr(reply.size() / 2));
+    return After::keepOpen;
+  });
+  const std::vector<std::string> arguments =
+      getArguments({"--set", "overwriteFilesBySameName=yes", server.url("/gallery.html")});
+  std::mt19937 random(1);
+  for (int run = 0; run < 10; ++run) {
+    Program program(setup(arguments));
+    ASSERT_TRUE(program.waitForOutput("done"));
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 30000));
+    program.signal(SIGKILL);
+    program.wait();
+    int hidden = 0;
+    for (const auto& [name, bytes] : files()) {
+      if (name.starts_with(".")) {
+        ++hidden;
+      } else {
+        EXPECT_TRUE(bytes == contents(name)) << name;
+      }
+    }
+    EXPECT_LE(hidden, 1);
+  }
+  EXPECT_EQ(Program(setup(arguments)).wait().exitStatus, 0);
+  EXPECT_EQ(files().size(), 30U);
+  for (const auto& [name, bytes] : files()) EXPECT_TRUE(bytes == contents(name)) << name;
+}
+
+}  // namespace
+}  // namespace quillforth::tests
