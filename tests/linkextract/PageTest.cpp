@@ -38,6 +38,7 @@ TEST(ScanPageTest, FindsLinksInTheOrderOfThePasses) {
        {"a.com", "one", "three", "two", "four"}},
       {"\"http://s.test/a/b.tar.gz\"", {"http://s.test/a/b.tar.gz"}},
       {"\"a.c1\"(b.x)\"c.7z\"<d.>\"e.tar.gz!\"", {"b.x", "c.7z"}},
+      {"\"x.y.manifest\"", {"x.y.manifest"}},
       {"a.com\"", {}},
       {"ab.com\"", {"b.com"}},
       {"\"a.com", {}},
