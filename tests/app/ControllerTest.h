@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "app/MyAppController.h"
 #include "tests/support/FakeHost.h"
@@ -19,7 +20,7 @@ class ControllerTest : public ::testing::Test {
  protected:
   ControllerTest() { outlets.table.dataSource = &controller; }
 
-  void queue(std::initializer_list<const char*> urls) {
+  void queue(const std::vector<const char*>& urls) {
     for (const char* url : urls) controller.queueURL(QString::fromLatin1(url));
     log.take();
   }

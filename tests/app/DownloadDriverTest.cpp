@@ -110,7 +110,7 @@ TEST_F(Driver, EveryEndTakesTheNextAndSortsWhereItShould) {
   const std::string failed = "log Quillforth download failed. Error - no luck http://x; " + hidden;
   const std::string cancelled = "download.cancel x; " + hidden;
   enum class End { finish, fail, cancel };
-  const std::tuple<End, std::initializer_list<const char*>, std::string> cases[] = {
+  const std::tuple<End, std::vector<const char*>, std::string> cases[] = {
       {End::finish, {}, finished + "; spinner.stop; line = Done!" + sorted},
       {End::finish, {"b"}, finished + taken},
       {End::fail, {}, failed + sorted},
