@@ -24,10 +24,12 @@ struct Parser {
   bool file = false;
   LinksArguments linksArguments;
   ClassifyArguments classifyArguments;
+  CommentArguments commentArguments;
   SettingsArguments settingsArguments;
   CLI::App* get;
   CLI::App* links;
   CLI::App* classify;
+  CLI::App* comment;
   CLI::App* extensions;
   CLI::App* settings;
 };
@@ -36,6 +38,7 @@ Parser::Parser()
     : get(app.add_subcommand("get")),
       links(app.add_subcommand("links")),
       classify(app.add_subcommand("classify")),
+      comment(app.add_subcommand("comment")),
       extensions(app.add_subcommand("extensions")),
       settings(app.add_subcommand("settings")) {
   app.require_subcommand(1);
@@ -56,6 +59,9 @@ Parser::Parser()
 
   classify->add_option("URL", classifyArguments.urls)->required();
 
+  comment->add_option("FILE", commentArguments.file)->required();
+  comment->add_option("TEXT", commentArguments.text);
+
   CLI::Option* valueOption = nullptr;
   CLI::Option* keyOption = settings->add_option("KEY", settingsArguments.key);
   valueOption = settings->add_option("VALUE", settingsArguments.value)->needs(keyOption);
@@ -75,6 +81,7 @@ Command TakeCommand(Parser& parser) {
   }
   if (parser.links->parsed()) return std::move(parser.linksArguments);
   if (parser.classify->parsed()) return std::move(parser.classifyArguments);
+  if (parser.comment->parsed()) return std::move(parser.commentArguments);
   if (parser.settings->parsed()) return std::move(parser.settingsArguments);
   return ExtensionsArguments();
 }

@@ -46,6 +46,11 @@ struct SettingsArguments {
   bool unset = false;
 };
 
+struct CommentArguments {
+  std::string file;
+  std::optional<std::string> text;
+};
+
 /// Nothing to do but to say something.
 struct Answer {
   std::string results;  ///< for standard output
@@ -53,8 +58,8 @@ struct Answer {
   int exitStatus = kExitSuccess;
 };
 
-using Command = std::variant<Answer, GetArguments, LinksArguments, ClassifyArguments, ExtensionsArguments,
-                             SettingsArguments>;
+using Command = std::variant<Answer, GetArguments, LinksArguments, ClassifyArguments, CommentArguments,
+                             ExtensionsArguments, SettingsArguments>;
 
 /// `arguments`: without the program's name.
 [[nodiscard]] Command ParseCommandLine(const std::vector<std::string>& arguments);

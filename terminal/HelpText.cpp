@@ -19,6 +19,7 @@ Commands:
   get URL...              download files, and what pages link to
   links FILE|-|URL        list the links of a page, without downloading them
   classify URL...         tell pages from files, and why
+  comment FILE [TEXT]     show or change the comment of a file
   extensions              list the table of file-name extensions and types
   settings [KEY [VALUE]]  show or change the settings
 
@@ -183,6 +184,34 @@ Exit status:
   2  a mistake on the command line
 )";
 
+constexpr std::string_view kComment = R"(quillforth-cli comment - show or change the comment of a file
+
+Usage: quillforth-cli comment FILE
+       quillforth-cli comment FILE TEXT
+
+Prints the comment of FILE, a file or a folder, or makes TEXT its comment. An
+empty TEXT removes it. A file that "get" has downloaded has its source URL as
+comment, without user name and password, unless setCommentToLocationURL is no.
+
+The comment is the extended attribute user.xdg.comment, which file managers
+show. Not every file system keeps such attributes, and links have none. A
+comment is printed byte by byte, and not at all when it is empty; on a terminal
+its control characters are written as \xHH.
+
+Options:
+  -h, --help  show this text
+
+Examples:
+  quillforth-cli comment one.zip
+  quillforth-cli comment one.zip "the first of three"
+  quillforth-cli comment -- one.zip -dashed-
+
+Exit status:
+  0  all well, also when there is no comment
+  1  FILE does not exist, or cannot carry the comment
+  2  a mistake on the command line
+)";
+
 constexpr std::string_view kExtensions = R"(quillforth-cli extensions - list the table of file-name extensions
 
 Usage: quillforth-cli extensions
@@ -257,6 +286,7 @@ std::string HelpText(std::string_view command) {
   if (command == "get") return std::string(kGet);
   if (command == "links") return std::string(kLinks);
   if (command == "classify") return std::string(kClassify);
+  if (command == "comment") return std::string(kComment);
   if (command == "extensions") return std::string(kExtensions);
   if (command == "settings") return std::string(kSettings);
   return std::string(kProgram);

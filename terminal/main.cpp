@@ -16,6 +16,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "app/FinderFileComments.h"
 #include "classify/InternetConfig.h"
 #include "platform/linux/CurlDownloadService.h"
 #include "platform/linux/CurlPageLoader.h"
@@ -23,14 +24,17 @@
 #include "platform/linux/CurlSupport.h"
 #include "platform/linux/LinuxAliasManager.h"
 #include "platform/linux/LinuxFileManager.h"
+#include "platform/linux/LinuxFinder.h"
 #include "platform/linux/LinuxMainBundle.h"
 #include "platform/linux/LinuxNetworkDiagnostics.h"
+#include "platform/linux/LinuxOriginURLWriter.h"
 #include "platform/linux/SettingsUserDefaults.h"
 #include "platform/linux/SharedMimeInfo.h"
 #include "platform/linux/SndfileSoundLoader.h"
 #include "platform/linux/SyslogSystemLog.h"
 #include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
+#include "terminal/Comment.h"
 #include "terminal/Folders.h"
 #include "terminal/Get.h"
 #include "terminal/Interruption.h"
@@ -151,7 +155,8 @@ struct LinuxServices {
             .sounds = sounds,
             .log = log,
             .localizedText = [](const QString& key) { return key; },
-            .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); }};
+            .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
+            .fileComments = &fileComments};
   }
 
   platform::CurlGlobal curl;
@@ -167,6 +172,10 @@ struct LinuxServices {
   platform::LinuxMainBundle bundle;
   platform::SndfileSoundLoader sounds;
   platform::SyslogSystemLog log;
+  platform::AppleEventManager events;
+  platform::LinuxFinder finder{events};
+  platform::LinuxOriginURLWriter origins;
+  app::FinderFileComments fileComments{events, origins};
 };
 
 int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) {
@@ -219,6 +228,16 @@ int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
   const platform::TransferSettings transfers;
   platform::CurlReadStreamFactory streams(transfers);
   PrintClassifications(StringList(arguments.urls), LoadExtensionMap(), streams, results);
+  return Finish(kExitSuccess, results, errors);
+}
+
+int Run(const CommentArguments& arguments, Output& results, Output& errors) {
+  platform::AppleEventManager events;
+  const platform::LinuxFinder finder(events);
+  if (const auto error = RunComment(arguments, events, results)) {
+    errors.write(NoticeText(QString::fromStdString(*error)));
+    return kExitFailure;
+  }
   return Finish(kExitSuccess, results, errors);
 }
 

@@ -14,9 +14,10 @@ _quillforth_cli() {
     --set) words=$keys ;;
     *)
       case $COMP_CWORD:$command in
-        1:*) words='get links classify extensions settings --help --version' ;;
+        1:*) words='get links classify comment extensions settings --help --version' ;;
         *:get) words='--to --page --file --set --json --local --help' ;;
         *:links) words='--base --url --null --help' kind=file ;;
+        2:comment) words='--help' kind=file ;;
         *:settings) words="--unset --help $keys" ;;
         *) words='--help' ;;
       esac

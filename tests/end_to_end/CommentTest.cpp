@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+//
+// What is noted on files: by `get`, and by the command `comment`.
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <cstring>
+#include <optional>
+
+#include "tests/end_to_end/EndToEnd.h"
+
+namespace quillforth::tests {
+namespace {
+
+constexpr const char* kComment = "user.xdg.comment";
+constexpr const char* kOrigin = "user.xdg.origin.url";
+
+std::optional<std::string> Attribute(const std::string& path, const char* name) {
+  char buffer[4096];
+  const ssize_t length = ::lgetxattr(path.c_str(), name, buffer, sizeof buffer);
+  return length < 0 ? std::nullopt : std::optional<std::string>(std::in_place, buffer, length);
+}
+
+class Comments : public EndToEnd {
+ protected:
+  Comments() {
+    std::filesystem::create_directories(folder());
+    std::ofstream(file_) << "x";
+  }
+  void SetUp() override {
+    if (::setxattr(file_.c_str(), "user.test", "x", 1, 0) == 0) return;
+    GTEST_SKIP() << folder() << " keeps no attributes: " << std::strerror(errno);
+  }
+
+  std::string file_ = inFolder("file");
+};
+
+TEST_F(Comments, AFinishedFileSaysWhereItCameFromUnlessThatIsSwitchedOff) {
+  HonestServer server;
+  for (const char* path : {"/a.jpg", "/b.jpg", "/c.jpg"}) server.serve(path, "bytes");
+  server.start();
+  std::string withCredentials = server.url("/b.jpg?x=1");
+  withCredentials.insert(7, "me:secret@");
+  EXPECT_EQ(run(getArguments({server.url("/a.jpg"), withCredentials})).exitStatus, 0);
+  for (const char* attribute : {kComment, kOrigin}) {
+    EXPECT_EQ(Attribute(inFolder("a.jpg"), attribute), server.url("/a.jpg"));
+    EXPECT_EQ(Attribute(inFolder("b.jpg"), attribute), server.url("/b.jpg?x=1"));
+  }
+  EXPECT_EQ(run(getArguments({"--set", "setCommentToLocationURL=no", server.url("/c.jpg")})).exitStatus, 0);
+  EXPECT_EQ(files().count("c.jpg"), 1U);
+  EXPECT_EQ(::llistxattr(inFolder("c.jpg").c_str(), nullptr, 0), 0);
+}
+
+TEST_F(Comments, TheCommandShowsSetsAndRemovesThem) {
+  EXPECT_EQ(run({"comment", file_}).output, "");
+  for (const char* text : {"http://site-a.test/", "two\nlines \xE9\xFF \xC3\xA9", "-x"}) {
+    const Outcome set = run({"comment", "--", file_, text});
+    EXPECT_EQ(set.output + set.errors, "");
+    EXPECT_EQ(set.exitStatus, 0);
+    EXPECT_EQ(Attribute(file_, kComment), text);
+    EXPECT_EQ(run({"comment", file_}).output, text + std::string("\n"));
+  }
+  EXPECT_EQ(run({"comment", file_, ""}).exitStatus, 0);
+  EXPECT_EQ(Attribute(file_, kComment), std::nullopt);
+  EXPECT_EQ(run({"comment", folder() + "/../downloads/", "of the folder"}).exitStatus, 0);
+  EXPECT_EQ(Attribute(folder(), kComment), "of the folder");
+}
+
+TEST_F(Comments, WhatCannotCarryOneIsAClearError) {
+  std::filesystem::create_symlink(file_, inFolder("link"));
+  std::filesystem::create_directory_symlink(folder(), root_ / "other");
+  ASSERT_EQ(::mkfifo(inFolder("fifo").c_str(), 0600), 0);
+  const std::string kinds = "only files and folders have comments";
+  const std::pair<std::string, std::string> cases[] = {
+      {inFolder("missing"), "No such file or directory"},
+      {file_ + "/x", "Not a directory"},
+      {inFolder("link"), kinds},
+      {(root_ / "other/fifo").string(), kinds},
+      {"/proc/self/comm", "its file system keeps no comments"},
+      {"", "No such file or directory"},
+  };
+  for (const auto& [path, reason] : cases) {
+    for (const bool sets : {true, false}) {
+      const Outcome outcome = run(sets ? std::vector<std::string>{"comment", path, "x"}
+                                       : std::vector<std::string>{"comment", path});
+      EXPECT_EQ(outcome.exitStatus, 1) << path;
+      EXPECT_NE(outcome.errors.find(path + ": " + reason), std::string::npos) << outcome.errors;
+    }
+  }
+  EXPECT_EQ(run({"comment", file_, std::string(70000, 'x')}).errors,
+            "quillforth-cli: " + file_ + ": no room for such a comment\n");
+  EXPECT_EQ(Attribute(file_, kComment), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillforth::tests
