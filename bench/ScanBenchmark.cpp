@@ -23,7 +23,7 @@ const common::BoundedText& Base() {
 
 void Scan(benchmark::State& state, const std::string& page) {
   std::size_t links = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     linkextract::LinkTable table;
     linkextract::ScanPage(page, Base(), table, Extensions());
     links = table.size();
@@ -49,26 +49,23 @@ BENCHMARK(ScanDistinctLinks)->Arg(200'000)->Unit(benchmark::kMillisecond);
 
 void ExtractOrdinary(benchmark::State& state) {
   const std::string page = OrdinaryPage(static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(linkextract::ExtractPageLinks(page, Base().view(), Extensions()).size());
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * page.size()));
 }
 BENCHMARK(ExtractOrdinary)->Arg(1 << 20)->Arg(64 << 20)->Unit(benchmark::kMillisecond);
 
+void ScanHostile(benchmark::State& state) {
+  const HostilePage& page = HostilePages().at(static_cast<std::size_t>(state.range(0)));
+  state.SetLabel(page.name);
+  Scan(state, page.make(kHostileSize));
+}
+BENCHMARK(ScanHostile)
+    ->DenseRange(0, static_cast<std::int64_t>(HostilePages().size()) - 1)
+    ->Unit(benchmark::kMillisecond);
+
 }  // namespace
 }  // namespace quillforth::bench
 
-int main(int argc, char** argv) {
-  for (const auto& hostile : quillforth::bench::HostilePages()) {
-    benchmark::RegisterBenchmark((std::string("ScanHostile/") + hostile.name).c_str(),
-                                 [&hostile](benchmark::State& state) {
-                                   quillforth::bench::Scan(state,
-                                                           hostile.make(quillforth::bench::kHostileSize));
-                                 })
-        ->Unit(benchmark::kMillisecond);
-  }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-}
+BENCHMARK_MAIN();

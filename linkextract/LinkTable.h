@@ -106,7 +106,7 @@ class LinkTable {
  private:
   struct Block {
     Block* next;
-    alignas(LinkEntry) char bytes[4096 - sizeof(Block*)];
+    alignas(LinkEntry) char bytes[4096 - alignof(LinkEntry)];
   };
 
   [[nodiscard]] std::size_t bucketOf(std::uint32_t hash) const noexcept {

@@ -70,25 +70,33 @@ std::size_t CharacterLength(std::string_view text) noexcept {
   return length;
 }
 
-[[nodiscard]] bool AppendCharacter(TextBuffer& text, char16_t character) {
+/// Writes a character of Unicode's first plane, ASCII included, in up to three bytes; where they end.
+char* PutCharacter(char16_t character, char* out) noexcept {
   const auto tail = [character](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-  if (character < 0x800) {
-    const char bytes[] = {static_cast<char>(0xC0 | character >> 6), tail(0)};
-    return text.append(std::string_view(bytes, sizeof bytes));
+  if (character < 0x80) {
+    *out++ = static_cast<char>(character);
+    return out;
   }
-  const char bytes[] = {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
-  return text.append(std::string_view(bytes, sizeof bytes));
+  if (character < 0x800) {
+    *out++ = static_cast<char>(0xC0 | character >> 6);
+  } else {
+    *out++ = static_cast<char>(0xE0 | character >> 12);
+    *out++ = tail(6);
+  }
+  *out++ = tail(0);
+  return out;
 }
 
 [[nodiscard]] bool AppendMacRoman(TextBuffer& text, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const auto plain =
-        static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), IsASCII) - bytes.begin());
-    if (!text.append(bytes.substr(0, plain))) return false;
-    bytes.remove_prefix(plain);
-    if (bytes.empty()) break;
-    if (!AppendCharacter(text, kMacRoman[Byte(bytes.front()) - 0x80])) return false;
-    bytes.remove_prefix(1);
+  constexpr std::size_t kStep = 1024;
+  std::array<char, 3 * kStep> piece;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kStep, bytes.size()))) {
+    char* end = piece.data();
+    for (const char c : bytes.substr(0, kStep)) {
+      end = PutCharacter(IsASCII(c) ? static_cast<char16_t>(c) : kMacRoman[Byte(c) - 0x80], end);
+    }
+    if (!text.append(std::string_view(piece.data(), static_cast<std::size_t>(end - piece.data()))))
+      return false;
   }
   return true;
 }

@@ -9,7 +9,7 @@
 namespace quillforth::common {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 TEST(BoundedTextTest, CutsAt255BytesAndAtTheFirstNul) {
   BoundedText text(std::string(300, 'a'));

@@ -13,7 +13,7 @@
 namespace quillforth::linkextract {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 using tests::SomeExtensions;
 
 std::vector<std::string> KeysOf(const std::string& page) {

@@ -75,7 +75,7 @@ void BareLinks(const std::string& text, const std::string& base, const classify:
     if (left.empty() || right.empty()) continue;
     if (!std::all_of(left.begin(), left.end(), IsUrl) || !std::all_of(right.begin(), right.end(), IsUrl))
       continue;
-    Add(Cut(left + "." + right), base, links);
+    Add(Cut(left.append(".").append(right)), base, links);
   }
 }
 

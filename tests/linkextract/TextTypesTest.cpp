@@ -14,7 +14,7 @@
 namespace quillforth::linkextract {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
 TEST(TextBufferTest, CapacityGrowsInBlocksAndRefusesToLeave32Bits) {
