@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+//
+// Folders that only pretend: they stand before real ones, tell what would be moved, and change nothing.
+//
+// Made for one run over one folder. What the file system would refuse at the moment of a move is not
+// foreseen. One thread.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/Folder.h"
+
+namespace quillforth::fileops {
+
+class MovePlan final : public platform::FolderAccess {
+ public:
+  /// Gets the paths of an item before and after its move.
+  using Planned = std::function<void(const std::string& from, const std::string& to)>;
+
+  /// `folders` outlives this.
+  MovePlan(platform::FolderAccess& folders, Planned planned)
+      : folders_(folders), planned_(std::move(planned)) {}
+
+  /// The folder, and those opened in it, do not outlive this.
+  [[nodiscard]] platform::FolderResult openFolder(const platform::FileReference& folder) override;
+
+ private:
+  platform::FolderAccess& folders_;
+  Planned planned_;
+};
+
+}  // namespace quillforth::fileops
