@@ -2,9 +2,6 @@
 //
 // The main job at its real size: a page of 2,000 files from a real server.
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,38 +13,11 @@
 namespace quillforth::tests {
 namespace {
 
-sockaddr_in Loopback(std::uint16_t port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
-  return address;
-}
-
-// A port that was free a moment ago.
-std::uint16_t FreePort() {
-  const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address = Loopback(0);
-  socklen_t size = sizeof address;
-  ::bind(descriptor, reinterpret_cast<sockaddr*>(&address), size);
-  ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size);
-  ::close(descriptor);
-  return ntohs(address.sin_port);
-}
-
-bool Accepts(std::uint16_t port) {
-  const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const sockaddr_in address = Loopback(port);
-  const bool accepts =
-      ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  ::close(descriptor);
-  return accepts;
-}
-
 // nginx over one folder.
 class Nginx {
  public:
-  explicit Nginx(const std::filesystem::path& root) : port_(FreePort()) {
+  // On a port that was free a moment ago.
+  explicit Nginx(const std::filesystem::path& root) : port_(httplib::Server().bind_to_any_port("127.0.0.1")) {
     std::ofstream(root / "nginx.conf")
         << "daemon off; master_process off; pid nginx.pid; error_log stderr crit;"
         << (::geteuid() == 0 ? "user root;" : "")
@@ -73,7 +43,7 @@ class Nginx {
 
   [[nodiscard]] bool isUp() const {
     for (int i = 0; i < 1000 && ::waitpid(process_, nullptr, WNOHANG) == 0; ++i) {
-      if (Accepts(port_)) return true;
+      if (httplib::Client("127.0.0.1", port_).Get("/")) return true;
       ::usleep(5000);
     }
     return false;
@@ -83,7 +53,7 @@ class Nginx {
   }
 
  private:
-  std::uint16_t port_;
+  int port_;
   pid_t process_ = -1;
 };
 
