@@ -11,8 +11,8 @@
 //   downloadShouldDecodeSourceDataOfMIMEType      only for a body that arrives encoded
 //   downloadDecideDestinationWithSuggestedFilename
 //   downloadDidCreateDestination                  again if the final name had to differ
-//   downloadDidReceiveDataOfLength                any number of times, counts summed between two turns of the
-//   loop downloadDidFinish
+//   downloadDidReceiveDataOfLength                any number of times, with the counts of a while summed
+//   downloadDidFinish
 //
 // and, at any point instead, downloadDidFailWithError. After either of the two ends, or cancel, nothing
 // follows.
@@ -89,7 +89,8 @@ class WebDownload {
  public:
   virtual ~WebDownload() = default;
   [[nodiscard]] virtual const URL& requestURL() const = 0;
-  /// Absolute path of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext",
+  /// Counts only inside `downloadDecideDestinationWithSuggestedFilename`, and there the last call.
+  /// `path`: absolute, of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext",
   /// "name-2.ext", ….
   virtual void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) = 0;
   /// No callback follows, and no file, hidden or not, stays behind.

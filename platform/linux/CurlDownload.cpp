@@ -82,6 +82,7 @@ void CurlDownload::receive(DataReport& report) {
 
 void CurlDownload::receive(FinishedReport& report) {
   report.file->keep();
+  report.file.reset();
   service_->forget(id_);
   delegate_.downloadDidFinish(*this);
 }

@@ -27,8 +27,9 @@ constexpr long kProxyUnauthorized = 407;
 }  // namespace
 
 void DownloadTransfer::start(const std::string& url) {
+  if (!handle_) return fail(TransferErrorText(CURLE_OUT_OF_MEMORY, 0));
   std::optional<RequestURL> parsed = RequestURL::parse(url);
-  if (!parsed || !handle_) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
+  if (!parsed) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
   url_ = *std::move(parsed);
   logins_.begin(url_);
   beginRequest();

@@ -48,7 +48,9 @@ class DownloadTransfer {
   DownloadTransfer(const DownloadTransfer&) = delete;
   DownloadTransfer& operator=(const DownloadTransfer&) = delete;
 
+  [[nodiscard]] DownloadId id() const { return id_; }
   [[nodiscard]] Phase phase() const { return phase_; }
+  /// Its CURLINFO_PRIVATE is this object.
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
   void start(const std::string& url);

@@ -33,28 +33,40 @@ class Mailbox {
   Mailbox& operator=(const Mailbox&) = delete;
 
   void post(Message message) {
-    const std::lock_guard lock(mutex_);
-    messages_.push_back(std::move(message));
-    if (messages_.size() == 1) ::eventfd_write(signal_.get(), 1);
+    bool wasEmpty = false;
+    {
+      const std::lock_guard lock(mutex_);
+      wasEmpty = messages_.empty();
+      messages_.push_back(std::move(message));
+      signalCount_ += wasEmpty ? 1 : 0;
+    }
+    if (wasEmpty) ::eventfd_write(signal_.get(), 1);
   }
 
   /// Empties `messages`; the receiver wakes once for all of them.
   void postAll(std::vector<Message>& messages) {
     if (messages.empty()) return;
-    const std::lock_guard lock(mutex_);
-    const bool wasEmpty = messages_.empty();
-    for (Message& message : messages) messages_.push_back(std::move(message));
+    bool wasEmpty = false;
+    {
+      const std::lock_guard lock(mutex_);
+      wasEmpty = messages_.empty();
+      for (Message& message : messages) messages_.push_back(std::move(message));
+      signalCount_ += wasEmpty ? 1 : 0;
+    }
     messages.clear();
     if (wasEmpty) ::eventfd_write(signal_.get(), 1);
   }
 
+  /// To be repeated until there is none: only then the descriptor is no longer readable.
   [[nodiscard]] std::optional<Message> take() {
     const std::lock_guard lock(mutex_);
-    if (messages_.empty()) return std::nullopt;
+    if (messages_.empty()) {
+      eventfd_t count = 0;
+      if (signalCount_ > 0 && ::eventfd_read(signal_.get(), &count) == 0) signalCount_ -= count;
+      return std::nullopt;
+    }
     std::optional<Message> message(std::move(messages_.front()));
     messages_.pop_front();
-    eventfd_t count = 0;
-    if (messages_.empty()) ::eventfd_read(signal_.get(), &count);
     return message;
   }
 
@@ -64,6 +76,7 @@ class Mailbox {
   FileDescriptor signal_;
   std::mutex mutex_;
   std::deque<Message> messages_;
+  eventfd_t signalCount_ = 0;  // written to the descriptor, or about to be, and not read yet
 };
 
 }  // namespace quillforth::platform

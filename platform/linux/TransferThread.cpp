@@ -6,6 +6,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <new>
 #include <type_traits>
 
 namespace quillforth::platform {
@@ -30,6 +31,7 @@ TransferThread::TransferThread(const TransferSettings& settings, FileCalls& file
     : context_{.settings = settings, .files = files, .stallTimeout = stallTimeout},
       reports_(reports),
       multi_(curl_multi_init()) {
+  if (!multi_) throw std::bad_alloc();
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
   thread_ = std::thread([this] { run(); });
 }
@@ -96,13 +98,12 @@ void TransferThread::drive() {
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &waiting)) {
     const CURLcode result = message->data.result;
     CURL* handle = message->easy_handle;
-    const auto entry = std::find_if(entries_.begin(), entries_.end(), [handle](const auto& candidate) {
-      return candidate.second.transfer->handle() == handle;
-    });
-    if (message->msg != CURLMSG_DONE || entry == entries_.end()) continue;
+    DownloadTransfer* transfer = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_PRIVATE, &transfer);
     curl_multi_remove_handle(multi_.get(), handle);
+    const auto entry = entries_.find(transfer->id());
     entry->second.isDriven = false;
-    entry->second.transfer->requestDone(result);
+    transfer->requestDone(result);
     settle(entry);
   }
 }
