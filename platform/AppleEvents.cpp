@@ -38,7 +38,7 @@ bool operator==(const AEDescriptor& a, const AEDescriptor& b) {
   return a.type_ == b.type_ && a.data_ == b.data_ && a.items_ == b.items_;
 }
 
-const AEDescriptor* AEDescriptor::field(common::FourCharCode keyword) const {
+const AEDescriptor* AEDescriptor::field(common::FourCharCode keyword) const& {
   const auto found = std::find_if(items_.begin(), items_.end(),
                                   [keyword](const Item& item) { return item.keyword == keyword; });
   return found == items_.end() ? nullptr : &found->value;

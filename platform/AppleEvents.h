@@ -70,9 +70,11 @@ class AEDescriptor {
   /// Empty for a container.
   [[nodiscard]] const QByteArray& data() const { return data_; }
   /// A container's own, in order; the keywords of a list's items mean nothing.
-  [[nodiscard]] const std::vector<Item>& items() const { return items_; }
+  [[nodiscard]] const std::vector<Item>& items() const& { return items_; }
+  const std::vector<Item>& items() const&& = delete;
   /// Null when there is none. Looks through all fields.
-  [[nodiscard]] const AEDescriptor* field(common::FourCharCode keyword) const;
+  [[nodiscard]] const AEDescriptor* field(common::FourCharCode keyword) const&;
+  const AEDescriptor* field(common::FourCharCode keyword) const&& = delete;
 
   /// Only for a list.
   void append(AEDescriptor item);

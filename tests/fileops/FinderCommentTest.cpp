@@ -10,25 +10,16 @@
 #include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 
 namespace quillforth::fileops {
 namespace {
 
+using namespace platform;
 using common::FourCC;
 using common::Status;
-using platform::AEDescriptor;
-using platform::AppleEvent;
-using platform::FileReference;
-using platform::Int16Descriptor;
-using platform::Int32Descriptor;
-using platform::SendMode;
-using platform::UnicodeTextDescriptor;
 
-bool OtherIdleFunction(platform::IdleRequest& /*request*/) {
-  return false;
-}
-
-class FinderCommentTest : public ::testing::Test, public platform::AppleEventSender {
+class FinderCommentTest : public ::testing::Test, public AppleEventSender {
  protected:
   FinderCommentTest() : file_(folder_.filePath(QStringLiteral("a b:c.txt")).toStdString()) {
     std::ofstream(file_.path()) << "content";
@@ -43,100 +34,82 @@ class FinderCommentTest : public ::testing::Test, public platform::AppleEventSen
   }
   ~FinderCommentTest() override { finderEventIdleFunction = &FinderEventIdleProc; }
 
-  Status send(const AppleEvent& event, const platform::SendOptions& options, AppleEvent& reply) override {
+  Status send(const AppleEvent& event, const SendOptions& options, AppleEvent& reply) override {
     options_ = options;
-    sent_.push_back(event);
+    sent_ = event;
     return sendStatus_ != common::kNoError ? sendStatus_ : manager_.send(event, options, reply);
   }
 
-  void answer(common::FourCharCode keyword, const AEDescriptor& value) {
-    answer_ = AEDescriptor(FourCC("reco"), {});
-    answer_.setField(keyword, value);
-  }
-
-  // The one event so far, as it was sent and as it arrived, has all the fields that it should have.
-  void expectEvent(const char (&eventID)[5], AEDescriptor item, const AEDescriptor* data) {
-    ASSERT_EQ(sent_.size(), 1U);
-    ASSERT_EQ(received_.size(), 1U);
-    EXPECT_EQ(sent_[0].returnID(), -1);
+  // The last event, as it was sent and as it arrived, has all the fields that it should have.
+  void expectEvent(const char (&eventID)[5], const AEDescriptor& item, const AEDescriptor* data) {
+    ASSERT_FALSE(received_.empty());
+    EXPECT_EQ(sent_.returnID(), -1);
     AEDescriptor expected(FourCC("reco"), {});
-    AEDescriptor comment(FourCC("obj "), {});
-    comment.setField(FourCC("form"), {FourCC("enum"), "prop"});
-    comment.setField(FourCC("want"), {FourCC("type"), "prop"});
-    comment.setField(FourCC("seld"), {FourCC("type"), "comt"});
-    comment.setField(FourCC("from"), std::move(item));
-    expected.setField(FourCC("----"), comment);
+    expected.setField(FourCC("----"), Specifier("prop", "prop", {FourCC("type"), "comt"}, item));
     if (data != nullptr) expected.setField(FourCC("data"), *data);
-    for (const AppleEvent& event : {sent_[0], received_[0]}) {
+    for (const AppleEvent& event : {sent_, received_.back()}) {
       EXPECT_EQ(event.eventClass(), FourCC("core"));
       EXPECT_EQ(event.eventID(), FourCC(eventID));
       EXPECT_EQ(event.target(), AEDescriptor(FourCC("sign"), "MACS"));
       EXPECT_EQ(event.transactionID(), 0);
       EXPECT_EQ(event.parameters(), expected);
     }
-  }
-
-  void expectOptions(SendMode mode, platform::IdleFunction idle) const {
-    EXPECT_EQ(static_cast<int>(options_.mode), static_cast<int>(mode));
+    EXPECT_EQ(static_cast<int>(options_.mode), 3);
     EXPECT_EQ(options_.priority, 0);
     EXPECT_EQ(options_.timeoutTicks, -2);
-    EXPECT_EQ(options_.idle, idle);
+    EXPECT_EQ(options_.idle, &FinderEventIdleProc);
   }
 
-  static AEDescriptor Item(const char* itemClass, const QString& path) {
-    AEDescriptor item(FourCC("obj "), {});
-    item.setField(FourCC("form"), {FourCC("enum"), "name"});
-    item.setField(FourCC("want"), {FourCC("type"), itemClass});
-    item.setField(FourCC("seld"), UnicodeTextDescriptor(path));
-    item.setField(FourCC("from"), {FourCC("null"), {}});
-    return item;
+  static AEDescriptor Specifier(const char* form, const char* want, AEDescriptor seld, AEDescriptor from) {
+    AEDescriptor specifier(FourCC("obj "), {});
+    specifier.setField(FourCC("form"), {FourCC("enum"), form});
+    specifier.setField(FourCC("want"), {FourCC("type"), want});
+    specifier.setField(FourCC("seld"), std::move(seld));
+    specifier.setField(FourCC("from"), std::move(from));
+    return specifier;
   }
-  QString hfsFolder() const { return QStringLiteral("Linux") + folder_.path().replace(u'/', u':') + u':'; }
 
   QTemporaryDir folder_;
   FileReference file_;
-  platform::AppleEventDispatcher finder_;
-  platform::AppleEventManager manager_;
+  AppleEventDispatcher finder_;
+  AppleEventManager manager_;
   AEDescriptor answer_{FourCC("reco"), {}};
-  std::vector<AppleEvent> sent_;
+  AppleEvent sent_;
   std::vector<AppleEvent> received_;
-  platform::SendOptions options_;
+  SendOptions options_;
   Status sendStatus_ = common::kNoError;
 };
 
-TEST_F(FinderCommentTest, GetAsksForAFilesCommentAndWaits) {
-  answer(FourCC("----"), UnicodeTextDescriptor(u"a comment é"));
-  EXPECT_EQ(GetFinderComment(*this, file_), QStringLiteral("a comment é"));
-  expectEvent("getd", Item("file", hfsFolder() + QStringLiteral("a b/c.txt")), nullptr);
-  expectOptions(SendMode::waitReply, &FinderEventIdleProc);
-}
-
-TEST_F(FinderCommentTest, SetSendsAFoldersCommentAndWaits) {
-  const AEDescriptor text = UnicodeTextDescriptor(u"x\n😀");
-  EXPECT_EQ(SetFinderComment(*this, FileReference(folder_.path().toStdString()), QStringLiteral("x\n😀")), 0);
-  expectEvent("setd", Item("cobj", hfsFolder()), &text);
-  expectOptions(SendMode::waitReply, &FinderEventIdleProc);
-}
-
-TEST_F(FinderCommentTest, ALinkToAFolderIsAFileAndAnEmptyCommentAnEmptyText) {
-  const QString link = folder_.filePath(QStringLiteral("link"));
-  std::filesystem::create_directory_symlink(folder_.path().toStdString(), link.toStdString());
-  const AEDescriptor empty(FourCC("utxt"), {});
-  EXPECT_EQ(
-      SendFinderComment(*this, FileReference(link.toStdString()), QStringLiteral(""), &OtherIdleFunction), 0);
-  expectEvent("setd", Item("file", hfsFolder() + QStringLiteral("link")), &empty);
-  expectOptions(SendMode::waitReply, &OtherIdleFunction);
+TEST_F(FinderCommentTest, TheFinderSeesEveryFieldOfBothEvents) {
+  const std::string folder = folder_.path().toStdString();
+  std::filesystem::create_directory_symlink(folder, folder + "/link");
+  const QString hfsFolder = QStringLiteral("Linux") + folder_.path().replace(u'/', u':') + u':';
+  const std::tuple<std::string, const char*, QString, QString> items[] = {
+      {file_.path(), "file", hfsFolder + QStringLiteral("a b/c.txt"), QStringLiteral("x\n😀")},
+      {folder, "cobj", hfsFolder, QStringLiteral("é")},
+      {folder + "/link", "file", hfsFolder + QStringLiteral("link"), QStringLiteral("")},
+  };
+  for (const auto& [path, itemClass, hfsPath, comment] : items) {
+    const AEDescriptor item = Specifier("name", itemClass, UnicodeTextDescriptor(hfsPath), {});
+    const AEDescriptor text = UnicodeTextDescriptor(comment);
+    answer_.setField(FourCC("----"), text);
+    EXPECT_EQ(GetFinderComment(*this, FileReference(path)), comment);
+    expectEvent("getd", item, nullptr);
+    EXPECT_EQ(SetFinderComment(*this, FileReference(path), comment), common::kNoError);
+    expectEvent("setd", item, &text);
+  }
 }
 
 TEST_F(FinderCommentTest, WithoutIdleFunctionGetRefusesAndSetDoesNotWait) {
   finderEventIdleFunction = nullptr;
-  answer(FourCC("errn"), Int16Descriptor(-43));
+  answer_.setField(FourCC("errn"), Int16Descriptor(-43));
   QString comment;
   EXPECT_EQ(CopyFinderComment(*this, file_, &comment, nullptr), -50);
   EXPECT_TRUE(GetFinderComment(*this, file_).isNull());
-  EXPECT_TRUE(sent_.empty());
+  EXPECT_TRUE(sent_.isNull());
   EXPECT_EQ(SetFinderComment(*this, file_, QStringLiteral("x")), common::kNoError);
-  expectOptions(SendMode::noReply, nullptr);
+  EXPECT_EQ(static_cast<int>(options_.mode), 1);
+  EXPECT_EQ(options_.idle, nullptr);
   EXPECT_TRUE(received_.empty());
   QCoreApplication::processEvents();
   EXPECT_EQ(received_.size(), 1U);
@@ -166,7 +139,8 @@ TEST_F(FinderCommentTest, AnswersBecomeStatusAndText) {
       {FourCC("errn"), -1700, text, QString()},
   };
   for (std::size_t i = 0; i < std::size(cases); ++i) {
-    answer(cases[i].keyword, cases[i].value);
+    answer_ = AEDescriptor(FourCC("reco"), {});
+    answer_.setField(cases[i].keyword, cases[i].value);
     QString comment = QStringLiteral("before");
     EXPECT_EQ(CopyFinderComment(*this, file_, &comment, &FinderEventIdleProc), cases[i].status)
         << "case " << i;
@@ -189,14 +163,14 @@ TEST_F(FinderCommentTest, MissingArgumentsAndFailedSendsKeepTheirStatus) {
   EXPECT_EQ(MakeUnicodeTextDescriptor(QStringLiteral("x"), nullptr), -50);
   EXPECT_EQ(MakeFinderItemSpecifier(FileReference(file_.path() + "x"), &descriptor), -4960);
   EXPECT_EQ(MakeFinderItemSpecifier(FileReference("."), &descriptor), -4960);
-  EXPECT_TRUE(sent_.empty());
+  EXPECT_TRUE(sent_.isNull());
   sendStatus_ = -600;
   EXPECT_EQ(SetFinderComment(*this, file_, QStringLiteral("x")), -600);
   EXPECT_EQ(CopyFinderComment(*this, file_, &comment, &FinderEventIdleProc), -600);
 }
 
 TEST(FinderEventIdleProc, AsksForTenTicksAndGoesOn) {
-  platform::IdleRequest request{1, platform::MouseRegion{}};
+  IdleRequest request{1, MouseRegion{}};
   EXPECT_FALSE(FinderEventIdleProc(request));
   EXPECT_EQ(request.sleepTicks, 10);
   EXPECT_FALSE(request.mouseRegion);

@@ -11,17 +11,15 @@
 #include <fstream>
 
 #include "fileops/FinderComment.h"
-#include "platform/FinderEvents.h"
 #include "platform/linux/LinuxFinder.h"
 #include "platform/linux/LinuxOriginURLWriter.h"
 
 namespace quillforth::fileops {
 namespace {
 
+using namespace platform;
 using common::FourCC;
 using common::Status;
-using platform::AEDescriptor;
-using platform::FileReference;
 
 std::optional<std::string> Attribute(const std::string& path, const char* name = "user.xdg.comment") {
   char buffer[70000];
@@ -47,14 +45,11 @@ class LinuxFinderTest : public ::testing::TestWithParam<const char*> {
   Status set(const std::string& item, const QString& comment) {
     return SetFinderComment(manager_, FileReference(item), comment);
   }
-  Status get(const std::string& item, QString& comment) {
-    return CopyFinderComment(manager_, FileReference(item), &comment, &FinderEventIdleProc);
-  }
 
   QTemporaryDir folder_{QString::fromUtf8(GetParam()) + QStringLiteral("/quillforth-XXXXXX")};
   std::string file_;
-  platform::AppleEventManager manager_;
-  platform::LinuxFinder finder_{manager_};
+  AppleEventManager manager_;
+  LinuxFinder finder_{manager_};
 };
 
 INSTANTIATE_TEST_SUITE_P(Folders, LinuxFinderTest, ::testing::Values("/tmp", "/var/tmp", "/dev/shm"));
@@ -74,20 +69,16 @@ TEST_P(LinuxFinderTest, CommentsAreKeptInAnAttributeByteForByte) {
       ASSERT_EQ(Attribute(path(name)), bytes);
     }
   }
+  ASSERT_EQ(set(file_, QStringLiteral("")), 0);
+  EXPECT_EQ(Attribute(file_), std::nullopt);
+  EXPECT_EQ(set(file_, QStringLiteral("")), 0);
+  const QString none = GetFinderComment(manager_, FileReference(file_));
+  EXPECT_TRUE(none.isEmpty() && !none.isNull());
   ASSERT_EQ(set(folder_.path().toStdString(), QStringLiteral("of the folder")), 0);
   EXPECT_EQ(Attribute(folder_.path().toStdString()), "of the folder");
-}
-
-TEST_P(LinuxFinderTest, AnEmptyCommentAndNoneAreTheSame) {
-  QString comment = QStringLiteral("before");
-  EXPECT_EQ(get(file_, comment), 0);
-  EXPECT_EQ(comment, QStringLiteral(""));
-  EXPECT_FALSE(comment.isNull());
-  ASSERT_EQ(set(file_, QStringLiteral("x")), 0);
-  for (int times = 0; times < 2; ++times) {
-    EXPECT_EQ(set(file_, QStringLiteral("")), 0);
-    EXPECT_EQ(Attribute(file_), std::nullopt);
-  }
+  EXPECT_EQ(LinuxOriginURLWriter().setOriginURL(FileReference(file_), QStringLiteral("http://site-a.test/")),
+            0);
+  EXPECT_EQ(Attribute(file_, "user.xdg.origin.url"), "http://site-a.test/");
 }
 
 TEST_P(LinuxFinderTest, WhatCannotCarryACommentIsRefusedAndNothingElseTouched) {
@@ -97,7 +88,7 @@ TEST_P(LinuxFinderTest, WhatCannotCarryACommentIsRefusedAndNothingElseTouched) {
   QString comment;
   for (const std::string& item : {path("link"), path("fifo"), std::string("/dev/null")}) {
     EXPECT_EQ(set(item, QStringLiteral("x")), -1302) << item;
-    EXPECT_EQ(get(item, comment), -1302) << item;
+    EXPECT_EQ(CopyFinderComment(manager_, FileReference(item), &comment, &FinderEventIdleProc), -1302);
   }
   EXPECT_EQ(set("/proc/self/comm", QStringLiteral("x")), -123);
   EXPECT_EQ(set(file_, QString(70000, u'x')), -1309);
@@ -107,55 +98,47 @@ TEST_P(LinuxFinderTest, WhatCannotCarryACommentIsRefusedAndNothingElseTouched) {
 
 TEST_P(LinuxFinderTest, SpecifiersOfSomethingElseGetAnErrorNumber) {
   const QString hfsPath = QString::fromStdString("Linux" + file_).replace(u'/', u':');
-  namespace finder = platform::finder;
-  const auto code = [](const char* type, const char* value) {
-    return AEDescriptor(type[0] == 't' ? FourCC("type") : FourCC("enum"), value);
-  };
-  const auto longer = [&hfsPath](const QString& end) {
-    return platform::UnicodeTextDescriptor(hfsPath + end);
-  };
-  const struct {
-    common::FourCharCode field;  // of the item or, below, the property; 0: nothing is changed
+  const auto path = [&hfsPath](const QString& end) { return UnicodeTextDescriptor(hfsPath + end); };
+  const auto want = [](const char* code) { return AEDescriptor(FourCC("type"), code); };
+  struct Case {
+    common::FourCharCode field;
     Status status;
-    bool inItem;
     AEDescriptor value;
-  } cases[] = {
-      {0, 0, true, {}},
-      {FourCC("want"), 0, true, code("type", "cobj")},
-      {FourCC("want"), -1728, true, code("type", "disk")},
-      {FourCC("want"), -1728, true, code("enum", "file")},
-      {FourCC("form"), -1728, true, code("enum", "indx")},
-      {FourCC("from"), -1728, true, AEDescriptor(FourCC("obj "), {})},
-      {FourCC("seld"), -1728, true, AEDescriptor(FourCC("utf8"), "Linux:tmp")},
-      {FourCC("seld"), -1728, true, longer(QStringLiteral(":"))},
-      {FourCC("seld"), -1728, true, platform::UnicodeTextDescriptor(u"Disk:a")},
-      {FourCC("seld"), -43, true, longer(QStringLiteral("x"))},
-      {FourCC("seld"), -1407, true, longer(QStringLiteral(":x"))},
-      {FourCC("seld"), -37, true, longer(QString(300, u'x'))},
-      {FourCC("want"), -1728, false, code("type", "file")},
-      {FourCC("seld"), -1728, false, code("type", "name")},
-      {FourCC("from"), -1728, false, {}},
   };
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    AEDescriptor item = platform::ObjectSpecifier(finder::kFileClass, {}, FourCC("name"),
-                                                  platform::UnicodeTextDescriptor(hfsPath));
-    if (cases[i].inItem && cases[i].field != 0) item.setField(cases[i].field, cases[i].value);
-    AEDescriptor property =
-        platform::ObjectSpecifier(FourCC("prop"), std::move(item), FourCC("prop"), code("type", "comt"));
-    if (!cases[i].inItem) property.setField(cases[i].field, cases[i].value);
-    platform::AppleEvent event(finder::kCoreSuite, finder::kSetData, {FourCC("sign"), "MACS"});
-    event.setParameter(FourCC("data"), platform::UnicodeTextDescriptor(u"x"));
-    EXPECT_EQ(SendEventCheckReply(manager_, event, &FinderEventIdleProc), -1701);
+  const Case ofItem[] = {
+      {FourCC("want"), 0, want("file")},
+      {FourCC("want"), 0, want("cobj")},
+      {FourCC("want"), -1728, want("disk")},
+      {FourCC("want"), -1728, {FourCC("enum"), "file"}},
+      {FourCC("form"), -1728, {FourCC("enum"), "indx"}},
+      {FourCC("from"), -1728, {FourCC("obj "), {}}},
+      {FourCC("seld"), -1728, {FourCC("utf8"), "Linux:tmp"}},
+      {FourCC("seld"), -1728, path(QStringLiteral(":"))},
+      {FourCC("seld"), -1728, UnicodeTextDescriptor(u"Disk:a")},
+      {FourCC("seld"), -43, path(QStringLiteral("x"))},
+      {FourCC("seld"), -1407, path(QStringLiteral(":x"))},
+      {FourCC("seld"), -37, path(QString(300, u'x'))},
+  };
+  const Case ofProperty[] = {
+      {FourCC("want"), -1728, want("file")},
+      {FourCC("seld"), -1728, want("name")},
+      {FourCC("from"), -1728, {}},
+  };
+  const AEDescriptor item = ObjectSpecifier(FourCC("file"), {}, FourCC("name"), path({}));
+  const auto send = [this, &want](const AEDescriptor& of, const Case* change) {
+    AEDescriptor property = ObjectSpecifier(FourCC("prop"), of, FourCC("prop"), want("comt"));
+    if (change != nullptr) property.setField(change->field, change->value);
+    AppleEvent event(FourCC("core"), FourCC("setd"), {FourCC("sign"), "MACS"});
     event.setParameter(FourCC("----"), property);
-    EXPECT_EQ(SendEventCheckReply(manager_, event, &FinderEventIdleProc), cases[i].status) << "case " << i;
+    event.setParameter(FourCC("data"), UnicodeTextDescriptor(u"x"));
+    return SendEventCheckReply(manager_, event, &FinderEventIdleProc);
+  };
+  for (const Case& one : ofItem) {
+    AEDescriptor changed = item;
+    changed.setField(one.field, one.value);
+    EXPECT_EQ(send(changed, nullptr), one.status) << &one - ofItem;
   }
-}
-
-TEST_P(LinuxFinderTest, TheOriginIsAnAttributeOfItsOwn) {
-  platform::LinuxOriginURLWriter origins;
-  EXPECT_EQ(origins.setOriginURL(FileReference(file_), QStringLiteral("http://site-a.test/")), 0);
-  EXPECT_EQ(Attribute(file_, "user.xdg.origin.url"), "http://site-a.test/");
-  EXPECT_EQ(Attribute(file_), std::nullopt);
+  for (const Case& one : ofProperty) EXPECT_EQ(send(item, &one), one.status) << &one - ofProperty;
 }
 
 }  // namespace

@@ -14,10 +14,7 @@ namespace quillforth::platform {
 namespace {
 
 TEST(LosslessText, BytesThatAreNoUTF8BecomeLoneSurrogates) {
-  const struct {
-    std::string bytes;
-    QString text;
-  } cases[] = {
+  const std::pair<std::string, QString> cases[] = {
       {"", QStringLiteral("")},
       {"aé😀", QStringLiteral("aé😀")},
       {"\xEF\xBB\xBFmark", QStringLiteral("\uFEFFmark")},
@@ -38,11 +35,7 @@ TEST(LosslessText, BytesThatAreNoUTF8BecomeLoneSurrogates) {
 }
 
 TEST(HFSPath, PathsHaveColonsAndComeBack) {
-  const struct {
-    const char* path;
-    bool isDirectory;
-    const char16_t* hfsPath;
-  } cases[] = {
+  const std::tuple<const char*, bool, const char16_t*> cases[] = {
       {"/", true, u"Linux:"},
       {"/home/me/a.txt", false, u"Linux:home:me:a.txt"},
       {"/home/me", true, u"Linux:home:me:"},
