@@ -258,11 +258,6 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   return Finish(kExitSuccess, results, errors);
 }
 
-int Run(const AggregateArguments& arguments, Output& results, Output& errors) {
-  UseUTF8Locale();
-  return Finish(RunAggregate(arguments, folders, TerminalPrompt(), results, errors), results, errors);
-}
-
 int Run(const Answer& answer, Output& results, Output& errors) {
   results.write(QByteArray::fromStdString(answer.results));
   return Finish(Complain(answer, errors), results, errors);
