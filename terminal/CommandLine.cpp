@@ -26,12 +26,14 @@ struct Parser {
   ClassifyArguments classifyArguments;
   CommentArguments commentArguments;
   SettingsArguments settingsArguments;
+  AggregateArguments aggregateArguments;
   CLI::App* get;
   CLI::App* links;
   CLI::App* classify;
   CLI::App* comment;
   CLI::App* extensions;
   CLI::App* settings;
+  CLI::App* aggregate;
 };
 
 Parser::Parser()
@@ -40,7 +42,8 @@ Parser::Parser()
       classify(app.add_subcommand("classify")),
       comment(app.add_subcommand("comment")),
       extensions(app.add_subcommand("extensions")),
-      settings(app.add_subcommand("settings")) {
+      settings(app.add_subcommand("settings")),
+      aggregate(app.add_subcommand("aggregate")) {
   app.require_subcommand(1);
   app.set_version_flag("--version", VersionText());
 
@@ -66,6 +69,10 @@ Parser::Parser()
   CLI::Option* keyOption = settings->add_option("KEY", settingsArguments.key);
   valueOption = settings->add_option("VALUE", settingsArguments.value)->needs(keyOption);
   settings->add_flag("--unset", settingsArguments.unset)->needs(keyOption)->excludes(valueOption);
+
+  aggregate->add_flag("--yes", aggregateArguments.yes);
+  aggregate->add_flag("--dry-run", aggregateArguments.dryRun);
+  aggregate->add_option("DIR", aggregateArguments.folder)->required();
 }
 
 std::string CommandName(const CLI::App& app) {
@@ -83,6 +90,7 @@ Command TakeCommand(Parser& parser) {
   if (parser.classify->parsed()) return std::move(parser.classifyArguments);
   if (parser.comment->parsed()) return std::move(parser.commentArguments);
   if (parser.settings->parsed()) return std::move(parser.settingsArguments);
+  if (parser.aggregate->parsed()) return std::move(parser.aggregateArguments);
   return ExtensionsArguments();
 }
 

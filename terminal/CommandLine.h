@@ -51,6 +51,12 @@ struct CommentArguments {
   std::optional<std::string> text;
 };
 
+struct AggregateArguments {
+  std::string folder;
+  bool yes = false;
+  bool dryRun = false;
+};
+
 /// Nothing to do but to say something.
 struct Answer {
   std::string results;  ///< for standard output
@@ -59,7 +65,7 @@ struct Answer {
 };
 
 using Command = std::variant<Answer, GetArguments, LinksArguments, ClassifyArguments, CommentArguments,
-                             ExtensionsArguments, SettingsArguments>;
+                             ExtensionsArguments, SettingsArguments, AggregateArguments>;
 
 /// `arguments`: without the program's name.
 [[nodiscard]] Command ParseCommandLine(const std::vector<std::string>& arguments);

@@ -22,6 +22,7 @@ Commands:
   comment FILE [TEXT]     show or change the comment of a file
   extensions              list the table of file-name extensions and types
   settings [KEY [VALUE]]  show or change the settings
+  aggregate DIR           sort a folder's files into subfolders by extension
 
 "quillforth-cli COMMAND --help" explains a command.
 
@@ -280,6 +281,41 @@ Files:
   $XDG_CONFIG_HOME/Tessary Software/Quillforth.conf
 )";
 
+constexpr std::string_view kAggregate =
+    R"(quillforth-cli aggregate - sort a folder's files into subfolders by extension
+
+Usage: quillforth-cli aggregate [--yes] [--dry-run] DIR
+
+Moves what lies directly in DIR, and has an extension, into a subfolder of that
+name: "a.pdf" goes into "pdf". Subfolders are made as they are needed. Folders
+with an extension, such as "Tool.app", are moved whole; all other folders stay
+as they are. Where the name is taken, the item gets a new one: "a - UUID.pdf".
+Nothing is ever replaced. There is no way back, so the terminal is asked first.
+
+What stays where it is:
+  names that begin with ".", files that are listed in DIR's file ".hidden", and
+  names that are not UTF-8
+  what cannot be moved: mount points, what permissions forbid, and items whose
+  subfolder is there as a file, as a link, or on another file system
+
+Options:
+  --yes       do not ask
+  --dry-run   only print what would be moved where, a line each: the name, a
+              tab, the new name, both relative to DIR. Control characters are
+              written as \xHH; the UUID will be another one
+  -h, --help  show this text
+
+Examples:
+  quillforth-cli aggregate --dry-run ~/Downloads
+  quillforth-cli aggregate --yes ~/Downloads
+  quillforth-cli get --set aggregateFiles=yes --to pictures URL
+
+Exit status:
+  0  every item that has an extension was moved
+  1  some could not be, DIR cannot be read, or the answer was no
+  2  a mistake on the command line, or no terminal to ask on; nothing was done
+)";
+
 }  // namespace
 
 std::string HelpText(std::string_view command) {
@@ -289,6 +325,7 @@ std::string HelpText(std::string_view command) {
   if (command == "comment") return std::string(kComment);
   if (command == "extensions") return std::string(kExtensions);
   if (command == "settings") return std::string(kSettings);
+  if (command == "aggregate") return std::string(kAggregate);
   return std::string(kProgram);
 }
 

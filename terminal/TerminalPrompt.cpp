@@ -56,6 +56,10 @@ bool WaitUntilReadable(int descriptor, int interrupt) {
 
 }  // namespace
 
+bool TerminalPrompt::isAvailable() {
+  return ControllingTerminal(Echo::shown).isOpen();
+}
+
 std::optional<QString> TerminalPrompt::ask(const QString& question, Echo echo) const {
   const ControllingTerminal terminal(echo);
   if (!terminal.isOpen()) return std::nullopt;

@@ -16,6 +16,9 @@ class TerminalPrompt {
   /// `interrupt`: a descriptor whose readability ends all waiting, or -1.
   explicit TerminalPrompt(int interrupt = -1) : interrupt_(interrupt) {}
 
+  /// Whether there is a terminal to ask on.
+  [[nodiscard]] static bool isAvailable();
+
   enum class Echo { shown, hidden };
   /// Shows a printable question; the line that was typed, without its end, at most 1,023 bytes. Nothing
   /// where there is no terminal, at an end of file, on an interruption, for what is longer or is not UTF-8.

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "app/Aggregation.h"
 #include "app/FinderFileComments.h"
 #include "classify/InternetConfig.h"
 #include "platform/linux/CurlDownloadService.h"
@@ -25,6 +26,7 @@
 #include "platform/linux/LinuxAliasManager.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxFinder.h"
+#include "platform/linux/LinuxFolder.h"
 #include "platform/linux/LinuxMainBundle.h"
 #include "platform/linux/LinuxNetworkDiagnostics.h"
 #include "platform/linux/LinuxOriginURLWriter.h"
@@ -32,6 +34,7 @@
 #include "platform/linux/SharedMimeInfo.h"
 #include "platform/linux/SndfileSoundLoader.h"
 #include "platform/linux/SyslogSystemLog.h"
+#include "terminal/Aggregate.h"
 #include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Comment.h"
@@ -157,6 +160,7 @@ struct LinuxServices {
             .log = log,
             .localizedText = [](const QString& key) { return key; },
             .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
+            .aggregation = &aggregation,
             .fileComments = &fileComments};
   }
 
@@ -177,6 +181,8 @@ struct LinuxServices {
   platform::LinuxFinder finder{events};
   platform::LinuxOriginURLWriter origins;
   app::FinderFileComments fileComments{events, origins};
+  platform::LinuxFolderAccess folders;
+  app::ExtensionAggregation aggregation{folders, log};
 };
 
 // With outputs of its own: waiting for their readers ends with a signal too.
@@ -256,6 +262,12 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   if (!error && defaults.hasFailed()) error = SettingsError{"the settings could not be read or written"};
   if (error) return Complain(*error, "settings", errors);
   return Finish(kExitSuccess, results, errors);
+}
+
+int Run(const AggregateArguments& arguments, Output& results, Output& errors) {
+  UseUTF8Locale();
+  platform::LinuxFolderAccess folders;
+  return Finish(RunAggregate(arguments, folders, TerminalPrompt(), results, errors), results, errors);
 }
 
 int Run(const Answer& answer, Output& results, Output& errors) {

@@ -14,10 +14,11 @@ _quillforth_cli() {
     --set) words=$keys ;;
     *)
       case $COMP_CWORD:$command in
-        1:*) words='get links classify comment extensions settings --help --version' ;;
+        1:*) words='get links classify comment extensions settings aggregate --help --version' ;;
         *:get) words='--to --page --file --set --json --local --help' ;;
         *:links) words='--base --url --null --help' kind=file ;;
         2:comment) words='--help' kind=file ;;
+        *:aggregate) words='--yes --dry-run --help' kind=folder ;;
         *:settings) words="--unset --help $keys" ;;
         *) words='--help' ;;
       esac
@@ -28,7 +29,12 @@ _quillforth_cli() {
   if [[ $previous == --set ]]; then compopt -o nospace; fi
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
   case $kind in
-    folder) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    folder)
+      if [[ $current != -* ]]; then
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      fi
+      ;;
     file)
       if [[ $current != -* ]]; then
         compopt -o filenames

@@ -43,15 +43,19 @@ inline void MakeItem(const std::filesystem::path& root, const std::string& line)
   }
 }
 
-/// All that is below `root`, sorted; UUIDs in names read "UUID", folders stand only for themselves when
-/// empty.
+/// The text with each UUID in it as "UUID".
+inline std::string WithoutUUIDs(const std::string& text) {
+  static const std::regex uuid("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}", std::regex::icase);
+  return std::regex_replace(text, uuid, "UUID");
+}
+
+/// All that is below `root`, sorted and without UUIDs; folders only where they are empty.
 inline Lines TreeOf(const std::filesystem::path& root) {
   namespace fs = std::filesystem;
-  static const std::regex uuid("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}", std::regex::icase);
   std::multiset<std::string> lines;
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     const std::string path = entry.path().lexically_relative(root);
-    std::string line = std::regex_replace(path, uuid, "UUID");
+    std::string line = WithoutUUIDs(path);
     if (entry.is_symlink()) {
       line += " -> " + fs::read_symlink(entry).string();
     } else if (entry.is_fifo()) {

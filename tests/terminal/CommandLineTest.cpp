@@ -48,6 +48,8 @@ TEST(CommandLine, MistakesAreStatusTwoWithAWordOfHelp) {
       {"extensions", "x"},
       {"settings", "k", "v", "w"},
       {"settings", "--unset"},
+      {"aggregate", "--yes"},
+      {"aggregate", "a", "b"},
       {"settings", "--unset", "k", "v"},
   };
   for (const std::vector<std::string>& arguments : mistakes) {
