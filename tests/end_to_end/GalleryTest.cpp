@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/end_to_end/EndToEnd.h"
+#include "tests/support/RawServer.h"
 
 namespace quillforth::tests {
 namespace {
@@ -17,7 +18,8 @@ namespace {
 class Nginx {
  public:
   // On a port that was free a moment ago.
-  explicit Nginx(const std::filesystem::path& root) : port_(httplib::Server().bind_to_any_port("127.0.0.1")) {
+  explicit Nginx(const std::filesystem::path& root)
+      : port_(RawServer([](auto&, const auto&) { return RawServer::After::close; }).port()) {
     std::ofstream(root / "nginx.conf")
         << "daemon off; master_process off; pid nginx.pid; error_log stderr crit;"
         << (::geteuid() == 0 ? "user root;" : "")
