@@ -29,7 +29,7 @@ void Scan(benchmark::State& state, const std::string& page) {
     links = table.size();
     benchmark::DoNotOptimize(links);
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * page.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(page.size()));
   state.counters["links"] = static_cast<double>(links);
 }
 
@@ -52,7 +52,7 @@ void ExtractOrdinary(benchmark::State& state) {
   while (state.KeepRunning()) {
     benchmark::DoNotOptimize(linkextract::ExtractPageLinks(page, Base().view(), Extensions()).size());
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * page.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(page.size()));
 }
 BENCHMARK(ExtractOrdinary)->Arg(1 << 20)->Arg(64 << 20)->Unit(benchmark::kMillisecond);
 
