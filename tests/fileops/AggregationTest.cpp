@@ -24,17 +24,19 @@
 
 #include "platform/linux/LinuxFolder.h"
 #include "tests/fileops/FolderTree.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::tests {
 namespace {
 
 namespace fs = std::filesystem;
 using fileops::AggregationResult;
+using Sorted = std::multiset<std::string>;
 
 class LogOfLines final : public platform::SystemLog {
  public:
-  void log(const QString& message) override { lines.push_back(message.toStdString()); }
-  Lines lines;
+  void log(const QString& message) override { lines.insert(message.toStdString()); }
+  Sorted lines;
 };
 
 /// Tells before each move, which is also a place to disturb the run.
@@ -68,12 +70,8 @@ class Aggregation : public ::testing::Test {
   void make(const Lines& lines) const {
     for (const std::string& line : lines) MakeItem(root_, line);
   }
-  AggregationResult run() { return run(root_.string()); }
-  AggregationResult run(const std::string& path) {
-    return fileops::AggregateFolder({folders_, log_}, QString::fromStdString(path));
-  }
-  AggregationResult runWithComments() {
-    return fileops::AggregateFolder({folders_, log_, &comments_}, QString::fromStdString(root_.string()));
+  AggregationResult run(fileops::CommentPreservation* comments = nullptr) {
+    return fileops::AggregateFolder({folders_, log_, comments}, QString::fromStdString(root_.string()));
   }
   /// The exit status of a child that prepares itself and then runs: the items that were left, 100 when it
   /// cannot be prepared, 101 for a status, 200 and the signal's number when it was killed.
@@ -101,73 +99,37 @@ bool RefuseRenameFlags() {
          ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter, 0, 0) == 0;
 }
 
-struct Case {
-  const char* title;
-  Lines before;
-  Lines after;
-  std::vector<std::array<std::string, 2>> stays;  // item, subfolder
-  int left = 0;
-};
-
-const Case kCases[] = {
-    {"an empty folder", {}, {}, {}},
-    {"no extensions", {"Images/x.pdf", "README", "name."}, {"Images/x.pdf", "README", "name."}, {}},
-    {"files and folders with extensions",
-     {"Mr. Smith/", "Tool.app/a.pdf", "a.pdf", "archive.tar.gz", "b.PDF", "c.pdf", "old.stuff/", "v1.2/",
-      "\u00e9.\u00fc"},
-     {" Smith/Mr. Smith/", "2/v1.2/", "PDF/b.PDF < b.PDF", "app/Tool.app/a.pdf < Tool.app/a.pdf",
-      "gz/archive.tar.gz < archive.tar.gz", "pdf/a.pdf < a.pdf", "pdf/c.pdf < c.pdf", "stuff/old.stuff/",
-      "\u00fc/\u00e9.\u00fc < \u00e9.\u00fc"},
-     {}},
-    {"hidden items",
-     {".DS_Store", ".a.txt", ".d.part/", ".hidden < b.txt\nc.d\n\nl.k\nlast.e", "b.txt", "c.d/", "l.k -> c.d",
-      "last.e"},
-     {".DS_Store", ".a.txt", ".d.part/", ".hidden < b.txt\nc.d\n\nl.k\nlast.e", "b.txt", "d/c.d/",
-      "l.k -> c.d", "last.e"},
-     {}},
-    {"names that are taken",
-     {"a.gz.b.gz", "d.x/", "gz/a.gz.b.gz", "jpeg/photo.jpeg.jpeg", "l.y -> gone", "pdf/report.pdf",
-      "photo.jpeg.jpeg", "report.pdf", "x/d.x/", "y/l.y/"},
-     {"gz/a.gz.b - UUID.gz < a.gz.b.gz", "gz/a.gz.b.gz", "jpeg/photo.jpeg - UUID.jpeg < photo.jpeg.jpeg",
-      "jpeg/photo.jpeg.jpeg", "pdf/report - UUID.pdf < report.pdf", "pdf/report.pdf", "x/d - UUID.x/",
-      "x/d.x/", "y/l - UUID.y -> gone", "y/l.y/"},
-     {}},
-    {"links, FIFOs",
-     {"d.txt -> gone", "f.d -> .", "p.ipe|"},
-     {"d/f.d -> .", "ipe/p.ipe|", "txt/d.txt -> gone"},
-     {}},
-    {"a file or a link for a subfolder",
-     {"a.pdf", "b.out", "c.in", "d.txt", "in -> real", "out -> ..", "pdf", "real/", "txt -> gone"},
-     {"a.pdf", "b.out", "c.in", "d.txt", "in -> real", "out -> ..", "pdf", "real/", "txt -> gone"},
-     {{"a.pdf", "pdf"}, {"b.out", "out"}, {"c.in", "in"}, {"d.txt", "txt"}},
-     4},
-    {"names that are not UTF-8",
-     {"a\xff.pdf", "b.\xff", "c.txt"},
-     {"a\xff.pdf", "b.\xff", "txt/c.txt < c.txt"},
-     {},
-     2},
-};
+Lines Split(const std::string& list, const std::string& separator) {
+  const QStringList parts =
+      QString::fromLatin1(list).split(QString::fromStdString(separator), Qt::SkipEmptyParts);
+  Lines lines;
+  for (const QString& part : parts) lines.push_back(part.toLatin1().toStdString());
+  return lines;
+}
 
 TEST_F(Aggregation, SortsByExtensionAndAgainFindsNothingToDo) {
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.title);
+  for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/aggregation.tsv", 3)) {
     for (const bool withFlags : {true, false}) {
-      SCOPED_TRACE(withFlags);
+      SCOPED_TRACE(row[0] + (withFlags ? "" : " (without rename flags)"));
       fs::remove_all(root_);
       fs::create_directory(root_);
-      make(c.before);
-      std::multiset<std::string> stays;
-      for (const auto& [item, folder] : c.stays) stays.insert(Stays(root_ / item, root_ / folder));
+      make(Split(row[0], "; "));
+      const Lines left = Split(row[2], "; ");
+      Sorted logged;
+      for (const std::string& item : left) {
+        const Lines names = Split(item, " > ");
+        if (names.size() == 2) logged.insert(Stays(root_ / names[0], root_ / names[1]));
+      }
       if (withFlags) {
         log_.lines.clear();
-        EXPECT_EQ(run().left, c.left);
-        EXPECT_EQ(std::multiset<std::string>(log_.lines.begin(), log_.lines.end()), stays);
+        EXPECT_EQ(run().left, left.size());
+        EXPECT_EQ(log_.lines, logged);
       } else {
-        EXPECT_EQ(runInChild(RefuseRenameFlags), c.left);
+        EXPECT_EQ(runInChild(RefuseRenameFlags), left.size());
       }
-      EXPECT_EQ(TreeOf(root_), c.after);
+      EXPECT_EQ(TreeOf(root_), Split(row[1], "; "));
       EXPECT_EQ(run().moved, 0U);
-      EXPECT_EQ(TreeOf(root_), c.after);
+      EXPECT_EQ(TreeOf(root_), Split(row[1], "; "));
     }
   }
 }
@@ -181,82 +143,76 @@ TEST_F(Aggregation, WithoutRenameFlagsAMoveThatWasCutOffIsBroughtToItsEnd) {
 
 TEST_F(Aggregation, LeavesAloneWhatIsNoFolderOrHasNoUsablePath) {
   make({"a.pdf"});
-  fs::create_symlink(root_, temporary_.path().toStdString() + "/link");
-  const std::pair<QString, common::Status> cases[] = {
-      {QString::fromStdString((root_ / "a.pdf").string()), common::kNotAFolder},
-      {QString::fromStdString((root_ / "b").string()), common::kFileNotFound},
-      {QString(), common::kBadParameter},
-      {QStringLiteral("sorted"), common::kBadParameter},
-      {QString::fromStdString(root_.string()) + QChar(0xD800), common::kBadParameter},
-      {QString::fromStdString(root_.string()) + QChar(0), common::kBadParameter}};
-  for (const auto& [path, status] : cases)
-    EXPECT_EQ(fileops::AggregateFolder({folders_, log_}, path).status, status);
-  EXPECT_EQ(TreeOf(root_), Lines{"a.pdf"});
-  EXPECT_EQ(run(temporary_.path().toStdString() + "/link/").moved, 1U) << "a link to the folder is followed";
-  EXPECT_EQ(log_.lines, Lines{});
+  fs::create_symlink(root_, root_.string() + ".link");
+  const QString path = QString::fromStdString(root_.string());
+  const std::tuple<QString, common::Status, std::size_t> cases[] = {
+      {path + QStringLiteral("/a.pdf"), common::kNotAFolder, 0},
+      {path + QStringLiteral("/b"), common::kFileNotFound, 0},
+      {QString(), common::kBadParameter, 0},
+      {QStringLiteral("sorted"), common::kBadParameter, 0},
+      {path + QChar(0xD800), common::kBadParameter, 0},
+      {path + QChar(0), common::kBadParameter, 0},
+      {path + QStringLiteral(".link/"), common::kNoError, 1}};  // the folder itself may be a link
+  for (const auto& [folder, status, moved] : cases) {
+    const AggregationResult result = fileops::AggregateFolder({folders_, log_}, folder);
+    EXPECT_EQ(result.status, status) << folder.toStdString();
+    EXPECT_EQ(result.moved, moved);
+  }
+  EXPECT_EQ(log_.lines, Sorted{});
 }
 
 TEST_F(Aggregation, ListsFilesOnlyWhenAskedTo) {
   make({"a", "b/", "c -> b"});
-  std::vector<platform::FolderItem> items;
   const platform::FolderResult folder = folders_.openFolder(platform::FileReference(root_));
-  ASSERT_EQ(fileops::ListFolderItems(*folder.folder, true, items), common::kNoError);
-  EXPECT_EQ(items.size(), 2U);
-  ASSERT_EQ(fileops::ListFolderItems(*folder.folder, false, items), common::kNoError);
-  EXPECT_EQ(items.size(), 5U);
+  for (const bool filesOnly : {true, false}) {
+    std::vector<platform::FolderItem> items;
+    ASSERT_EQ(fileops::ListFolderItems(*folder.folder, filesOnly, items), common::kNoError);
+    EXPECT_EQ(items.size(), filesOnly ? 2U : 3U);
+  }
 }
 
 TEST_F(Aggregation, LongNamesThatAreTakenAreCutAtACharacter) {
-  std::string wide = "e";
-  while (wide.size() < 251) wide += "\u00fc";
-  const std::string exact = std::string(212, 'c') + ".pdf";
-  const std::string unmovable = "y." + std::string(253, 'x');
-  for (const std::string& name : {std::string(251, 'a') + ".pdf", std::string(213, 'b') + ".pdf", exact,
-                                  wide + ".md", "x" + wide + ".o", unmovable}) {
+  const std::string x(253, 'x');
+  QString wide(125, QChar(0xFC));  // two bytes each
+  const std::pair<std::string, std::string> cases[] = {
+      // name, what is left of it before " - UUID"
+      {x.substr(0, 251) + ".pdf", x.substr(0, 212)},
+      {x.substr(0, 213) + ".pdf", x.substr(0, 212)},
+      {x.substr(0, 212) + ".pdf", x.substr(0, 212)},
+      {wide.toStdString() + ".md", wide.left(106).toStdString()},
+      {"y" + wide.toStdString() + ".md", "y" + wide.left(106).toStdString()},
+      {"z." + x, ""}};  // no room for a UUID: stays
+  for (const auto& [name, base] : cases) {
     fs::remove_all(root_);
     const std::string extension = name.substr(name.rfind('.') + 1);
     make({name, extension + '/' + name});
-    EXPECT_EQ(run().left, name == unmovable ? 1U : 0U) << name;
-    for (const auto& entry : fs::directory_iterator(root_ / extension)) {
-      const std::string made = entry.path().filename();
-      if (made == name) continue;
-      EXPECT_TRUE(made.size() == 255 || (name[0] == 'e' && made.size() == 254)) << made;
-      EXPECT_EQ(QString::fromStdString(made).toStdString(), made) << "whole characters";
-      EXPECT_TRUE(made.ends_with('.' + extension));
-      EXPECT_TRUE(name != exact || made.starts_with(std::string(212, 'c') + " - ")) << "not cut without need";
-    }
+    EXPECT_EQ(run().left, base.empty() ? 1U : 0U) << name;
+    const std::string made = extension + '/' + base + " - UUID." + extension + " < " + name;
+    const Lines tree = TreeOf(root_);
+    EXPECT_EQ(std::count(tree.begin(), tree.end(), base.empty() ? name : made), 1) << made;
   }
   EXPECT_EQ(log_.lines.size(), 1U);
 }
 
-TEST_F(Aggregation, WritesACommentBackOnlyToWhatWasMoved) {
-  make({"a.pdf", "b.txt", "c.pdf", "pdf/a.pdf", "txt"});
-  comments_.beforeMove = [](const std::string& path) -> std::optional<QString> {
-    if (path.ends_with("c.pdf")) return std::nullopt;
-    return QStringLiteral("from here");
-  };
-  (void)runWithComments();
-  ASSERT_EQ(comments_.written.size(), 1U);
-  EXPECT_TRUE(
-      std::regex_match(comments_.written[0], std::regex(".*/sorted/pdf/a - [-0-9A-F]{36}.pdf: from here")));
-}
-
-TEST_F(Aggregation, ItemsAndSubfoldersThatGoMeanwhileAreLogged) {
+TEST_F(Aggregation, WhatGoesMeanwhileIsLoggedAndOnlyWhatWasMovedGetsItsCommentBack) {
   make({"1.pdf", "1.pdf.pdf", "1.pdf.pdf.pdf", "gone.txt"});
   int seen = 0;
-  comments_.beforeMove = [&](const std::string& path) -> std::optional<QString> {
+  comments_.beforeMove = [&](const std::string& path) {
     if (path.ends_with(".txt")) fs::remove(path);
     if (path.ends_with(".pdf") && ++seen == 2) fs::remove_all(root_ / "pdf");
-    return std::nullopt;
+    return QStringLiteral("from here");
   };
-  EXPECT_EQ(runWithComments().left, 3U);
+  EXPECT_EQ(run(&comments_).left, 3U);
+  const auto withoutNumber = [](const std::string& text) {
+    return std::regex_replace(text, std::regex("(\\.pdf)+"), ".pdf");
+  };
+  Sorted found;
+  for (const std::string& line : log_.lines) found.insert(withoutNumber(line));
   const std::string missing = "An error occurred moving a folder or file. Error code = -43";
   const std::string pdfStays = Stays(root_ / "1.pdf", root_ / "pdf");
-  std::multiset<std::string> found;
-  for (const std::string& line : log_.lines)
-    found.insert(std::regex_replace(line, std::regex("(\\.pdf)+"), ".pdf"));
-  EXPECT_EQ(found, (std::multiset<std::string>{missing, missing, pdfStays, pdfStays,
-                                               Stays(root_ / "gone.txt", root_ / "txt")}));
+  EXPECT_EQ(found, (Sorted{missing, missing, pdfStays, pdfStays, Stays(root_ / "gone.txt", root_ / "txt")}));
+  ASSERT_EQ(comments_.written.size(), 1U);
+  EXPECT_EQ(withoutNumber(comments_.written[0]), (root_ / "pdf/1.pdf: from here").string());
 }
 
 TEST_F(Aggregation, ASubfolderThatALinkReplacesMeanwhileLeadsNowhere) {
@@ -271,22 +227,9 @@ TEST_F(Aggregation, ASubfolderThatALinkReplacesMeanwhileLeadsNowhere) {
     }
     return std::nullopt;
   };
-  const AggregationResult result = runWithComments();
+  EXPECT_GE(run(&comments_).left, 100U);
   EXPECT_TRUE(fs::is_empty(outside));
-  EXPECT_GE(result.left, 100U);
-  EXPECT_EQ(result.left + result.moved, 300U);
   EXPECT_EQ(TreeOf(root_).size(), 301U);
-}
-
-TEST_F(Aggregation, ManyExtensionsNeedFewDescriptors) {
-  for (int i = 0; i < 600; ++i) MakeItem(root_, std::to_string(i) + ".e" + std::to_string(i % 200));
-  EXPECT_EQ(runInChild([] {
-              const rlimit few{100, 100};
-              return ::setrlimit(RLIMIT_NOFILE, &few) == 0;
-            }),
-            0);
-  EXPECT_EQ(TreeOf(root_).size(), 600U);
-  EXPECT_FALSE(fs::exists(root_ / "0.e0"));
 }
 
 TEST_F(Aggregation, WhatMayNotBeMovedStays) {
@@ -294,10 +237,8 @@ TEST_F(Aggregation, WhatMayNotBeMovedStays) {
   fs::permissions(root_ / "pdf", fs::perms(0555));
   fs::permissions(root_ / "b.txt", fs::perms::none);
   fs::permissions(root_ / "closed.d", fs::perms(0555));
-  const auto asNobody = [this] {
-    return ::getuid() != 0 || (::chmod(temporary_.path().toLocal8Bit().constData(), 0755) == 0 &&
-                               ::setgid(65534) == 0 && ::setuid(65534) == 0);
-  };
+  fs::permissions(root_.parent_path(), fs::perms(0755));
+  const auto asNobody = [] { return ::getuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0); };
   if (::getuid() == 0) {
     for (const char* name : {"", "a.pdf", "b.txt", "closed.d"})
       ASSERT_EQ(::chown((root_ / name).c_str(), 65534, 65534), 0);
@@ -349,56 +290,60 @@ TEST_F(Aggregation, OnACaseInsensitiveFileSystemOneSubfolderTakesAll) {
   if (!isMounted) GTEST_SKIP() << "no case-insensitive file system can be mounted here";
   make({"PDF/C.PDF", "a.pdf", "b.PDF", "c.pdf", "d.Pdf", "e.TXT", "e1.txt"});
   EXPECT_EQ(run().left, 0U);
-  std::multiset<std::string> folded;
+  Sorted folded;
   for (const std::string& line : TreeOf(root_)) {
     folded.insert(QString::fromStdString(line.substr(0, line.find(" < "))).toLower().toStdString());
   }
   EXPECT_TRUE(Succeeds("umount $1", root_));
-  EXPECT_EQ(folded, (std::multiset<std::string>{"pdf/a.pdf", "pdf/b.pdf", "pdf/c - uuid.pdf", "pdf/c.pdf",
-                                                "pdf/d.pdf", "txt/e.txt", "txt/e1.txt"}));
+  EXPECT_EQ(folded, (Sorted{"pdf/a.pdf", "pdf/b.pdf", "pdf/c - uuid.pdf", "pdf/c.pdf", "pdf/d.pdf",
+                            "txt/e.txt", "txt/e1.txt"}));
 }
 
-TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothing) {
+TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) {
   constexpr int kFiles = 2000;
-  std::multiset<std::string> expected;
+  constexpr int kExtensions = 150;
+  const auto withFewDescriptors = [] {
+    const rlimit few{100, 100};
+    return ::setrlimit(RLIMIT_NOFILE, &few) == 0;
+  };
+  Sorted expected;
   for (int i = 0; i < kFiles; ++i) {
-    const std::string name = std::to_string(i) + ".e" + std::to_string(i % 7);
+    const std::string extension = "e" + std::to_string(i % kExtensions);
+    const std::string name = std::to_string(i) + '.' + extension;
     MakeItem(root_, name);
-    expected.insert("e" + std::to_string(i % 7) + "/" + name + " < " + name);
+    expected.insert(extension + '/' + name + " < " + name);
   }
   int stoppedHalfway = 0;
-  for (int attempt = 0; attempt < 40; ++attempt) {
+  for (int attempt = 0; attempt < 30; ++attempt) {
     const pid_t child = ::fork();
-    if (child == 0) ::_exit(run().left == 0 ? 0 : 1);
+    if (child == 0) ::_exit(withFewDescriptors() && run().left == 0 ? 0 : 1);
     std::this_thread::sleep_for(std::chrono::microseconds(100 + 50 * (attempt * 7 % 40)));
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     const auto there = std::distance(fs::directory_iterator(root_), fs::directory_iterator());
-    stoppedHalfway += there > 7 && there < kFiles ? 1 : 0;
+    stoppedHalfway += there > kExtensions && there < kFiles ? 1 : 0;
   }
   EXPECT_GE(stoppedHalfway, 1);
-  EXPECT_EQ(run().left, 0U);
+  EXPECT_EQ(runInChild(withFewDescriptors), 0);
   const Lines tree = TreeOf(root_);
-  EXPECT_EQ(std::multiset<std::string>(tree.begin(), tree.end()), expected);
+  EXPECT_EQ(Sorted(tree.begin(), tree.end()), expected);
 }
 
 TEST_F(Aggregation, AFolderThatSomeoneKeepsFillingIsSortedWithoutALoss) {
-  constexpr int kRounds = 1500;
+  constexpr int kRounds = 400;
   make({"pdf/", "txt/"});
   const pid_t filler = ::fork();
   if (filler == 0) {
     // The same name in the folder and, as a rival for it, in the subfolder.
     for (int i = 0; i < kRounds; ++i) {
       const std::string name = std::to_string(i % 50) + (i % 2 == 0 ? ".pdf" : ".txt");
-      const std::string content = std::to_string(i);
-      WriteFile(root_ / ".arriving", content);
+      WriteFile(root_ / ".arriving", std::to_string(i));
       if (::link((root_ / ".arriving").c_str(), (root_ / name).c_str()) != 0) --i;
       ::unlink((root_ / ".arriving").c_str());
-      const int rival =
-          ::open((root_ / name.substr(name.size() - 3) / name).c_str(), O_CREAT | O_EXCL | O_WRONLY, 0600);
-      if (rival >= 0 && ::write(rival, "rival", 5) != 5) ::_exit(1);
-      if (rival >= 0) ::close(rival);
+      WriteFile(root_ / ".rival", "rival");
+      (void)::link((root_ / ".rival").c_str(), (root_ / name.substr(name.size() - 3) / name).c_str());
     }
+    ::unlink((root_ / ".rival").c_str());
     ::_exit(0);
   }
   int status = 0;
