@@ -82,7 +82,7 @@ TEST_F(Comments, WhatCannotCarryOneIsAClearError) {
     for (const auto& arguments : {std::vector{"comment"s, path}, {"comment"s, path, "x"s}}) {
       const Outcome outcome = run(arguments);
       EXPECT_EQ(outcome.exitStatus, 1) << path;
-      EXPECT_EQ(outcome.errors, "quillforth-cli: " + path + ": " + reason + "\n");
+      EXPECT_EQ(outcome.errors, "quillforth-cli: " + std::string(path).append(": ").append(reason) + '\n');
     }
   }
   EXPECT_EQ(run({"comment", file_, std::string(70000, 'x')}).errors,
