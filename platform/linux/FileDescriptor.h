@@ -23,6 +23,8 @@ class FileDescriptor {
 
   [[nodiscard]] int get() const { return value_; }
   [[nodiscard]] bool isOpen() const { return value_ >= 0; }
+  /// Leaves the descriptor to the caller.
+  [[nodiscard]] int release() { return std::exchange(value_, -1); }
   void reset() {
     if (value_ >= 0) ::close(std::exchange(value_, -1));
   }

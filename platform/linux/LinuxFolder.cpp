@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/StatusOfErrno.h"
 
 namespace quillforth::platform {
@@ -20,23 +21,6 @@ namespace {
 
 // Needs no permission to read the folder, and is enough to move items into it.
 constexpr int kHeld = O_PATH | O_DIRECTORY | O_CLOEXEC;
-
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  Descriptor& operator=(Descriptor&&) = delete;
-  ~Descriptor() {
-    if (isOpen()) ::close(descriptor_);
-  }
-  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-  [[nodiscard]] int get() const { return descriptor_; }
-  /// Leaves the descriptor to the caller.
-  int release() { return std::exchange(descriptor_, -1); }
-
- private:
-  int descriptor_;
-};
 
 struct Place {
   int folder;
@@ -124,7 +108,7 @@ class LinuxFolder final : public Folder {
  public:
   static FolderResult open(int parent, const std::string& name, int flags, std::string path);
 
-  LinuxFolder(Descriptor descriptor, const struct stat& identity, std::string path)
+  LinuxFolder(FileDescriptor descriptor, const struct stat& identity, std::string path)
       : descriptor_(std::move(descriptor)), identity_(identity), path_(std::move(path)) {}
 
   [[nodiscard]] const std::string& path() const override { return path_; }
@@ -142,13 +126,13 @@ class LinuxFolder final : public Folder {
  private:
   [[nodiscard]] bool isFolder(const dirent& entry) const;
 
-  Descriptor descriptor_;
+  FileDescriptor descriptor_;
   struct stat identity_;
   std::string path_;
 };
 
 FolderResult LinuxFolder::open(int parent, const std::string& name, int flags, std::string path) {
-  Descriptor descriptor(::openat(parent, name.c_str(), flags));
+  FileDescriptor descriptor(::openat(parent, name.c_str(), flags));
   struct stat identity {};
   if (!descriptor.isOpen() || ::fstat(descriptor.get(), &identity) != 0)
     return {StatusOfErrno(errno), nullptr};
@@ -162,11 +146,11 @@ bool LinuxFolder::isFolder(const dirent& entry) const {
 }
 
 common::Status LinuxFolder::listItems(std::vector<FolderItem>& items) const {
-  Descriptor readable(::openat(descriptor_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  FileDescriptor readable(::openat(descriptor_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!readable.isOpen()) return StatusOfErrno(errno);
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(readable.get()), ::closedir);
   if (!listing) return StatusOfErrno(errno);
-  readable.release();
+  (void)readable.release();
   for (;;) {
     errno = 0;
     const dirent* entry = ::readdir(listing.get());
@@ -191,7 +175,7 @@ bool LinuxFolder::holds(const std::string& name, const Folder& other) const {
 std::optional<std::string> LinuxFolder::readFile(const std::string& name, std::size_t limit) const {
   if (!IsComponent(name)) return std::nullopt;
   // Without waiting, in case that it is a FIFO.
-  const Descriptor file(
+  const FileDescriptor file(
       ::openat(descriptor_.get(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status {};
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
