@@ -44,8 +44,8 @@ class URL {
 
 /// `text` without "user:password@", whether or not it makes a URL.
 ///
-/// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host" and
-/// "user:password@host"; better a mangled text than a shown password.
+/// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host"
+/// and "user:password@host"; better a mangled text than a shown password.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
 
 }  // namespace quillforth::platform
