@@ -89,26 +89,37 @@ void Get::moveOn() {
 
 void Get::handOver(const QString& url) {
   controller_.showStatusAndActivate();
-  const bool isPage = settings_.kind == GetArguments::Kind::page ||
-                      (settings_.kind == GetArguments::Kind::decide && controller_.isWebPageURL(url));
+  const bool isAPage = isPage(url);
   if (shouldStop_()) {
     urls_.push_front(url);
-  } else if (isPage) {
+  } else if (isAPage) {
     workPage(url);
   } else {
     controller_.startURL(url, true);
   }
 }
 
+bool Get::isPage(const QString& url) {
+  if (settings_.kind != GetArguments::Kind::decide) return settings_.kind == GetArguments::Kind::page;
+  const std::optional<platform::URL> target = platform::URL::URLWithString(url);
+  // Only then may the answer take its time.
+  const bool mustAsk = target && target->pathExtension().isEmpty();
+  if (mustAsk) reporter_.willWait(QStringLiteral("Asking"), platform::WithoutCredentials(url));
+  const bool answer = controller_.isWebPageURL(url);
+  if (mustAsk) reporter_.didWait();
+  return answer;
+}
+
 void Get::workPage(const QString& url) {
   const QString shownURL = platform::WithoutCredentials(url);
-  reporter_.pageWillLoad(shownURL);
+  reporter_.willWait(QStringLiteral("Loading"), shownURL);
   pageLoader_.forgetOutcome();
   const int waitingBefore = static_cast<int>(controller_.numberOfRows());
   const int leftBefore = urlsThatLeftTheQueue();
   controller_.extractLinks(url);
   const int links =
       static_cast<int>(controller_.numberOfRows()) - waitingBefore + urlsThatLeftTheQueue() - leftBefore;
+  reporter_.didWait();
   switch (pageLoader_.outcome()) {
     case ObservedPageLoader::Outcome::loaded:
       return reporter_.pageDidLoad(shownURL, links);

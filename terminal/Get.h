@@ -53,6 +53,7 @@ class Get final : private DownloadObserver, private app::DriverObserver {
   void moveOnLater();
   void moveOn();
   void handOver(const QString& url);
+  [[nodiscard]] bool isPage(const QString& url);
   void workPage(const QString& url);
   void fail(const QString& url, const QString& reason);
   [[nodiscard]] int urlsThatLeftTheQueue() const;

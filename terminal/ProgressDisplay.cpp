@@ -59,13 +59,12 @@ ProgressDisplay::~ProgressDisplay() {
   suspend();
 }
 
-void ProgressDisplay::pageWillLoad(const QString& url) {
-  loadingPage_ = QStringLiteral("Loading ") + Printable(url);
+void ProgressDisplay::willWait(const QString& what, const QString& url) {
+  waitingFor_ = what + u' ' + Printable(url);
   draw();
 }
 
 void ProgressDisplay::pageDidLoad(const QString& url, int links) {
-  loadingPage_ = QString();
   appendLine("", QStringLiteral("page %1: %2 %3")
                      .arg(Printable(url))
                      .arg(links)
@@ -78,7 +77,6 @@ void ProgressDisplay::fileDidFinish(const QString& url, const QString& path, std
 }
 
 void ProgressDisplay::didFail(const QString& url, const QString& reason) {
-  loadingPage_ = QString();
   appendLine(kRed, FailedLine(url, reason));
 }
 
@@ -114,10 +112,10 @@ void ProgressDisplay::end(const Summary& summary) {
 void ProgressDisplay::draw() {
   const WindowSize size = SizeOf(terminal_);
   QByteArrayList live;
-  if (loadingPage_.isNull()) {
+  if (waitingFor_.isNull()) {
     live = LiveLines(status_, size);
   } else {
-    live = {ElideMiddle(loadingPage_, std::max(size.columns - 1, 1)).toUtf8()};
+    live = {ElideMiddle(waitingFor_, std::max(size.columns - 1, 1)).toUtf8()};
   }
   if (finished_.isEmpty() && live == drawn_ && size == drawnSize_) return;
   write(live);

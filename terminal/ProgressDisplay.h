@@ -38,7 +38,8 @@ class ProgressDisplay final : public Reporter {
   ProgressDisplay(Output& terminal, Output& errors, const Status& status, Colour colour);
   ~ProgressDisplay() override;
 
-  void pageWillLoad(const QString& url) override;
+  void willWait(const QString& what, const QString& url) override;
+  void didWait() override { waitingFor_ = QString(); }
   void pageDidLoad(const QString& url, int links) override;
   void fileDidBegin(const QString& /*url*/) override {}
   void fileDidProgress(const QString&, std::uint64_t, std::int64_t) override {}
@@ -59,7 +60,7 @@ class ProgressDisplay final : public Reporter {
   const Status& status_;
   Colour colour_;
   QTimer timer_;
-  QString loadingPage_;  // null when none is
+  QString waitingFor_;   // null: nothing blocks the run
   QByteArray finished_;  // lines that wait for the next drawing
   QByteArrayList drawn_;
   WindowSize drawnSize_;

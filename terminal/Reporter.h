@@ -26,8 +26,9 @@ struct Summary {
 class Reporter {
  public:
   virtual ~Reporter() = default;
-  /// Comes before the loading, which blocks.
-  virtual void pageWillLoad(const QString& url) = 0;
+  /// The run is about to block, "Loading" a page or "Asking" what a URL is, until `didWait`.
+  virtual void willWait(const QString& what, const QString& url) = 0;
+  virtual void didWait() = 0;
   virtual void pageDidLoad(const QString& url, int links) = 0;
   virtual void fileDidBegin(const QString& url) = 0;
   /// Comes often. `expected`: -1 when unknown.
@@ -47,7 +48,8 @@ class LineReporter final : public Reporter {
  public:
   LineReporter(Output& results, Output& errors) : results_(results), errors_(errors) {}
 
-  void pageWillLoad(const QString& /*url*/) override {}
+  void willWait(const QString& /*what*/, const QString& /*url*/) override {}
+  void didWait() override {}
   void pageDidLoad(const QString& url, int links) override;
   void fileDidBegin(const QString& /*url*/) override {}
   void fileDidProgress(const QString&, std::uint64_t, std::int64_t) override {}
@@ -67,7 +69,8 @@ class JsonReporter final : public Reporter {
  public:
   JsonReporter(Output& results, Output& errors) : results_(results), errors_(errors) {}
 
-  void pageWillLoad(const QString& /*url*/) override {}
+  void willWait(const QString& /*what*/, const QString& /*url*/) override {}
+  void didWait() override {}
   void pageDidLoad(const QString& url, int links) override;
   void fileDidBegin(const QString& url) override;
   /// At most one object a second.
