@@ -16,7 +16,7 @@ namespace quillforth::platform {
 
 class BodySink {
  public:
-  static constexpr std::size_t kCapacity = 256 * 1024;
+  static constexpr std::size_t kCapacity = 256UL * 1024;
 
   /// Takes all of `bytes`, or nothing when they do not fit and there is no file yet.
   [[nodiscard]] bool append(std::string_view bytes);

@@ -31,8 +31,8 @@ std::optional<std::int64_t> ParseLength(std::string_view text) {
   return isNumber ? std::optional(length) : std::nullopt;
 }
 
-std::string FirstOr(const std::vector<std::string>& values, std::string fallback) {
-  return values.empty() ? std::move(fallback) : values.front();
+std::string FirstOr(const std::vector<std::string>& values, const char* fallback) {
+  return values.empty() ? fallback : values.front();
 }
 
 // The fields may be repeated, and each may list its number again; all must say the same.
@@ -86,7 +86,7 @@ std::optional<std::int64_t> AnnouncedLength(CURL* handle) {
 }
 
 std::string MIMETypeOfResponse(CURL* handle) {
-  const std::string field = FirstOr(HeaderValues(handle, "Content-Type"), {});
+  const std::string field = FirstOr(HeaderValues(handle, "Content-Type"), "");
   const std::string_view type = TrimmedBlanks(std::string_view(field).substr(0, field.find(';')));
   std::string lower(type.substr(0, kMaxMIMETypeLength));
   std::transform(lower.begin(), lower.end(), lower.begin(),
@@ -100,7 +100,7 @@ bool HasContentCoding(CURL* handle) {
 }
 
 QString FilenameOfResponse(CURL* handle, const std::string& mimeType) {
-  const std::string disposition = FirstOr(HeaderValues(handle, "Content-Disposition"), {});
+  const std::string disposition = FirstOr(HeaderValues(handle, "Content-Disposition"), "");
   char* url = nullptr;
   curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &url);
   return SuggestedFilename({disposition, url == nullptr ? "" : url, mimeType}, PreferredSuffix);

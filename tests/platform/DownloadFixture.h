@@ -101,7 +101,8 @@ class DownloadRecorder final : public platform::WebDownloadDelegate,
     const std::optional<Credential> next = answers.front();
     answers.pop_front();
     if (challenges.size() % 2 == 0) return answer(next);  // a sheet may answer at once, or later
-    QTimer::singleShot(0, [answer = std::move(answer), next] { answer(next); });
+    const auto later = [answer = std::move(answer), next] { answer(next); };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), later, Qt::QueuedConnection);
   }
 
  private:

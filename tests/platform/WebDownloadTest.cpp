@@ -98,10 +98,8 @@ TEST_F(DownloadTest, WaitsWithLargeBodiesUntilTheDestinationIsDecided) {
     });
     DownloadRecorder slow = recorder();
     slow.hook = [&](char call, WebDownload&) {
-      if (call != 'D') return;
-      QEventLoop panel;  // as a modal panel would
-      QTimer::singleShot(80, &panel, &QEventLoop::quit);
-      panel.exec();
+      const QDeadlineTimer deadline(call == 'D' ? 80 : 0);  // as a modal panel would
+      RunLoopUntil([&] { return deadline.hasExpired(); });
     };
     download(server.url("/large"), slow);
     EXPECT_EQ(slow.response.expectedContentLength, static_cast<std::int64_t>(length));
