@@ -171,29 +171,6 @@ TEST_F(Aggregation, ListsFilesOnlyWhenAskedTo) {
   }
 }
 
-TEST_F(Aggregation, LongNamesThatAreTakenAreCutAtACharacter) {
-  const std::string x(253, 'x');
-  QString wide(125, QChar(0xFC));  // two bytes each
-  const std::pair<std::string, std::string> cases[] = {
-      // name, what is left of it before " - UUID"
-      {x.substr(0, 251) + ".pdf", x.substr(0, 212)},
-      {x.substr(0, 213) + ".pdf", x.substr(0, 212)},
-      {x.substr(0, 212) + ".pdf", x.substr(0, 212)},
-      {wide.toStdString() + ".md", wide.left(106).toStdString()},
-      {"y" + wide.toStdString() + ".md", "y" + wide.left(106).toStdString()},
-      {"z." + x, ""}};  // no room for a UUID: stays
-  for (const auto& [name, base] : cases) {
-    fs::remove_all(root_);
-    const std::string extension = name.substr(name.rfind('.') + 1);
-    make({name, extension + '/' + name});
-    EXPECT_EQ(run().left, base.empty() ? 1U : 0U) << name;
-    const std::string made = extension + '/' + base + " - UUID." + extension + " < " + name;
-    const Lines tree = TreeOf(root_);
-    EXPECT_EQ(std::count(tree.begin(), tree.end(), base.empty() ? name : made), 1) << made;
-  }
-  EXPECT_EQ(log_.lines.size(), 1U);
-}
-
 TEST_F(Aggregation, WhatGoesMeanwhileIsLoggedAndOnlyWhatWasMovedGetsItsCommentBack) {
   make({"1.pdf", "1.pdf.pdf", "1.pdf.pdf.pdf", "gone.txt"});
   int seen = 0;
@@ -311,7 +288,7 @@ TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) 
     const std::string extension = "e" + std::to_string(i % kExtensions);
     const std::string name = std::to_string(i) + '.' + extension;
     MakeItem(root_, name);
-    expected.insert(extension + '/' + name + " < " + name);
+    expected.insert(std::string(extension).append("/").append(name).append(" < ").append(name));
   }
   int stoppedHalfway = 0;
   for (int attempt = 0; attempt < 30; ++attempt) {
