@@ -42,7 +42,7 @@ void Require(bool condition, const char* what) {
   std::exit(2);
 }
 
-class SilentLog final : public platform::SystemLog {
+class ErrorLog final : public platform::SystemLog {
  public:
   void log(const QString& message) override { std::cerr << message.toStdString() << '\n'; }
 };
@@ -120,7 +120,7 @@ Cost BareLoop(const std::string& folder) {
 Cost Aggregation(const std::string& folder, const char* separator) {
   Fill(folder, separator);
   platform::LinuxFolderAccess folders;
-  SilentLog log;
+  ErrorLog log;
   fileops::AggregationResult result;
   const Cost cost = CostOf([&] {
     result = fileops::AggregateFolder({folders, log}, QString::fromStdString(folder));
