@@ -72,8 +72,8 @@ void CurlDownload::decideDestination(const QString& filename) {
 }
 
 void CurlDownload::receive(DestinationReport& report) {
-  delegate_.downloadDidCreateDestination(*this,
-                                         destination_->folder + u'/' + QString::fromStdString(report.name));
+  const QString folder = report.folder.empty() ? destination_->folder : QString::fromStdString(report.folder);
+  delegate_.downloadDidCreateDestination(*this, folder + u'/' + QString::fromStdString(report.name));
 }
 
 void CurlDownload::receive(DataReport& report) {

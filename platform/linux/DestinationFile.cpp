@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/SuggestedFilename.h"
 
@@ -57,6 +59,7 @@ int FileCalls::link(int folder, const char* from, const char* to) {
 DestinationFile::DestinationFile(DownloadFolder folder, const Target& target, FileCalls& calls)
     : folder_(std::move(folder)),
       calls_(calls),
+      askedFolder_(target.folder),
       wantedName_(target.name),
       allowOverwrite_(target.allowOverwrite),
       name_(target.name) {}
@@ -83,6 +86,19 @@ bool DestinationFile::isOurs(const std::string& name) const {
   struct stat status {};
   return ::fstatat(folder_.descriptor.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
          status.st_dev == device_ && status.st_ino == inode_;
+}
+
+std::string DestinationFile::movedFolder() const {
+  struct stat asked {};
+  struct stat held {};
+  if (::fstat(folder_.descriptor.get(), &held) != 0) return {};
+  if (::stat(askedFolder_.c_str(), &asked) == 0 && asked.st_dev == held.st_dev &&
+      asked.st_ino == held.st_ino) {
+    return {};
+  }
+  std::error_code error;
+  const std::string link = "/proc/self/fd/" + std::to_string(folder_.descriptor.get());
+  return std::filesystem::read_symlink(link, error).string();
 }
 
 int DestinationFile::openTemporary() {
@@ -138,6 +154,7 @@ int DestinationFile::write(std::string_view bytes) {
 }
 
 int DestinationFile::publish() {
+  if (!isOurs(temporaryName_)) return ENOENT;  // somebody has removed or replaced it
   if (calls_.flush(file_.get()) != 0) return errno;
   int error = 0;
   if (allowOverwrite_) {
@@ -147,6 +164,7 @@ int DestinationFile::publish() {
     error = publishUnderFreeName();
   }
   isPublished_ = error == 0;
+  isKept_ = isPublished_ && allowOverwrite_;  // what it may have replaced is gone: it stays, whatever follows
   return error;
 }
 

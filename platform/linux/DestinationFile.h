@@ -49,6 +49,9 @@ class DestinationFile {
 
   /// The final name: as planned, or, once published, as it came to be.
   [[nodiscard]] const std::string& name() const { return name_; }
+  /// The path of the folder if it is no longer the one it was asked for by; else empty. A folder that has
+  /// been moved, or had its place taken, keeps its files.
+  [[nodiscard]] std::string movedFolder() const;
   /// Appends all of `bytes`.
   [[nodiscard]] int write(std::string_view bytes);
   /// Gives the file its final name. Without permission to overwrite, the wanted name or the next free of
@@ -71,6 +74,7 @@ class DestinationFile {
 
   DownloadFolder folder_;
   FileCalls& calls_;
+  const std::string askedFolder_;
   const std::string wantedName_;
   const bool allowOverwrite_;
   std::string name_;

@@ -52,9 +52,14 @@ void DownloadTransfer::beginRequest() {
   phase_ = Phase::requesting;
 }
 
-std::size_t DownloadTransfer::receiveHeader(const char*, std::size_t size, std::size_t count, void* self) {
+// libcurl takes a header that is cut off for a whole one, so the blank line is looked for here.
+std::size_t DownloadTransfer::receiveHeader(const char* data, std::size_t size, std::size_t count,
+                                            void* self) {
   auto& transfer = *static_cast<DownloadTransfer*>(self);
   transfer.hasMoved_ = true;
+  const std::string_view line(data, size * count);
+  if (line.starts_with("HTTP/")) transfer.request_.isInsideHeader = true;
+  if (line == "\r\n" || line == "\n") transfer.request_.isInsideHeader = false;
   transfer.request_.headerLength += size * count;
   if (transfer.request_.headerLength <= kMaxHeaderBytes) return size * count;
   transfer.request_.failure = QStringLiteral("The header of the server's answer is too long.");
@@ -130,6 +135,7 @@ void DownloadTransfer::requestDone(CURLcode result) {
     return handleRefusal(refusal == kProxyUnauthorized);
   }
   if (result != CURLE_OK) return fail(requestErrorText(result));
+  if (request_.isInsideHeader) return fail(TransferErrorText(CURLE_PARTIAL_FILE, 0));
   if (!request_.hasHead) readHead();
   if (!request_.failure.isNull()) return fail(request_.failure);
   finishBody();
@@ -177,7 +183,7 @@ void DownloadTransfer::setDestination(const DestinationFile::Target& target) {
   std::unique_ptr<DestinationFile> file;
   const int error = DestinationFile::create(context_.folders, target, context_.files, file);
   if (error != 0) return fail(FileErrorText(error));
-  context_.outbox.emplace_back(DestinationReport{id_, file->name()});
+  context_.outbox.emplace_back(DestinationReport{id_, file->name(), {}});
   sink_.setFile(std::move(file));
   hasMoved_ = true;
   if (phase_ == Phase::awaitingDestination) return finishFile();
@@ -197,8 +203,9 @@ void DownloadTransfer::finishBody() {
 void DownloadTransfer::finishFile() {
   const std::string plannedName = sink_.file()->name();
   if (const int error = sink_.finish(); error != 0) return fail(FileErrorText(error));
-  if (sink_.file()->name() != plannedName) {
-    context_.outbox.emplace_back(DestinationReport{id_, sink_.file()->name()});
+  std::string movedTo = sink_.file()->movedFolder();
+  if (!movedTo.empty() || sink_.file()->name() != plannedName) {
+    context_.outbox.emplace_back(DestinationReport{id_, sink_.file()->name(), std::move(movedTo)});
   }
   reportData();
   context_.outbox.emplace_back(FinishedReport{id_, sink_.takeFile()});

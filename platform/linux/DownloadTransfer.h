@@ -68,6 +68,7 @@ class DownloadTransfer {
   struct Request {
     std::size_t headerLength = 0;
     std::size_t discardedLength = 0;
+    bool isInsideHeader = false;  // between a status line and its blank line
     bool hasHead = false;
     bool isDiscarding = false;  // the body is not the file
     bool isPaused = false;

@@ -58,7 +58,8 @@ struct ResponseReport {
 };
 struct DestinationReport {
   DownloadId id;
-  std::string name;  ///< in the folder of the DestinationCommand
+  std::string name;
+  std::string folder;  ///< where it lies by now; empty: in the folder of the DestinationCommand
 };
 struct DataReport {
   DownloadId id;
