@@ -158,6 +158,10 @@ void Get::downloadFinished(const DownloadProgress& progress) {
 }
 
 void Get::downloadFailed(const DownloadProgress& progress, const QString& reason) {
+  if (shouldStop_()) {  // a question that was broken off
+    ++summary_.notFetched;
+    return;
+  }
   fail(progress.url, reason);
 }
 

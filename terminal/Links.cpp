@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
 #include "linkextract/ScanPage.h"
@@ -86,7 +87,8 @@ void AppendLine(QByteArray& portion, const linkextract::LinkEntry& entry) {
 }  // namespace
 
 bool IsWebSource(const std::string& source) {
-  return source.starts_with("http://") || source.starts_with("https://") || source.starts_with("ftp://");
+  return common::StartsWithNoCase(source, "http://") || common::StartsWithNoCase(source, "https://") ||
+         common::StartsWithNoCase(source, "ftp://");
 }
 
 std::optional<QString> PrintLinks(const LinksArguments& arguments, const classify::CExtensionMap& extensions,

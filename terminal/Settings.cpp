@@ -49,6 +49,9 @@ std::variant<Setting, SettingsError> MakeFolderSetting(const std::string& path,
                                                        platform::AliasManager& aliases) {
   const FolderAtPath folder = ExistingFolder(path);
   if (!folder.path) return SettingsError{folder.error};
+  if (QString::fromStdString(*folder.path).toStdString() != *folder.path) {
+    return SettingsError{*folder.path + ": not UTF-8"};
+  }
   const std::optional<QByteArray> alias = aliases.newAlias(platform::FileReference(*folder.path));
   if (!alias) return SettingsError{path + ": cannot be examined"};
   return Setting{app::kDestinationDirectoryKey, *alias};
