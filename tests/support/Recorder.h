@@ -5,7 +5,6 @@
 
 #include <QString>
 #include <QStringList>
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <set>
@@ -21,15 +20,11 @@ namespace quillforth::tests {
 class CallLog {
  public:
   void add(std::string call) { calls_.push_back(std::move(call)); }
-  /// The calls that begin with one of the prefixes, or all when there are none, parted by "; ". The log is
-  /// empty afterwards.
-  std::string take(std::initializer_list<std::string_view> prefixes = {}) {
+  /// The calls, parted by "; ". The log is empty afterwards.
+  std::string take() {
     std::string text;
-    for (const std::string& call : std::exchange(calls_, {})) {
-      const auto begins = [&call](std::string_view prefix) { return call.starts_with(prefix); };
-      if (prefixes.size() != 0 && std::none_of(prefixes.begin(), prefixes.end(), begins)) continue;
+    for (const std::string& call : std::exchange(calls_, {}))
       text.append(text.empty() ? "" : "; ").append(call);
-    }
     return text;
   }
 

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+//
+// Plays the scenarios in tests/data/controller.tsv: a step a row, with the calls to the outside that it
+// causes.
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <map>
+
+#include "app/MyAppController.h"
+#include "tests/support/CaseTable.h"
+#include "tests/support/FakeHost.h"
+
+namespace quillforth::tests {
+namespace {
+
+QString Q(const std::string& text) {
+  return text.empty() ? QString() : QString::fromStdString(text);
+}
+
+class Stage {
+ public:
+  Stage() { outlets_.table.dataSource = controller_.get(); }
+
+  /// What one step, "verb" or "verb argument" or "verb a|b", causes; "~" stands for the home folder.
+  std::string play(const std::string& step) {
+    const std::size_t blank = std::min(step.find(' '), step.size());
+    a_ = step.substr(std::min(blank + 1, step.size()));
+    const std::size_t bar = std::min(a_.find('|'), a_.size());
+    b_ = a_.substr(std::min(bar + 1, a_.size()));
+    a_.resize(bar);
+    verbs_.at(step.substr(0, blank))();
+    const QByteArray calls = QByteArray::fromStdString(log_.take());
+    return QByteArray(calls).replace(QDir::homePath().toUtf8(), "~").toStdString();
+  }
+
+ private:
+  FakeDownload& latest() { return *host_.downloads.started.back(); }
+  /// The download with the number that is given, else the latest.
+  FakeDownload& download() { return a_.empty() ? latest() : *host_.downloads.started.at(std::stoul(a_)); }
+  void begin() {
+    controller_->startURL(Q(a_), false);
+    controller_->downloadDidBegin(latest());
+  }
+  void queue() {
+    for (const QString& url : Q(a_).split(u',')) controller_->queueURL(url);
+  }
+  void showQueue() {
+    QStringList urls;
+    for (std::size_t row = 0; row < controller_->numberOfRows(); ++row)
+      urls << controller_->objectValueForRow(row);
+    log_.add(urls.join(u' ').toStdString());
+  }
+  void select() {
+    std::vector<std::size_t> rows;
+    for (const char row : a_) rows.push_back(static_cast<std::size_t>(row - '0'));
+    outlets_.table.select(rows);
+    controller_->tableViewSelectionDidChange();
+  }
+  void choose() {
+    host_.application.dialogAnswer = {std::stoi(a_), {}};
+    if (!b_.empty()) host_.application.dialogAnswer.folder = platform::FileReference(b_);
+    controller_->selectDestinationDirectory();
+  }
+  void decide() {
+    controller_->destinationFolder().decideDestinationFolder();
+    log_.add(controller_->destinationFolder().currentDestinationPath().toStdString());
+  }
+  void map() {
+    platform::ICMapEntry& entry = host_.services.mappings.emplace_back();
+    entry.extension = platform::MakePascalString(a_);
+    entry.MIMEType = platform::MakePascalString(b_);
+  }
+  void ask() {
+    log_.add(controller_->downloadShouldDecodeSourceDataOfMIMEType(latest(), Q(a_)) ? "yes" : "no");
+    const auto* window = controller_->downloadWindowForAuthenticationSheet(latest());
+    log_.add(window == &outlets_.statusWindow ? "asks on the status window" : "asks elsewhere");
+  }
+  void set(const QVariant& value) { host_.defaults.set(a_.c_str(), value); }
+
+  std::string a_, b_;
+  CallLog log_;
+  FakeHost host_{log_};
+  RecordedOutlets outlets_{log_};
+  std::unique_ptr<app::MyAppController> controller_ =
+      std::make_unique<app::MyAppController>(outlets_.outlets(), host_.host());
+  const std::map<std::string, std::function<void()>> verbs_ = {
+      // What there is.
+      {"set", [this] { set(QJsonDocument::fromJson(("[" + b_ + "]").c_str()).array()[0].toVariant()); }},
+      {"setBytes", [this] { set(QByteArray::fromStdString(b_)); }},
+      {"stored", [this] { log_.add(host_.defaults.stored.value(Q(a_)).toByteArray().toStdString()); }},
+      {"translations", [this] { log_.add(std::to_string(host_.translations)); }},
+      {"moved", [this] { host_.services.moved[a_] = b_; }},
+      {"supportStatus", [this] { host_.files.supportStatus = static_cast<common::Status>(std::stoi(a_)); }},
+      {"seconds", [this] { host_.seconds = static_cast<std::uint32_t>(std::stoul(a_)); }},
+      {"sound", [this] { host_.services.soundPath = Q(a_); }},
+      {"mapping", [this] { map(); }},
+      {"page", [this] { host_.services.pages[Q(a_)] = QByteArray::fromStdString(b_); }},
+      {"panel", [this] { host_.application.panelAnswer = Q(a_); }},
+      {"network", [this] { host_.services.network = platform::NetworkStatus{std::stoi(a_)}; }},
+      {"sayYes", [this] { host_.application.alertAnswer = app::AlertResult::defaultButton; }},
+      {"sheetCode", [this] { outlets_.statusWindow.sheetReturnCode = std::stoi(a_); }},
+      {"touch", [this] { static_cast<void>(QFile(QDir::home().filePath(Q(a_))).open(QFile::WriteOnly)); }},
+      // What the user and the system do.
+      {"awake", [this] { controller_->awakeFromNib(); }},
+      {"launch", [this] { controller_->applicationWillFinishLaunching(); }},
+      {"activate", [this] { controller_->applicationWillBecomeActive(); }},
+      {"becomeKey", [this] { controller_->windowDidBecomeKey(); }},
+      {"work", [this] { controller_->showStatusAndActivate(); }},
+      {"alert", [this] { controller_->doAlertAdding(Q(a_), Q(b_)); }},
+      {"preferences", [this] { controller_->showPreferencesWindow(); }},
+      {"isPage", [this] { log_.add(controller_->isWebPageURL(Q(a_)) ? "page" : "file"); }},
+      {"choose", [this] { choose(); }},
+      {"decide", [this] { decide(); }},
+      {"openFolder", [this] { controller_->openDestinationDirectory(); }},
+      {"aggregate", [this] { controller_->aggregateFile(); }},
+      {"extract", [this] { controller_->extractLinks(Q(a_)); }},
+      {"queue", [this] { queue(); }},
+      {"queued", [this] { showQueue(); }},
+      {"select", [this] { select(); }},
+      {"delete", [this] { controller_->deleteButtonClicked(); }},
+      {"stop", [this] { controller_->stop(); }},
+      {"tryAgain", [this] { controller_->tryAgain(); }},
+      {"start", [this] { controller_->startURL(Q(a_), false); }},
+      {"startPrompting", [this] { controller_->startURL(Q(a_), true); }},
+      {"begin", [this] { begin(); }},
+      {"cancel", [this] { controller_->cancelDownloadFile(); }},
+      {"isDownloading", [this] { log_.add(controller_->isDownloading() ? "yes" : "no"); }},
+      {"quit", [this] { controller_.reset(); }},
+      // What a download says.
+      {"begins", [this] { controller_->downloadDidBegin(download()); }},
+      {"respond", [this] { latest().respond(std::stoll(a_, nullptr, 0)); }},
+      {"receive", [this] { latest().receive(std::stoull(a_, nullptr, 0)); }},
+      {"name", [this] { controller_->downloadDecideDestinationWithSuggestedFilename(latest(), Q(a_)); }},
+      {"create",
+       [this] { controller_->downloadDidCreateDestination(latest(), QDir::home().filePath(Q(a_))); }},
+      {"ask", [this] { ask(); }},
+      {"finish", [this] { download().finish(); }},
+      {"fail", [this] { latest().fail(Q(a_), Q(b_)); }},
+  };
+};
+
+/// Whether `calls` are the expected ones: "-" is none, and "..." stands for any.
+bool Matches(std::string_view calls, std::string_view expected) {
+  if (expected == "-") return calls.empty();
+  const bool isOpen = expected.ends_with("...");
+  for (bool isFirst = true; !expected.empty(); isFirst = false) {
+    const std::size_t end = std::min(expected.find("..."), expected.size());
+    const bool isLast = end == expected.size();
+    const std::string_view part = expected.substr(0, end);
+    const std::size_t found = isLast && !isFirst ? calls.rfind(part) : calls.find(part);
+    if (found == std::string_view::npos || (isFirst && found != 0)) return false;
+    calls.remove_prefix(found + part.size());
+    expected.remove_prefix(isLast ? end : end + 3);
+  }
+  return isOpen || calls.empty();
+}
+
+TEST(Controller, CallsTheOutsideInTheOrderOfTheScenarios) {
+  std::unique_ptr<Stage> stage;
+  std::string title;
+  for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/controller.tsv", 2)) {
+    if (row[0] == "Scenario") {
+      stage = std::make_unique<Stage>();
+      title = row[1];
+      continue;
+    }
+    const std::string calls = stage->play(row[0]);
+    EXPECT_TRUE(Matches(calls, row[1])) << title << "\n" << row[0] << "\n" << row[1] << "\n" << calls;
+  }
+}
+
+}  // namespace
+}  // namespace quillforth::tests
