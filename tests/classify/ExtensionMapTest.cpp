@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "classify/InternetConfig.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::classify {
 namespace {
@@ -88,11 +89,6 @@ TEST_F(ExtensionMapLoading, KeepsTheLastRecordInTheFirstOnesPlace) {
   EXPECT_EQ(load(), ".gif=image/gif .html=text/html .HTML=text/x ");
   EXPECT_EQ(component.log, "SBPCiiiides");
   EXPECT_EQ(component.creator, common::FourCC("QFth"));
-  CExtensionMap map;
-  map.findOrInsert(common::BoundedText(".a"), {}).record.flags = 1;
-  const std::uint32_t kept = map.findOrInsert(common::BoundedText(".a"), {}).record.flags;
-  EXPECT_EQ(kept, 1U);
-  EXPECT_EQ(map.longestKey(), 2U);
 }
 
 TEST_F(ExtensionMapLoading, ARecordThatCannotBeFilledCountsAsTheOneBefore) {
@@ -113,31 +109,16 @@ TEST_F(ExtensionMapLoading, EveryFailingStepLeavesTheTableEmptyAndAccessClosed) 
   }
 }
 
-TEST_F(ExtensionMapLoading, NothingWorksBeforeTheStartAndTheEndStops) {
-  {
-    CInternetConfig config(component, 7);
-    ICMapEntry record{};
-    EXPECT_FALSE(config.available());
-    EXPECT_EQ(config.BeginMapping() + config.EndMapping() + config.Stop(), 3 * common::kNotStarted);
-    EXPECT_EQ(config.Start(), common::kNoError);
-    EXPECT_FALSE(config.NextMapEntry(record));
-    EXPECT_EQ(config.EndMapping(), common::kNotStarted);
-  }
-  EXPECT_EQ(component.log, "Ss");
-}
-
 TEST(BundleCreatorCode, IsTheFirstFourBytesOfTheSignature) {
-  const std::pair<std::optional<QString>, common::FourCharCode> cases[] = {
-      {QString(254, u'a'), common::FourCC("aaaa")},
-      {QStringLiteral("\u00e9\u00e9"), 0xc3a9c3a9},
-      {QStringLiteral("ab"), 0x61620000},
-      {QString(1, QChar(0xd800)) + QStringLiteral("abc"), 0},
-      {QString(255, u'a'), 0},
-      {std::nullopt, 0}};
-  for (const auto& [signature, code] : cases) {
-    FakeBundle bundle;
-    bundle.signature = signature;
-    EXPECT_EQ(bundleCreatorCode(bundle), code) << signature.value_or(QString()).toStdString();
+  FakeBundle bundle;
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/signatures.tsv", 2)) {
+    bundle.signature = QString::fromStdString(row[0]);
+    EXPECT_EQ(bundleCreatorCode(bundle), std::stoul(row[1], nullptr, 16)) << row[0];
+  }
+  for (const auto& none :
+       {std::optional(QString(1, QChar(0xd800)) + QStringLiteral("abc")), std::optional<QString>()}) {
+    bundle.signature = none;
+    EXPECT_EQ(bundleCreatorCode(bundle), 0U);
   }
 }
 

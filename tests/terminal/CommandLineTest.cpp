@@ -6,8 +6,8 @@
 
 #include <QString>
 
-#include "terminal/HelpText.h"
 #include "terminal/Settings.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::terminal {
 namespace {
@@ -33,55 +33,24 @@ TEST(CommandLine, TakesEveryOptionInItsPlace) {
 }
 
 TEST(CommandLine, MistakesAreStatusTwoWithAWordOfHelp) {
-  const std::vector<std::string> mistakes[] = {
-      {},
-      {"fetch"},
-      {"--nonsense"},
-      {"get"},
-      {"get", "--page", "--file", "u"},
-      {"get", "--to"},
-      {"get", "--nonsense", "u"},
-      {"links"},
-      {"links", "a", "b"},
-      {"links", "--base", "b", "--url", "u", "-"},
-      {"classify"},
-      {"extensions", "x"},
-      {"settings", "k", "v", "w"},
-      {"settings", "--unset"},
-      {"aggregate", "--yes"},
-      {"aggregate", "a", "b"},
-      {"settings", "--unset", "k", "v"},
-  };
-  for (const std::vector<std::string>& arguments : mistakes) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/mistakes.tsv", 1)) {
+    std::vector<std::string> arguments;
+    for (const QString& word : QString::fromStdString(row[0]).split(u' '))
+      arguments.push_back(word.toStdString());
     const Command command = ParseCommandLine(arguments);
     const Answer* answer = std::get_if<Answer>(&command);
-    ASSERT_NE(answer, nullptr) << ::testing::PrintToString(arguments);
+    ASSERT_NE(answer, nullptr) << row[0];
     EXPECT_EQ(answer->exitStatus, kExitUsage);
     EXPECT_TRUE(answer->results.empty());
     EXPECT_NE(answer->errors.find("--help"), std::string::npos);
   }
 }
 
-TEST(CommandLine, HelpFitsTheScreenAndBelongsToItsCommand) {
-  for (const char* command : {"", "get", "links", "classify", "extensions", "settings"}) {
-    std::vector<std::string> arguments = {"--help"};
-    if (*command != '\0') arguments.insert(arguments.begin(), command);
-    const auto answer = std::get<Answer>(ParseCommandLine(arguments));
-    EXPECT_EQ(answer.exitStatus, kExitSuccess);
-    EXPECT_NE(answer.results.find(std::string("Usage: quillforth-cli ") + command), std::string::npos);
-    for (const QString& line : QString::fromStdString(answer.results).split(u'\n')) {
-      EXPECT_LE(line.size(), 80) << line.toStdString();
-    }
-  }
-  EXPECT_EQ(std::get<Answer>(ParseCommandLine({"--version"})).results, VersionText() + "\n");
-}
-
 TEST(Settings, TypedValuesAreTakenStrictly) {
-  for (const char* text : {"yes", "TRUE", "On", "1"})
-    EXPECT_EQ(BooleanFromText(QLatin1String(text)), true) << text;
-  for (const char* text : {"no", "False", "OFF", "0"}) EXPECT_EQ(BooleanFromText(QLatin1String(text)), false);
-  for (const char* text : {"", "y", " yes", "2", "yess"})
-    EXPECT_EQ(BooleanFromText(QLatin1String(text)), std::nullopt);
+  const auto value = [](const char* text) { return BooleanFromText(QLatin1String(text)); };
+  for (const char* text : {"yes", "TRUE", "On", "1"}) EXPECT_EQ(value(text), true) << text;
+  for (const char* text : {"no", "False", "OFF", "0"}) EXPECT_EQ(value(text), false) << text;
+  for (const char* text : {"", "y", " yes", "2", "yess"}) EXPECT_EQ(value(text), std::nullopt) << text;
 }
 
 }  // namespace
