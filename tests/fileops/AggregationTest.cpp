@@ -277,30 +277,37 @@ TEST_F(Aggregation, OnACaseInsensitiveFileSystemOneSubfolderTakesAll) {
 }
 
 TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) {
-  constexpr int kFiles = 2000;
-  constexpr int kExtensions = 150;
   const auto withFewDescriptors = [] {
     const rlimit few{100, 100};
     return ::setrlimit(RLIMIT_NOFILE, &few) == 0;
   };
+  const auto filesLeft = [this] {
+    return std::count_if(fs::directory_iterator(root_), fs::directory_iterator(),
+                         [](const fs::directory_entry& entry) { return entry.is_regular_file(); });
+  };
   Sorted expected;
-  for (int i = 0; i < kFiles; ++i) {
-    const std::string extension = "e" + std::to_string(i % kExtensions);
-    const std::string name = std::to_string(i) + '.' + extension;
-    MakeItem(root_, name);
-    expected.insert(std::string(extension).append("/").append(name).append(" < ").append(name));
-  }
-  int stoppedHalfway = 0;
-  for (int attempt = 0; attempt < 30; ++attempt) {
+  for (int attempt = 0, stoppedHalfway = 0; stoppedHalfway < 10; ++attempt) {
+    ASSERT_LT(attempt, 200) << "no run could be stopped halfway";
+    for (auto missing = filesLeft() == 0 ? 500 : 0; missing > 0; --missing) {
+      const std::string extension = "e" + std::to_string(expected.size() % 150);
+      const std::string name = std::to_string(expected.size()) + '.' + extension;
+      MakeItem(root_, name);
+      expected.insert(std::string(extension).append("/").append(name).append(" < ").append(name));
+    }
+    const auto before = filesLeft();
+    int started[2];
+    ASSERT_EQ(::pipe(started), 0);
     const pid_t child = ::fork();
-    if (child == 0) ::_exit(withFewDescriptors() && run().left == 0 ? 0 : 1);
-    std::this_thread::sleep_for(std::chrono::microseconds(100 + 50 * (attempt * 7 % 40)));
+    if (child == 0)
+      ::_exit(withFewDescriptors() && ::write(started[1], "", 1) == 1 && run().left == 0 ? 0 : 1);
+    char byte = 0;
+    ASSERT_EQ(::read(started[0], &byte, 1), 1);
+    std::this_thread::sleep_for(std::chrono::microseconds(attempt * 70 % 2000));
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    const auto there = std::distance(fs::directory_iterator(root_), fs::directory_iterator());
-    stoppedHalfway += there > kExtensions && there < kFiles ? 1 : 0;
+    for (const int end : started) ::close(end);
+    stoppedHalfway += filesLeft() > 0 && filesLeft() < before ? 1 : 0;
   }
-  EXPECT_GE(stoppedHalfway, 1);
   EXPECT_EQ(runInChild(withFewDescriptors), 0);
   const Lines tree = TreeOf(root_);
   EXPECT_EQ(Sorted(tree.begin(), tree.end()), expected);
