@@ -75,7 +75,9 @@ TEST_F(Aggregate, GetSortsWhenTheQueueIsDoneIfThatIsSet) {
   std::string comment(100, '\0');
   const ssize_t length =
       ::getxattr(inFolder("zip/b.zip").c_str(), "user.xdg.comment", comment.data(), comment.size());
-  if (length >= 0) EXPECT_EQ(comment.c_str(), urls[1]) << "moved with its comment";
+  if (length >= 0) {
+    EXPECT_EQ(comment.c_str(), urls[1]) << "moved with its comment";
+  }
 }
 
 }  // namespace
