@@ -31,7 +31,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array<std::string_view, 1> kLatin1Folders = {"/winter/"};
-constexpr std::size_t kPiece = 8 * 1024;
+constexpr std::size_t kPiece = 8192;
 
 struct Options {
   std::size_t bytesPerSecond = 0;  // 0: as fast as it goes
