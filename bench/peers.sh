@@ -79,5 +79,5 @@ report() {
     printf '%-16s %10.3f %10.2f %12d\n' "$name" "$(median "$name" 1)" "$(median "$name" 2)" "$(median "$name" 3)"
   done
   awk -v a="$(median ours 1)" -v b="$(median "$1" 1)" -v c="$(median ours 2)" -v d="$(median "$1" 2)" \
-    'BEGIN { printf "ratio            %10.2f %10.2f\n", a / b, d > 0 ? c / d : 0 }'
+    'BEGIN { printf "ratio            %10.2f %10.2f\n", a / b, (d > 0 ? c / d : 0) }'
 }

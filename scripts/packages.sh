@@ -9,7 +9,6 @@
     libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
   test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light openssl
     shellcheck mandoc)
-  bench_packages=(libbenchmark-dev nginx-light wget curl hyperfine time)
 }
 
 # install_missing PACKAGE...: nothing happens where all are there already.
