@@ -5,8 +5,8 @@
 
 # shellcheck disable=SC2034  # read by the scripts that source this one
 {
-  build_packages=(g++ cmake ninja-build pkg-config python3 qt6-base-dev libcurl4-openssl-dev libsndfile1-dev
-    libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
+  build_packages=(g++ cmake ninja-build pkg-config python3 qt6-base-dev qt6-l10n-tools qt6-tools-dev libqt6svg6
+    libcurl4-openssl-dev libsndfile1-dev libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
   test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light openssl
     shellcheck mandoc)
 }
