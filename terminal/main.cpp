@@ -283,6 +283,7 @@ int main(int argc, char** argv) {
   using namespace quillforth::terminal;
   OpenStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   Output results(STDOUT_FILENO);
   Output errors(STDERR_FILENO);
   const Command command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));

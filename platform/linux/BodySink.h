@@ -3,7 +3,7 @@
 // Takes a body in the small pieces that libcurl hands over, and writes it to its file in large ones.
 //
 // It also holds what arrives before anybody has said where the file goes: a small file is there whole by
-// then, and costs no further exchange with its server. The transfer thread only.
+// then, and costs no further exchange with its server. One thread at a time.
 #pragma once
 
 #include <cstdint>

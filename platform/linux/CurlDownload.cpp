@@ -53,12 +53,12 @@ void CurlDownload::receive(ResponseReport& report) {
   if (service_ != nullptr && report.isEncoded) {
     (void)delegate_.downloadShouldDecodeSourceDataOfMIMEType(*this, report.response.MIMEType);
   }
-  if (service_ != nullptr) decideDestination(report.filename);
+  if (service_ != nullptr) decideDestination(report);
 }
 
-void CurlDownload::decideDestination(const QString& filename) {
+void CurlDownload::decideDestination(ResponseReport& report) {
   isDeciding_ = true;
-  delegate_.downloadDecideDestinationWithSuggestedFilename(*this, filename);
+  delegate_.downloadDecideDestinationWithSuggestedFilename(*this, report.filename);
   isDeciding_ = false;
   if (service_ == nullptr) return;
   if (!destination_) {
@@ -67,8 +67,10 @@ void CurlDownload::decideDestination(const QString& filename) {
   }
   // The root keeps its only character.
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
-  service_->thread_.post(DestinationCommand{
-      id_, {std::move(folder), destination_->name.toStdString(), destination_->allowOverwrite}});
+  DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
+                                 destination_->allowOverwrite};
+  if (report.body) return service_->store(id_, *report.body, target);
+  service_->thread_.post(DestinationCommand{id_, std::move(target)});
 }
 
 void CurlDownload::receive(DestinationReport& report) {

@@ -42,7 +42,7 @@ class CurlDownload final : public WebDownload, public std::enable_shared_from_th
   };
 
   void answer(const std::optional<Credential>& credential);
-  void decideDestination(const QString& filename);
+  void decideDestination(ResponseReport& report);
 
   const DownloadId id_;
   const URL url_;

@@ -2,14 +2,25 @@
 
 #include "platform/linux/CurlDownloadService.h"
 
+#include <utility>
+#include <vector>
+
 #include "platform/linux/CurlDownload.h"
+#include "platform/linux/FinishFile.h"
+#include "platform/linux/TransferText.h"
 
 namespace quillforth::platform {
 
+namespace {
+
+constexpr int kReportsAtATime = 100;
+
+}  // namespace
+
 CurlDownloadService::CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options)
-    : notifier_(reports_.descriptor(), QSocketNotifier::Read),
-      thread_(settings, options.files == nullptr ? kernelCalls_ : *options.files, options.stallTimeout,
-              reports_) {
+    : files_(options.files == nullptr ? kernelCalls_ : *options.files),
+      notifier_(reports_.descriptor(), QSocketNotifier::Read),
+      thread_(settings, files_, folders_, options.stallTimeout, reports_) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { deliverReports(); });
 }
 
@@ -32,9 +43,14 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
 }
 
 // Also called from loops that a delegate runs inside a callback; order is kept, because each report is taken
-// before it is delivered.
+// before it is delivered. What a delegate starts can report at once, without end, so other events get their
+// turn in between.
 void CurlDownloadService::deliverReports() {
-  while (std::optional<Report> report = reports_.take()) deliver(*report);
+  for (int i = 0; i < kReportsAtATime; ++i) {
+    std::optional<Report> report = reports_.take();
+    if (!report) return;
+    deliver(*report);
+  }
 }
 
 void CurlDownloadService::deliver(Report& report) {
@@ -45,6 +61,18 @@ void CurlDownloadService::deliver(Report& report) {
     download->receive(specific);
   };
   std::visit(receive, report);
+}
+
+void CurlDownloadService::store(DownloadId id, BodySink& body, const DestinationFile::Target& target) {
+  std::vector<Report> reports;
+  std::unique_ptr<DestinationFile> file;
+  if (const int error = DestinationFile::create(folders_, target, files_, file); error != 0) {
+    reports.emplace_back(FailedReport{id, FileErrorText(error)});
+  } else {
+    body.setFile(std::move(file));
+    FinishFile(id, body, {}, reports);
+  }
+  reports_.postAll(reports);
 }
 
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.

@@ -4,8 +4,9 @@
 //
 // Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
 // the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
-// cancelled fall away, with the file that they may bring. All members are called on the thread that made the
-// service, which runs a Qt event loop.
+// cancelled fall away, with the file that they may bring. A small file that arrives with its response is
+// stored here; so the process ignores SIGXFSZ. All members are called on the thread that made the service,
+// which runs a Qt event loop.
 #pragma once
 
 #include <QSocketNotifier>
@@ -45,10 +46,13 @@ class CurlDownloadService final : public WebDownloadService {
 
   void deliverReports();
   void deliver(Report& report);
+  void store(DownloadId id, BodySink& body, const DestinationFile::Target& target);
   void fail(DownloadId id, const QString& description);
   void forget(DownloadId id);
 
   FileCalls kernelCalls_;
+  FileCalls& files_;
+  DownloadFolders folders_;
   Mailbox<Report> reports_;
   QSocketNotifier notifier_;
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;

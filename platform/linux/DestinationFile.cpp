@@ -6,7 +6,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -69,7 +68,6 @@ int DestinationFile::create(DownloadFolders& folders, const Target& target, File
   DownloadFolder folder;
   if (const int error = folders.open(target.folder, folder); error != 0) return error;
   std::unique_ptr<DestinationFile> made(new DestinationFile(std::move(folder), target, calls));
-  if (const int error = made->planName(); error != 0) return error;
   if (const int error = made->openTemporary(); error != 0) return error;
   file = std::move(made);
   return 0;
@@ -88,12 +86,15 @@ bool DestinationFile::isOurs(const std::string& name) const {
          status.st_dev == device_ && status.st_ino == inode_;
 }
 
+bool DestinationFile::isFolderGone() const {
+  struct stat status {};
+  return ::fstat(folder_.descriptor.get(), &status) != 0 || status.st_nlink == 0;
+}
+
 std::string DestinationFile::movedFolder() const {
   struct stat asked {};
-  struct stat held {};
-  if (::fstat(folder_.descriptor.get(), &held) != 0) return {};
-  if (::stat(askedFolder_.c_str(), &asked) == 0 && asked.st_dev == held.st_dev &&
-      asked.st_ino == held.st_ino) {
+  if (::stat(askedFolder_.c_str(), &asked) == 0 && asked.st_dev == folder_.device &&
+      asked.st_ino == folder_.inode) {
     return {};
   }
   std::error_code error;
@@ -132,10 +133,7 @@ int DestinationFile::planName() {
 }
 
 void DestinationFile::takeNextName() {
-  if (number_ == 0) {
-    const auto last = folder_.numbers->find(wantedName_);
-    if (last != folder_.numbers->end()) number_ = last->second;
-  }
+  if (number_ == 0) number_ = folder_.numbers->highest(wantedName_);
   name_ = NumberedName(wantedName_, ++number_);
 }
 
@@ -154,7 +152,7 @@ int DestinationFile::write(std::string_view bytes) {
 }
 
 int DestinationFile::publish() {
-  if (!isOurs(temporaryName_)) return ENOENT;  // somebody has removed or replaced it
+  if (!isOurs(temporaryName_)) return isFolderGone() ? ENOENT : ESTALE;
   if (calls_.flush(file_.get()) != 0) return errno;
   int error = 0;
   if (allowOverwrite_) {
@@ -174,10 +172,7 @@ int DestinationFile::publishUnderFreeName() {
     takeNextName();
     error = moveTo(name_);
   }
-  if (error == 0 && number_ > 0) {
-    std::uint64_t& last = (*folder_.numbers)[wantedName_];
-    last = std::max(last, number_);
-  }
+  if (error == 0 && number_ > 0) folder_.numbers->add(wantedName_, number_);
   return error;
 }
 

@@ -4,8 +4,7 @@
 //
 // Nobody ever sees an incomplete file under a final name, and no file of others is ever replaced unless that
 // is allowed. Until `keep` the file is ours to take back: an object that goes before leaves nothing behind,
-// whichever name the file has by then. All results are error numbers, 0 for success. The transfer thread; a
-// published file may be handed to another thread, which may then only `keep` or destroy it.
+// whichever name the file has by then. All results are error numbers, 0 for success. One thread at a time.
 #pragma once
 
 #include <sys/types.h>
@@ -40,14 +39,17 @@ class DestinationFile {
     bool allowOverwrite = false;
   };
 
-  /// Makes the temporary file and plans the final name. On failure there is no file.
+  /// Makes the temporary file. On failure there is no file.
   [[nodiscard]] static int create(DownloadFolders& folders, const Target& target, FileCalls& calls,
                                   std::unique_ptr<DestinationFile>& file);
   ~DestinationFile();
   DestinationFile(const DestinationFile&) = delete;
   DestinationFile& operator=(const DestinationFile&) = delete;
 
-  /// The final name: as planned, or, once published, as it came to be.
+  /// Looks for a free name, or whether the wanted one may be overwritten; for those who are told a name
+  /// before the file is there.
+  [[nodiscard]] int planName();
+  /// The final name: as wanted or planned, or, once published, as it came to be.
   [[nodiscard]] const std::string& name() const { return name_; }
   /// The path of the folder if it is no longer the one it was asked for by; else empty. A folder that has
   /// been moved, or had its place taken, keeps its files.
@@ -56,7 +58,7 @@ class DestinationFile {
   [[nodiscard]] int write(std::string_view bytes);
   /// Gives the file its final name. Without permission to overwrite, the wanted name or the next free of
   /// "name-1.ext", "name-2.ext", …. With it, what has the name is replaced; a link itself, not what it names;
-  /// a folder is never replaced (EISDIR).
+  /// a folder is never replaced (EISDIR). ESTALE when somebody has removed or replaced the temporary file.
   [[nodiscard]] int publish();
   /// The file is the user's from now on.
   void keep() { isKept_ = true; }
@@ -65,12 +67,12 @@ class DestinationFile {
   DestinationFile(DownloadFolder folder, const Target& target, FileCalls& calls);
 
   int openTemporary();
-  int planName();
   int publishUnderFreeName();
   int moveTo(const std::string& name);
   int moveOverReservation(const std::string& name);
   void takeNextName();
   [[nodiscard]] bool isOurs(const std::string& name) const;
+  [[nodiscard]] bool isFolderGone() const;
 
   DownloadFolder folder_;
   FileCalls& calls_;

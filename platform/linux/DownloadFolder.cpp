@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <random>
@@ -46,16 +47,35 @@ int DownloadFolders::open(const std::string& path, DownloadFolder& folder) {
   FileDescriptor descriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   struct stat status {};
   if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0) return errno;
-  const auto [entry, isNew] = known_.try_emplace({status.st_dev, status.st_ino});
+  bool isNew = false;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto entry = known_.try_emplace({status.st_dev, status.st_ino});
+    folder.numbers = &entry.first->second;
+    isNew = entry.second;
+  }
   if (isNew) RemoveStaleTemporaries(descriptor.get());
   folder.descriptor = std::move(descriptor);
-  folder.numbers = &entry->second;
+  folder.device = status.st_dev;
+  folder.inode = status.st_ino;
   return 0;
+}
+
+std::uint64_t NameNumbers::highest(const std::string& name) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = highest_.find(name);
+  return found == highest_.end() ? 0 : found->second;
+}
+
+void NameNumbers::add(const std::string& name, std::uint64_t number) {
+  const std::lock_guard lock(mutex_);
+  std::uint64_t& highest = highest_[name];
+  highest = std::max(highest, number);
 }
 
 std::string TemporaryFilename() {
   static const std::uint64_t start = RandomNumber();
-  static std::uint64_t count = 0;  // the transfer thread's
+  static std::atomic<std::uint64_t> count = 0;
   // An odd factor (2^64 divided by the golden ratio) keeps the names of one process apart.
   std::uint64_t number = start + ++count * 0x9E3779B97F4A7C15U;
   std::string name(kPrefix);

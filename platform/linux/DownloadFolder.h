@@ -5,13 +5,14 @@
 //
 // A temporary file of ours is named ".quillforth-", sixteen hexadecimal digits, ".part", and is locked
 // (flock) by the process that writes it. One that nobody holds locked was left by a process that died, and
-// goes at the first download into its folder. The transfer thread only.
+// goes at the first download into its folder. Any thread.
 #pragma once
 
 #include <sys/types.h>
 
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,10 +24,21 @@ namespace quillforth::platform {
 
 /// For each wanted name that was taken, the highest number put behind it so far, so that the next file of
 /// that name need not try them all again.
-using NameNumbers = std::unordered_map<std::string, std::uint64_t>;
+class NameNumbers {
+ public:
+  /// 0: none.
+  [[nodiscard]] std::uint64_t highest(const std::string& name) const;
+  void add(const std::string& name, std::uint64_t number);
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<std::string, std::uint64_t> highest_;
+};
 
 struct DownloadFolder {
-  FileDescriptor descriptor;       ///< O_PATH: for the "at" calls
+  FileDescriptor descriptor;  ///< O_PATH: for the "at" calls
+  dev_t device = 0;
+  ino_t inode = 0;
   NameNumbers* numbers = nullptr;  ///< lives as long as the DownloadFolders it came from
 };
 
@@ -37,6 +49,7 @@ class DownloadFolders {
   [[nodiscard]] int open(const std::string& path, DownloadFolder& folder);
 
  private:
+  std::mutex mutex_;
   std::map<std::pair<dev_t, ino_t>, NameNumbers> known_;
 };
 

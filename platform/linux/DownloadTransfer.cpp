@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/FinishFile.h"
 #include "platform/linux/ResponseHead.h"
 #include "platform/linux/TransferText.h"
 
@@ -104,10 +105,11 @@ void DownloadTransfer::readGoodHead() {
   }
   request_.announcedLength = *length;
   const std::string mimeType = MIMETypeOfResponse(handle_.get());
-  context_.outbox.emplace_back(ResponseReport{id_,
-                                              {*length, QString::fromStdString(mimeType)},
-                                              FilenameOfResponse(handle_.get(), mimeType),
-                                              HasContentCoding(handle_.get())});
+  response_ = ResponseReport{id_,
+                             {*length, QString::fromStdString(mimeType)},
+                             FilenameOfResponse(handle_.get(), mimeType),
+                             HasContentCoding(handle_.get()),
+                             std::nullopt};
 }
 
 QString DownloadTransfer::requestErrorText(CURLcode result) const {
@@ -181,7 +183,8 @@ void DownloadTransfer::answer(const std::string& user, const std::string& passwo
 void DownloadTransfer::setDestination(const DestinationFile::Target& target) {
   if (!request_.hasHead || phase_ == Phase::ended || sink_.file() != nullptr) return;
   std::unique_ptr<DestinationFile> file;
-  const int error = DestinationFile::create(context_.folders, target, context_.files, file);
+  int error = DestinationFile::create(context_.folders, target, context_.files, file);
+  if (error == 0) error = file->planName();
   if (error != 0) return fail(FileErrorText(error));
   context_.outbox.emplace_back(DestinationReport{id_, file->name(), {}});
   sink_.setFile(std::move(file));
@@ -196,20 +199,21 @@ void DownloadTransfer::finishBody() {
   if (announced >= 0 && sink_.length() != static_cast<std::uint64_t>(announced)) {
     return fail(TransferErrorText(CURLE_PARTIAL_FILE, 0));
   }
+  if (sink_.file() != nullptr) return finishFile();
   phase_ = Phase::awaitingDestination;
-  if (sink_.file() != nullptr) finishFile();
+  if (!response_) return;
+  response_->body = std::move(sink_);
+  reportResponse();
+  phase_ = Phase::ended;
 }
 
 void DownloadTransfer::finishFile() {
-  const std::string plannedName = sink_.file()->name();
-  if (const int error = sink_.finish(); error != 0) return fail(FileErrorText(error));
-  std::string movedTo = sink_.file()->movedFolder();
-  if (!movedTo.empty() || sink_.file()->name() != plannedName) {
-    context_.outbox.emplace_back(DestinationReport{id_, sink_.file()->name(), std::move(movedTo)});
-  }
-  reportData();
-  context_.outbox.emplace_back(FinishedReport{id_, sink_.takeFile()});
+  FinishFile(id_, sink_, {sink_.file()->name(), reportedLength_}, context_.outbox);
   phase_ = Phase::ended;
+}
+
+void DownloadTransfer::reportResponse() {
+  if (response_) context_.outbox.emplace_back(*std::exchange(response_, std::nullopt));
 }
 
 void DownloadTransfer::reportData() {
@@ -219,6 +223,7 @@ void DownloadTransfer::reportData() {
 
 DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_point now) {
   if (std::exchange(hasMoved_, false)) lastMove_ = now;
+  reportResponse();
   if (phase_ != Phase::requesting || request_.isPaused) return Clock::time_point::max();
   const Clock::time_point stallTime = lastMove_ + context_.stallTimeout;
   if (now >= stallTime) {
@@ -236,6 +241,7 @@ DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_po
 
 void DownloadTransfer::fail(const QString& description) {
   phase_ = Phase::ended;
+  reportResponse();
   context_.outbox.emplace_back(FailedReport{id_, description});
 }
 

@@ -40,12 +40,12 @@ common::Status ReadAttribute(const std::string& path, const char* name, std::str
 }
 
 common::Status WriteAttribute(const std::string& path, const char* name, const std::string& value) {
-  const common::Status kind = CheckKind(path);
-  if (kind != common::kNoError) return kind;
   const int result = value.empty() ? ::lremovexattr(path.c_str(), name)
                                    : ::lsetxattr(path.c_str(), name, value.data(), value.size(), 0);
   if (result == 0 || (value.empty() && errno == ENODATA)) return common::kNoError;
-  return StatusOfAttributeError(errno);
+  const common::Status status = StatusOfAttributeError(errno);
+  const common::Status kind = CheckKind(path);
+  return kind != common::kNoError ? kind : status;
 }
 
 }  // namespace quillforth::platform

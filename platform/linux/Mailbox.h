@@ -2,9 +2,9 @@
 //
 // Carries messages to another thread, in order, and tells an event loop when there are some.
 //
-// The descriptor (eventfd) is readable exactly as long as messages wait, so a loop that polls it, a nested
-// one included, can neither miss a message nor wake for nothing; and a sender pays for a system call only
-// when the box was empty.
+// The descriptor (eventfd) is readable as long as messages wait, and until the receiver has found the box
+// empty; so a loop that polls it, a nested one included, cannot miss a message, and a sender pays for a
+// system call only when the receiver may be asleep.
 #pragma once
 
 #include <sys/eventfd.h>
@@ -33,28 +33,26 @@ class Mailbox {
   Mailbox& operator=(const Mailbox&) = delete;
 
   void post(Message message) {
-    bool wasEmpty = false;
+    bool mustSignal = false;
     {
       const std::lock_guard lock(mutex_);
-      wasEmpty = messages_.empty();
       messages_.push_back(std::move(message));
-      signalCount_ += wasEmpty ? 1 : 0;
+      mustSignal = !std::exchange(isSignalled_, true);
     }
-    if (wasEmpty) ::eventfd_write(signal_.get(), 1);
+    if (mustSignal) ::eventfd_write(signal_.get(), 1);
   }
 
   /// Empties `messages`; the receiver wakes once for all of them.
   void postAll(std::vector<Message>& messages) {
     if (messages.empty()) return;
-    bool wasEmpty = false;
+    bool mustSignal = false;
     {
       const std::lock_guard lock(mutex_);
-      wasEmpty = messages_.empty();
       for (Message& message : messages) messages_.push_back(std::move(message));
-      signalCount_ += wasEmpty ? 1 : 0;
+      mustSignal = !std::exchange(isSignalled_, true);
     }
     messages.clear();
-    if (wasEmpty) ::eventfd_write(signal_.get(), 1);
+    if (mustSignal) ::eventfd_write(signal_.get(), 1);
   }
 
   /// To be repeated until there is none: only then the descriptor is no longer readable.
@@ -62,7 +60,7 @@ class Mailbox {
     const std::lock_guard lock(mutex_);
     if (messages_.empty()) {
       eventfd_t count = 0;
-      if (signalCount_ > 0 && ::eventfd_read(signal_.get(), &count) == 0) signalCount_ -= count;
+      if (isSignalled_ && ::eventfd_read(signal_.get(), &count) == 0) isSignalled_ = false;
       return std::nullopt;
     }
     std::optional<Message> message(std::move(messages_.front()));
@@ -76,7 +74,7 @@ class Mailbox {
   FileDescriptor signal_;
   std::mutex mutex_;
   std::deque<Message> messages_;
-  eventfd_t signalCount_ = 0;  // written to the descriptor, or about to be, and not read yet
+  bool isSignalled_ = false;  // written to the descriptor, or about to be, and not read yet
 };
 
 }  // namespace quillforth::platform

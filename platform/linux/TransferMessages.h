@@ -14,6 +14,7 @@
 #include <variant>
 
 #include "platform/WebDownload.h"
+#include "platform/linux/BodySink.h"
 #include "platform/linux/DestinationFile.h"
 
 namespace quillforth::platform {
@@ -55,6 +56,9 @@ struct ResponseReport {
   URLResponse response;
   QString filename;
   bool isEncoded;  ///< the body has a content coding
+  /// The whole body, if it is here already: then the transfer thread is done with the download, and who
+  /// decides the destination stores it, too.
+  std::optional<BodySink> body;
 };
 struct DestinationReport {
   DownloadId id;

@@ -92,6 +92,7 @@ constexpr Phrase kFilePhrases[] = {
     {ENOENT, "The destination folder does not exist."},
     {ENOTDIR, "The destination folder does not exist."},
     {EISDIR, "A folder has the name of the file."},
+    {ESTALE, "The unfinished file was removed or replaced by something else."},
     {ENOSPC, "There is not enough space in the destination folder."},
     {EDQUOT, "There is not enough space in the destination folder."},
     {EACCES, "The destination folder is not writable."},

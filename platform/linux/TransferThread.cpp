@@ -26,9 +26,9 @@ void BlockAllSignals() {
 
 }  // namespace
 
-TransferThread::TransferThread(const TransferSettings& settings, FileCalls& files,
+TransferThread::TransferThread(const TransferSettings& settings, FileCalls& files, DownloadFolders& folders,
                                std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports)
-    : context_{.settings = settings, .files = files, .stallTimeout = stallTimeout},
+    : context_{.settings = settings, .files = files, .folders = folders, .stallTimeout = stallTimeout},
       reports_(reports),
       multi_(curl_multi_init()) {
   if (!multi_) throw std::bad_alloc();

@@ -21,8 +21,8 @@ namespace quillforth::platform {
 class TransferThread {
  public:
   /// All outlive the thread.
-  TransferThread(const TransferSettings& settings, FileCalls& files, std::chrono::milliseconds stallTimeout,
-                 Mailbox<Report>& reports);
+  TransferThread(const TransferSettings& settings, FileCalls& files, DownloadFolders& folders,
+                 std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports);
   /// Ends what is in flight, and waits until no file of it is left.
   ~TransferThread();
   TransferThread(const TransferThread&) = delete;

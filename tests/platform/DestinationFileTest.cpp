@@ -69,7 +69,8 @@ class DestinationFileTest : public testing::Test {
     return found;
   }
   int create(const std::string& name, bool allowOverwrite = false) {
-    return DestinationFile::create(folders, {folder, name, allowOverwrite}, calls, file);
+    const int error = DestinationFile::create(folders, {folder, name, allowOverwrite}, calls, file);
+    return error == 0 ? file->planName() : error;
   }
   // The error number of storing `text` as `name`.
   int store(const std::string& name, const std::string& text, bool allowOverwrite = false) {
