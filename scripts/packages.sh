@@ -7,7 +7,7 @@
 {
   build_packages=(g++ cmake ninja-build pkg-config python3 qt6-base-dev qt6-l10n-tools qt6-tools-dev libqt6svg6
     libcurl4-openssl-dev libsndfile1-dev libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
-  test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light openssl
+  test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light ntfs-3g openssl
     shellcheck mandoc)
 }
 

@@ -7,12 +7,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QUuid>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/MoveWithoutReplacing.h"
+#include "platform/linux/Place.h"
 #include "platform/linux/StatusOfErrno.h"
 
 namespace quillforth::platform {
@@ -22,72 +22,9 @@ namespace {
 // Needs no permission to read the folder, and is enough to move items into it.
 constexpr int kHeld = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-struct Place {
-  int folder;
-  const char* name;
-};
-
 bool IsComponent(const std::string& name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
          name.find('\0') == std::string::npos;
-}
-
-common::Status StatusOfCall(int result) {
-  return result == 0 ? common::kNoError : StatusOfErrno(errno);
-}
-
-int Examine(const Place& place, struct stat& found) {
-  return ::fstatat(place.folder, place.name, &found, AT_SYMLINK_NOFOLLOW);
-}
-
-bool IsSameItem(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-// A folder's rename replaces an empty folder at worst; the slashes keep it from replacing a file, should the
-// item become one meanwhile.
-common::Status MoveFolderWithoutFlags(const Place& from, const Place& to) {
-  struct stat taken {};
-  if (Examine(to, taken) == 0) return common::kDuplicateName;
-  const std::string item = std::string(from.name) + '/';
-  const std::string name = std::string(to.name) + '/';
-  return StatusOfCall(::renameat(from.folder, item.c_str(), to.folder, name.c_str()));
-}
-
-// Takes the old name away from a file that has a new one. Whatever stands under the old name by now goes to a
-// name that nobody has first: should it be another file, it stays there.
-common::Status RemoveOldName(const Place& from, const Place& to, const struct stat& file) {
-  const std::string spare = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
-  struct stat moved {};
-  if (::renameat(from.folder, from.name, to.folder, spare.c_str()) != 0) {
-    return errno == ENOENT ? common::kNoError : StatusOfErrno(errno);
-  }
-  if (Examine({to.folder, spare.c_str()}, moved) == 0 && IsSameItem(moved, file)) {
-    return StatusOfCall(::unlinkat(to.folder, spare.c_str(), 0));
-  }
-  return common::kNoError;
-}
-
-common::Status MoveFileWithoutFlags(const Place& from, const Place& to, const struct stat& file) {
-  if (::linkat(from.folder, from.name, to.folder, to.name, 0) != 0) {
-    struct stat taken {};
-    if (errno != EEXIST) return StatusOfErrno(errno);
-    // An earlier move that was cut off between its two steps is brought to its end.
-    if (Examine(to, taken) != 0 || !IsSameItem(taken, file)) return common::kDuplicateName;
-  }
-  return RemoveOldName(from, to, file);
-}
-
-common::Status MoveWithoutFlags(const Place& from, const Place& to) {
-  struct stat item {};
-  if (Examine(from, item) != 0) return StatusOfErrno(errno);
-  return S_ISDIR(item.st_mode) ? MoveFolderWithoutFlags(from, to) : MoveFileWithoutFlags(from, to, item);
-}
-
-common::Status MoveWithoutReplacing(const Place& from, const Place& to) {
-  if (::renameat2(from.folder, from.name, to.folder, to.name, RENAME_NOREPLACE) == 0) return common::kNoError;
-  if (errno != EINVAL && errno != ENOSYS) return StatusOfErrno(errno);
-  return MoveWithoutFlags(from, to);
 }
 
 // As much of `limit` bytes as there are; nothing on an error.

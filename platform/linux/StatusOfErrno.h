@@ -36,4 +36,9 @@ namespace quillforth::platform {
   }
 }
 
+/// Of a call that has just given 0, or something else and `errno`.
+[[nodiscard]] inline common::Status StatusOfCall(int result) {
+  return result == 0 ? common::kNoError : StatusOfErrno(errno);
+}
+
 }  // namespace quillforth::platform

@@ -88,11 +88,13 @@ class Aggregation : public ::testing::Test {
   }
 };
 
-// renameat2 as on a file system that knows no flags.
-bool RefuseRenameFlags() {
+// System calls as on a file system that knows no rename flags, and perhaps no hard links.
+bool RefuseRenameFlags(bool andLinks) {
   sock_filter program[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
                            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat2, 0, 1),
                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+                           BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, andLinks ? SYS_linkat : ~0U, 0, 1),
+                           BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
   const sock_fprog filter{std::size(program), program};
   return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
@@ -109,8 +111,8 @@ Lines Split(const std::string& list, const std::string& separator) {
 
 TEST_F(Aggregation, SortsByExtensionAndAgainFindsNothingToDo) {
   for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/aggregation.tsv", 3)) {
-    for (const bool withFlags : {true, false}) {
-      SCOPED_TRACE(row[0] + (withFlags ? "" : " (without rename flags)"));
+    for (const int refused : {0, 1, 2}) {
+      SCOPED_TRACE(row[0] + " (refused: " + std::to_string(refused) + ")");
       fs::remove_all(root_);
       fs::create_directory(root_);
       make(Split(row[0], "; "));
@@ -120,12 +122,12 @@ TEST_F(Aggregation, SortsByExtensionAndAgainFindsNothingToDo) {
         const Lines names = Split(item, " > ");
         if (names.size() == 2) logged.insert(Stays(root_ / names[0], root_ / names[1]));
       }
-      if (withFlags) {
+      if (refused == 0) {
         log_.lines.clear();
         EXPECT_EQ(run().left, left.size());
         EXPECT_EQ(log_.lines, logged);
       } else {
-        EXPECT_EQ(runInChild(RefuseRenameFlags), left.size());
+        EXPECT_EQ(runInChild([refused] { return RefuseRenameFlags(refused == 2); }), left.size());
       }
       EXPECT_EQ(TreeOf(root_), Split(row[1], "; "));
       EXPECT_EQ(run().moved, 0U);
@@ -136,9 +138,17 @@ TEST_F(Aggregation, SortsByExtensionAndAgainFindsNothingToDo) {
 
 TEST_F(Aggregation, WithoutRenameFlagsAMoveThatWasCutOffIsBroughtToItsEnd) {
   make({"pdf/a.pdf"});
-  fs::create_hard_link(root_ / "pdf/a.pdf", root_ / "a.pdf");
-  EXPECT_EQ(runInChild(RefuseRenameFlags), 0);
-  EXPECT_EQ(TreeOf(root_), Lines{"pdf/a.pdf"});
+  for (const std::string name : {"a.pdf", "01234567-89AB-CDEF-0123-456789ABCDEF - a.pdf"}) {
+    fs::create_hard_link(root_ / "pdf/a.pdf", root_ / name);
+    const int left = runInChild([&] {
+      const platform::FolderResult from = folders_.openFolder(platform::FileReference(root_));
+      const platform::FolderResult to = from.folder->openFolder("pdf");
+      // The system finds that a name is taken before it gets to the flags.
+      return RefuseRenameFlags(false) && from.folder->moveItem(name, *to.folder, "new.pdf") == 0;
+    });
+    EXPECT_EQ(left, 0) << name;
+    EXPECT_EQ(TreeOf(root_), Lines{"pdf/a.pdf"}) << name;
+  }
 }
 
 TEST_F(Aggregation, LeavesAloneWhatIsNoFolderOrHasNoUsablePath) {
