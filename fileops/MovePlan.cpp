@@ -37,13 +37,15 @@ class PlannedFolder final : public Folder {
                                                     std::size_t limit) const override {
     return real_ ? real_->readFile(name, limit) : std::nullopt;
   }
-  [[nodiscard]] Status createFolder(const std::string& name) override {
-    return made_.insert(name).second ? common::kNoError : common::kDuplicateName;
-  }
+  [[nodiscard]] Status createFolder(const std::string& name) override;
   [[nodiscard]] FolderResult openFolder(const std::string& name) const override;
   [[nodiscard]] bool isSameFolder(const Folder& other) const override {
     return this == &other || (real_ && Planned(other).real_ && real_->isSameFolder(*Planned(other).real_));
   }
+  [[nodiscard]] Status checkChanges() const override {
+    return real_ ? real_->checkChanges() : common::kNoError;
+  }
+  [[nodiscard]] Status checkMove(const std::string& name, const Folder& destination) const override;
   [[nodiscard]] Status moveItem(const std::string& name, Folder& destination,
                                 const std::string& newName) override;
 
@@ -70,10 +72,25 @@ FolderResult PlannedFolder::openFolder(const std::string& name) const {
   return opened;
 }
 
+Status PlannedFolder::createFolder(const std::string& name) {
+  const Status status = checkChanges();
+  if (status != common::kNoError) return status;
+  return made_.insert(name).second ? common::kNoError : common::kDuplicateName;
+}
+
+Status PlannedFolder::checkMove(const std::string& name, const Folder& destination) const {
+  if (!real_) return common::kFileNotFound;
+  // A subfolder that is yet to be made will be as this folder is.
+  const PlannedFolder& planned = Planned(destination);
+  return real_->checkMove(name, planned.real_ ? *planned.real_ : *real_);
+}
+
 Status PlannedFolder::moveItem(const std::string& name, Folder& destination, const std::string& newName) {
   const Status found = destination.findItem(newName);
   if (found == common::kNoError) return common::kDuplicateName;
   if (found != common::kFileNotFound) return found;
+  const Status status = checkMove(name, destination);
+  if (status != common::kNoError) return status;
   planned_(PathInFolder(*this, name), PathInFolder(destination, newName));
   return common::kNoError;
 }

@@ -2,8 +2,7 @@
 //
 // Folders that only pretend: they stand before real ones, tell what would be moved, and change nothing.
 //
-// Made for one run over one folder. What the file system would refuse at the moment of a move is not
-// foreseen. One thread.
+// Made for one run over one folder. That permissions and mounts forbid a move is foreseen. One thread.
 #pragma once
 
 #include <functional>

@@ -49,6 +49,11 @@ class Folder {
   /// -1407 when the item is something else, a link included.
   [[nodiscard]] virtual FolderResult openFolder(const std::string& name) const = 0;
   [[nodiscard]] virtual bool isSameFolder(const Folder& other) const = 0;
+  /// 0 unless this user may not add items to the folder or take some out.
+  [[nodiscard]] virtual common::Status checkChanges() const = 0;
+  /// Foretells `moveItem` as far as permissions and mounts tell; what is done meanwhile may prove it wrong.
+  [[nodiscard]] virtual common::Status checkMove(const std::string& name,
+                                                 const Folder& destination) const = 0;
   /// Moves the item `name` into `destination`, a folder of the same file system and of the same FolderAccess.
   ///
   /// Whatever fails leaves the item where it was: -48 when `newName` is taken there, -37 when it is too long.

@@ -27,6 +27,22 @@ bool IsComponent(const std::string& name) {
          name.find('\0') == std::string::npos;
 }
 
+// What is known of an item; an empty name means the folder. All zero when nothing is.
+struct statx Describe(const Place& place) {
+  struct statx item {};
+  const int flags = AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
+  (void)::statx(place.folder, place.name, flags, STATX_BASIC_STATS | STATX_MNT_ID, &item);
+  return item;
+}
+
+bool MayLeave(const struct statx& item, const struct statx& folder) {
+  constexpr auto kFixed = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
+  if (((item.stx_attributes | folder.stx_attributes) & kFixed) != 0) return false;
+  const uid_t user = ::geteuid();
+  const bool isSticky = (folder.stx_mode & S_ISVTX) != 0;
+  return !isSticky || user == 0 || user == folder.stx_uid || user == item.stx_uid;
+}
+
 // As much of `limit` bytes as there are; nothing on an error.
 std::optional<std::string> ReadAll(int descriptor, std::size_t limit) {
   std::string bytes;
@@ -57,6 +73,8 @@ class LinuxFolder final : public Folder {
   [[nodiscard]] common::Status createFolder(const std::string& name) override;
   [[nodiscard]] FolderResult openFolder(const std::string& name) const override;
   [[nodiscard]] bool isSameFolder(const Folder& other) const override;
+  [[nodiscard]] common::Status checkChanges() const override;
+  [[nodiscard]] common::Status checkMove(const std::string& name, const Folder& destination) const override;
   [[nodiscard]] common::Status moveItem(const std::string& name, Folder& destination,
                                         const std::string& newName) override;
 
@@ -133,6 +151,26 @@ FolderResult LinuxFolder::openFolder(const std::string& name) const {
 
 bool LinuxFolder::isSameFolder(const Folder& other) const {
   return IsSameItem(identity_, static_cast<const LinuxFolder&>(other).identity_);
+}
+
+common::Status LinuxFolder::checkChanges() const {
+  return StatusOfCall(::faccessat(descriptor_.get(), ".", W_OK | X_OK, AT_EACCESS));
+}
+
+common::Status LinuxFolder::checkMove(const std::string& name, const Folder& destination) const {
+  const auto& other = static_cast<const LinuxFolder&>(destination);
+  const Place place{descriptor_.get(), name.c_str()};
+  const struct statx item = Describe(place);
+  const struct statx from = Describe({descriptor_.get(), ""});
+  const struct statx to = Describe({other.descriptor_.get(), ""});
+  if (item.stx_mnt_id != from.stx_mnt_id || from.stx_mnt_id != to.stx_mnt_id) return common::kIOError;
+  for (const LinuxFolder* folder : {this, &other}) {
+    if (const common::Status status = folder->checkChanges(); status != common::kNoError) return status;
+  }
+  if (!MayLeave(item, from)) return common::kPermissionDenied;
+  // A folder gets another parent folder, which is a change of its own.
+  return S_ISDIR(item.stx_mode) ? StatusOfCall(::faccessat(place.folder, place.name, W_OK, AT_EACCESS))
+                                : common::kNoError;
 }
 
 common::Status LinuxFolder::moveItem(const std::string& name, Folder& destination,

@@ -22,6 +22,7 @@
 #include <functional>
 #include <thread>
 
+#include "fileops/MovePlan.h"
 #include "platform/linux/LinuxFolder.h"
 #include "tests/fileops/FolderTree.h"
 #include "tests/support/CaseTable.h"
@@ -73,13 +74,30 @@ class Aggregation : public ::testing::Test {
   AggregationResult run(fileops::CommentPreservation* comments = nullptr) {
     return fileops::AggregateFolder({folders_, log_, comments}, QString::fromStdString(root_.string()));
   }
+  /// What a run says after a dry run that says the same.
+  AggregationResult runAsPlanned() {
+    LogOfLines planned;
+    std::size_t moves = 0;
+    fileops::MovePlan plan(folders_, [&](const std::string&, const std::string&) { ++moves; });
+    const QString folder = QString::fromStdString(root_.string());
+    const AggregationResult expected = fileops::AggregateFolder({plan, planned}, folder);
+    log_.lines.clear();
+    const AggregationResult result = run();
+    EXPECT_EQ(result.status, expected.status);
+    EXPECT_EQ(result.left, expected.left);
+    EXPECT_GE(result.moved, moves);
+    EXPECT_EQ(log_.lines, planned.lines);
+    return result;
+  }
   /// The exit status of a child that prepares itself and then runs: the items that were left, 100 when it
-  /// cannot be prepared, 101 for a status, 200 and the signal's number when it was killed.
+  /// cannot be prepared, 101 for a status, 102 when a dry run said something else, 200 and the signal's
+  /// number when it was killed.
   int runInChild(const std::function<bool()>& prepare) {
     const pid_t child = ::fork();
     if (child == 0) {
       if (!prepare()) ::_exit(100);
-      const AggregationResult result = run();
+      const AggregationResult result = runAsPlanned();
+      if (HasFailure()) ::_exit(102);
       ::_exit(result.status != 0 ? 101 : static_cast<int>(result.left));
     }
     int status = 0;
@@ -123,8 +141,7 @@ TEST_F(Aggregation, SortsByExtensionAndAgainFindsNothingToDo) {
         if (names.size() == 2) logged.insert(Stays(root_ / names[0], root_ / names[1]));
       }
       if (refused == 0) {
-        log_.lines.clear();
-        EXPECT_EQ(run().left, left.size());
+        EXPECT_EQ(runAsPlanned().left, left.size());
         EXPECT_EQ(log_.lines, logged);
       } else {
         EXPECT_EQ(runInChild([refused] { return RefuseRenameFlags(refused == 2); }), left.size());
