@@ -43,8 +43,8 @@ void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const
                QString::fromStdString(subfolder.path())));
 }
 
-// Moves the item and says under which name, or why not. The file system tells of a name that is taken, so
-// that none can be taken between a test and the move.
+// Moves the item and says under which name, or why not. The file system tells first that the own name is
+// taken, so that it cannot be taken between a test and the move.
 struct Moved {
   Status status;
   std::string name;
@@ -52,7 +52,7 @@ struct Moved {
 Moved MoveUnderFreeName(const ItemReference& item, Folder& destination) {
   Moved moved{item.parent.moveItem(item.name, destination, item.name), item.name};
   if (moved.status != common::kDuplicateName) return moved;
-  moved.name = UniqueName(item.name);
+  moved.name = MakeUniqueNameForMove(destination, item.name).value_or(item.name);
   moved.status = item.parent.moveItem(item.name, destination, moved.name);
   if (moved.status != common::kBadName) return moved;
   moved.name = UniqueName(item.name, kLongestName);

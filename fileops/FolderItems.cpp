@@ -67,13 +67,10 @@ common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& n
   return created == common::kDuplicateName ? common::kNoError : created;  // made by someone else just now
 }
 
-std::optional<std::string> MakeUniqueNameForMove(platform::FileManager& files,
-                                                 const platform::FileReference& destination,
-                                                 const platform::FileReference& item) {
-  const std::optional<std::string> name = files.itemName(item);
-  platform::FileReference existing;
-  if (!name || !ItemExistsInFolder(files, destination, *name, existing)) return std::nullopt;
-  return UniqueName(*name);
+std::optional<std::string> MakeUniqueNameForMove(const platform::Folder& destination,
+                                                 const std::string& name) {
+  if (destination.findItem(name) == common::kFileNotFound) return std::nullopt;
+  return UniqueName(name);
 }
 
 }  // namespace quillforth::fileops

@@ -39,10 +39,9 @@ namespace quillforth::fileops {
 /// stay too long.
 [[nodiscard]] std::string UniqueName(std::string_view name, std::size_t longest = std::string_view::npos);
 
-/// A new name for an item whose own name is taken in `destination`: "report - UUID.pdf". Nothing when its
-/// name is free, or cannot be read. The name is not looked up again, and may be too long for the file system.
-[[nodiscard]] std::optional<std::string> MakeUniqueNameForMove(platform::FileManager& files,
-                                                               const platform::FileReference& destination,
-                                                               const platform::FileReference& item);
+/// A new name for an item whose own is taken in `destination`: "report - UUID.pdf". Nothing when it is free.
+/// The new name is not looked up again, and may be too long for the file system.
+[[nodiscard]] std::optional<std::string> MakeUniqueNameForMove(const platform::Folder& destination,
+                                                               const std::string& name);
 
 }  // namespace quillforth::fileops

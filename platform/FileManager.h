@@ -6,7 +6,6 @@
 // item of its own and is not followed. Any thread.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,8 +27,6 @@ class FileManager {
   [[nodiscard]] virtual FileResult makeReference(const FileReference& folder, std::string_view name) = 0;
   /// -48 when the name is taken.
   [[nodiscard]] virtual FileResult createDirectory(const FileReference& folder, std::string_view name) = 0;
-  /// The item's own name; nothing when the item is gone, or is the root.
-  [[nodiscard]] virtual std::optional<std::string> itemName(const FileReference& item) = 0;
   /// Where the user's programs keep their data; created when missing.
   [[nodiscard]] virtual FileResult findApplicationSupportFolder() = 0;
 };

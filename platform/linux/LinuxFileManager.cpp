@@ -86,14 +86,6 @@ FileResult LinuxFileManager::createDirectory(const FileReference& folder, std::s
   return item;
 }
 
-std::optional<std::string> LinuxFileManager::itemName(const FileReference& item) {
-  const std::string& path = item.path();
-  std::string name = path.substr(path.rfind('/') + 1);
-  struct stat status {};
-  if (name.empty() || ::lstat(path.c_str(), &status) != 0) return std::nullopt;
-  return name;
-}
-
 FileResult LinuxFileManager::findApplicationSupportFolder() {
   std::string path = WithoutTrailingSlashes(AbsoluteFromEnvironment("XDG_DATA_HOME"));
   if (path.empty()) {

@@ -15,7 +15,6 @@ class LinuxFileManager final : public FileManager {
  public:
   [[nodiscard]] FileResult makeReference(const FileReference& folder, std::string_view name) override;
   [[nodiscard]] FileResult createDirectory(const FileReference& folder, std::string_view name) override;
-  [[nodiscard]] std::optional<std::string> itemName(const FileReference& item) override;
   [[nodiscard]] FileResult findApplicationSupportFolder() override;
 };
 

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
 #include <regex>
 
 #include "fileops/SupportFolder.h"
+#include "platform/linux/LinuxFolder.h"
+#include "tests/fileops/FolderTree.h"
 #include "tests/support/FakeHost.h"
 
 namespace quillforth::tests {
@@ -38,16 +41,14 @@ TEST(FolderItems, AUniqueNameKeepsBaseAndExtension) {
       {".hidden", "\\.hidden - " + uuid},
       {"a.gz.b.gz", "a\\.gz\\.b - " + uuid + "\\.gz"},
       {"dot.", "dot\\. - " + uuid}};
-  FakeFiles files;
+  const QTemporaryDir temporary;
+  const FileReference root(temporary.path().toStdString());
+  const platform::FolderResult data = platform::LinuxFolderAccess().openFolder(root);
   for (const auto& [name, pattern] : cases) {
-    const FileReference item("/from/" + name);
-    const auto unique = [&] { return fileops::MakeUniqueNameForMove(files, FileReference("/data"), item); };
-    files.items.insert("/data/" + name);
-    EXPECT_EQ(unique(), std::nullopt) << "gone";
-    files.items.insert(item.path());
-    EXPECT_TRUE(std::regex_match(unique().value_or(""), std::regex(pattern))) << name;
-    files.items.erase("/data/" + name);
-    EXPECT_EQ(unique(), std::nullopt) << "free";
+    EXPECT_EQ(fileops::MakeUniqueNameForMove(*data.folder, name), std::nullopt) << "free";
+    MakeItem(root.path(), name + " -> nowhere");
+    const std::string unique = fileops::MakeUniqueNameForMove(*data.folder, name).value_or("");
+    EXPECT_TRUE(std::regex_match(unique, std::regex(pattern))) << unique;
   }
 }
 

@@ -93,10 +93,6 @@ class FakeFiles final : public platform::FileManager {
     if (createStatus != 0) return {createStatus, {}};
     return {0, platform::FileReference(*items.insert(folder.path() + "/" + std::string(name)).first)};
   }
-  std::optional<std::string> itemName(const platform::FileReference& item) override {
-    if (!items.contains(item.path())) return std::nullopt;
-    return item.path().substr(item.path().rfind('/') + 1);
-  }
   platform::FileResult findApplicationSupportFolder() override {
     return {supportStatus, platform::FileReference("/data")};
   }
