@@ -53,7 +53,7 @@ common::Status RemoveOldName(const Place& from, const struct stat& file) {
     spare = uuid;
     renamed = ::renameat(from.folder, from.name, from.folder, spare.c_str());
   }
-  if (renamed != 0) return errno == ENOENT ? common::kNoError : StatusOfErrno(errno);
+  if (renamed != 0) return StatusOfErrno(errno);
   if (!IsAt({from.folder, spare.c_str()}, file)) return common::kNoError;
   return StatusOfCall(::unlinkat(from.folder, spare.c_str(), 0));
 }
@@ -77,12 +77,23 @@ common::Status MoveOverReservation(const Place& from, const Place& to) {
   return status;
 }
 
+// Of those who move the same file at a time only one gets to remove the old name. The others take back a name
+// that is not the file's own; on the own one somebody else may count already.
+common::Status GiveUpNewName(const Place& from, const Place& to, const struct stat& file) {
+  struct stat linked {};
+  if (OwnName(from.name) == to.name) return common::kNoError;
+  if (Examine(to, linked) != 0 || !IsSameItem(linked, file) || linked.st_nlink < 2) return common::kNoError;
+  static_cast<void>(::unlinkat(to.folder, to.name, 0));
+  return common::kFileNotFound;
+}
+
 common::Status MoveFileWithoutFlags(const Place& from, const Place& to, const struct stat& file) {
-  if (WasLinkedBefore(from, to.folder, file) ||
-      ::linkat(from.folder, from.name, to.folder, to.name, 0) == 0) {
-    return RemoveOldName(from, file);
+  if (WasLinkedBefore(from, to.folder, file)) return RemoveOldName(from, file);
+  if (::linkat(from.folder, from.name, to.folder, to.name, 0) != 0) {
+    return HasNoLinks(errno) ? MoveOverReservation(from, to) : StatusOfErrno(errno);
   }
-  return HasNoLinks(errno) ? MoveOverReservation(from, to) : StatusOfErrno(errno);
+  const common::Status status = RemoveOldName(from, file);
+  return status == common::kFileNotFound ? GiveUpNewName(from, to, file) : status;
 }
 
 common::Status MoveWithoutFlags(const Place& from, const Place& to) {
