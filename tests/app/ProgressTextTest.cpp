@@ -2,8 +2,6 @@
 
 #include "app/ProgressText.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::tests {

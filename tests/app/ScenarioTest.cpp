@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// Plays the scenarios in tests/data/controller.tsv: a step a row, with the calls to the outside that it
-// causes.
+// Plays the scenarios in tests/data/controller.tsv: rows of steps, with the calls to the outside that the
+// last step of a row causes.
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <map>
 
 #include "app/MyAppController.h"
 #include "tests/support/CaseTable.h"
@@ -24,19 +23,27 @@ class Stage {
  public:
   Stage() { outlets_.table.dataSource = controller_.get(); }
 
-  /// What one step, "verb" or "verb argument" or "verb a|b", causes; "~" stands for the home folder.
-  std::string play(const std::string& step) {
+  /// What the last of `steps` causes; "~" stands for the home folder.
+  std::string play(const std::string& steps) {
+    for (std::size_t start = 0; start < steps.size();) {
+      const std::size_t end = std::min(steps.find("; ", start), steps.size());
+      log_.take();
+      playStep(steps.substr(start, end - start));
+      start = end + 2;
+    }
+    return QByteArray::fromStdString(log_.take()).replace(QDir::homePath().toUtf8(), "~").toStdString();
+  }
+
+ private:
+  /// "verb" or "verb argument" or "verb a|b".
+  void playStep(const std::string& step) {
     const std::size_t blank = std::min(step.find(' '), step.size());
     a_ = step.substr(std::min(blank + 1, step.size()));
     const std::size_t bar = std::min(a_.find('|'), a_.size());
     b_ = a_.substr(std::min(bar + 1, a_.size()));
     a_.resize(bar);
     verbs_.at(step.substr(0, blank))();
-    const QByteArray calls = QByteArray::fromStdString(log_.take());
-    return QByteArray(calls).replace(QDir::homePath().toUtf8(), "~").toStdString();
   }
-
- private:
   FakeDownload& latest() { return *host_.downloads.started.back(); }
   /// The download with the number that is given, else the latest.
   FakeDownload& download() { return a_.empty() ? latest() : *host_.downloads.started.at(std::stoul(a_)); }
@@ -161,14 +168,13 @@ bool Matches(std::string_view calls, std::string_view expected) {
 TEST(Controller, CallsTheOutsideInTheOrderOfTheScenarios) {
   std::unique_ptr<Stage> stage;
   std::string title;
-  for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/controller.tsv", 2)) {
-    if (row[0] == "Scenario") {
+  for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/controller.tsv", 3)) {
+    if (!row[0].empty()) {
       stage = std::make_unique<Stage>();
-      title = row[1];
-      continue;
+      title = row[0];
     }
-    const std::string calls = stage->play(row[0]);
-    EXPECT_TRUE(Matches(calls, row[1])) << title << "\n" << row[0] << "\n" << row[1] << "\n" << calls;
+    const std::string calls = stage->play(row[1]);
+    EXPECT_TRUE(Matches(calls, row[2])) << title << "\n" << row[1] << "\n" << row[2] << "\n" << calls;
   }
 }
 

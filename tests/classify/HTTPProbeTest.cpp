@@ -4,16 +4,10 @@
 
 #include "classify/HTTPProbe.h"
 
-#include <gtest/gtest.h>
-
 #include <QStringList>
 #include <chrono>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <span>
-#include <string>
-#include <vector>
 
 #include "platform/linux/CurlReadStream.h"
 #include "tests/support/CaseTable.h"
@@ -167,16 +161,13 @@ TEST_F(HTTPProbeOverSockets, SilenceCountsFromTheLastBodyByteOnly) {
   RawServer server([](RawServer::Connection& connection, const std::string& request) {
     if (request.find(" /redirect ") != std::string::npos) {
       static_cast<void>(connection.waitForEnd(900));
-      connection.send("HTTP/1.1 302 Found\r\nLocation: /silent\r\nContent-Length: 0\r\n\r\n");
+      connection.send(HttpReply("302 Found", "", "Location: /silent\r\n"));
       return RawServer::After::keepOpen;
     }
-    if (request.find(" /drip ") == std::string::npos) {
-      connection.send("HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n");
-      static_cast<void>(connection.waitForEnd(5000));
-      return RawServer::After::close;
-    }
-    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n");
-    for (int i = 0; i < 3 && !connection.waitForEnd(600); ++i) connection.send("x");
+    const bool drips = request.find(" /drip ") != std::string::npos;
+    connection.send(drips ? "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n" : "HTTP/1.1 200 OK\r\n");
+    for (int i = 0; i < 3 && !connection.waitForEnd(drips ? 600 : 2000); ++i)
+      connection.send(drips ? "x" : "");
     return RawServer::After::close;
   });
   CHTTPProbe probe(1, true, streams);
@@ -203,8 +194,7 @@ TEST_F(HTTPProbeOverSockets, AnInterruptionAndACancelEndARunningExchange) {
     return condition();
   };
   {
-    CHTTPProbe cancelled(20, false, streams);
-    CHTTPProbe stopped(20, false, streams);
+    CHTTPProbe cancelled(20, false, streams), stopped(20, false, streams);
     EXPECT_EQ(cancelled.get(server.url("/endless").c_str(), "", "", ""), 0);
     EXPECT_EQ(stopped.get(server.url("/silent").c_str(), "", "", ""), 0);
     EXPECT_TRUE(waitUntil([&] { return server.requests().size() == 2; }));

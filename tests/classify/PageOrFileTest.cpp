@@ -4,10 +4,6 @@
 
 #include "classify/PageOrFile.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "platform/linux/CurlReadStream.h"
 #include "tests/support/CaseTable.h"
 
@@ -61,27 +57,10 @@ TEST_F(PageOrFile, WithoutAnExtensionTheServersContentTypeDecides) {
   for (const std::string& request : server.requests()) {
     EXPECT_TRUE(request.starts_with("HEAD ")) << request;
     EXPECT_NE(request.find(" HTTP/1.1\r\n"), std::string::npos);
-    EXPECT_NE(request.find("\r\nUser-Agent: Quillforth/1.0\r\n"), std::string::npos);
     EXPECT_EQ(request.find("Authorization"), std::string::npos) << "a probe sends no credentials";
     loops += request.starts_with("HEAD /loop ") ? 1 : 0;
   }
   EXPECT_EQ(loops, 2U * 21U);
-}
-
-TEST_F(PageOrFile, AnFTPFolderIsAskedAndHasNoType) {
-  const auto talk = [](tests::RawServer::Connection& connection, const std::string&) {
-    connection.send("220-Content-Type: text/html\r\n220 ready\r\n");
-    for (std::string line = connection.receiveUntil("\n"); line.ends_with('\n');
-         line = connection.receiveUntil("\n")) {
-      const char* reply = line.starts_with("PWD") ? "257 \"/\"\r\n" : "250 Content-Type: text/html\r\n";
-      connection.send(line.starts_with("USER") ? "230 in\r\n" : reply);
-    }
-    return tests::RawServer::After::close;
-  };
-  tests::RawServer server(talk, tests::RawServer::Greeting::server);
-  const QString url = QStringLiteral("ftp://127.0.0.1:%1/dir/").arg(server.port());
-  EXPECT_EQ(described(url), "untyped");
-  EXPECT_EQ(server.connectionCount(), 1);
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace quillforth::common {
 namespace {
 
@@ -33,19 +31,16 @@ TEST(BoundedTextTest, CutsAt255BytesAndAtTheFirstNul) {
 }
 
 TEST(BoundedTextTest, ComparesAsciiLettersOnlyWithoutCase) {
-  struct Case {
-    const char *a, *b;
-    std::size_t count;
-    int difference;
-  };
-  for (const Case& c : {Case{"Abc", "aBC", 3, 0},
-                        {"abX", "abY", 2, 0},
-                        {"abX", "aby", 3, -1},
-                        {"ab", "abc", 9, -'C'},
-                        {"", "", 5, 0},
-                        {"[", "{", 1, '[' - '{'},
-                        {"\xC3\xA9", "\xC3\x89", 2, 0xA9 - 0x89}}) {
-    EXPECT_EQ(CompareNoCaseN(c.a, c.b, c.count), c.difference) << c.a << " " << c.b;
+  const std::tuple<const char*, const char*, std::size_t, int> cases[] = {
+      {"Abc", "aBC", 3, 0},
+      {"abX", "abY", 2, 0},
+      {"abX", "aby", 3, -1},
+      {"ab", "abc", 9, -'C'},
+      {"", "", 5, 0},
+      {"[", "{", 1, '[' - '{'},
+      {"\xC3\xA9", "\xC3\x89", 2, 0xA9 - 0x89}};
+  for (const auto& [a, b, count, difference] : cases) {
+    EXPECT_EQ(CompareNoCaseN(a, b, count), difference) << a << " " << b;
   }
   EXPECT_TRUE(StartsWithNoCase("MailTo:x", "mailto:"));
   EXPECT_FALSE(StartsWithNoCase("mail", "mailto:"));

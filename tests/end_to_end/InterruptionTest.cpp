@@ -2,19 +2,16 @@
 //
 // Runs that are ended from outside, at any moment: no partial file, nothing wrong under a final name.
 
-#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <random>
 
 #include "tests/end_to_end/EndToEnd.h"
-#include "tests/support/RawServer.h"
 
 namespace quillforth::tests {
 namespace {
 
 using Interruption = EndToEnd;
-using After = RawServer::After;
 
 bool WaitFor(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
@@ -33,30 +30,26 @@ TEST_F(Interruption, ASignalEndsEveryKindOfWaiting) {
     static_cast<void>(connection.waitForEnd(20000));
     return After::close;
   });
-  struct Case {
-    const char* path;
-    int signal;
-    int exitStatus;
-  };
-  const Case cases[] = {{"/page.html", SIGINT, 130},
-                        {"/probe", SIGINT, 130},
-                        {"/header.zip", SIGINT, 130},
-                        {"/body.zip", SIGINT, 130},
-                        {"/body.zip", SIGTERM, 143}};
+  const std::tuple<std::string, int, int> cases[] = {{"/page.html", SIGINT, 130},
+                                                     {"/probe", SIGINT, 130},
+                                                     {"/header.zip", SIGINT, 130},
+                                                     {"/body.zip", SIGINT, 130},
+                                                     {"/body.zip", SIGTERM, 143}};
   std::size_t requests = 0;
-  for (const Case& one : cases) {
-    Program program(setup(getArguments({server.url(one.path), server.url("/later.zip")})));
+  for (const auto& [path, signal, exitStatus] : cases) {
+    SCOPED_TRACE(path);
+    Program program(setup(getArguments({server.url(path), server.url("/later.zip")})));
     ++requests;
-    const bool hasBody = std::string(one.path) == "/body.zip";
+    const bool hasBody = path == "/body.zip";
     ASSERT_TRUE(
         WaitFor([&] { return server.requests().size() == requests && (!hasBody || !files().empty()); }));
     const auto start = std::chrono::steady_clock::now();
-    program.signal(one.signal);
+    program.signal(signal);
     const Outcome outcome = program.wait();
-    EXPECT_EQ(outcome.exitStatus, one.exitStatus) << one.path;
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << one.path;
-    EXPECT_EQ(outcome.output, "") << one.path;
-    EXPECT_TRUE(files().empty()) << one.path;
+    EXPECT_EQ(outcome.exitStatus, exitStatus);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(files().empty());
     EXPECT_EQ(server.requests().size(), requests);
   }
 }

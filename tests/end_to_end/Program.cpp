@@ -52,10 +52,6 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 }  // namespace
 
 Program::Program(const Setup& setup) {
-  spawn(setup);
-}
-
-void Program::spawn(const Setup& setup) {
   std::vector<std::string> words = setup.wrapper;
   words.emplace_back(QUILLFORTH_CLI);
   words.insert(words.end(), setup.arguments.begin(), setup.arguments.end());
@@ -158,16 +154,6 @@ Outcome Program::wait() {
   process_ = -1;
   outcome_.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
   return outcome_;
-}
-
-Outcome RunProgram(const std::vector<std::string>& arguments,
-                   const std::map<std::string, std::string>& environment, const std::string& input) {
-  return Program({.arguments = arguments,
-                  .environment = environment,
-                  .input = input,
-                  .columns = 0,
-                  .wrapper = {}})
-      .wait();
 }
 
 }  // namespace quillforth::tests

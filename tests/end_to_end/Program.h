@@ -27,7 +27,8 @@ class Program {
     std::map<std::string, std::string> environment;  ///< besides the test's own
     std::string input;                               ///< what standard input holds
     int columns = 0;                                 ///< of its terminal; 0: pipes
-    std::vector<std::string> wrapper;  ///< such as {"unshare", "-n"}; it gets the program and its arguments
+    std::vector<std::string> wrapper =
+        {};  ///< such as {"unshare", "-n"}; it gets the program and its arguments
   };
   explicit Program(const Setup& setup);
   /// Kills what still runs.
@@ -49,7 +50,6 @@ class Program {
   Outcome wait();
 
  private:
-  void spawn(const Setup& setup);
   bool readSome(int milliseconds);
 
   pid_t process_ = -1;
@@ -57,10 +57,5 @@ class Program {
   int errors_ = -1;
   Outcome outcome_;
 };
-
-/// From start to end.
-[[nodiscard]] Outcome RunProgram(const std::vector<std::string>& arguments,
-                                 const std::map<std::string, std::string>& environment = {},
-                                 const std::string& input = {});
 
 }  // namespace quillforth::tests

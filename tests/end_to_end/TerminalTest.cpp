@@ -2,17 +2,12 @@
 //
 // Runs of `get` on a terminal of their own: what is on its screen, and what is typed there.
 
-#include <atomic>
 #include <regex>
 
 #include "tests/end_to_end/EndToEnd.h"
-#include "tests/support/RawServer.h"
 
 namespace quillforth::tests {
 namespace {
-
-using After = RawServer::After;
-using Connection = RawServer::Connection;
 
 // What a terminal shows after `bytes`: just the sequences that the display may use, anything else fails the
 // test.
@@ -47,20 +42,22 @@ class Terminal : public EndToEnd {
  protected:
   // Sends 1,234 of 2,938 bytes, and the others once the gate is open.
   Terminal()
-      : server_([this](Connection& connection, const std::string& request) {
-          if (request.find("/locked") != std::string::npos) return answerLocked(connection, request);
+      : server_([this](RawServer::Connection& connection, const std::string& request) {
+          if (request.find("/locked") != std::string::npos) {
+            const bool isAnswered = request.find("Authorization: Basic bWU6c2VjcmV0") != std::string::npos;
+            connection.send(
+                isAnswered ? HttpReply("200 OK", "open")
+                           : HttpReply("401 No", "", "WWW-Authenticate: Basic realm=\"Ga\x1bllery\"\r\n"));
+            return After::keepOpen;
+          }
           connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2938\r\n\r\n" + std::string(1234, 'x'));
           while (!gate_ && !connection.waitForEnd(5)) continue;
           connection.send(std::string(1704, 'x'));
           return After::keepOpen;
         }) {}
 
-  static After answerLocked(Connection& connection, const std::string& request) {
-    const bool isAnswered = request.find("Authorization: Basic bWU6c2VjcmV0") != std::string::npos;
-    connection.send(
-        isAnswered ? HttpReply("200 OK", "open")
-                   : HttpReply("401 Unauthorized", "", "WWW-Authenticate: Basic realm=\"Ga\x1bllery\"\r\n"));
-    return After::keepOpen;
+  [[nodiscard]] Program::Setup onTerminal(std::initializer_list<std::string> arguments) const {
+    return setup(getArguments(arguments), 60);
   }
 
   std::atomic<bool> gate_ = false;
@@ -69,7 +66,7 @@ class Terminal : public EndToEnd {
 
 TEST_F(Terminal, ProgressIsRedrawnInPlaceAndFitsTheWindow) {
   const std::string url = server_.url("/" + std::string(90, 'l') + "ong.zip");
-  Program program(setup(getArguments({url, server_.url("/second.zip")}), 60));
+  Program program(onTerminal({url, server_.url("/second.zip")}));
   ASSERT_TRUE(program.waitForOutput("42 percent, (1,234 of 2,938 bytes, Elapsed: "));
   ASSERT_TRUE(program.waitForOutput("1 urls queued"));
   std::string seen;
@@ -97,25 +94,26 @@ TEST_F(Terminal, ProgressIsRedrawnInPlaceAndFitsTheWindow) {
 TEST_F(Terminal, ColoursAndRedrawingCanBeUnwanted) {
   gate_ = true;
   environment_["NO_COLOR"] = "1";
-  EXPECT_EQ(Program(setup(getArguments({server_.url("/a.zip")}), 60)).wait().output.find("\x1b[3"),
-            std::string::npos);
+  EXPECT_EQ(Program(onTerminal({server_.url("/a.zip")})).wait().output.find("\x1b[3"), std::string::npos);
   environment_["TERM"] = "dumb";
-  EXPECT_EQ(Program(setup(getArguments({server_.url("/b.zip")}), 60)).wait().output,
+  EXPECT_EQ(Program(onTerminal({server_.url("/b.zip")})).wait().output,
             "done " + server_.url("/b.zip") + " -> " + inFolder("b.zip") + "\r\n");
 }
 
 TEST_F(Terminal, CtrlCCleansUp) {
-  Program program(setup(getArguments({server_.url("/a.zip")}), 60));
-  ASSERT_TRUE(program.waitForOutput("42 percent"));
-  program.type("\x03");
-  const Outcome outcome = program.wait();
-  EXPECT_EQ(outcome.exitStatus, 130);
-  EXPECT_EQ(outcome.output.find("Done!"), std::string::npos);
-  EXPECT_TRUE(files().empty());
+  for (const std::string path : {"/a.zip", "/locked.zip"}) {
+    Program program(onTerminal({server_.url(path)}));
+    ASSERT_TRUE(program.waitForOutput(path == "/a.zip" ? "42 percent" : "User name"));
+    program.type("\x03");
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.exitStatus, 130);
+    EXPECT_EQ(outcome.output.find("Done!"), std::string::npos);
+    EXPECT_TRUE(files().empty());
+  }
 }
 
 TEST_F(Terminal, NameAndPasswordAreAskedAndThePasswordIsNotShown) {
-  Program program(setup(getArguments({server_.url("/locked.zip")}), 60));
+  Program program(onTerminal({server_.url("/locked.zip")}));
   ASSERT_TRUE(program.waitForOutput("User name for \"Ga\\x1bllery\" at 127.0.0.1: "));
   program.type("me\n");
   ASSERT_TRUE(program.waitForOutput("Password: "));
@@ -124,13 +122,6 @@ TEST_F(Terminal, NameAndPasswordAreAskedAndThePasswordIsNotShown) {
   EXPECT_EQ(outcome.exitStatus, 0) << outcome.output;
   EXPECT_EQ(outcome.output.find("secret"), std::string::npos);
   EXPECT_EQ(files().at("locked.zip"), "open");
-
-  Program interrupted(setup(getArguments({server_.url("/locked.zip")}), 60));
-  ASSERT_TRUE(interrupted.waitForOutput("User name"));
-  interrupted.type("me\n");
-  ASSERT_TRUE(interrupted.waitForOutput("Password: "));
-  interrupted.type("\x03");
-  EXPECT_EQ(interrupted.wait().exitStatus, 130);
 }
 
 TEST_F(Terminal, TheFolderIsAskedWhereTheUserWantsThat) {

@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "tests/linkextract/ReferenceScanner.h"
 
@@ -66,10 +64,10 @@ class PageMaker {
        "../",
        "#",
        "mailto:",
-       "option value=\"",
-       "http://h/a.html",
+       "\xC3\xA9",
        "b.tar.gz",
-       "\xC3\xA9"},
+       "http://h/a.html",
+       "option value=\""},
       {"href=\"\"", "href=\"x\"", "hr", "ef=", "\"", "src=a ", "s", "rc=", "r", "c=", "h", "e", "f", "="},
       {"background='", "back", "ground=", "b", "a", "c", "k", "g", "r", "o", "u", "n", "d", "=", "src= ", "'",
        ">", " "},

@@ -4,11 +4,7 @@
 
 #include "platform/linux/CurlPageLoader.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <string>
-#include <thread>
 
 #include "tests/support/CaseTable.h"
 
@@ -45,16 +41,12 @@ TEST_F(CurlPageLoaderTest, TakesWholePagesAndNothingElse) {
         std::string("file:///etc/hostname"), "gopher://" + host + "/plain", std::string("site-a.test")}) {
     EXPECT_EQ(load(text), "-") << text;
   }
-  EXPECT_EQ(server.connectionCount(), connections)
-      << "what is not absolute or not fetched costs no connection";
+  EXPECT_EQ(server.connectionCount(), connections) << "such URLs cost no connection";
   EXPECT_EQ(load("http://127.0.0.1:1/"), "-");
 }
 
 TEST_F(CurlPageLoaderTest, KeepsTheConnectionAndAnswersOnlyTheHostThatTheCredentialsAreFor) {
-  RawServer other([](Connection& connection, const std::string&) {
-    connection.send(HttpReply("200 OK", "elsewhere"));
-    return RawServer::After::close;
-  });
+  RawServer other(tests::Serving({{"/", HttpReply("200 OK", "elsewhere")}}));
   const std::string leave = "Location: " + other.url("/") + "\r\n";
   RawServer server([&leave](Connection& connection, const std::string& request) {
     const bool isKnown = request.find("\r\nAuthorization: Basic dXNlcjpwYXNz\r\n") != std::string::npos;

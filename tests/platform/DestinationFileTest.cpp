@@ -12,11 +12,9 @@
 #include <unistd.h>
 
 #include <QTemporaryDir>
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <set>
 
 namespace quillforth::platform {
 namespace {
@@ -173,13 +171,9 @@ TEST_F(DestinationFileTest, RemovesWhatAKilledProcessLeftAndNothingElse) {
   ASSERT_TRUE(IsTemporaryFilename(stale)) << stale;
 
   const std::string held = TemporaryFilename(), link = TemporaryFilename(), fifo = TemporaryFilename();
-  Names kept{held,
-             "victim",
-             stale.substr(1),
-             stale + "x",
-             ".quillforth-0123456789abcde.part",
-             ".quillforth-0123456789abcdeg.part",
-             ".quillforth-0123456789ABCDEF.part"};
+  Names kept{held, "victim", stale.substr(1), stale + "x"};
+  for (const char* digits : {"0123456789abcde", "0123456789abcdeg", "0123456789ABCDEF"})
+    kept.insert(std::string(".quillforth-").append(digits) + ".part");
   for (const std::string& name : kept) put(name, "");
   const FileDescriptor holder(::open((folder / held).c_str(), O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(holder.get(), LOCK_EX), 0);

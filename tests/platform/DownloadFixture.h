@@ -11,13 +11,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <functional>
-#include <list>
-#include <memory>
 #include <optional>
 #include <regex>
-#include <string>
-#include <vector>
 
 #include "platform/linux/CurlDownloadService.h"
 #include "tests/support/RawServer.h"

@@ -37,7 +37,6 @@ class Settings : public ::testing::Test {
 };
 
 TEST_F(Settings, WhatOthersStoreIsSeenAtTheNextSynchronization) {
-  EXPECT_FALSE(read("aggregateFiles").isValid());
   WriteFile(path, "[General]\naggregateFiles=YES\n");
   EXPECT_EQ(read("aggregateFiles"), QStringLiteral("YES"));
   platform::SettingsUserDefaults other;

@@ -4,13 +4,10 @@
 
 #include "platform/linux/SharedMimeInfo.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <QTemporaryDir>
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "tests/support/CaseTable.h"
 

@@ -4,8 +4,6 @@
 
 #include "platform/SuggestedFilename.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::platform {

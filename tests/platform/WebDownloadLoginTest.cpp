@@ -2,14 +2,11 @@
 //
 // Downloads behind logins, TLS and FTP.
 
-#include <gtest/gtest.h>
 #include <httplib.h>
 #include <openssl/x509v3.h>
 
 #include <QCryptographicHash>
 #include <cstdio>
-#include <map>
-#include <thread>
 
 #include "platform/HeaderText.h"
 #include "tests/platform/DownloadFixture.h"

@@ -9,8 +9,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <string>
-#include <vector>
 
 #include "tests/support/RawServer.h"
 
@@ -57,15 +55,10 @@ inline std::vector<std::vector<std::string>> ReadCases(const std::string& file, 
 }
 
 /// Sends the second cell of the row whose first cell is the requested path, then closes.
-inline RawServer::Handler AnswerFrom(std::vector<std::vector<std::string>> rows) {
-  return [rows = std::move(rows)](RawServer::Connection& connection, const std::string& request) {
-    const std::size_t start = request.find(' ') + 1;
-    const std::string path = request.substr(start, request.find(' ', start) - start);
-    for (const auto& row : rows) {
-      if (row[0] == path) connection.send(row[1]);
-    }
-    return RawServer::After::close;
-  };
+inline RawServer::Handler AnswerFrom(const std::vector<std::vector<std::string>>& rows) {
+  std::map<std::string, std::string> replies;
+  for (const auto& row : rows) replies[row[0]] = row[1];
+  return Serving(std::move(replies), RawServer::After::close);
 }
 
 }  // namespace quillforth::tests

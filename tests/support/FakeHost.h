@@ -6,10 +6,6 @@
 #include <QHash>
 #include <map>
 #include <memory>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "app/Host.h"
 #include "platform/HTTPReadStream.h"

@@ -48,8 +48,6 @@ bool RawServer::Connection::waitForEnd(int milliseconds) const {
   return ::poll(&entry, 1, milliseconds) > 0;
 }
 
-RawServer::RawServer(Handler handler) : RawServer(std::move(handler), Greeting::client) {}
-
 RawServer::RawServer(Handler handler, Greeting greeting) : handler_(std::move(handler)), greeting_(greeting) {
   listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
@@ -125,6 +123,23 @@ std::string HttpReply(std::string_view status, std::string_view body, std::strin
   std::string reply = "HTTP/1.1 ";
   reply.append(status).append("\r\nContent-Length: ").append(std::to_string(body.size())).append("\r\n");
   return reply.append(extraHeaders).append("\r\n").append(body);
+}
+
+std::string HtmlReply(std::string_view page) {
+  return HttpReply("200 OK", page, "Content-Type: text/html\r\n");
+}
+
+RawServer::Handler Serving(std::map<std::string, std::string> replies, RawServer::After after) {
+  return
+      [replies = std::move(replies), after](RawServer::Connection& connection, const std::string& request) {
+        const std::size_t start = request.find(' ') + 1;
+        const auto reply = replies.find(request.substr(start, request.find(' ', start) - start));
+        std::string text = reply == replies.end() ? HttpReply("404 No", "") : reply->second;
+        const bool isHead = request.starts_with("HEAD ") && after == RawServer::After::keepOpen;
+        if (isHead) text.resize(text.find("\r\n\r\n") + 4);
+        connection.send(text);
+        return after;
+      };
 }
 
 }  // namespace quillforth::tests

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -42,10 +43,9 @@ class RawServer {
   /// `request`: the header with its blank line, such as "GET /a HTTP/1.1\r\nHost: …\r\n\r\n".
   using Handler = std::function<After(Connection& connection, const std::string& request)>;
 
-  explicit RawServer(Handler handler);
-  /// For protocols in which the server speaks first (FTP): the handler gets an empty request.
+  /// `server`: for protocols in which the server speaks first (FTP); the handler gets an empty request.
   enum class Greeting { client, server };
-  RawServer(Handler handler, Greeting greeting);
+  explicit RawServer(Handler handler, Greeting greeting = Greeting::client);
   ~RawServer();
   RawServer(const RawServer&) = delete;
   RawServer& operator=(const RawServer&) = delete;
@@ -77,5 +77,10 @@ class RawServer {
 /// A whole HTTP/1.1 answer with its length and `extraHeaders` ("Name: value\r\n" each).
 [[nodiscard]] std::string HttpReply(std::string_view status, std::string_view body,
                                     std::string_view extraHeaders = {});
+[[nodiscard]] std::string HtmlReply(std::string_view page);
+
+/// Sends what `replies` holds for the requested path, or an answer 404.
+[[nodiscard]] RawServer::Handler Serving(std::map<std::string, std::string> replies,
+                                         RawServer::After after = RawServer::After::keepOpen);
 
 }  // namespace quillforth::tests
