@@ -23,7 +23,8 @@ TEST_F(DownloadTest, OnlyWholeFilesFromFetchableURLsArrive) {
   rows.push_back({"/chain0", HttpReply("200 OK", "end"), "end", ""});
   for (int i = 1; i <= 21; ++i) {  // redirects in a row
     rows.push_back({"/chain" + std::to_string(i),
-                    HttpReply("302 Found", "", "Location: /chain" + std::to_string(i - 1) + "\r\n"),
+                    "HTTP/1.1 302 Found\r\nLocation: /chain" + std::to_string(i - 1) +
+                        "\r\nContent-Disposition: a; filename=no\r\n\r\n",
                     i <= 20 ? "end" : "", i <= 20 ? "" : "The server redirected too many times."});
   }
   RawServer server(AnswerFrom(rows));
@@ -127,8 +128,8 @@ TEST_F(DownloadTest, ADestinationThatCannotBeIsAnError) {
       {QStringLiteral("relative"), QString(), none},
       {path, QStringLiteral(".."), none},
       {path, QLatin1StringView(""), none},
-      {path + u"/absent", QString(), missing},
-      {path + u"/file", QString(), missing},
+      {path + QStringLiteral("/absent"), QString(), missing},
+      {path + QStringLiteral("/file"), QString(), missing},
       {path, QString(256, u'n'), "The name of the file is too long for the destination folder."},
       {path, QStringLiteral("small"), "A folder has the name of the file."},
       {small, QString(), "There is not enough space in the destination folder."}};
