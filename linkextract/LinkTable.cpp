@@ -3,7 +3,7 @@
 #include "linkextract/LinkTable.h"
 
 #include <algorithm>
-#include <cstring>
+#include <limits>
 #include <new>
 #include <random>
 #include <utility>
@@ -47,33 +47,34 @@ std::uint32_t LinkTable::hashOf(std::string_view key) noexcept {
 }
 
 void LinkTable::expect(std::uint32_t hash) const noexcept {
-  if (!buckets_.empty()) __builtin_prefetch(&buckets_[bucketOf(hash)]);
+  if (!slots_.empty()) __builtin_prefetch(&slots_[firstSlotOf(hash)]);
 }
 
 void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
-  if (buckets_.empty()) return;
-  const LinkEntry* const entry = buckets_[bucketOf(hash)];
-  if (entry == nullptr) return;
+  if (slots_.empty()) return;
+  const Slot& slot = slots_[firstSlotOf(hash)];
+  if (slot.place == 0 || slot.hash != hash) return;
+  const LinkEntry* const entry = entryAt(slot.place);
   __builtin_prefetch(entry);
-  __builtin_prefetch(entry + 1);  // the key, often in the next cache line
+  __builtin_prefetch(entry + 2);  // the end of a key of usual length, often in the next cache line
 }
 
 LinkTable::Insertion LinkTable::insert(std::string_view key, std::uint32_t hash) {
   key = Bounded(key);
-  if (size_ >= buckets_.size()) growBuckets();
-  LinkEntry* entry = buckets_[bucketOf(hash)];
-  while (entry != nullptr && (entry->hash_ != hash || entry->key() != key)) entry = entry->sameBucket_;
-  if (entry != nullptr) return {*entry, false};
+  if (LinkEntry* const entry = find(key, hash); entry != nullptr) return {*entry, false};
+  if (4 * size_ >= 3 * slots_.size()) growSlots();
+  takeSlot({hash, append(key)});
+  return {*tail_, true};
+}
 
-  entry = new (allocate(sizeof(LinkEntry) + key.size(), alignof(LinkEntry))) LinkEntry;
-  std::copy(key.begin(), key.end(), reinterpret_cast<char*>(entry + 1));
-  entry->keyLength_ = static_cast<std::uint8_t>(key.size());
-  entry->hash_ = hash;
-  linkIntoBucket(*entry);
-  (head_ == nullptr ? head_ : tail_->next_) = entry;
-  tail_ = entry;
-  ++size_;
-  return {*entry, true};
+LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexcept {
+  if (slots_.empty()) return nullptr;
+  for (std::size_t slot = firstSlotOf(hash); slots_[slot].place != 0; slot = slotAfter(slot)) {
+    if (slots_[slot].hash != hash) continue;
+    LinkEntry* const entry = entryAt(slots_[slot].place);
+    if (entry->key() == key) return entry;
+  }
+  return nullptr;
 }
 
 void LinkTable::setValue(LinkEntry& entry, std::string_view value) {
@@ -84,46 +85,69 @@ void LinkTable::setValue(LinkEntry& entry, std::string_view value) {
 }
 
 void LinkTable::clear() noexcept {
-  if (newestBlock_ != nullptr) common::RecordPool<Block>::release(newestBlock_, oldestBlock_);
-  buckets_.clear();
+  if (!blocks_.empty()) common::RecordPool<Block>::release(blocks_.back(), blocks_.front());
+  slots_.clear();
+  blocks_.clear();
   head_ = tail_ = nullptr;
   size_ = 0;
-  newestBlock_ = oldestBlock_ = nullptr;
   used_ = sizeof(Block::bytes);
 }
 
-void LinkTable::growBuckets() {
-  constexpr std::size_t kFewest = 512;
-  buckets_.assign(std::max(kFewest, 4 * buckets_.size()), nullptr);
-  for (LinkEntry* entry = head_; entry != nullptr; entry = entry->next_) linkIntoBucket(*entry);
+void LinkTable::growSlots() {
+  constexpr std::size_t kFewest = 4096;
+  std::vector<Slot> old(std::max(kFewest, 2 * slots_.size()), Slot{});
+  old.swap(slots_);
+  for (const Slot& taken : old) {
+    if (taken.place != 0) takeSlot(taken);
+  }
 }
 
-void LinkTable::linkIntoBucket(LinkEntry& entry) noexcept {
-  LinkEntry*& bucket = buckets_[bucketOf(entry.hash_)];
-  entry.sameBucket_ = bucket;
-  bucket = &entry;
+void LinkTable::takeSlot(Slot taken) noexcept {
+  std::size_t slot = firstSlotOf(taken.hash);
+  while (slots_[slot].place != 0) slot = slotAfter(slot);
+  slots_[slot] = taken;
+}
+
+LinkTable::Place LinkTable::append(std::string_view key) {
+  char* const bytes = allocate(sizeof(LinkEntry) + key.size(), alignof(LinkEntry));
+  auto* const entry = new (bytes) LinkEntry;
+  std::copy(key.begin(), key.end(), reinterpret_cast<char*>(entry + 1));
+  entry->keyLength_ = static_cast<std::uint8_t>(key.size());
+  (head_ == nullptr ? head_ : tail_->next_) = entry;
+  tail_ = entry;
+  ++size_;
+  const auto offset = static_cast<std::size_t>(bytes - reinterpret_cast<char*>(blocks_.back()));
+  return static_cast<Place>((blocks_.size() - 1) * kPlacesInBlock + offset / alignof(LinkEntry));
+}
+
+LinkEntry* LinkTable::entryAt(Place place) const noexcept {
+  char* const block = reinterpret_cast<char*>(blocks_[place / kPlacesInBlock]);
+  return reinterpret_cast<LinkEntry*>(block + place % kPlacesInBlock * alignof(LinkEntry));
 }
 
 char* LinkTable::allocate(std::size_t size, std::size_t alignment) {
   std::size_t begin = (used_ + alignment - 1) / alignment * alignment;
   if (begin + size > sizeof(Block::bytes)) {
-    Block* const block = common::RecordPool<Block>::take();
-    block->next = newestBlock_;
-    if (newestBlock_ == nullptr) oldestBlock_ = block;
-    newestBlock_ = block;
+    addBlock();
     begin = 0;
   }
   used_ = begin + size;
-  return newestBlock_->bytes + begin;
+  return blocks_.back()->bytes + begin;
+}
+
+void LinkTable::addBlock() {
+  if (blocks_.size() > std::numeric_limits<Place>::max() / kPlacesInBlock) throw std::bad_alloc();
+  Block* const block = common::RecordPool<Block>::take();
+  block->next = blocks_.empty() ? nullptr : blocks_.back();
+  blocks_.push_back(block);
 }
 
 void LinkTable::swap(LinkTable& other) noexcept {
-  std::swap(buckets_, other.buckets_);
+  std::swap(slots_, other.slots_);
   std::swap(head_, other.head_);
   std::swap(tail_, other.tail_);
   std::swap(size_, other.size_);
-  std::swap(newestBlock_, other.newestBlock_);
-  std::swap(oldestBlock_, other.oldestBlock_);
+  std::swap(blocks_, other.blocks_);
   std::swap(used_, other.used_);
 }
 

@@ -2,10 +2,16 @@
 //
 // The links of one page: raw link text to absolute URL, each raw text once, in the order of first appearance.
 //
-// Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. An entry and its texts
-// lie together at their length, not in full-width fields: a page of 200,000 links then fills a fifth of the
-// memory, and filling fresh memory is what most of the time for such a page would go into. The blocks for
-// them come from a process-wide pool. Any thread as long as no table is shared.
+// Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. The hashes stand close
+// together, apart from the entries: a new key is told from all others without a look at these. An entry and
+// its texts lie together at their length, not in full-width fields: a page of 200,000 links then fills a
+// fifth of the memory, and filling fresh memory is what most of the time for such a page would go into. The
+// blocks for them come from a process-wide pool.
+//
+//     slots     | hash, place | free | hash, place | free | free | hash, place | ...   by hash
+//     blocks    | entry key value | entry key value | ...                              in order of insertion
+//
+// Any thread as long as no table is shared.
 #pragma once
 
 #include <cstddef>
@@ -28,17 +34,13 @@ class LinkEntry {
   }
   /// Its absolute URL, cut at 255 bytes, possibly inside a character; empty until one is set.
   [[nodiscard]] std::string_view value() const noexcept { return {value_, valueLength_}; }
-  /// The entry that was inserted after this one; null for the last.
-  [[nodiscard]] const LinkEntry* next() const noexcept { return next_; }
 
  private:
-  friend class LinkTable;
+  friend class LinkTable;  // its iterator, too
   LinkEntry() = default;
 
   LinkEntry* next_ = nullptr;
-  LinkEntry* sameBucket_ = nullptr;
   char* value_ = nullptr;
-  std::uint32_t hash_ = 0;
   std::uint8_t keyLength_ = 0;  // the key's bytes follow the entry
   std::uint8_t valueLength_ = 0;
 };
@@ -86,7 +88,7 @@ class LinkTable {
     reference operator*() const { return *entry_; }
     pointer operator->() const { return entry_; }
     Iterator& operator++() {
-      entry_ = entry_->next();
+      entry_ = entry_->next_;
       return *this;
     }
     Iterator operator++(int) {
@@ -108,21 +110,37 @@ class LinkTable {
     Block* next;
     alignas(LinkEntry) char bytes[4096 - alignof(LinkEntry)];
   };
+  /// Where an entry lies, counted in its alignment as if the blocks lay one after the other. Never 0, where
+  /// the first block's `next` is. A table cannot grow beyond 32 GiB: that is out of memory.
+  using Place = std::uint32_t;
+  static constexpr Place kPlacesInBlock = sizeof(Block) / alignof(LinkEntry);
+  struct Slot {
+    std::uint32_t hash;
+    Place place;  // 0 in a free slot
+  };
 
-  [[nodiscard]] std::size_t bucketOf(std::uint32_t hash) const noexcept {
-    return hash & (buckets_.size() - 1);
+  /// Where to look for a hash first. Slots are in the order of the hashes but for those that were taken: a
+  /// larger table is filled from front to back.
+  [[nodiscard]] std::size_t firstSlotOf(std::uint32_t hash) const noexcept {
+    return static_cast<std::size_t>(std::uint64_t{hash} * slots_.size() >> 32);
   }
-  void growBuckets();
-  void linkIntoBucket(LinkEntry& entry) noexcept;
+  [[nodiscard]] std::size_t slotAfter(std::size_t slot) const noexcept {
+    return (slot + 1) & (slots_.size() - 1);
+  }
+  [[nodiscard]] LinkEntry* find(std::string_view key, std::uint32_t hash) const noexcept;
+  void growSlots();
+  void takeSlot(Slot taken) noexcept;
+  [[nodiscard]] Place append(std::string_view key);
+  [[nodiscard]] LinkEntry* entryAt(Place place) const noexcept;
   [[nodiscard]] char* allocate(std::size_t size, std::size_t alignment);
+  void addBlock();
   void swap(LinkTable& other) noexcept;
 
-  std::vector<LinkEntry*> buckets_;  // a power of two, at least as many as there are entries
+  std::vector<Slot> slots_;  // a power of two, at least a quarter of them free
   LinkEntry* head_ = nullptr;
   LinkEntry* tail_ = nullptr;
   std::size_t size_ = 0;
-  Block* newestBlock_ = nullptr;  // `next` leads to older ones
-  Block* oldestBlock_ = nullptr;
+  std::vector<Block*> blocks_;               // `next` leads to older ones
   std::size_t used_ = sizeof(Block::bytes);  // of the newest block
 };
 
