@@ -31,9 +31,14 @@ class LinkCollector final : public LinkSink {
         (link[0] == '#' || (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, kMailto)))) {
       return;
     }
+    const std::uint32_t hash = LinkTable::hashOf(link);
+    if (table_.size() < kNearby) {
+      enter(link, hash);
+      return;
+    }
     Waiting& last = waiting_[added_ % kWaiting];
-    if (added_ >= kWaiting) enter(last);
-    last.hash = LinkTable::hashOf(link);
+    if (added_ >= kWaiting) enter(last.key(), last.hash);
+    last.hash = hash;
     last.length = link.copy(last.text.data(), last.text.size());
     table_.expect(last.hash);
     if (added_ >= kWaiting / 2) table_.expectEntry(waiting_[(added_ - kWaiting / 2) % kWaiting].hash);
@@ -41,7 +46,9 @@ class LinkCollector final : public LinkSink {
   }
 
   void finish() {
-    for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) enter(waiting_[i % kWaiting]);
+    for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) {
+      enter(waiting_[i % kWaiting].key(), waiting_[i % kWaiting].hash);
+    }
     added_ = 0;
   }
 
@@ -50,12 +57,13 @@ class LinkCollector final : public LinkSink {
     std::uint32_t hash;
     std::size_t length;
     std::array<char, common::BoundedText::kMaxLength> text;
+    [[nodiscard]] std::string_view key() const { return {text.data(), length}; }
   };
   static constexpr std::size_t kWaiting = 16;
+  static constexpr std::size_t kNearby = 4096;  // links of a table that the processor holds at hand
 
-  void enter(const Waiting& link) {
-    const std::string_view key(link.text.data(), link.length);
-    const LinkTable::Insertion insertion = table_.insert(key, link.hash);
+  void enter(std::string_view key, std::uint32_t hash) {
+    const LinkTable::Insertion insertion = table_.insert(key, hash);
     if (!insertion.isNew && !overwrites_) return;  // the same base gave it the same value before
     resolver_.resolve(key, absolute_);
     table_.setValue(insertion.entry, absolute_.view());
