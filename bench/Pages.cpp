@@ -175,7 +175,9 @@ const std::vector<HostilePage>& HostilePages() {
       {"src everywhere", [](std::size_t size) { return Repeated("src=", size); }},
       {"empty src", [](std::size_t size) { return Repeated("src= ", size); }},
       {"cuts without joins",
-       [](std::size_t size) { return Repeated("src= x", size) + "background=a href=b src=c>"; }},
+       [](std::size_t size) {
+         return "<background=a>href=b>" + Repeated("src= x", size) + "background=a href=b src=c>";
+       }},
       {"equals signs", [](std::size_t size) { return Repeated("d=", size); }},
       {"one long link", [](std::size_t size) { return "<a href=\"" + Repeated("x", size) + "\">"; }},
   };
