@@ -28,7 +28,6 @@ using Position = WorkText::Position;
 /// The attribute names with their "=", in upper case. Each ends in another letter, by which it is told from
 /// the others, and no two neighbouring letters stand in two of them, so that a seam can join at most one.
 constexpr std::array<std::string_view, 3> kNames{"HREF=", "SRC=", "BACKGROUND="};
-constexpr std::size_t kShortestName = 4;
 constexpr std::size_t kLongestName = 11;
 constexpr char kCaseBit = 0x20;  // what makes an upper-case letter a lower-case one
 
@@ -63,8 +62,8 @@ static_assert(std::all_of(kPatternList.begin(), kPatternList.end(), [](const Pat
 
 /// Two characters that follow each other in a name.
 struct Joint {
-  std::size_t name = kNames.size();
-  std::size_t split = 0;  // of the name, between the two
+  std::uint8_t name = kNames.size();
+  std::uint8_t split = 0;  // of the name, between the two
 };
 
 /// By the low five bits of two characters: other pairs get there, too, but no two joints do.
@@ -74,8 +73,8 @@ constexpr std::size_t JointIndex(char before, char after) {
 
 constexpr std::array<Joint, 1024> kJoints = [] {
   std::array<Joint, 1024> joints{};
-  for (std::size_t name = 0; name < kNames.size(); ++name) {
-    for (std::size_t split = 1; split < kNames[name].size(); ++split) {
+  for (std::uint8_t name = 0; name < kNames.size(); ++name) {
+    for (std::uint8_t split = 1; split < kNames[name].size(); ++split) {
       joints[JointIndex(kNames[name][split - 1], kNames[name][split])] = {name, split};
     }
   }
@@ -87,6 +86,11 @@ static_assert(std::count_if(kJoints.begin(), kJoints.end(), [](const Joint& join
 
 /// Positions right after the "=" of each name in a text, ascending.
 using NamePositions = std::array<std::vector<Position>, kNames.size()>;
+
+bool IsLastLetter(char c) {
+  return std::any_of(kNames.begin(), kNames.end(),
+                     [c](std::string_view name) { return LastLetter(name) == UpperCased(c); });
+}
 
 /// Which bytes are the last letter of a name.
 std::uint64_t LastLetters(const ByteBlock& block) {
@@ -126,8 +130,7 @@ NamePositions FindNames(std::string_view text) {
   MatchCursor ends(text, [](std::string_view all, std::size_t offset) {
     const ByteBlock block = ByteBlock::load(all, offset);
     const std::uint64_t equals = block.mask('=');
-    const bool carried =
-        offset > 0 && (equals & 1) != 0 && LastLetters(ByteBlock::load(all.substr(offset - 1, 1), 0)) != 0;
+    const bool carried = (equals & 1) != 0 && offset > 0 && IsLastLetter(all[offset - 1]);
     return equals & (LastLetters(block) << 1 | (carried ? 1 : 0));
   });
   NamePositions names;
@@ -144,18 +147,19 @@ NamePositions FindNames(std::string_view text) {
 class AttributeScanner {
  public:
   AttributeScanner(std::string_view text, LinkSink& sink)
-      : work_(text, kShortestName + 1), names_(FindNames(text)), sink_(sink) {}
+      : names_(FindNames(text)), work_(text, MostCuts(text, names_)), sink_(sink) {}
 
   /// Finds and cuts out all that lies between the pair's texts.
   void run(const Row& row) {
-    std::vector<Position>& names = names_[row.name];
+    const std::span<Position> names = names_[row.name];
     if (names.empty()) return;
-    work_.rewind();
+    work_.setTo(names.front());
     constexpr std::size_t kAhead = 8;  // names that the text's memory is asked for before it is read
     std::size_t kept = 0;
     std::size_t read = 0;
-    while (revived_ || read < names.size()) {
-      const Position name = revived_ ? *std::exchange(revived_, std::nullopt) : names[read++];
+    std::optional<Position> revived;  // by a seam: to be looked at before all others
+    while (revived || read < names.size()) {
+      const Position name = revived ? *std::exchange(revived, std::nullopt) : names[read++];
       if (names.size() - read > kAhead) work_.expect(names[read + kAhead]);
       work_.moveTo(name);
       if (work_.isCutBefore(name)) continue;
@@ -171,38 +175,51 @@ class AttributeScanner {
       const WorkText::Place start = work_.stepBackBy(work_.placeAt(name), kNames[row.name].size());
       const WorkText::Cut seam = work_.cut(start, end + 1);
       if (kept > 0 && names[kept - 1] == seam.begin) {
-        revived_ = names[--kept];  // a quote may follow it now
+        revived = names[--kept];  // a quote may follow it now
       } else {
-        joinAcross(seam, row.name);
+        revived = joinAcross(seam, row.name);
       }
     }
-    names.erase(names.begin() + static_cast<std::ptrdiff_t>(kept),
-                names.begin() + static_cast<std::ptrdiff_t>(read));
+    const auto first = names_[row.name].begin();
+    names_[row.name].erase(first + static_cast<std::ptrdiff_t>(kept),
+                           first + static_cast<std::ptrdiff_t>(read));
     for (std::size_t i = 0; i < kNames.size(); ++i) takeIn(joined_[i], names_[i]);
   }
 
  private:
+  /// Each cut takes out a name; where that is one that a seam has joined together, the seam's cut becomes
+  /// part of it. A cut and what divides it from the next have 6 bytes or more, or hold 3 for every name
+  /// between.
+  static std::size_t MostCuts(std::string_view text, const NamePositions& found) {
+    std::size_t names = 0;
+    for (const std::vector<Position>& each : found) names += each.size();
+    return std::min(names, (text.size() + 1) / 3 - names);
+  }
+
   void emit(Position begin, Position end) {
-    if (work_.isWholeUpTo(end)) {
-      sink_.add(work_.text().substr(begin, std::min<std::size_t>(end - begin, BoundedText::kMaxLength)));
-      return;
-    }
+    if (!work_.isWholeUpTo(end)) return emitPieces(begin, end);
+    sink_.add(work_.text().substr(begin, std::min<std::size_t>(end - begin, BoundedText::kMaxLength)));
+  }
+
+  void emitPieces(Position begin, Position end) {
     std::array<char, BoundedText::kMaxLength> pieces;
     sink_.add({pieces.data(), work_.copy(begin, end, pieces).count});
   }
 
-  /// Notes the name, if there is one, that the seam has joined together: one of the running row is up next.
-  void joinAcross(const WorkText::Cut& seam, std::size_t running) {
-    if (seam.begin == 0 || seam.end == work_.text().size()) return;
+  /// The name, if there is one, that the seam has joined together: given back when it is the running row's,
+  /// else noted for the rows to come.
+  [[nodiscard]] std::optional<Position> joinAcross(WorkText::Cut seam, std::size_t running) {
+    if (seam.begin == 0 || seam.end == work_.text().size()) return std::nullopt;
     const Joint joint = kJoints[JointIndex(work_.text()[seam.begin - 1], work_.text()[seam.end])];
-    if (joint.split == 0 || !endsBeforeSeam(kNames[joint.name].substr(0, joint.split))) return;
+    return joint.split == 0 ? std::nullopt : joinAt(joint, seam, running);
+  }
+
+  [[nodiscard]] std::optional<Position> joinAt(Joint joint, WorkText::Cut seam, std::size_t running) {
+    if (!endsBeforeSeam(kNames[joint.name].substr(0, joint.split))) return std::nullopt;
     const std::optional<Position> end = endAfterSeam(seam.end, kNames[joint.name].substr(joint.split));
-    if (!end) return;
-    if (joint.name == running) {
-      revived_ = end;
-    } else {
-      joined_[joint.name].push_back(*end);
-    }
+    if (!end || joint.name == running) return end;
+    joined_[joint.name].push_back(*end);
+    return std::nullopt;
   }
 
   [[nodiscard]] bool endsBeforeSeam(std::string_view part) const {
@@ -229,10 +246,9 @@ class AttributeScanner {
     added.clear();
   }
 
+  NamePositions names_;  // may hold names that are cut out
   WorkText work_;
-  NamePositions names_;              // may hold names that are cut out
-  NamePositions joined_;             // by the running row, of other names than its own
-  std::optional<Position> revived_;  // the running row's name to look at before all others
+  NamePositions joined_;  // by the running row, of other names than its own
   LinkSink& sink_;
 };
 

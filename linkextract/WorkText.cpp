@@ -7,25 +7,46 @@
 
 namespace quillforth::linkextract {
 
-// Between two cuts at least one byte is left, which bounds their number.
-WorkText::WorkText(std::string_view text, std::size_t shortestCut)
-    : text_(text),
-      capacity_(text.size() / (shortestCut + 1) + 1),
-      cuts_(std::make_unique_for_overwrite<Cut[]>(capacity_)),
-      aheadBegin_(capacity_) {}
+namespace {
 
-void WorkText::rewind() noexcept {
-  aheadBegin_ -= behind_;
-  std::memmove(&cuts_[aheadBegin_], &cuts_[0], behind_ * sizeof(Cut));
-  behind_ = 0;
+/// How many of `cuts`, which ascend, do not begin beyond `position`.
+std::size_t CountUpTo(std::span<const WorkText::Cut> cuts, WorkText::Position position) noexcept {
+  const auto beyond =
+      std::upper_bound(cuts.begin(), cuts.end(), position,
+                       [](WorkText::Position at, const WorkText::Cut& cut) { return at < cut.begin; });
+  return static_cast<std::size_t>(beyond - cuts.begin());
+}
+
+}  // namespace
+
+WorkText::WorkText(std::string_view text, std::size_t mostCuts)
+    : text_(text), capacity_(mostCuts), cuts_(std::make_unique_for_overwrite<Cut[]>(mostCuts)) {}
+
+void WorkText::setTo(Position position) noexcept {
+  moveAheadTo(behind_);
+  behind_ = aheadBegin_ = CountUpTo({cuts_.get(), aheadEnd_}, position);
+}
+
+void WorkText::leapTo(Position position) noexcept {
+  const std::size_t count = CountUpTo({cuts_.get() + aheadBegin_, aheadEnd_ - aheadBegin_}, position);
+  std::memmove(cuts_.get() + behind_, cuts_.get() + aheadBegin_, count * sizeof(Cut));
+  behind_ += count;
+  aheadBegin_ += count;
+}
+
+void WorkText::moveAheadTo(std::size_t begin) noexcept {
+  const std::size_t count = aheadEnd_ - aheadBegin_;
+  std::memmove(cuts_.get() + begin, cuts_.get() + aheadBegin_, count * sizeof(Cut));
+  aheadBegin_ = begin;
+  aheadEnd_ = begin + count;
 }
 
 WorkText::Position WorkText::find(char c, Position position) const noexcept {
   for (std::size_t next = aheadBegin_;; ++next) {
-    const std::size_t end = next < capacity_ ? cuts_[next].begin : text_.size();
+    const std::size_t end = next < aheadEnd_ ? cuts_[next].begin : text_.size();
     const std::size_t found = text_.substr(position, end - position).find(c);
     if (found != std::string_view::npos) return position + static_cast<Position>(found);
-    if (next == capacity_) return kNowhere;
+    if (next == aheadEnd_) return kNowhere;
     position = cuts_[next].end;
   }
 }
@@ -33,11 +54,11 @@ WorkText::Position WorkText::find(char c, Position position) const noexcept {
 WorkText::Copied WorkText::copy(Position begin, std::size_t end, std::span<char> out) const noexcept {
   Copied copied{0, begin};
   for (std::size_t next = aheadBegin_; begin < end && copied.count < out.size(); ++next) {
-    const std::size_t stop = next < capacity_ ? std::min<std::size_t>(cuts_[next].begin, end) : end;
+    const std::size_t stop = next < aheadEnd_ ? std::min<std::size_t>(cuts_[next].begin, end) : end;
     const std::span<char> room = out.subspan(copied.count);
     const std::size_t count = text_.substr(begin, stop - begin).copy(room.data(), room.size());
     copied = {copied.count + count, begin + static_cast<Position>(count)};
-    if (next == capacity_) break;
+    if (next == aheadEnd_) break;
     begin = cuts_[next].end;
   }
   return copied;
@@ -47,10 +68,12 @@ WorkText::Cut WorkText::cut(Place begin, Position end) noexcept {
   Cut made{begin.position, end};
   behind_ = begin.cutsBefore;
   if (behind_ > 0 && cuts_[behind_ - 1].end == made.begin) made.begin = cuts_[--behind_].begin;
-  for (; aheadBegin_ < capacity_ && cuts_[aheadBegin_].begin <= made.end; ++aheadBegin_) {
+  for (; aheadBegin_ < aheadEnd_ && cuts_[aheadBegin_].begin <= made.end; ++aheadBegin_) {
     made.end = std::max(made.end, cuts_[aheadBegin_].end);
   }
-  return cuts_[behind_++] = made;
+  if (behind_ == aheadBegin_) moveAheadTo(capacity_ - (aheadEnd_ - aheadBegin_));
+  cuts_[behind_++] = made;
+  return made;
 }
 
 }  // namespace quillforth::linkextract

@@ -4,16 +4,20 @@
 //
 // A page is searched for one pattern after another, and what one has matched is gone for the next. Where a
 // span was cut out, the bytes before and after it become neighbours. The cuts stand in a gap buffer around a
-// reading position that only moves forward until the next rewind; everything else is a position in the
+// reading position that only moves forward until it is set anew; everything else is a position in the
 // original text.
 //
 //      text    | kept | cut | kept | cut | kept   ^   kept | cut | kept |
-//      cuts    [ behind: 0, 1 ]        (free)              [ ahead: 2 ]
+//      cuts    [ behind: 0, 1 ]        (free)              [ ahead: 2 ]  (free)
+//
+// The gap is there only from the first cut made after the reading position was set: many rows of patterns
+// just read over the cuts of others, and then none is moved.
 //
 // Two cuts never touch, so the bytes at both sides of a cut are kept ones. Any thread as long as none is
 // shared.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -38,19 +42,25 @@ class WorkText {
     std::size_t cutsBefore;
   };
 
-  /// `text` is kept by reference, at most 2^31 - 1 bytes. No cut is made that spans fewer than `shortestCut`
-  /// kept bytes.
-  WorkText(std::string_view text, std::size_t shortestCut);
+  /// `text` is kept by reference, at most 2^31 - 1 bytes. `mostCuts`: there are never more at a time.
+  WorkText(std::string_view text, std::size_t mostCuts);
 
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
 
-  /// Asks for the text's memory at `position`, which will be looked at soon.
-  void expect(Position position) const noexcept { __builtin_prefetch(text_.data() + position); }
+  /// Asks for the text's memory at `position`, which will be looked at soon, and a little beyond.
+  void expect(Position position) const noexcept {
+    constexpr std::size_t kCacheLine = 64;
+    __builtin_prefetch(text_.data() + position);
+    __builtin_prefetch(text_.data() + std::min(position + kCacheLine, text_.size()));
+  }
 
-  void rewind() noexcept;
-  /// Moves the reading position to `position`, not back; a cut that begins right there is behind it.
+  /// Sets the reading position, forth or back, to `position`; a cut that begins right there is behind it.
+  void setTo(Position position) noexcept;
+  /// The same, but not back; fast over short ways.
   void moveTo(Position position) noexcept {
-    while (aheadBegin_ < capacity_ && cuts_[aheadBegin_].begin <= position) {
+    constexpr unsigned kFew = 8;
+    for (unsigned step = 0; aheadBegin_ < aheadEnd_ && cuts_[aheadBegin_].begin <= position; ++step) {
+      if (step == kFew) return leapTo(position);
       cuts_[behind_++] = cuts_[aheadBegin_++];
     }
   }
@@ -103,7 +113,7 @@ class WorkText {
   Copied copy(Position begin, std::size_t end, std::span<char> out) const noexcept;
   /// Whether no cut lies ahead of the reading position and before `end`.
   [[nodiscard]] bool isWholeUpTo(Position end) const noexcept {
-    return aheadBegin_ == capacity_ || cuts_[aheadBegin_].begin >= end;
+    return aheadBegin_ == aheadEnd_ || cuts_[aheadBegin_].begin >= end;
   }
 
   /// Cuts out what is left from `begin` to before `end`, and moves the reading position there. The cut as it
@@ -111,15 +121,18 @@ class WorkText {
   Cut cut(Place begin, Position end) noexcept;
 
  private:
+  void leapTo(Position position) noexcept;
+  void moveAheadTo(std::size_t begin) noexcept;
   [[nodiscard]] bool cutBeginsAt(Position position) const noexcept {
     return behind_ > 0 && cuts_[behind_ - 1].begin == position;
   }
 
   std::string_view text_;
   std::size_t capacity_;
-  std::unique_ptr<Cut[]> cuts_;  // memory that is never reached is never touched
-  std::size_t behind_ = 0;       // cuts_[0] to before this
-  std::size_t aheadBegin_;       // from this to the capacity
+  std::unique_ptr<Cut[]> cuts_;
+  std::size_t behind_ = 0;  // cuts_[0] to before this
+  std::size_t aheadBegin_ = 0;
+  std::size_t aheadEnd_ = 0;
 };
 
 }  // namespace quillforth::linkextract
