@@ -271,6 +271,36 @@ TEST_F(Aggregation, MountPointsAndOtherFileSystemsStay) {
   EXPECT_EQ(TreeOf(root_), (Lines{"a.pdf", "b.self", "disk.img/", "img/", "pdf/", "self/"}));
 }
 
+// Runs a command that knows the folder as $1 and an empty disk image as $2; paths without blanks.
+bool Succeeds(const std::string& command, const fs::path& folder) {
+  const std::string set =
+      "exec >/dev/null 2>&1; set -e; set -- " + folder.string() + ' ' + folder.string() + ".img; ";
+  return std::system((set + command).c_str()) == 0;
+}
+
+TEST_F(Aggregation, OnACaseInsensitiveFileSystemOneSubfolderTakesAll) {
+  const char* ways[] = {"mount -t tmpfs -o casefold none $1; chattr +F $1",
+                        "mkfs.vfat $2; mount -o loop,utf8 $2 $1",
+                        "mkfs.ext4 -O casefold $2; mount -o loop $2 $1; rmdir $1/*; chattr +F $1",
+                        "mkntfs -F -Q $2; lowntfs-3g -o ignore_case $2 $1"};
+  bool isMounted = false;
+  for (const char* way : ways) {
+    if (isMounted) break;
+    isMounted = Succeeds(std::string("rm -f $2; truncate -s 8M $2; ") + way, root_);
+    if (!isMounted) Succeeds("umount $1", root_);
+  }
+  if (!isMounted) GTEST_SKIP() << "no case-insensitive file system can be mounted here";
+  make({"PDF/C.PDF", "a.pdf", "b.PDF", "c.pdf", "d.Pdf", "e.TXT", "e1.txt"});
+  EXPECT_EQ(run().left, 0U);
+  Sorted folded;
+  for (const std::string& line : TreeOf(root_)) {
+    folded.insert(QString::fromStdString(line.substr(0, line.find(" < "))).toLower().toStdString());
+  }
+  EXPECT_TRUE(Succeeds("umount $1", root_));
+  EXPECT_EQ(folded, (Sorted{"pdf/a.pdf", "pdf/b.pdf", "pdf/c - uuid.pdf", "pdf/c.pdf", "pdf/d.pdf",
+                            "txt/e.txt", "txt/e1.txt"}));
+}
+
 TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) {
   const auto withFewDescriptors = [] {
     const rlimit few{100, 100};
@@ -306,6 +336,38 @@ TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) 
   EXPECT_EQ(runInChild(withFewDescriptors), 0);
   const Lines tree = TreeOf(root_);
   EXPECT_EQ(Sorted(tree.begin(), tree.end()), expected);
+}
+
+TEST_F(Aggregation, AFolderThatSomeoneKeepsFillingIsSortedWithoutALoss) {
+  constexpr int kRounds = 400;
+  make({"pdf/", "txt/"});
+  const pid_t filler = ::fork();
+  if (filler == 0) {
+    // The same name in the folder and, as a rival for it, in the subfolder.
+    for (int i = 0; i < kRounds; ++i) {
+      const std::string name = std::to_string(i % 50) + (i % 2 == 0 ? ".pdf" : ".txt");
+      WriteFile(root_ / ".arriving", std::to_string(i));
+      if (::link((root_ / ".arriving").c_str(), (root_ / name).c_str()) != 0) --i;
+      ::unlink((root_ / ".arriving").c_str());
+      WriteFile(root_ / ".rival", "rival");
+      std::error_code ignored;  // the sorter may have been first, or the subfolder not be there yet
+      std::filesystem::create_hard_link(root_ / ".rival", root_ / name.substr(name.size() - 3) / name,
+                                        ignored);
+    }
+    ::unlink((root_ / ".rival").c_str());
+    ::_exit(0);
+  }
+  int status = 0;
+  while (::waitpid(filler, &status, WNOHANG) == 0) (void)run();
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(run().left, 0U);
+  std::set<std::string> contents;
+  for (const std::string& line : TreeOf(root_)) {
+    EXPECT_NE(line.find('/'), std::string::npos) << line;
+    contents.insert(line.substr(line.find(" < ") + 3));
+  }
+  contents.erase("rival");
+  EXPECT_EQ(contents.size(), static_cast<std::size_t>(kRounds));
 }
 
 }  // namespace
