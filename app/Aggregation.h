@@ -12,7 +12,8 @@
 namespace quillforth::app {
 
 /// The question before the items of the folder are sorted; a null path reads "(null)".
-[[nodiscard]] Alert AggregationConfirmation(const QString& path);
+[[nodiscard]] Alert AggregationConfirmation(const QString& path,
+                                            const LocalizedText& localizedText = EnglishText);
 
 /// Moves keep comments on their own here, so that the setting
 /// `preserveFileCommentsWhenAggregatingFiles` has nothing to do.

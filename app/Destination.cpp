@@ -4,6 +4,7 @@
 
 #include "app/MyAppController.h"
 #include "app/NilText.h"
+#include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
@@ -33,7 +34,8 @@ void MyAppController::setDownloadDestinationTextFieldValue() {
 
 void MyAppController::setOutputFolderButtonToolTip() {
   const QString& path = destination_.decidedDestinationPath();
-  outlets_.openOutputFolderButton.setToolTip(QStringLiteral("Go to \"") + TextOrNull(path) + u'"');
+  outlets_.openOutputFolderButton.setToolTip(
+      LocalizedFormat(host_.localizedText, LOCALIZED("Go to \"%@\""), {TextOrNull(path)}));
 }
 
 }  // namespace quillforth::app

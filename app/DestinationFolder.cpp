@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include "fileops/SupportFolder.h"
+#include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
@@ -49,8 +50,8 @@ std::optional<platform::FileReference> DestinationFolder::storedDestinationFolde
 void DestinationFolder::decideDestinationFolder() {
   QString path;
   if (preferences_.alwaysPromptForOutputLocation()) {
-    const FolderPanel panel{QStringLiteral("Choose a Destination Folder"), QStringLiteral("Choose"),
-                            QString(), QDir::homePath()};
+    const FolderPanel panel{localizedString(LOCALIZED("Choose a Destination Folder")),
+                            localizedString(LOCALIZED("Choose")), QString(), QDir::homePath()};
     path = host_.application.runOpenPanel(panel).value_or(QString());
   } else if (const std::optional<platform::FileReference> folder = storedDestinationFolder()) {
     path = FolderPath(*folder, kLongestUsedPath);
@@ -67,10 +68,9 @@ QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {
 }
 
 ChosenFolder DestinationFolder::chooseFolderDialog() {
-  const QString title = localizedString(QStringLiteral("Choose"));
-  const QString prompt = localizedString(QStringLiteral("Choose"));
-  const QString message = localizedString(QStringLiteral("Choose destination folder"));
-  return host_.application.runChooseFolderDialog({title, prompt, message, QString()});
+  const QString choose = localizedString(LOCALIZED("Choose"));
+  const QString message = localizedString(LOCALIZED("Choose destination folder"));
+  return host_.application.runChooseFolderDialog({choose, choose, message, QString()});
 }
 
 QString DestinationFolder::localizedString(const QString& key) {

@@ -7,6 +7,7 @@
 #include "app/MyAppController.h"
 #include "app/NilText.h"
 #include "app/ProgressText.h"
+#include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
@@ -19,6 +20,11 @@ std::int32_t Wrapped(std::uint64_t value) {
 
 QString PathInFolder(const QString& folder, const QString& name) {
   return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+QString DescriptionOf(const platform::DownloadError& error) {
+  if (!error.localizedDescription.isNull()) return error.localizedDescription;
+  return LOCALIZED("An error occured during download.");
 }
 
 }  // namespace
@@ -63,9 +69,9 @@ void MyAppController::setDownloading(bool downloading) {
 bool MyAppController::checkInternetConnection() {
   if (host_.network.copyNetworkStatusPassively() == platform::NetworkStatus::connectionUp) return true;
   host_.application.beep();
-  const Alert alert{QStringLiteral("You are not connected to the Internet."),
-                    QStringLiteral("Do you want to run Network Diagnostics?"), QStringLiteral("OK"),
-                    QStringLiteral("No")};
+  const Alert alert{host_.localizedText(LOCALIZED("You are not connected to the Internet.")),
+                    host_.localizedText(LOCALIZED("Do you want to run Network Diagnostics?")),
+                    host_.localizedText(LOCALIZED("OK")), host_.localizedText(LOCALIZED("No"))};
   if (host_.application.runModalAlert(alert) == AlertResult::defaultButton) {
     host_.network.diagnoseProblemInteractively();
   }
@@ -119,12 +125,14 @@ void MyAppController::downloadDidReceiveDataOfLength(platform::WebDownload& /*do
       static_cast<double>(receivedContentLength_) / static_cast<double>(expectedContentLength_);
   currentTime_ = host_.currentSeconds();
   const std::uint32_t elapsed = currentTime_ - startTime_;
-  const common::BoundedText times = timeText(elapsed, remainingSeconds(elapsed, fraction));
+  const common::BoundedText times =
+      timeText(elapsed, remainingSeconds(elapsed, fraction), host_.localizedText);
   outlets_.fileDownloadProgressBar.setDoubleValue(fraction);
   const QLocale locale;
   const QString bytes = bytesText(groupedNumberText(receivedContentLength_, locale),
-                                  groupedNumberText(expectedContentLength_, locale));
-  outlets_.fileDownloadProgressText.setStringValue(progressLine(percentOfFraction(fraction), bytes, times));
+                                  groupedNumberText(expectedContentLength_, locale), host_.localizedText);
+  outlets_.fileDownloadProgressText.setStringValue(
+      progressLine(percentOfFraction(fraction), bytes, times, host_.localizedText));
 }
 
 void MyAppController::downloadDidFinish(platform::WebDownload& download) {
@@ -141,7 +149,7 @@ void MyAppController::downloadDidFinish(platform::WebDownload& download) {
     return;
   }
   outlets_.spinner.stopAnimation();
-  outlets_.fileDownloadProgressText.setStringValue(QStringLiteral("Done!"));
+  outlets_.fileDownloadProgressText.setStringValue(host_.localizedText(LOCALIZED("Done!")));
   if (preferences_.aggregateFiles()) aggregateDestination();
 }
 
@@ -150,10 +158,8 @@ void MyAppController::downloadDidFailWithError(platform::WebDownload& /*download
   host_.log.log(QStringLiteral("Quillforth download failed. Error - ") +
                 TextOrNull(error.localizedDescription) + u' ' + TextOrNull(error.failingURLString));
   if (preferences_.showAlertsWhenErrorsOccur()) {
-    outlets_.statusWindow.beginAlertSheet(QStringLiteral("Download Failed"),
-                                          error.localizedDescription.isNull()
-                                              ? QStringLiteral("An error occured during download.")
-                                              : error.localizedDescription);
+    outlets_.statusWindow.beginAlertSheet(host_.localizedText(LOCALIZED("Download Failed")),
+                                          host_.localizedText(DescriptionOf(error)));
   }
   hideProgressArea();
   setDownloading(false);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "app/LocalizedText.h"
 #include "app/Outlets.h"
 #include "platform/Alias.h"
 #include "platform/FileManager.h"
@@ -64,8 +65,7 @@ struct Host {
   platform::MainBundle& mainBundle;
   platform::SoundLoader& sounds;
   platform::SystemLog& log;
-  std::function<QString(const QString& key)>
-      localizedText;                              ///< table "LocalizedStrings"; the key when untranslated
+  LocalizedText localizedText;                    ///< table "LocalizedStrings"; the key when untranslated
   std::function<std::uint32_t()> currentSeconds;  ///< wall clock in whole seconds; wraps
   FolderAggregation* aggregation = nullptr;       ///< null: folders are never sorted
   FileComments* fileComments = nullptr;           ///< null: files get no comment

@@ -5,6 +5,7 @@
 #include "app/MyAppController.h"
 
 #include "classify/InternetConfig.h"
+#include "platform/LocalizedStrings.h"
 #include "platform/MainBundle.h"
 
 namespace quillforth::app {
@@ -55,10 +56,11 @@ void MyAppController::showPreferencesWindow() {
 }
 
 void MyAppController::doAlertAdding(const QString& messageText, const QString& informativeText) {
-  QString information = informativeText;
+  QString information = host_.localizedText(informativeText);
   information.replace(QStringLiteral("%%"), QStringLiteral("%"));
   host_.application.beep();
-  host_.application.runModalAlert({messageText, information, QStringLiteral("OK"), QString()});
+  host_.application.runModalAlert(
+      {host_.localizedText(messageText), information, host_.localizedText(LOCALIZED("OK")), QString()});
 }
 
 }  // namespace quillforth::app

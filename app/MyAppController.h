@@ -36,8 +36,8 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   void windowDidBecomeKey();
   void showStatusAndActivate();
   void showPreferencesWindow();
-  /// Beeps, shows the texts with one button "OK", and waits for it. `informativeText` is a format: a literal
-  /// percent sign in it is doubled.
+  /// Beeps, shows the texts, in the user's language, with one button "OK", and waits for it.
+  /// `informativeText` is a format: a literal percent sign in it is doubled.
   void doAlertAdding(const QString& messageText, const QString& informativeText);
   [[nodiscard]] Window& statusWindow() { return outlets_.statusWindow; }
   /// Null when the sound could not be loaded. Never played here.

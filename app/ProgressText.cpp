@@ -8,14 +8,26 @@
 #include <string>
 
 #include "app/NilText.h"
+#include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
 namespace {
 
-void AppendAmount(std::uint32_t amount, const char* unit, common::BoundedText& text) {
+struct Unit {
+  const char* one;
+  const char* many;
+};
+
+constexpr Unit kHours{LOCALIZED_CHARS("hr"), LOCALIZED_CHARS("hrs")};
+constexpr Unit kMinutes{LOCALIZED_CHARS("min"), LOCALIZED_CHARS("mins")};
+constexpr Unit kSeconds{LOCALIZED_CHARS("sec"), LOCALIZED_CHARS("secs")};
+
+void AppendAmount(std::uint32_t amount, const Unit& unit, const LocalizedText& localizedText,
+                  common::BoundedText& text) {
   if (amount == 0) return;
-  text.append(std::to_string(amount).append(" ").append(unit).append(amount == 1 ? " " : "s "));
+  const QString name = localizedText(QLatin1String(amount == 1 ? unit.one : unit.many));
+  text.append(std::to_string(amount).append(" ").append(name.toStdString()).append(" "));
 }
 
 }  // namespace
@@ -29,27 +41,30 @@ QString groupedNumberText(std::int64_t count, QLocale locale) {
   return text;
 }
 
-void durationText(std::uint32_t seconds, common::BoundedText& text) {
+void durationText(std::uint32_t seconds, common::BoundedText& text, const LocalizedText& localizedText) {
   if (seconds == 0) {
-    text.append("0 secs");
+    text.append(localizedText(LOCALIZED("0 secs")).toStdString());
     return;
   }
-  AppendAmount(seconds / 3600, "hr", text);
-  AppendAmount(seconds % 3600 / 60, "min", text);
-  AppendAmount(seconds % 60, "sec", text);
+  AppendAmount(seconds / 3600, kHours, localizedText, text);
+  AppendAmount(seconds % 3600 / 60, kMinutes, localizedText, text);
+  AppendAmount(seconds % 60, kSeconds, localizedText, text);
 }
 
-common::BoundedText timeText(std::uint32_t elapsed, std::uint32_t remaining) {
-  common::BoundedText text("Elapsed: ");
-  durationText(elapsed, text);
-  text.append(", Remaining: ");
-  durationText(remaining, text);
+common::BoundedText timeText(std::uint32_t elapsed, std::uint32_t remaining,
+                             const LocalizedText& localizedText) {
+  const QString beforeElapsed = localizedText(LOCALIZED("Elapsed: "));
+  const QString beforeRemaining = localizedText(LOCALIZED(", Remaining: "));
+  common::BoundedText text(beforeElapsed.toStdString());
+  durationText(elapsed, text, localizedText);
+  text.append(beforeRemaining.toStdString());
+  durationText(remaining, text, localizedText);
   return text;
 }
 
-QString bytesText(const QString& received, const QString& expected) {
-  return u'(' + TextOrNull(received) + QStringLiteral(" of ") + TextOrNull(expected) +
-         QStringLiteral(" bytes");
+QString bytesText(const QString& received, const QString& expected, const LocalizedText& localizedText) {
+  return LocalizedFormat(localizedText, LOCALIZED("(%@ of %@ bytes"),
+                         {TextOrNull(received), TextOrNull(expected)});
 }
 
 std::uint32_t remainingSeconds(std::uint32_t elapsed, double fraction) {
@@ -69,9 +84,10 @@ std::int32_t percentOfFraction(double fraction) {
   return static_cast<std::int32_t>(std::clamp<double>(percent, Limits::min(), Limits::max()));
 }
 
-QString progressLine(std::int32_t percent, const QString& bytes, const common::BoundedText& times) {
-  return QString::number(percent) + QStringLiteral(" percent, ") + bytes + QStringLiteral(", ") +
-         QString::fromLatin1(times.c_str()) + u')';
+QString progressLine(std::int32_t percent, const QString& bytes, const common::BoundedText& times,
+                     const LocalizedText& localizedText) {
+  return LocalizedFormat(localizedText, LOCALIZED("%d percent, %@, %s)"),
+                         {QString::number(percent), bytes, QString::fromUtf8(times.c_str())});
 }
 
 }  // namespace quillforth::app

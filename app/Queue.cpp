@@ -3,6 +3,7 @@
 // The controller's URL queue: its table, the commands that edit it, and how the next URL is started.
 
 #include "app/MyAppController.h"
+#include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
@@ -12,7 +13,8 @@ void MyAppController::queueURL(const QString& url) {
 }
 
 void MyAppController::updateCountTextField() {
-  outlets_.countTextField.setStringValue(QString::number(urlList_.size()) + QStringLiteral(" urls queued"));
+  outlets_.countTextField.setStringValue(
+      LocalizedFormat(host_.localizedText, LOCALIZED("%d urls queued"), {QString::number(urlList_.size())}));
 }
 
 void MyAppController::queueDidChange() {

@@ -2,6 +2,7 @@
 
 #include "platform/linux/CurlDownload.h"
 
+#include "platform/LocalizedStrings.h"
 #include "platform/linux/CurlDownloadService.h"
 
 namespace quillforth::platform {
@@ -40,7 +41,7 @@ void CurlDownload::receive(ChallengeReport& report) {
 void CurlDownload::answer(const std::optional<Credential>& credential) {
   if (service_ == nullptr || !std::exchange(isAsking_, false)) return;
   if (!credential) {
-    service_->fail(id_, QStringLiteral("The server asks for a user name and a password."));
+    service_->fail(id_, LOCALIZED("The server asks for a user name and a password."));
     return;
   }
   service_->thread_.post(

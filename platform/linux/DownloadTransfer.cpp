@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/LocalizedStrings.h"
 #include "platform/linux/FinishFile.h"
 #include "platform/linux/ResponseHead.h"
 #include "platform/linux/TransferText.h"
@@ -63,7 +64,7 @@ std::size_t DownloadTransfer::receiveHeader(const char* data, std::size_t size, 
   if (line == "\r\n" || line == "\n") transfer.request_.isInsideHeader = false;
   transfer.request_.headerLength += size * count;
   if (transfer.request_.headerLength <= kMaxHeaderBytes) return size * count;
-  transfer.request_.failure = QStringLiteral("The header of the server's answer is too long.");
+  transfer.request_.failure = LOCALIZED("The header of the server's answer is too long.");
   return CURL_WRITEFUNC_ERROR;
 }
 
@@ -100,7 +101,7 @@ void DownloadTransfer::readGoodHead() {
   const std::optional<std::int64_t> length = AnnouncedLength(handle_.get());
   if (!length) {
     request_.isDiscarding = true;
-    request_.failure = QStringLiteral("The server announced an impossible length.");
+    request_.failure = LOCALIZED("The server announced an impossible length.");
     return;
   }
   request_.announcedLength = *length;
@@ -227,7 +228,7 @@ DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_po
   if (phase_ != Phase::requesting || request_.isPaused) return Clock::time_point::max();
   const Clock::time_point stallTime = lastMove_ + context_.stallTimeout;
   if (now >= stallTime) {
-    fail(QStringLiteral("The server has sent nothing for too long."));
+    fail(LOCALIZED("The server has sent nothing for too long."));
     return now;
   }
   if (sink_.file() == nullptr || sink_.length() == reportedLength_) return stallTime;

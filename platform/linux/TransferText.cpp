@@ -7,6 +7,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "platform/LocalizedStrings.h"
+
 namespace quillforth::platform {
 
 namespace {
@@ -68,38 +70,38 @@ constexpr Phrase kStatusPhrases[] = {
 };
 
 constexpr Phrase kTransferPhrases[] = {
-    {CURLE_URL_MALFORMAT, "The URL is malformed."},
-    {CURLE_COULDNT_RESOLVE_PROXY, "The proxy was not found."},
-    {CURLE_COULDNT_RESOLVE_HOST, "The server was not found."},
-    {CURLE_COULDNT_CONNECT, "The server cannot be reached."},
-    {CURLE_WEIRD_SERVER_REPLY, "The server's answer cannot be understood."},
-    {CURLE_REMOTE_ACCESS_DENIED, "The server refused access."},
-    {CURLE_PARTIAL_FILE, "The server sent less than the whole file."},
-    {CURLE_FTP_COULDNT_RETR_FILE, "The server refused to send the file."},
-    {CURLE_OPERATION_TIMEDOUT, "The server took too long."},
-    {CURLE_SSL_CONNECT_ERROR, "No secure connection to the server could be made."},
-    {CURLE_TOO_MANY_REDIRECTS, "The server redirected too many times."},
-    {CURLE_GOT_NOTHING, "The server closed the connection without an answer."},
-    {CURLE_SEND_ERROR, "The connection to the server broke off."},
-    {CURLE_RECV_ERROR, "The server's answer broke off or was damaged."},
-    {CURLE_PEER_FAILED_VERIFICATION, "The server's certificate is not trusted."},
-    {CURLE_LOGIN_DENIED, "The server refused the user name or the password."},
-    {CURLE_SSL_CACERT_BADFILE, "The file of trusted certificates cannot be read."},
-    {CURLE_REMOTE_FILE_NOT_FOUND, "The server has no such file."},
+    {CURLE_URL_MALFORMAT, LOCALIZED_CHARS("The URL is malformed.")},
+    {CURLE_COULDNT_RESOLVE_PROXY, LOCALIZED_CHARS("The proxy was not found.")},
+    {CURLE_COULDNT_RESOLVE_HOST, LOCALIZED_CHARS("The server was not found.")},
+    {CURLE_COULDNT_CONNECT, LOCALIZED_CHARS("The server cannot be reached.")},
+    {CURLE_WEIRD_SERVER_REPLY, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_REMOTE_ACCESS_DENIED, LOCALIZED_CHARS("The server refused access.")},
+    {CURLE_PARTIAL_FILE, LOCALIZED_CHARS("The server sent less than the whole file.")},
+    {CURLE_FTP_COULDNT_RETR_FILE, LOCALIZED_CHARS("The server refused to send the file.")},
+    {CURLE_OPERATION_TIMEDOUT, LOCALIZED_CHARS("The server took too long.")},
+    {CURLE_SSL_CONNECT_ERROR, LOCALIZED_CHARS("No secure connection to the server could be made.")},
+    {CURLE_TOO_MANY_REDIRECTS, LOCALIZED_CHARS("The server redirected too many times.")},
+    {CURLE_GOT_NOTHING, LOCALIZED_CHARS("The server closed the connection without an answer.")},
+    {CURLE_SEND_ERROR, LOCALIZED_CHARS("The connection to the server broke off.")},
+    {CURLE_RECV_ERROR, LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
+    {CURLE_PEER_FAILED_VERIFICATION, LOCALIZED_CHARS("The server's certificate is not trusted.")},
+    {CURLE_LOGIN_DENIED, LOCALIZED_CHARS("The server refused the user name or the password.")},
+    {CURLE_SSL_CACERT_BADFILE, LOCALIZED_CHARS("The file of trusted certificates cannot be read.")},
+    {CURLE_REMOTE_FILE_NOT_FOUND, LOCALIZED_CHARS("The server has no such file.")},
 };
 
 constexpr Phrase kFilePhrases[] = {
-    {ENOENT, "The destination folder does not exist."},
-    {ENOTDIR, "The destination folder does not exist."},
-    {EISDIR, "A folder has the name of the file."},
-    {ESTALE, "The unfinished file was removed or replaced by something else."},
-    {ENOSPC, "There is not enough space in the destination folder."},
-    {EDQUOT, "There is not enough space in the destination folder."},
-    {EACCES, "The destination folder is not writable."},
-    {EPERM, "The destination folder is not writable."},
-    {EROFS, "The destination folder is not writable."},
-    {EFBIG, "The file is larger than the destination folder can hold."},
-    {ENAMETOOLONG, "The name of the file is too long for the destination folder."},
+    {ENOENT, LOCALIZED_CHARS("The destination folder does not exist.")},
+    {ENOTDIR, LOCALIZED_CHARS("The destination folder does not exist.")},
+    {EISDIR, LOCALIZED_CHARS("A folder has the name of the file.")},
+    {ESTALE, LOCALIZED_CHARS("The unfinished file was removed or replaced by something else.")},
+    {ENOSPC, LOCALIZED_CHARS("There is not enough space in the destination folder.")},
+    {EDQUOT, LOCALIZED_CHARS("There is not enough space in the destination folder.")},
+    {EACCES, LOCALIZED_CHARS("The destination folder is not writable.")},
+    {EPERM, LOCALIZED_CHARS("The destination folder is not writable.")},
+    {EROFS, LOCALIZED_CHARS("The destination folder is not writable.")},
+    {EFBIG, LOCALIZED_CHARS("The file is larger than the destination folder can hold.")},
+    {ENAMETOOLONG, LOCALIZED_CHARS("The name of the file is too long for the destination folder.")},
 };
 
 template <std::size_t Size>
@@ -113,22 +115,23 @@ const char* PhraseFor(const Phrase (&phrases)[Size], long code) {
 
 QString HTTPStatusText(long status) {
   const char* phrase = PhraseFor(kStatusPhrases, status);
-  const QString answer = QStringLiteral("The server answered %1").arg(status);
-  return phrase == nullptr ? answer + u'.' : answer + u' ' + QLatin1StringView(phrase) + u'.';
+  const QString number = QString::number(status);
+  return LOCALIZED("The server answered %1.")
+      .arg(phrase == nullptr ? number : number + u' ' + QLatin1StringView(phrase));
 }
 
 QString TransferErrorText(CURLcode code, long status) {
   if (code == CURLE_UNSUPPORTED_PROTOCOL) {
-    return status >= 300 ? QStringLiteral("The server redirected to something other than http, https or ftp.")
-                         : QStringLiteral("The server's answer cannot be understood.");
+    return status >= 300 ? LOCALIZED("The server redirected to something other than http, https or ftp.")
+                         : LOCALIZED("The server's answer cannot be understood.");
   }
   if (const char* phrase = PhraseFor(kTransferPhrases, code)) return QLatin1StringView(phrase);
-  return QStringLiteral("The transfer failed: %1.").arg(QLatin1StringView(curl_easy_strerror(code)));
+  return LOCALIZED("The transfer failed: %1.").arg(QLatin1StringView(curl_easy_strerror(code)));
 }
 
 QString FileErrorText(int error) {
   if (const char* phrase = PhraseFor(kFilePhrases, error)) return QLatin1StringView(phrase);
-  return QStringLiteral("The file could not be written: %1.").arg(QString::fromLocal8Bit(strerror(error)));
+  return LOCALIZED("The file could not be written: %1.").arg(QString::fromLocal8Bit(strerror(error)));
 }
 
 }  // namespace quillforth::platform
