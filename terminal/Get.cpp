@@ -143,21 +143,21 @@ void Get::fail(const QString& url, const QString& reason) {
   reporter_.didFail(platform::WithoutCredentials(url), reason);
 }
 
-void Get::downloadBegan(const DownloadProgress& progress) {
+void Get::downloadBegan(const app::DownloadProgress& progress) {
   reporter_.fileDidBegin(progress.url);
 }
 
-void Get::downloadReceived(const DownloadProgress& progress) {
+void Get::downloadReceived(const app::DownloadProgress& progress) {
   reporter_.fileDidProgress(progress.url, progress.received, progress.expected);
   if (shouldStop_()) moveOnLater();
 }
 
-void Get::downloadFinished(const DownloadProgress& progress) {
+void Get::downloadFinished(const app::DownloadProgress& progress) {
   ++summary_.finished;
   reporter_.fileDidFinish(progress.url, progress.path, progress.received);
 }
 
-void Get::downloadFailed(const DownloadProgress& progress, const QString& reason) {
+void Get::downloadFailed(const app::DownloadProgress& progress, const QString& reason) {
   if (shouldStop_()) {  // a question that was broken off
     ++summary_.notFetched;
     return;

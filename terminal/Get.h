@@ -15,6 +15,7 @@
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
+#include "app/ObservedDownloads.h"
 #include "terminal/CommandLine.h"
 #include "terminal/ObservedServices.h"
 #include "terminal/TerminalOutlets.h"
@@ -28,7 +29,7 @@ struct GetSettings {
   QHash<QString, QVariant> preferences;  ///< replaced for this run
 };
 
-class Get final : private DownloadObserver, private app::DriverObserver {
+class Get final : private app::DownloadObserver, private app::DriverObserver {
  public:
   /// `services`: the host, some of whose services are observed from here. `status` is what `reporter` draws.
   Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
@@ -43,10 +44,10 @@ class Get final : private DownloadObserver, private app::DriverObserver {
   void stopWhen(std::function<bool()> condition) { shouldStop_ = std::move(condition); }
 
  private:
-  void downloadBegan(const DownloadProgress& progress) override;
-  void downloadReceived(const DownloadProgress& progress) override;
-  void downloadFinished(const DownloadProgress& progress) override;
-  void downloadFailed(const DownloadProgress& progress, const QString& reason) override;
+  void downloadBegan(const app::DownloadProgress& progress) override;
+  void downloadReceived(const app::DownloadProgress& progress) override;
+  void downloadFinished(const app::DownloadProgress& progress) override;
+  void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
   void controllerMovedOn() override;
   void downloadFileRefusedURL(const QString& text) override;
 
@@ -62,7 +63,7 @@ class Get final : private DownloadObserver, private app::DriverObserver {
   Reporter& reporter_;
   TerminalOutlets outlets_;
   OverriddenDefaults defaults_;
-  ObservedDownloads downloads_;
+  app::ObservedDownloads downloads_;
   ObservedPageLoader pageLoader_;
   ObservedNetwork network_;
   app::MyAppController controller_;
