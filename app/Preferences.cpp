@@ -62,4 +62,12 @@ bool Preferences::showAlertsWhenErrorsOccur() const {
   return read(kShowAlertsWhenErrorsOccur);
 }
 
+bool Preferences::notifyWhenDone() const {
+  return read(kNotifyWhenDone);
+}
+
+bool Preferences::playSoundWhenDone() const {
+  return read(kPlaySoundWhenDone);
+}
+
 }  // namespace quillforth::app

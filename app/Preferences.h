@@ -32,6 +32,9 @@ inline constexpr BooleanPreference kAlwaysPromptForOutputLocation{
 inline constexpr BooleanPreference kAggregateFiles{QLatin1String("aggregateFiles"), false};
 inline constexpr BooleanPreference kShowAlertsWhenErrorsOccur{QLatin1String("showAlertsWhenErrorsOccur"),
                                                               false};
+// These two are for a front end with windows that nobody may be looking at.
+inline constexpr BooleanPreference kNotifyWhenDone{QLatin1String("notifyWhenDone"), true};
+inline constexpr BooleanPreference kPlaySoundWhenDone{QLatin1String("playSoundWhenDone"), true};
 
 /// All boolean settings.
 inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
@@ -41,7 +44,9 @@ inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
                                                 kPreserveFileCommentsWhenAggregatingFiles,
                                                 kAlwaysPromptForOutputLocation,
                                                 kAggregateFiles,
-                                                kShowAlertsWhenErrorsOccur};
+                                                kShowAlertsWhenErrorsOccur,
+                                                kNotifyWhenDone,
+                                                kPlaySoundWhenDone};
 
 /// Holds the alias record of the folder that the user chose.
 inline constexpr QLatin1String kDestinationDirectoryKey("DestinationDirectory");
@@ -62,10 +67,13 @@ class Preferences {
   [[nodiscard]] bool alwaysPromptForOutputLocation() const;
   [[nodiscard]] bool aggregateFiles() const;
   [[nodiscard]] bool showAlertsWhenErrorsOccur() const;
+  [[nodiscard]] bool notifyWhenDone() const;
+  [[nodiscard]] bool playSoundWhenDone() const;
 
- private:
+  /// What is stored for this one alone, whether or not another one makes it count for nothing.
   [[nodiscard]] bool read(const BooleanPreference& preference) const;
 
+ private:
   platform::UserDefaults& userDefaults_;
 };
 

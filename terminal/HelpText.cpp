@@ -262,6 +262,10 @@ Keys with a value of yes or no (or true, false, on, off, 1, 0):
   alwaysPromptForOutputLocation (no)   ask for a folder each time
   showAlertsWhenErrorsOccur (no)       show a message for each download that
                                        fails
+  notifyWhenDone (yes)                 show a notification when the queue is
+                                       done, or a download failed, and no window
+                                       of quillforth(1) is in front
+  playSoundWhenDone (yes)              play a sound then
 
 Key with a folder as its value:
   DestinationDirectory                 where downloads go: an existing folder,

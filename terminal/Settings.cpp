@@ -33,6 +33,8 @@ constexpr std::array kReaders{
     BooleanReader{app::kAlwaysPromptForOutputLocation.key, &app::Preferences::alwaysPromptForOutputLocation},
     BooleanReader{app::kAggregateFiles.key, &app::Preferences::aggregateFiles},
     BooleanReader{app::kShowAlertsWhenErrorsOccur.key, &app::Preferences::showAlertsWhenErrorsOccur},
+    BooleanReader{app::kNotifyWhenDone.key, &app::Preferences::notifyWhenDone},
+    BooleanReader{app::kPlaySoundWhenDone.key, &app::Preferences::playSoundWhenDone},
 };
 static_assert(kReaders.size() == app::kBooleanPreferences.size());
 

@@ -40,6 +40,11 @@ void SettingsUserDefaults::synchronize() {
   hasPendingChanges_ = false;
 }
 
+bool SettingsUserDefaults::isStored() const {
+  // A QSettings keeps its first failure for good; a new one shares what is pending, and tries to write it.
+  return QSettings(settings_.organizationName(), settings_.applicationName()).status() == QSettings::NoError;
+}
+
 QVariant SettingsUserDefaults::objectForKey(const QString& key) {
   return settings_.value(key);
 }

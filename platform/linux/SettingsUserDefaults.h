@@ -28,6 +28,10 @@ class SettingsUserDefaults final : public UserDefaults {
   void setObject(const QString& key, const QVariant& value) override;
   void removeObject(const QString& key) override;
 
+  /// The absolute path of the file, whether or not it exists.
+  [[nodiscard]] QString fileName() const { return settings_.fileName(); }
+  /// Whether all that was set is in the file now; what is not is tried once more.
+  [[nodiscard]] bool isStored() const;
   /// Whether the file could not be read or written at some time; for those who must know that a value is
   /// stored.
   [[nodiscard]] bool hasFailed() const { return settings_.status() != QSettings::NoError; }

@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
 // main() of every test program: one application object, so that events are delivered, and a home of its own,
-// so that no test reads or writes what belongs to the person who runs it.
+// so that no test reads or writes what belongs to the person who runs it. Tests of windows compile this again
+// with a QApplication.
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <csignal>
+#ifdef QUILLFORTH_TEST_WINDOWS
+#include <QApplication>
+using Application = QApplication;
+#else
+using Application = QCoreApplication;
+#endif
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
@@ -24,6 +31,6 @@ int main(int argc, char** argv) {
     qunsetenv(name);
   }
   std::signal(SIGPIPE, SIG_IGN);
-  const QCoreApplication application(argc, argv);
+  const Application application(argc, argv);
   return RUN_ALL_TESTS();
 }

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/PreferencesWindow.h"
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QDir>
+#include <QEvent>
+#include <QStyle>
+#include <utility>
+
+#include "desktop/SettingsWatcher.h"
+#include "ui_PreferencesWindow.h"
+
+namespace quillforth::desktop {
+
+PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* parent)
+    : QDialog(parent), services_(std::move(services)), ui_(std::make_unique<Ui::PreferencesWindow>()) {
+  ui_->setupUi(this);
+  ui_->storageFailure->hide();
+  for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
+    const auto* box = findChild<QCheckBox*>(preference.key);
+    connect(box, &QCheckBox::clicked, this, [this, &preference](bool value) { store(preference, value); });
+  }
+  connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
+  connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
+  connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
+          &PreferencesWindow::reload);
+  reload();
+}
+
+PreferencesWindow::~PreferencesWindow() = default;
+
+void PreferencesWindow::reload() {
+  const app::Preferences preferences(services_.userDefaults);
+  for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
+    findChild<QCheckBox*>(preference.key)->setChecked(preferences.read(preference));
+  }
+  ui_->bringApplicationToFront->setEnabled(ui_->showStatusWindow->isChecked());
+  const QString path = services_.destinationPath();
+  ui_->destinationField->setText(path);
+  ui_->destinationField->setToolTip(path);
+  ui_->destinationField->setCursorPosition(0);
+}
+
+void PreferencesWindow::store(const app::BooleanPreference& preference, bool value) {
+  services_.userDefaults.setObject(preference.key, value);
+  services_.userDefaults.synchronize();
+  showStorageFailure();
+  reload();
+}
+
+void PreferencesWindow::chooseDestination() {
+  services_.chooseDestination();
+  showStorageFailure();
+  reload();
+}
+
+void PreferencesWindow::showStorageFailure() {
+  const bool hasFailed = !services_.isStored();
+  if (hasFailed) {
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    ui_->storageFailureIcon->setPixmap(
+        style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
+    ui_->storageFailureText->setText(
+        tr("The settings could not be saved in %1. They count only until you quit Quillforth.")
+            .arg(QDir::toNativeSeparators(services_.settingsFile)));
+  }
+  ui_->storageFailure->setVisible(hasFailed);
+  if (hasFailed) {
+    QAccessibleEvent alert(ui_->storageFailureText, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+  }
+}
+
+void PreferencesWindow::showEvent(QShowEvent* event) {
+  reload();
+  QDialog::showEvent(event);
+}
+
+void PreferencesWindow::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::ActivationChange && isActiveWindow()) reload();
+  QDialog::changeEvent(event);
+}
+
+}  // namespace quillforth::desktop

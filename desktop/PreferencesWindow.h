@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+//
+// The preferences window: one check box a boolean setting, which bears the setting's key as its object name,
+// and the destination folder.
+//
+// A click is stored at once; what another process stores shows as soon as it is noticed, and whenever the
+// window comes to the front. Main thread.
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "app/Preferences.h"
+#include "platform/UserDefaults.h"
+
+namespace Ui {
+class PreferencesWindow;
+}
+
+namespace quillforth::desktop {
+
+/// What the preferences window asks of the program. All outlive the window.
+struct PreferencesServices {
+  platform::UserDefaults& userDefaults;
+  QString settingsFile;                      ///< absolute path; watched for changes
+  std::function<bool()> isStored;            ///< whether all that was set is on the disk
+  std::function<QString()> destinationPath;  ///< the stored folder; empty when there is none
+  std::function<void()> chooseDestination;   ///< lets the user pick a folder, and stores it
+};
+
+class PreferencesWindow final : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit PreferencesWindow(PreferencesServices services, QWidget* parent = nullptr);
+  ~PreferencesWindow() override;
+
+  /// Shows what is stored.
+  void reload();
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void store(const app::BooleanPreference& preference, bool value);
+  void chooseDestination();
+  void showStorageFailure();
+
+  PreferencesServices services_;
+  std::unique_ptr<Ui::PreferencesWindow> ui_;
+};
+
+}  // namespace quillforth::desktop

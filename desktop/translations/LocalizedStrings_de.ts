@@ -1,0 +1,400 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>ImportWindow</name>
+    <message>
+        <source>Import URL</source>
+        <translation>URL importieren</translation>
+    </message>
+    <message>
+        <source>&amp;URL of a web page. Its links replace the queue:</source>
+        <translation>&amp;URL einer Webseite. Ihre Links ersetzen die Warteschlange:</translation>
+    </message>
+    <message>
+        <source>The page is fetched, and every link in it is queued. &quot;http://&quot; may be left out.</source>
+        <translation>Die Seite wird geladen und jeder ihrer Links eingereiht. „http://“ kann weggelassen werden.</translation>
+    </message>
+    <message>
+        <source>URL of a web page</source>
+        <translation>URL einer Webseite</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importieren</translation>
+    </message>
+</context>
+<context>
+    <name>LocalizedStrings</name>
+    <message>
+        <source>Are you sure you want to aggregate the files in &quot;%@&quot;?</source>
+        <translation>Möchten Sie die Dateien in „%@“ wirklich nach Endungen in Unterordner einsortieren?</translation>
+    </message>
+    <message>
+        <source>This process can not be undone.</source>
+        <translation>Dieser Vorgang kann nicht rückgängig gemacht werden.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Go to &quot;%@&quot;</source>
+        <translation>„%@“ öffnen</translation>
+    </message>
+    <message>
+        <source>Choose a Destination Folder</source>
+        <translation>Zielordner auswählen</translation>
+    </message>
+    <message>
+        <source>Choose</source>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>Choose destination folder</source>
+        <translation>Wählen Sie den Zielordner aus</translation>
+    </message>
+    <message>
+        <source>An error occured during download.</source>
+        <translation>Beim Herunterladen ist ein Fehler aufgetreten.</translation>
+    </message>
+    <message>
+        <source>You are not connected to the Internet.</source>
+        <translation>Sie sind nicht mit dem Internet verbunden.</translation>
+    </message>
+    <message>
+        <source>Do you want to run Network Diagnostics?</source>
+        <translation>Möchten Sie die Netzwerkdiagnose starten?</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>Done!</source>
+        <translation>Fertig!</translation>
+    </message>
+    <message>
+        <source>Download Failed</source>
+        <translation>Download fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>hr</source>
+        <translation>Std.</translation>
+    </message>
+    <message>
+        <source>hrs</source>
+        <translation>Std.</translation>
+    </message>
+    <message>
+        <source>min</source>
+        <translation>Min.</translation>
+    </message>
+    <message>
+        <source>mins</source>
+        <translation>Min.</translation>
+    </message>
+    <message>
+        <source>sec</source>
+        <translation>Sek.</translation>
+    </message>
+    <message>
+        <source>secs</source>
+        <translation>Sek.</translation>
+    </message>
+    <message>
+        <source>0 secs</source>
+        <translation>0 Sek.</translation>
+    </message>
+    <message>
+        <source>Elapsed: </source>
+        <translation>Vergangen: </translation>
+    </message>
+    <message>
+        <source>, Remaining: </source>
+        <translation>, verbleibend: </translation>
+    </message>
+    <message>
+        <source>(%@ of %@ bytes</source>
+        <translation>(%@ von %@ Byte</translation>
+    </message>
+    <message>
+        <source>%d percent, %@, %s)</source>
+        <translation>%d Prozent, %@, %s)</translation>
+    </message>
+    <message>
+        <source>%d urls queued</source>
+        <translation>URLs in der Warteschlange: %d</translation>
+    </message>
+    <message>
+        <source>The server asks for a user name and a password.</source>
+        <translation>Der Server verlangt einen Benutzernamen und ein Passwort.</translation>
+    </message>
+    <message>
+        <source>The header of the server&apos;s answer is too long.</source>
+        <translation>Der Kopf der Serverantwort ist zu lang.</translation>
+    </message>
+    <message>
+        <source>The server announced an impossible length.</source>
+        <translation>Der Server hat eine unmögliche Länge angekündigt.</translation>
+    </message>
+    <message>
+        <source>The server has sent nothing for too long.</source>
+        <translation>Der Server hat zu lange nichts gesendet.</translation>
+    </message>
+    <message>
+        <source>The URL is malformed.</source>
+        <translation>Die URL ist fehlerhaft.</translation>
+    </message>
+    <message>
+        <source>The proxy was not found.</source>
+        <translation>Der Proxy wurde nicht gefunden.</translation>
+    </message>
+    <message>
+        <source>The server was not found.</source>
+        <translation>Der Server wurde nicht gefunden.</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached.</source>
+        <translation>Der Server ist nicht erreichbar.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be understood.</source>
+        <translation>Die Antwort des Servers ist unverständlich.</translation>
+    </message>
+    <message>
+        <source>The server refused access.</source>
+        <translation>Der Server hat den Zugriff verweigert.</translation>
+    </message>
+    <message>
+        <source>The server sent less than the whole file.</source>
+        <translation>Der Server hat die Datei nicht vollständig gesendet.</translation>
+    </message>
+    <message>
+        <source>The server refused to send the file.</source>
+        <translation>Der Server hat sich geweigert, die Datei zu senden.</translation>
+    </message>
+    <message>
+        <source>The server took too long.</source>
+        <translation>Der Server hat zu lange gebraucht.</translation>
+    </message>
+    <message>
+        <source>No secure connection to the server could be made.</source>
+        <translation>Es konnte keine sichere Verbindung zum Server hergestellt werden.</translation>
+    </message>
+    <message>
+        <source>The server redirected too many times.</source>
+        <translation>Der Server hat zu oft weitergeleitet.</translation>
+    </message>
+    <message>
+        <source>The server closed the connection without an answer.</source>
+        <translation>Der Server hat die Verbindung ohne Antwort geschlossen.</translation>
+    </message>
+    <message>
+        <source>The connection to the server broke off.</source>
+        <translation>Die Verbindung zum Server ist abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer broke off or was damaged.</source>
+        <translation>Die Antwort des Servers ist abgebrochen oder beschädigt.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not trusted.</source>
+        <translation>Dem Zertifikat des Servers wird nicht vertraut.</translation>
+    </message>
+    <message>
+        <source>The server refused the user name or the password.</source>
+        <translation>Der Server hat den Benutzernamen oder das Passwort abgelehnt.</translation>
+    </message>
+    <message>
+        <source>The file of trusted certificates cannot be read.</source>
+        <translation>Die Datei der vertrauenswürdigen Zertifikate kann nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>The server has no such file.</source>
+        <translation>Der Server hat keine solche Datei.</translation>
+    </message>
+    <message>
+        <source>The destination folder does not exist.</source>
+        <translation>Der Zielordner existiert nicht.</translation>
+    </message>
+    <message>
+        <source>A folder has the name of the file.</source>
+        <translation>Ein Ordner trägt bereits den Namen der Datei.</translation>
+    </message>
+    <message>
+        <source>There is not enough space in the destination folder.</source>
+        <translation>Im Zielordner ist nicht genügend Speicherplatz frei.</translation>
+    </message>
+    <message>
+        <source>The destination folder is not writable.</source>
+        <translation>In den Zielordner kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>The file is larger than the destination folder can hold.</source>
+        <translation>Die Datei ist größer, als der Zielordner es zulässt.</translation>
+    </message>
+    <message>
+        <source>The name of the file is too long for the destination folder.</source>
+        <translation>Der Dateiname ist für den Zielordner zu lang.</translation>
+    </message>
+    <message>
+        <source>The server answered %1.</source>
+        <translation>Der Server hat mit „%1“ geantwortet.</translation>
+    </message>
+    <message>
+        <source>The server redirected to something other than http, https or ftp.</source>
+        <translation>Der Server hat auf etwas anderes als http, https oder ftp weitergeleitet.</translation>
+    </message>
+    <message>
+        <source>The transfer failed: %1.</source>
+        <translation>Die Übertragung ist fehlgeschlagen: %1.</translation>
+    </message>
+    <message>
+        <source>The file could not be written: %1.</source>
+        <translation>Die Datei konnte nicht geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>The unfinished file was removed or replaced by something else.</source>
+        <translation>Die unfertige Datei wurde entfernt oder durch etwas anderes ersetzt.</translation>
+    </message>
+</context>
+<context>
+    <name>PreferencesWindow</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>When work arrives</source>
+        <translation>Wenn Arbeit eintrifft</translation>
+    </message>
+    <message>
+        <source>Shows the queue whenever URLs come in.</source>
+        <translation>Zeigt die Warteschlange, sobald URLs eintreffen.</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward</source>
+        <translation>&amp;Statusfenster anzeigen</translation>
+    </message>
+    <message>
+        <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
+        <translation>Bringt das Statusfenster auch vor die Fenster anderer Programme. Gilt nur, solange das Statusfenster angezeigt wird.</translation>
+    </message>
+    <message>
+        <source>In front of other &amp;programs</source>
+        <translation>Vor anderen &amp;Programmen</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>Ziel</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Ordner:</translation>
+    </message>
+    <message>
+        <source>Destination folder</source>
+        <translation>Zielordner</translation>
+    </message>
+    <message>
+        <source>Pick the folder that files are downloaded into. It is found again after it was moved or renamed.</source>
+        <translation>Wählen Sie den Ordner aus, in den Dateien heruntergeladen werden. Er wird auch wiedergefunden, wenn er verschoben oder umbenannt wurde.</translation>
+    </message>
+    <message>
+        <source>Choose the destination folder</source>
+        <translation>Zielordner auswählen</translation>
+    </message>
+    <message>
+        <source>C&amp;hoose…</source>
+        <translation>Aus&amp;wählen …</translation>
+    </message>
+    <message>
+        <source>Asks where to put the files whenever a download is started by hand. Without an answer the folder stays the same.</source>
+        <translation>Fragt bei jedem von Hand gestarteten Download nach dem Zielordner. Ohne Antwort bleibt es beim bisherigen Ordner.</translation>
+    </message>
+    <message>
+        <source>&amp;Ask for a folder each time</source>
+        <translation>&amp;Jedes Mal nach dem Ordner fragen</translation>
+    </message>
+    <message>
+        <source>Otherwise a new file gets a name that is free, and the old one stays.</source>
+        <translation>Andernfalls erhält eine neue Datei einen freien Namen, und die alte bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace files of the same name</source>
+        <translation>Gleichnamige Dateien &amp;ersetzen</translation>
+    </message>
+    <message>
+        <source>Finished files</source>
+        <translation>Fertige Dateien</translation>
+    </message>
+    <message>
+        <source>Puts the URL into the comment of the file, which file managers show.</source>
+        <translation>Trägt die URL in den Kommentar der Datei ein, den Dateiverwaltungen anzeigen.</translation>
+    </message>
+    <message>
+        <source>&amp;Note on each file where it came from</source>
+        <translation>&amp;Herkunft an jeder Datei vermerken</translation>
+    </message>
+    <message>
+        <source>Moves the files of the destination folder into subfolders named after their extensions, such as “pdf”.</source>
+        <translation>Verschiebt die Dateien des Zielordners in Unterordner, die nach den Endungen heißen, etwa „pdf“.</translation>
+    </message>
+    <message>
+        <source>&amp;Sort files into subfolders when the queue is done</source>
+        <translation>Dateien in &amp;Unterordner sortieren, wenn die Warteschlange leer ist</translation>
+    </message>
+    <message>
+        <source>Writes a comment back where moving a file loses it. On this system moving keeps comments anyway.</source>
+        <translation>Schreibt einen Kommentar zurück, wo er beim Verschieben verloren ginge. Auf diesem System bleibt er beim Verschieben ohnehin erhalten.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the comments of files that are sorted</source>
+        <translation>&amp;Kommentare beim Sortieren erhalten</translation>
+    </message>
+    <message>
+        <source>Notices</source>
+        <translation>Hinweise</translation>
+    </message>
+    <message>
+        <source>Also when a download failed. Only while no window of Quillforth is in front.</source>
+        <translation>Auch wenn ein Download fehlgeschlagen ist. Nur solange kein Fenster von Quillforth im Vordergrund ist.</translation>
+    </message>
+    <message>
+        <source>Show a no&amp;tification when the queue is done</source>
+        <translation>&amp;Benachrichtigen, wenn die Warteschlange leer ist</translation>
+    </message>
+    <message>
+        <source>P&amp;lay a sound when the queue is done</source>
+        <translation>K&amp;lang abspielen, wenn die Warteschlange leer ist</translation>
+    </message>
+    <message>
+        <source>Without it failures are only written to the system log.</source>
+        <translation>Ohne diese Einstellung stehen Fehlschläge nur im Systemprotokoll.</translation>
+    </message>
+    <message>
+        <source>Show a &amp;message for each download that fails</source>
+        <translation>&amp;Meldung für jeden fehlgeschlagenen Download anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::PreferencesWindow</name>
+    <message>
+        <source>The settings could not be saved in %1. They count only until you quit Quillforth.</source>
+        <translation>Die Einstellungen konnten nicht in %1 gespeichert werden. Sie gelten nur, bis Sie Quillforth beenden.</translation>
+    </message>
+</context>
+</TS>

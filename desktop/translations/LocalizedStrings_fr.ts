@@ -1,0 +1,400 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr_FR" sourcelanguage="en">
+<context>
+    <name>ImportWindow</name>
+    <message>
+        <source>Import URL</source>
+        <translation>Importer une URL</translation>
+    </message>
+    <message>
+        <source>&amp;URL of a web page. Its links replace the queue:</source>
+        <translation>&amp;URL d’une page web. Ses liens remplacent la file d’attente&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The page is fetched, and every link in it is queued. &quot;http://&quot; may be left out.</source>
+        <translation>La page est chargée et chacun de ses liens est mis en file d’attente. «&#xa0;http://&#xa0;» peut être omis.</translation>
+    </message>
+    <message>
+        <source>URL of a web page</source>
+        <translation>URL d’une page web</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importer</translation>
+    </message>
+</context>
+<context>
+    <name>LocalizedStrings</name>
+    <message>
+        <source>Are you sure you want to aggregate the files in &quot;%@&quot;?</source>
+        <translation>Voulez-vous vraiment ranger les fichiers de «&#xa0;%@&#xa0;» dans des sous-dossiers par extension&#x202f;?</translation>
+    </message>
+    <message>
+        <source>This process can not be undone.</source>
+        <translation>Cette opération est irréversible.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Go to &quot;%@&quot;</source>
+        <translation>Ouvrir «&#xa0;%@&#xa0;»</translation>
+    </message>
+    <message>
+        <source>Choose a Destination Folder</source>
+        <translation>Choisir un dossier de destination</translation>
+    </message>
+    <message>
+        <source>Choose</source>
+        <translation>Choisir</translation>
+    </message>
+    <message>
+        <source>Choose destination folder</source>
+        <translation>Choisissez le dossier de destination</translation>
+    </message>
+    <message>
+        <source>An error occured during download.</source>
+        <translation>Une erreur s’est produite pendant le téléchargement.</translation>
+    </message>
+    <message>
+        <source>You are not connected to the Internet.</source>
+        <translation>Vous n’êtes pas connecté à Internet.</translation>
+    </message>
+    <message>
+        <source>Do you want to run Network Diagnostics?</source>
+        <translation>Voulez-vous lancer le diagnostic réseau&#x202f;?</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Non</translation>
+    </message>
+    <message>
+        <source>Done!</source>
+        <translation>Terminé&#x202f;!</translation>
+    </message>
+    <message>
+        <source>Download Failed</source>
+        <translation>Échec du téléchargement</translation>
+    </message>
+    <message>
+        <source>hr</source>
+        <translation>h</translation>
+    </message>
+    <message>
+        <source>hrs</source>
+        <translation>h</translation>
+    </message>
+    <message>
+        <source>min</source>
+        <translation>min</translation>
+    </message>
+    <message>
+        <source>mins</source>
+        <translation>min</translation>
+    </message>
+    <message>
+        <source>sec</source>
+        <translation>s</translation>
+    </message>
+    <message>
+        <source>secs</source>
+        <translation>s</translation>
+    </message>
+    <message>
+        <source>0 secs</source>
+        <translation>0 s</translation>
+    </message>
+    <message>
+        <source>Elapsed: </source>
+        <translation>Écoulé&#xa0;: </translation>
+    </message>
+    <message>
+        <source>, Remaining: </source>
+        <translation>, restant&#xa0;: </translation>
+    </message>
+    <message>
+        <source>(%@ of %@ bytes</source>
+        <translation>(%@ sur %@ octets</translation>
+    </message>
+    <message>
+        <source>%d percent, %@, %s)</source>
+        <translation>%d pour cent, %@, %s)</translation>
+    </message>
+    <message>
+        <source>%d urls queued</source>
+        <translation>URL en attente&#xa0;: %d</translation>
+    </message>
+    <message>
+        <source>The server asks for a user name and a password.</source>
+        <translation>Le serveur demande un nom d’utilisateur et un mot de passe.</translation>
+    </message>
+    <message>
+        <source>The header of the server&apos;s answer is too long.</source>
+        <translation>L’en-tête de la réponse du serveur est trop long.</translation>
+    </message>
+    <message>
+        <source>The server announced an impossible length.</source>
+        <translation>Le serveur a annoncé une longueur impossible.</translation>
+    </message>
+    <message>
+        <source>The server has sent nothing for too long.</source>
+        <translation>Le serveur n’a rien envoyé depuis trop longtemps.</translation>
+    </message>
+    <message>
+        <source>The URL is malformed.</source>
+        <translation>L’URL est mal formée.</translation>
+    </message>
+    <message>
+        <source>The proxy was not found.</source>
+        <translation>Le proxy est introuvable.</translation>
+    </message>
+    <message>
+        <source>The server was not found.</source>
+        <translation>Le serveur est introuvable.</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached.</source>
+        <translation>Le serveur est injoignable.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be understood.</source>
+        <translation>La réponse du serveur est incompréhensible.</translation>
+    </message>
+    <message>
+        <source>The server refused access.</source>
+        <translation>Le serveur a refusé l’accès.</translation>
+    </message>
+    <message>
+        <source>The server sent less than the whole file.</source>
+        <translation>Le serveur n’a pas envoyé le fichier en entier.</translation>
+    </message>
+    <message>
+        <source>The server refused to send the file.</source>
+        <translation>Le serveur a refusé d’envoyer le fichier.</translation>
+    </message>
+    <message>
+        <source>The server took too long.</source>
+        <translation>Le serveur a mis trop de temps.</translation>
+    </message>
+    <message>
+        <source>No secure connection to the server could be made.</source>
+        <translation>Aucune connexion sécurisée avec le serveur n’a pu être établie.</translation>
+    </message>
+    <message>
+        <source>The server redirected too many times.</source>
+        <translation>Le serveur a fait trop de redirections.</translation>
+    </message>
+    <message>
+        <source>The server closed the connection without an answer.</source>
+        <translation>Le serveur a fermé la connexion sans répondre.</translation>
+    </message>
+    <message>
+        <source>The connection to the server broke off.</source>
+        <translation>La connexion avec le serveur a été interrompue.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer broke off or was damaged.</source>
+        <translation>La réponse du serveur a été interrompue ou endommagée.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not trusted.</source>
+        <translation>Le certificat du serveur n’est pas digne de confiance.</translation>
+    </message>
+    <message>
+        <source>The server refused the user name or the password.</source>
+        <translation>Le serveur a refusé le nom d’utilisateur ou le mot de passe.</translation>
+    </message>
+    <message>
+        <source>The file of trusted certificates cannot be read.</source>
+        <translation>Le fichier des certificats de confiance est illisible.</translation>
+    </message>
+    <message>
+        <source>The server has no such file.</source>
+        <translation>Le serveur ne possède pas ce fichier.</translation>
+    </message>
+    <message>
+        <source>The destination folder does not exist.</source>
+        <translation>Le dossier de destination n’existe pas.</translation>
+    </message>
+    <message>
+        <source>A folder has the name of the file.</source>
+        <translation>Un dossier porte déjà le nom du fichier.</translation>
+    </message>
+    <message>
+        <source>There is not enough space in the destination folder.</source>
+        <translation>L’espace disponible dans le dossier de destination est insuffisant.</translation>
+    </message>
+    <message>
+        <source>The destination folder is not writable.</source>
+        <translation>Impossible d’écrire dans le dossier de destination.</translation>
+    </message>
+    <message>
+        <source>The file is larger than the destination folder can hold.</source>
+        <translation>Le fichier dépasse la taille admise par le dossier de destination.</translation>
+    </message>
+    <message>
+        <source>The name of the file is too long for the destination folder.</source>
+        <translation>Le nom du fichier est trop long pour le dossier de destination.</translation>
+    </message>
+    <message>
+        <source>The server answered %1.</source>
+        <translation>Le serveur a répondu «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>The server redirected to something other than http, https or ftp.</source>
+        <translation>Le serveur a redirigé vers autre chose que http, https ou ftp.</translation>
+    </message>
+    <message>
+        <source>The transfer failed: %1.</source>
+        <translation>Le transfert a échoué&#xa0;: %1.</translation>
+    </message>
+    <message>
+        <source>The file could not be written: %1.</source>
+        <translation>Le fichier n’a pas pu être écrit&#xa0;: %1.</translation>
+    </message>
+    <message>
+        <source>The unfinished file was removed or replaced by something else.</source>
+        <translation>Le fichier inachevé a été supprimé ou remplacé par autre chose.</translation>
+    </message>
+</context>
+<context>
+    <name>PreferencesWindow</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Préférences</translation>
+    </message>
+    <message>
+        <source>When work arrives</source>
+        <translation>À l’arrivée de nouvelles URL</translation>
+    </message>
+    <message>
+        <source>Shows the queue whenever URLs come in.</source>
+        <translation>Affiche la file d’attente dès que des URL arrivent.</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward</source>
+        <translation>A&amp;fficher la fenêtre d’état</translation>
+    </message>
+    <message>
+        <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
+        <translation>Place la fenêtre d’état aussi devant celles des autres programmes. Sans effet si la fenêtre d’état n’est pas affichée.</translation>
+    </message>
+    <message>
+        <source>In front of other &amp;programs</source>
+        <translation>Devant les autres &amp;programmes</translation>
+    </message>
+    <message>
+        <source>Destination</source>
+        <translation>Destination</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Destination folder</source>
+        <translation>Dossier de destination</translation>
+    </message>
+    <message>
+        <source>Pick the folder that files are downloaded into. It is found again after it was moved or renamed.</source>
+        <translation>Choisissez le dossier où les fichiers sont téléchargés. Il est retrouvé même s’il a été déplacé ou renommé.</translation>
+    </message>
+    <message>
+        <source>Choose the destination folder</source>
+        <translation>Choisir le dossier de destination</translation>
+    </message>
+    <message>
+        <source>C&amp;hoose…</source>
+        <translation>&amp;Choisir…</translation>
+    </message>
+    <message>
+        <source>Asks where to put the files whenever a download is started by hand. Without an answer the folder stays the same.</source>
+        <translation>Demande où placer les fichiers chaque fois qu’un téléchargement est lancé à la main. Sans réponse, le dossier reste le même.</translation>
+    </message>
+    <message>
+        <source>&amp;Ask for a folder each time</source>
+        <translation>Dem&amp;ander le dossier à chaque fois</translation>
+    </message>
+    <message>
+        <source>Otherwise a new file gets a name that is free, and the old one stays.</source>
+        <translation>Sinon, le nouveau fichier reçoit un nom libre et l’ancien est conservé.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace files of the same name</source>
+        <translation>&amp;Remplacer les fichiers de même nom</translation>
+    </message>
+    <message>
+        <source>Finished files</source>
+        <translation>Fichiers terminés</translation>
+    </message>
+    <message>
+        <source>Puts the URL into the comment of the file, which file managers show.</source>
+        <translation>Inscrit l’URL dans le commentaire du fichier, que les gestionnaires de fichiers affichent.</translation>
+    </message>
+    <message>
+        <source>&amp;Note on each file where it came from</source>
+        <translation>&amp;Noter l’origine de chaque fichier</translation>
+    </message>
+    <message>
+        <source>Moves the files of the destination folder into subfolders named after their extensions, such as “pdf”.</source>
+        <translation>Déplace les fichiers du dossier de destination dans des sous-dossiers qui portent le nom de leur extension, par exemple «&#xa0;pdf&#xa0;».</translation>
+    </message>
+    <message>
+        <source>&amp;Sort files into subfolders when the queue is done</source>
+        <translation>Ranger les fichiers dans des &amp;sous-dossiers quand la file est vide</translation>
+    </message>
+    <message>
+        <source>Writes a comment back where moving a file loses it. On this system moving keeps comments anyway.</source>
+        <translation>Réécrit le commentaire là où un déplacement le ferait perdre. Sur ce système, il est conservé de toute façon.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the comments of files that are sorted</source>
+        <translation>C&amp;onserver les commentaires des fichiers rangés</translation>
+    </message>
+    <message>
+        <source>Notices</source>
+        <translation>Avis</translation>
+    </message>
+    <message>
+        <source>Also when a download failed. Only while no window of Quillforth is in front.</source>
+        <translation>Aussi quand un téléchargement a échoué. Seulement si aucune fenêtre de Quillforth n’est au premier plan.</translation>
+    </message>
+    <message>
+        <source>Show a no&amp;tification when the queue is done</source>
+        <translation>Afficher une no&amp;tification quand la file est vide</translation>
+    </message>
+    <message>
+        <source>P&amp;lay a sound when the queue is done</source>
+        <translation>&amp;Jouer un son quand la file est vide</translation>
+    </message>
+    <message>
+        <source>Without it failures are only written to the system log.</source>
+        <translation>Sinon, les échecs ne figurent que dans le journal système.</translation>
+    </message>
+    <message>
+        <source>Show a &amp;message for each download that fails</source>
+        <translation>Afficher un &amp;message pour chaque téléchargement échoué</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>F&amp;ermer</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::PreferencesWindow</name>
+    <message>
+        <source>The settings could not be saved in %1. They count only until you quit Quillforth.</source>
+        <translation>Les préférences n’ont pas pu être enregistrées dans %1. Elles ne valent que jusqu’à la fermeture de Quillforth.</translation>
+    </message>
+</context>
+</TS>
