@@ -73,9 +73,10 @@ constexpr std::size_t JointIndex(char before, char after) {
 
 constexpr std::array<Joint, 1024> kJoints = [] {
   std::array<Joint, 1024> joints{};
-  for (std::uint8_t name = 0; name < kNames.size(); ++name) {
-    for (std::uint8_t split = 1; split < kNames[name].size(); ++split) {
-      joints[JointIndex(kNames[name][split - 1], kNames[name][split])] = {name, split};
+  for (std::size_t name = 0; name < kNames.size(); ++name) {
+    for (std::size_t split = 1; split < kNames[name].size(); ++split) {
+      joints[JointIndex(kNames[name][split - 1], kNames[name][split])] = {static_cast<std::uint8_t>(name),
+                                                                          static_cast<std::uint8_t>(split)};
     }
   }
   return joints;
