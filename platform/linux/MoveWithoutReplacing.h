@@ -7,8 +7,9 @@
 // empty file takes the new name, which only one can win, and the item is renamed over it at once.
 //
 // A link and its removal that were cut off are brought to their end by the next move of the item into the
-// same folder, under whatever name. Meanwhile the item may be seen as "UUID - name" where it was. A renaming
-// over an empty file that was cut off leaves the item where it was, and the empty file. Any thread.
+// same folder, under whatever name. Meanwhile the item may be seen as "UUID - name" where it was (as a bare
+// UUID where that is too long, which is not brought to its end). A renaming over an empty file that was cut
+// off leaves the item where it was, and the empty file. Any thread.
 #pragma once
 
 #include "common/Status.h"

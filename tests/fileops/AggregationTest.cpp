@@ -302,40 +302,44 @@ TEST_F(Aggregation, OnACaseInsensitiveFileSystemOneSubfolderTakesAll) {
 }
 
 TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) {
-  const auto withFewDescriptors = [] {
-    const rlimit few{100, 100};
-    return ::setrlimit(RLIMIT_NOFILE, &few) == 0;
-  };
-  const auto filesLeft = [this] {
-    return std::count_if(fs::directory_iterator(root_), fs::directory_iterator(),
-                         [](const fs::directory_entry& entry) { return entry.is_regular_file(); });
-  };
-  Sorted expected;
-  for (int attempt = 0, stoppedHalfway = 0; stoppedHalfway < 10; ++attempt) {
-    ASSERT_LT(attempt, 200) << "no run could be stopped halfway";
-    for (auto missing = filesLeft() == 0 ? 500 : 0; missing > 0; --missing) {
-      const std::string extension = "e" + std::to_string(expected.size() % 150);
-      const std::string name = std::to_string(expected.size()) + '.' + extension;
-      MakeItem(root_, name);
-      expected.insert(std::string(extension).append("/").append(name).append(" < ").append(name));
+  for (const bool hasFlags : {true, false}) {
+    SCOPED_TRACE(hasFlags ? "" : "without rename flags");
+    fs::remove_all(root_);
+    fs::create_directory(root_);
+    const auto prepare = [hasFlags] {
+      const rlimit few{100, 100};
+      return ::setrlimit(RLIMIT_NOFILE, &few) == 0 && (hasFlags || RefuseRenameFlags(false));
+    };
+    const auto filesLeft = [this] {
+      return std::count_if(fs::directory_iterator(root_), fs::directory_iterator(),
+                           [](const fs::directory_entry& entry) { return entry.is_regular_file(); });
+    };
+    Sorted expected;
+    for (int attempt = 0, stoppedHalfway = 0; stoppedHalfway < 10; ++attempt) {
+      ASSERT_LT(attempt, 200) << "no run could be stopped halfway";
+      for (auto missing = filesLeft() == 0 ? 500 : 0; missing > 0; --missing) {
+        const std::string extension = "e" + std::to_string(expected.size() % 150);
+        const std::string name = std::to_string(expected.size()) + '.' + extension;
+        MakeItem(root_, name);
+        expected.insert(std::string(extension).append("/").append(name).append(" < ").append(name));
+      }
+      const auto before = filesLeft();
+      int started[2];
+      ASSERT_EQ(::pipe(started), 0);
+      const pid_t child = ::fork();
+      if (child == 0) ::_exit(prepare() && ::write(started[1], "", 1) == 1 && run().left == 0 ? 0 : 1);
+      char byte = 0;
+      ASSERT_EQ(::read(started[0], &byte, 1), 1);
+      std::this_thread::sleep_for(std::chrono::microseconds(attempt * 70 % 2000));
+      ::kill(child, SIGKILL);
+      ::waitpid(child, nullptr, 0);
+      for (const int end : started) ::close(end);
+      stoppedHalfway += filesLeft() > 0 && filesLeft() < before ? 1 : 0;
     }
-    const auto before = filesLeft();
-    int started[2];
-    ASSERT_EQ(::pipe(started), 0);
-    const pid_t child = ::fork();
-    if (child == 0)
-      ::_exit(withFewDescriptors() && ::write(started[1], "", 1) == 1 && run().left == 0 ? 0 : 1);
-    char byte = 0;
-    ASSERT_EQ(::read(started[0], &byte, 1), 1);
-    std::this_thread::sleep_for(std::chrono::microseconds(attempt * 70 % 2000));
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    for (const int end : started) ::close(end);
-    stoppedHalfway += filesLeft() > 0 && filesLeft() < before ? 1 : 0;
+    EXPECT_EQ(runInChild(prepare), 0);
+    const Lines tree = TreeOf(root_);
+    EXPECT_EQ(Sorted(tree.begin(), tree.end()), expected);
   }
-  EXPECT_EQ(runInChild(withFewDescriptors), 0);
-  const Lines tree = TreeOf(root_);
-  EXPECT_EQ(Sorted(tree.begin(), tree.end()), expected);
 }
 
 TEST_F(Aggregation, AFolderThatSomeoneKeepsFillingIsSortedWithoutALoss) {
