@@ -25,6 +25,18 @@ qsizetype FindAnyOf(const QString& text, QStringView delimiters, qsizetype from)
   return std::find_if(text.begin() + from, text.end(), isDelimiter) - text.begin();
 }
 
+// Whether what looks like a port in an authority cannot be one; then it is the beginning of a password that
+// holds a delimiter.
+bool HasImpossiblePort(QStringView authority) {
+  if (authority.contains(u'@')) return false;
+  const qsizetype colon = authority.lastIndexOf(u':');
+  if (colon < authority.lastIndexOf(u']')) return false;
+  const QStringView port = authority.sliced(colon + 1);
+  bool isNumber = false;
+  static_cast<void>(port.toUShort(&isNumber));
+  return colon >= 0 && !port.isEmpty() && !isNumber;
+}
+
 struct Span {
   qsizetype start = 0;
   qsizetype length = 0;
@@ -110,7 +122,8 @@ QString WithoutCredentials(const QString& text) {
   qsizetype start = slashes;
   while (start < text.size() && (text[start] == u'/' || text[start] == u'\\')) ++start;
   if (!hasScheme && start - slashes < 2) return text;
-  const qsizetype end = FindAnyOf(text, u"/?#\\", start);
+  qsizetype end = FindAnyOf(text, u"/?#\\", start);
+  if (HasImpossiblePort(QStringView(text).sliced(start, end - start))) end = text.size();
   const qsizetype at = QStringView(text).sliced(start, end - start).lastIndexOf(u'@');
   return at < 0 ? text : text.first(start) + text.sliced(start + at + 1);
 }

@@ -45,7 +45,8 @@ class URL {
 /// `text` without "user:password@", whether or not it makes a URL.
 ///
 /// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host"
-/// and "user:password@host"; better a mangled text than a shown password.
+/// and "user:password@host"; and so does a password that holds a "/", a "?" or a "#", where no port can be
+/// meant. Better a mangled text than a shown password.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
 
 }  // namespace quillforth::platform
