@@ -14,10 +14,14 @@ std::int64_t Nanoseconds(const timespec& time) {
 
 }  // namespace
 
-SettingsUserDefaults::SettingsUserDefaults()
-    : settings_(QStringLiteral("Tessary Software"), QStringLiteral("Quillforth")),
-      path_(QFile::encodeName(settings_.fileName()).toStdString()) {
-  settings_.setFallbacksEnabled(false);
+SettingsUserDefaults::SettingsUserDefaults() {
+  open();
+  path_ = QFile::encodeName(settings_->fileName()).toStdString();
+}
+
+void SettingsUserDefaults::open() {
+  settings_.emplace(QStringLiteral("Tessary Software"), QStringLiteral("Quillforth"));
+  settings_->setFallbacksEnabled(false);
 }
 
 SettingsUserDefaults::FileState SettingsUserDefaults::currentState() const {
@@ -34,7 +38,9 @@ SettingsUserDefaults::FileState SettingsUserDefaults::currentState() const {
 void SettingsUserDefaults::synchronize() {
   const FileState state = currentState();
   if (!hasPendingChanges_ && seen_ == state) return;
-  settings_.sync();
+  // QSettings never forgets a fault, so a file that may have been mended is opened anew.
+  if (hasFailed() && !hasPendingChanges_) open();
+  settings_->sync();
   // After a write of our own the file is read once more: somebody else may have written meanwhile.
   seen_ = hasPendingChanges_ ? std::nullopt : std::optional(state);
   hasPendingChanges_ = false;
@@ -42,20 +48,24 @@ void SettingsUserDefaults::synchronize() {
 
 bool SettingsUserDefaults::isStored() const {
   // A QSettings keeps its first failure for good; a new one shares what is pending, and tries to write it.
-  return QSettings(settings_.organizationName(), settings_.applicationName()).status() == QSettings::NoError;
+  return !wasRefused_ && QSettings(settings_->organizationName(), settings_->applicationName()).status() == QSettings::NoError;
 }
 
 QVariant SettingsUserDefaults::objectForKey(const QString& key) {
-  return settings_.value(key);
+  return settings_->value(key);
 }
 
 void SettingsUserDefaults::setObject(const QString& key, const QVariant& value) {
-  settings_.setValue(key, value);
+  synchronize();
+  if (hasFailed()) return;
+  settings_->setValue(key, value);
   hasPendingChanges_ = true;
 }
 
 void SettingsUserDefaults::removeObject(const QString& key) {
-  settings_.remove(key);
+  synchronize();
+  if (hasFailed()) return;
+  settings_->remove(key);
   hasPendingChanges_ = true;
 }
 

@@ -29,12 +29,12 @@ class SettingsUserDefaults final : public UserDefaults {
   void removeObject(const QString& key) override;
 
   /// The absolute path of the file, whether or not it exists.
-  [[nodiscard]] QString fileName() const { return settings_.fileName(); }
+  [[nodiscard]] QString fileName() const { return settings_->fileName(); }
   /// Whether all that was set is in the file now; what is not is tried once more.
   [[nodiscard]] bool isStored() const;
-  /// Whether the file could not be read or written at some time; for those who must know that a value is
-  /// stored.
-  [[nodiscard]] bool hasFailed() const { return settings_.status() != QSettings::NoError; }
+  /// Whether the file could not be read or written, or is damaged: then nothing is stored, so that what can
+  /// still be read of it is not lost.
+  [[nodiscard]] bool hasFailed() const { return settings_->status() != QSettings::NoError; }
 
  private:
   struct FileState {
@@ -47,8 +47,9 @@ class SettingsUserDefaults final : public UserDefaults {
     friend bool operator==(const FileState&, const FileState&) = default;
   };
   [[nodiscard]] FileState currentState() const;
+  void open();
 
-  QSettings settings_;
+  std::optional<QSettings> settings_;
   std::string path_;
   std::optional<FileState> seen_;  // when the file was last read; nothing: read it again
   bool hasPendingChanges_ = false;

@@ -117,6 +117,13 @@ TEST_F(Commands, SettingsAreListedStoredAndForgotten) {
   EXPECT_EQ(run({"settings", "DestinationDirectory"}).output, chosen + "\n");
   std::filesystem::rename(chosen, root_ / "renamed");
   EXPECT_EQ(run({"settings", "DestinationDirectory"}).output, inRoot("renamed") + "\n");
+
+  const std::filesystem::path file = inRoot(".config/Tessary Software/Quillforth.conf");
+  std::ofstream(file, std::ios::app) << "a damaged line\n";
+  const auto size = std::filesystem::file_size(file);
+  EXPECT_EQ(run({"settings", "aggregateFiles", "yes"}).exitStatus, 1);
+  EXPECT_EQ(std::filesystem::file_size(file), size);
+  EXPECT_EQ(run({"settings", "DestinationDirectory"}).output, inRoot("renamed") + "\n");
 }
 
 TEST_F(Commands, AnOutputThatCannotBeWrittenIsAFailure) {
