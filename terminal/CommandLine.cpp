@@ -17,6 +17,11 @@ namespace {
 // The parser with the values that it fills; it keeps references to them.
 struct Parser {
   Parser();
+  // Whether `word` may be the first one.
+  [[nodiscard]] bool knows(const std::string& word) {
+    const auto isNamed = [&word](const CLI::App* command) { return command->get_name() == word; };
+    return !app.get_subcommands(isNamed).empty() || app.get_option_no_throw(word) != nullptr;
+  }
 
   CLI::App app;
   GetArguments getArguments;
@@ -105,6 +110,9 @@ Answer UsageError(const std::string& command, const std::string& message) {
 
 Command ParseCommandLine(const std::vector<std::string>& arguments) {
   Parser parser;
+  if (!arguments.empty() && !parser.knows(arguments.front())) {
+    return UsageError("", "no command is called \"" + arguments.front() + "\"");
+  }
   try {
     parser.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     return TakeCommand(parser);

@@ -35,6 +35,7 @@ TEST(CommandLine, MistakesAreStatusTwoWithAWordOfHelp) {
     EXPECT_EQ(answer->exitStatus, kExitUsage);
     EXPECT_TRUE(answer->results.empty());
     EXPECT_NE(answer->errors.find("--help"), std::string::npos);
+    EXPECT_NE(answer->errors.find(arguments[0]), std::string::npos) << answer->errors;
   }
 }
 
