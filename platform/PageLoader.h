@@ -17,7 +17,9 @@ class PageLoader {
   /// way or the body is longer. Follows redirects. Blocks until the end; any thread.
   [[nodiscard]] virtual std::optional<QByteArray> resourceData(const URL& url) = 0;
 
-  static constexpr qsizetype kMaxPageLength = qsizetype{256} * 1024 * 1024;
+  /// Room for some 300,000 ordinary links; a hostile page of this length still makes a link table that a
+  /// machine can hold.
+  static constexpr qsizetype kMaxPageLength = qsizetype{32} * 1024 * 1024;
 };
 
 }  // namespace quillforth::platform

@@ -145,7 +145,7 @@ Options:
 
 Without --null each link is one line: control characters are written as
 %-escapes, and a link that is not valid UTF-8 is left out, as the queue does.
-A page may have 256 MiB.
+A page may have 32 MiB.
 
 Examples:
   quillforth-cli links http://www.example.org/gallery/
