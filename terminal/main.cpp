@@ -259,7 +259,9 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   platform::LinuxAliasManager aliases(platform::HomeFolder());
   platform::LinuxFileManager files;
   auto error = SettingsCommand(defaults, aliases, files).run(arguments, results);
-  if (!error && defaults.hasFailed()) error = SettingsError{"the settings could not be read or written"};
+  if (!error && defaults.hasFailed()) {
+    error = SettingsError{defaults.path() + ": damaged, or cannot be read or written"};
+  }
   if (error) return Complain(*error, "settings", errors);
   return Finish(kExitSuccess, results, errors);
 }
@@ -283,7 +285,6 @@ int main(int argc, char** argv) {
   using namespace quillforth::terminal;
   OpenStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
   Output results(STDOUT_FILENO);
   Output errors(STDERR_FILENO);
   const Command command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));

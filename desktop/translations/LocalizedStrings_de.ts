@@ -147,6 +147,14 @@
         <translation>Der Server hat eine unmögliche Länge angekündigt.</translation>
     </message>
     <message>
+        <source>This is a folder, not a file.</source>
+        <translation>Das ist ein Ordner, keine Datei.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the transfer.</source>
+        <translation>Für die Übertragung ist nicht genug Speicher da.</translation>
+    </message>
+    <message>
         <source>The server has sent nothing for too long.</source>
         <translation>Der Server hat zu lange nichts gesendet.</translation>
     </message>

@@ -147,6 +147,14 @@
         <translation>Le serveur a annoncé une longueur impossible.</translation>
     </message>
     <message>
+        <source>This is a folder, not a file.</source>
+        <translation>Ceci est un dossier, pas un fichier.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the transfer.</source>
+        <translation>Il n’y a pas assez de mémoire pour le transfert.</translation>
+    </message>
+    <message>
         <source>The server has sent nothing for too long.</source>
         <translation>Le serveur n’a rien envoyé depuis trop longtemps.</translation>
     </message>

@@ -5,8 +5,7 @@
 // Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
 // the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
 // cancelled fall away, with the file that they may bring. A small file that arrives with its response is
-// stored here; so the process ignores SIGXFSZ. All members are called on the thread that made the service,
-// which runs a Qt event loop.
+// stored here. All members are called on the thread that made the service, which runs a Qt event loop.
 #pragma once
 
 #include <QSocketNotifier>

@@ -9,6 +9,7 @@
 
 #include <QString>
 #include <atomic>
+#include <csignal>
 #include <memory>
 #include <string>
 
@@ -16,10 +17,14 @@
 
 namespace quillforth::platform {
 
-/// libcurl's process-wide set-up; one object, made before the first thread starts.
+/// The process-wide set-up for libcurl, and for files that grow too large: an error number, no signal. One
+/// object, made before the first thread starts.
 class CurlGlobal {
  public:
-  CurlGlobal() { curl_global_init(CURL_GLOBAL_DEFAULT); }
+  CurlGlobal() {
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    std::signal(SIGXFSZ, SIG_IGN);
+  }
   ~CurlGlobal() { curl_global_cleanup(); }
   CurlGlobal(const CurlGlobal&) = delete;
   CurlGlobal& operator=(const CurlGlobal&) = delete;

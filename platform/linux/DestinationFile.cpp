@@ -189,7 +189,8 @@ int DestinationFile::moveTo(const std::string& name) {
   return IsUnsupported(errno) ? moveOverReservation(name) : errno;
 }
 
-// The last resort: an empty file takes the name, which only one can win, and is replaced at once.
+// The last resort: an empty file takes the name, which only one can win, and is replaced at once. A process
+// killed between the two leaves it behind; to look first and rename then could replace a file of others.
 int DestinationFile::moveOverReservation(const std::string& name) {
   const int folder = folder_.descriptor.get();
   const FileDescriptor reservation(

@@ -23,6 +23,10 @@ constexpr std::size_t kMaxDiscardedBytes = 64UL * 1024;
 // So often progress is reported at most.
 constexpr std::chrono::milliseconds kReportInterval{40};
 
+QString HeaderTooLongText() {
+  return LOCALIZED("The header of the server's answer is too long.");
+}
+
 constexpr long kUnauthorized = 401;
 constexpr long kProxyUnauthorized = 407;
 
@@ -63,9 +67,12 @@ std::size_t DownloadTransfer::receiveHeader(const char* data, std::size_t size, 
   if (line.starts_with("HTTP/")) transfer.request_.isInsideHeader = true;
   if (line == "\r\n" || line == "\n") transfer.request_.isInsideHeader = false;
   transfer.request_.headerLength += size * count;
-  if (transfer.request_.headerLength <= kMaxHeaderBytes) return size * count;
-  transfer.request_.failure = LOCALIZED("The header of the server's answer is too long.");
-  return CURL_WRITEFUNC_ERROR;
+  if (transfer.request_.headerLength > kMaxHeaderBytes) {
+    transfer.request_.failure = HeaderTooLongText();
+  } else if (IsBrokenFramingField(line)) {
+    transfer.request_.failure = TransferErrorText(CURLE_WEIRD_SERVER_REPLY, 0);
+  }
+  return transfer.request_.failure.isNull() ? size * count : CURL_WRITEFUNC_ERROR;
 }
 
 std::size_t DownloadTransfer::receiveBody(const char* data, std::size_t size, std::size_t count, void* self) {
@@ -98,12 +105,12 @@ void DownloadTransfer::readHead() {
 
 void DownloadTransfer::readGoodHead() {
   logins_.accepted(url_.path);
-  const std::optional<std::int64_t> length = AnnouncedLength(handle_.get());
-  if (!length) {
-    request_.isDiscarding = true;
-    request_.failure = LOCALIZED("The server announced an impossible length.");
-    return;
+  if (IsFTPFolder(handle_.get())) return refuseBody(LOCALIZED("This is a folder, not a file."));
+  if (HasUnknownTransferCoding(handle_.get())) {
+    return refuseBody(TransferErrorText(CURLE_WEIRD_SERVER_REPLY, 0));
   }
+  const std::optional<std::int64_t> length = AnnouncedLength(handle_.get());
+  if (!length) return refuseBody(LOCALIZED("The server announced an impossible length."));
   request_.announcedLength = *length;
   const std::string mimeType = MIMETypeOfResponse(handle_.get());
   response_ = ResponseReport{id_,
@@ -113,7 +120,14 @@ void DownloadTransfer::readGoodHead() {
                              std::nullopt};
 }
 
+void DownloadTransfer::refuseBody(const QString& why) {
+  request_.isDiscarding = true;
+  request_.failure = why;
+}
+
 QString DownloadTransfer::requestErrorText(CURLcode result) const {
+  // What libcurl has no room for is a line without end.
+  if (result == CURLE_OUT_OF_MEMORY && !request_.hasHead) return HeaderTooLongText();
   long tunnelStatus = 0;  // of a proxy that was to connect us through
   curl_easy_getinfo(handle_.get(), CURLINFO_HTTP_CONNECTCODE, &tunnelStatus);
   if (tunnelStatus >= 300) return HTTPStatusText(tunnelStatus);

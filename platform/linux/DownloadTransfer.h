@@ -85,6 +85,7 @@ class DownloadTransfer {
   std::size_t takeBody(std::string_view bytes);
   void readHead();
   void readGoodHead();
+  void refuseBody(const QString& why);
   [[nodiscard]] long refusalStatus() const;
   [[nodiscard]] QString requestErrorText(CURLcode result) const;
   void handleRefusal(bool isProxy);

@@ -75,6 +75,13 @@ constexpr Phrase kTransferPhrases[] = {
     {CURLE_COULDNT_RESOLVE_HOST, LOCALIZED_CHARS("The server was not found.")},
     {CURLE_COULDNT_CONNECT, LOCALIZED_CHARS("The server cannot be reached.")},
     {CURLE_WEIRD_SERVER_REPLY, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_FTP_WEIRD_PASS_REPLY, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_FTP_WEIRD_PASV_REPLY, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_FTP_WEIRD_227_FORMAT, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_BAD_FUNCTION_ARGUMENT, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_BAD_CONTENT_ENCODING, LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {CURLE_FTP_CANT_GET_HOST, LOCALIZED_CHARS("The server was not found.")},
+    {CURLE_FTP_COULDNT_SET_TYPE, LOCALIZED_CHARS("The server refused to send the file.")},
     {CURLE_REMOTE_ACCESS_DENIED, LOCALIZED_CHARS("The server refused access.")},
     {CURLE_PARTIAL_FILE, LOCALIZED_CHARS("The server sent less than the whole file.")},
     {CURLE_FTP_COULDNT_RETR_FILE, LOCALIZED_CHARS("The server refused to send the file.")},
@@ -82,6 +89,9 @@ constexpr Phrase kTransferPhrases[] = {
     {CURLE_SSL_CONNECT_ERROR, LOCALIZED_CHARS("No secure connection to the server could be made.")},
     {CURLE_TOO_MANY_REDIRECTS, LOCALIZED_CHARS("The server redirected too many times.")},
     {CURLE_GOT_NOTHING, LOCALIZED_CHARS("The server closed the connection without an answer.")},
+    {CURLE_OUT_OF_MEMORY, LOCALIZED_CHARS("There is not enough memory for the transfer.")},
+    {CURLE_HTTP2, LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
+    {CURLE_HTTP2_STREAM, LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
     {CURLE_SEND_ERROR, LOCALIZED_CHARS("The connection to the server broke off.")},
     {CURLE_RECV_ERROR, LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
     {CURLE_PEER_FAILED_VERIFICATION, LOCALIZED_CHARS("The server's certificate is not trusted.")},
@@ -126,7 +136,7 @@ QString TransferErrorText(CURLcode code, long status) {
                          : LOCALIZED("The server's answer cannot be understood.");
   }
   if (const char* phrase = PhraseFor(kTransferPhrases, code)) return QLatin1StringView(phrase);
-  return LOCALIZED("The transfer failed: %1.").arg(QLatin1StringView(curl_easy_strerror(code)));
+  return LOCALIZED("The transfer failed: %1.").arg(QStringLiteral("libcurl %1").arg(int{code}));
 }
 
 QString FileErrorText(int error) {

@@ -214,7 +214,7 @@ TEST_F(DownloadTest, TrustsOnlyCertificatesThatAreGoodForTheHost) {
 
 TEST_F(DownloadTest, FetchesFilesByFTP) {
   const auto fetch = [this](const std::string& size, const std::string& body, const std::string& end,
-                            const std::string& password) {
+                            const std::string& password, const std::string& path = "/d/f.txt") {
     RawServer data(
         [body](RawServer::Connection& connection, const std::string&) {
           connection.send(body);
@@ -228,6 +228,9 @@ TEST_F(DownloadTest, FetchesFilesByFTP) {
                                                   {"EPSV", "229 (|||" + std::to_string(data.port()) + "|)"},
                                                   {"CWD d", "250 ok"},
                                                   {"TYPE I", "200 ok"},
+                                                  {"TYPE A", "200 ok"},
+                                                  {"NLST", "150 here\r\n" + end},
+                                                  {"LIST", "150 here\r\n" + end},
                                                   {"SIZE f.txt", "213 " + size},
                                                   {"RETR f.txt", "150 " + size + " bytes\r\n" + end}};
     RawServer control(
@@ -241,12 +244,16 @@ TEST_F(DownloadTest, FetchesFilesByFTP) {
           return After::close;
         },
         RawServer::Greeting::server);
-    return download("ftp://user:" + password + "@127.0.0.1:" + std::to_string(control.port()) + "/d/f.txt");
+    return download("ftp://user:" + password + "@127.0.0.1:" + std::to_string(control.port()) + path);
   };
   const DownloadRecorder good = fetch("5", "whole", "226 done", "secret");
   EXPECT_EQ(content(good), "whole") << good.error;
   EXPECT_EQ(good.response.expectedContentLength, 5);
   EXPECT_EQ(good.suggested, QStringLiteral("f.txt"));
+  EXPECT_EQ(fetch("5", "whole", "226 done", "secret", "/d/f.txt;type=a").suggested, QStringLiteral("f.txt"));
+  for (const char* folder : {"/d/", "/d;type=d"}) {
+    EXPECT_EQ(fetch("5", "a list", "226 done", "secret", folder).error, "This is a folder, not a file.");
+  }
   EXPECT_EQ(fetch("9", "cut", "226 done", "secret").error, "The server sent less than the whole file.");
   EXPECT_EQ(fetch("5", "whole", "226 done", "wrong").error,
             "The server refused the user name or the password.");

@@ -157,24 +157,40 @@ TEST_F(DownloadTest, AFolderRemovedOrReplacedWhileWritingHurtsNobody) {
   });
   QDir root(directory.path());
   root.mkdir(QStringLiteral("other"));
-  for (const bool isReplaced : {false, true}) {
+  const std::string errors[] = {"The destination folder does not exist.", "",
+                                "The unfinished file was removed or replaced by something else."};
+  QString temporary;
+  enum class Change { folderRemoved, folderReplaced, fileReplaced };
+  for (const Change change : {Change::folderRemoved, Change::folderReplaced, Change::fileReplaced}) {
     root.mkdir(QStringLiteral("in"));
     DownloadRecorder result = recorder();
     result.folder = root.filePath(QStringLiteral("in"));
+    bool isChanged = false;
     result.hook = [&](char call, WebDownload&) {
-      if (call != 'C') return;
-      if (isReplaced) {
+      if (call != 'C' || std::exchange(isChanged, true)) return;
+      QDir in(result.folder);
+      if (change == Change::fileReplaced) {
+        temporary = in.filePath(in.entryList(QDir::Files | QDir::Hidden).value(0));
+        QFile foreign(temporary);
+        EXPECT_TRUE(foreign.remove() && foreign.open(QIODevice::NewOnly));
+      } else if (change == Change::folderReplaced) {
         root.rename(QStringLiteral("in"), QStringLiteral("moved"));
         QFile::link(QStringLiteral("other"), root.filePath(QStringLiteral("in")));
       } else {
-        QDir(result.folder).removeRecursively();
+        in.removeRecursively();
       }
       go.release();
     };
     start(server.url("/f"), result);
     ASSERT_TRUE(RunLoopUntil([&] { return result.isOver(); }));
-    EXPECT_EQ(result.error, isReplaced ? "" : "The destination folder does not exist.");
+    EXPECT_EQ(result.error, errors[static_cast<int>(change)]);
+    if (change == Change::folderReplaced) {
+      EXPECT_EQ(result.path, root.filePath(QStringLiteral("moved/f")));
+      root.remove(QStringLiteral("in"));
+    }
   }
+  EXPECT_TRUE(QFile::exists(temporary)) << "a file of others was taken away";
+  EXPECT_FALSE(root.exists(QStringLiteral("in/f")));
   EXPECT_EQ(QFile(root.filePath(QStringLiteral("moved/f"))).size(), 400'000);
   EXPECT_TRUE(QDir(root.filePath(QStringLiteral("other"))).isEmpty());
 }
