@@ -38,8 +38,8 @@ SettingsUserDefaults::FileState SettingsUserDefaults::currentState() const {
 void SettingsUserDefaults::synchronize() {
   const FileState state = currentState();
   if (!hasPendingChanges_ && seen_ == state) return;
-  // QSettings never forgets a fault, so a file that may have been mended is opened anew.
-  if (hasFailed() && !hasPendingChanges_) open();
+  // One QSettings never forgets a fault, and the next does not find it again in an unchanged file.
+  if (hasFailed() && !hasPendingChanges_ && seen_ && seen_ != state) open();
   settings_->sync();
   // After a write of our own the file is read once more: somebody else may have written meanwhile.
   seen_ = hasPendingChanges_ ? std::nullopt : std::optional(state);
@@ -55,16 +55,20 @@ QVariant SettingsUserDefaults::objectForKey(const QString& key) {
   return settings_->value(key);
 }
 
-void SettingsUserDefaults::setObject(const QString& key, const QVariant& value) {
+bool SettingsUserDefaults::canStore() {
   synchronize();
-  if (hasFailed()) return;
+  static_cast<void>(settings_->allKeys());  // until all is asked for, QSettings has not read it all
+  return !hasFailed();
+}
+
+void SettingsUserDefaults::setObject(const QString& key, const QVariant& value) {
+  if (!canStore()) return;
   settings_->setValue(key, value);
   hasPendingChanges_ = true;
 }
 
 void SettingsUserDefaults::removeObject(const QString& key) {
-  synchronize();
-  if (hasFailed()) return;
+  if (!canStore()) return;
   settings_->remove(key);
   hasPendingChanges_ = true;
 }

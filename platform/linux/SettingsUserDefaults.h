@@ -48,6 +48,7 @@ class SettingsUserDefaults final : public UserDefaults {
   };
   [[nodiscard]] FileState currentState() const;
   void open();
+  [[nodiscard]] bool canStore();
 
   std::optional<QSettings> settings_;
   std::string path_;
