@@ -260,7 +260,7 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   platform::LinuxFileManager files;
   auto error = SettingsCommand(defaults, aliases, files).run(arguments, results);
   if (!error && defaults.hasFailed()) {
-    error = SettingsError{defaults.path() + ": damaged, or cannot be read or written"};
+    error = SettingsError{defaults.fileName().toStdString() + ": damaged, or cannot be read or written"};
   }
   if (error) return Complain(*error, "settings", errors);
   return Finish(kExitSuccess, results, errors);

@@ -48,7 +48,8 @@ void SettingsUserDefaults::synchronize() {
 
 bool SettingsUserDefaults::isStored() const {
   // A QSettings keeps its first failure for good; a new one shares what is pending, and tries to write it.
-  return !wasRefused_ && QSettings(settings_->organizationName(), settings_->applicationName()).status() == QSettings::NoError;
+  return !wasRefused_ && QSettings(settings_->organizationName(), settings_->applicationName()).status() ==
+                             QSettings::NoError;
 }
 
 QVariant SettingsUserDefaults::objectForKey(const QString& key) {
@@ -58,7 +59,8 @@ QVariant SettingsUserDefaults::objectForKey(const QString& key) {
 bool SettingsUserDefaults::canStore() {
   synchronize();
   static_cast<void>(settings_->allKeys());  // until all is asked for, QSettings has not read it all
-  return !hasFailed();
+  wasRefused_ = settings_->status() == QSettings::FormatError;
+  return !wasRefused_;
 }
 
 void SettingsUserDefaults::setObject(const QString& key, const QVariant& value) {

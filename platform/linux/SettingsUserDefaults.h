@@ -54,6 +54,7 @@ class SettingsUserDefaults final : public UserDefaults {
   std::string path_;
   std::optional<FileState> seen_;  // when the file was last read; nothing: read it again
   bool hasPendingChanges_ = false;
+  bool wasRefused_ = false;  // the last change
 };
 
 }  // namespace quillforth::platform
