@@ -63,8 +63,7 @@ void PreferencesWindow::showStorageFailure() {
     ui_->storageFailureIcon->setPixmap(
         style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
     ui_->storageFailureText->setText(
-        tr("The settings could not be saved in %1. They count only until you quit Quillforth.")
-            .arg(QDir::toNativeSeparators(services_.settingsFile)));
+        tr("The change could not be saved in %1.").arg(QDir::toNativeSeparators(services_.settingsFile)));
   }
   ui_->storageFailure->setVisible(hasFailed);
   if (hasFailed) {

@@ -399,10 +399,40 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::CompletionNotice</name>
+    <message>
+        <source>A download failed</source>
+        <translation>Ein Download ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>Files downloaded: %1</source>
+        <translation>Heruntergeladene Dateien: %1</translation>
+    </message>
+    <message>
+        <source>The queue is done</source>
+        <translation>Die Warteschlange ist abgearbeitet</translation>
+    </message>
+    <message>
+        <source>The queue is done, with failures</source>
+        <translation>Die Warteschlange ist mit Fehlern abgearbeitet</translation>
+    </message>
+    <message>
+        <source>Failed downloads: %1</source>
+        <translation>Fehlgeschlagene Downloads: %1</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::DesktopNotification</name>
+    <message>
+        <source>Show</source>
+        <translation>Anzeigen</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::PreferencesWindow</name>
     <message>
-        <source>The settings could not be saved in %1. They count only until you quit Quillforth.</source>
-        <translation>Die Einstellungen konnten nicht in %1 gespeichert werden. Sie gelten nur, bis Sie Quillforth beenden.</translation>
+        <source>The change could not be saved in %1.</source>
+        <translation>Die Änderung konnte nicht in %1 gespeichert werden.</translation>
     </message>
 </context>
 </TS>

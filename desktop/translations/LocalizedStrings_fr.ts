@@ -399,10 +399,40 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::CompletionNotice</name>
+    <message>
+        <source>A download failed</source>
+        <translation>Un téléchargement a échoué</translation>
+    </message>
+    <message>
+        <source>Files downloaded: %1</source>
+        <translation>Fichiers téléchargés&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The queue is done</source>
+        <translation>La file d’attente est terminée</translation>
+    </message>
+    <message>
+        <source>The queue is done, with failures</source>
+        <translation>La file d’attente est terminée, avec des échecs</translation>
+    </message>
+    <message>
+        <source>Failed downloads: %1</source>
+        <translation>Téléchargements échoués&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::DesktopNotification</name>
+    <message>
+        <source>Show</source>
+        <translation>Afficher</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::PreferencesWindow</name>
     <message>
-        <source>The settings could not be saved in %1. They count only until you quit Quillforth.</source>
-        <translation>Les préférences n’ont pas pu être enregistrées dans %1. Elles ne valent que jusqu’à la fermeture de Quillforth.</translation>
+        <source>The change could not be saved in %1.</source>
+        <translation>La modification n’a pas pu être enregistrée dans %1.</translation>
     </message>
 </context>
 </TS>

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/sound/PlaySound.h"
+
+#include <QAudioDevice>
+#include <QAudioFormat>
+#include <QAudioSink>
+#include <QBuffer>
+#include <QEventLoop>
+#include <QMediaDevices>
+#include <QTimer>
+
+namespace {
+
+constexpr int kSlackMilliseconds = 2000;
+
+QAudioFormat FormatOf(const quillforth::platform::Sound& sound) {
+  QAudioFormat format;
+  format.setSampleRate(sound.sampleRate);
+  format.setChannelCount(sound.channels);
+  format.setSampleFormat(QAudioFormat::Int16);
+  return format;
+}
+
+}  // namespace
+
+extern "C" Q_DECL_EXPORT void QuillforthPlaySound(const quillforth::platform::Sound& sound) {
+  const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+  const QAudioFormat format = FormatOf(sound);
+  if (device.isNull() || !format.isValid() || !device.isFormatSupported(format)) return;
+  QBuffer samples;
+  samples.setData(reinterpret_cast<const char*>(sound.samples.data()),
+                  static_cast<int>(sound.samples.size() * sizeof sound.samples[0]));
+  samples.open(QIODevice::ReadOnly);
+
+  QEventLoop loop;
+  QAudioSink sink(device, format);
+  QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop](QAudio::State state) {
+    if (state == QAudio::IdleState || state == QAudio::StoppedState) loop.quit();
+  });
+  const auto length = static_cast<int>(format.durationForBytes(static_cast<qint32>(samples.size())) / 1000);
+  QTimer::singleShot(length + kSlackMilliseconds, &loop, &QEventLoop::quit);
+  sink.start(&samples);
+  if (sink.state() == QAudio::ActiveState) loop.exec();
+}
