@@ -21,7 +21,7 @@ QString ModulePath() {
       QCoreApplication::applicationDirPath() + QStringLiteral("/" QUILLFORTH_MODULES_FROM_PROGRAM),
       QStringLiteral(QUILLFORTH_BUILT_MODULES)};
   for (const QString& folder : folders) {
-    const QString path = folder + QStringLiteral("/libquillforth_sound.so");
+    QString path = folder + QStringLiteral("/libquillforth_sound.so");
     if (QFileInfo(path).isFile()) return path;
   }
   return {};
