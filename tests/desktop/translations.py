@@ -8,28 +8,23 @@ import sys
 import xml.etree.ElementTree as xml
 from pathlib import Path
 
-failures = []
-
 
 def mnemonics(text):
     return re.findall("&(.)", text.replace("&&", "").lower())
 
 
 def shape(text):
-    blanks = len(text) - len(text.lstrip()), len(text) - len(text.rstrip())
-    return re.findall(r"%(?:[d@sn]|\d+)", text), blanks, len(mnemonics(text))
+    return re.findall(r"%(?:[d@sn]|\d+)|^\s+|\s+$", text), len(mnemonics(text))
 
 
 def read_catalogue(path):
-    texts = {}
     for context in xml.parse(path).iter("context"):
         for message in context.iter("message"):
             source, translation = message.findtext("source"), message.find("translation")
             for form in translation.findall("numerusform") or [translation]:
                 if translation.get("type") or not form.text or shape(form.text) != shape(source):
                     failures.append(f"{path.name}: {source!r} became {form.text!r}")
-            texts[context.findtext("name"), source] = translation.text
-    return texts
+            yield (context.findtext("name"), source), translation.text
 
 
 def check_mnemonics(ui, texts):
@@ -48,9 +43,9 @@ def check_mnemonics(ui, texts):
     failures.extend(f"{ui.name}: {group}" for group in groups if len(group) != len(set(group)))
 
 
-folder = Path(sys.argv[1])
-catalogues = [read_catalogue(path) for path in folder.glob("translations/*.ts")]
-for ui in folder.glob("*.ui"):
-    for texts in [{}, *catalogues]:
-        check_mnemonics(ui, texts)
+failures = []
+catalogues = [dict(read_catalogue(path)) for path in Path(sys.argv[1]).glob("translations/*.ts")]
+for window in Path(sys.argv[1]).glob("*.ui"):
+    for catalogue in [{}, *catalogues]:
+        check_mnemonics(window, catalogue)
 sys.exit("\n".join(failures) or len(catalogues) < 2)
