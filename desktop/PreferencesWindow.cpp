@@ -41,35 +41,30 @@ void PreferencesWindow::reload() {
   ui_->destinationField->setText(path);
   ui_->destinationField->setToolTip(path);
   ui_->destinationField->setCursorPosition(0);
+  showStorage(services_.isStored());
 }
 
 void PreferencesWindow::store(const app::BooleanPreference& preference, bool value) {
   services_.userDefaults.setObject(preference.key, value);
   services_.userDefaults.synchronize();
-  showStorageFailure();
   reload();
 }
 
 void PreferencesWindow::chooseDestination() {
   services_.chooseDestination();
-  showStorageFailure();
   reload();
 }
 
-void PreferencesWindow::showStorageFailure() {
-  const bool hasFailed = !services_.isStored();
-  if (hasFailed) {
-    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    ui_->storageFailureIcon->setPixmap(
-        style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
-    ui_->storageFailureText->setText(
-        tr("The change could not be saved in %1.").arg(QDir::toNativeSeparators(services_.settingsFile)));
-  }
-  ui_->storageFailure->setVisible(hasFailed);
-  if (hasFailed) {
-    QAccessibleEvent alert(ui_->storageFailureText, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
-  }
+void PreferencesWindow::showStorage(bool isStored) {
+  if (ui_->storageFailure->isHidden() == isStored) return;
+  ui_->storageFailure->setVisible(!isStored);
+  if (isStored) return;
+  const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  ui_->storageFailureIcon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
+  ui_->storageFailureText->setText(
+      tr("The change could not be saved in %1.").arg(QDir::toNativeSeparators(services_.settingsFile)));
+  QAccessibleEvent alert(ui_->storageFailureText, QAccessible::Alert);
+  QAccessible::updateAccessibility(&alert);
 }
 
 void PreferencesWindow::showEvent(QShowEvent* event) {

@@ -27,7 +27,7 @@ struct PreferencesServices {
   QString settingsFile;                      ///< absolute path; watched for changes
   std::function<bool()> isStored;            ///< whether all that was set is on the disk
   std::function<QString()> destinationPath;  ///< the stored folder; empty when there is none
-  std::function<void()> chooseDestination;   ///< lets the user pick a folder, and stores it
+  std::function<void()> chooseDestination;   ///< lets the user pick a folder; may return before
 };
 
 class PreferencesWindow final : public QDialog {
@@ -47,7 +47,7 @@ class PreferencesWindow final : public QDialog {
  private:
   void store(const app::BooleanPreference& preference, bool value);
   void chooseDestination();
-  void showStorageFailure();
+  void showStorage(bool isStored);
 
   PreferencesServices services_;
   std::unique_ptr<Ui::PreferencesWindow> ui_;

@@ -323,7 +323,7 @@
     </message>
     <message>
         <source>C&amp;hoose…</source>
-        <translation>Aus&amp;wählen …</translation>
+        <translation>Aus&amp;wählen&#xa0;…</translation>
     </message>
     <message>
         <source>Asks where to put the files whenever a download is started by hand. Without an answer the folder stays the same.</source>
