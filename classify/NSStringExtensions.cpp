@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+
+#include "classify/NSStringExtensions.h"
+
+#include <QStringDecoder>
+#include <QStringEncoder>
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quillforth::classify {
+
+namespace {
+
+std::optional<QString> DecodeUTF8(QByteArrayView bytes) {
+  QStringDecoder decoder(QStringConverter::Utf8,
+                         QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
+  QString text = decoder(bytes);
+  if (decoder.hasError()) return std::nullopt;
+  return text.isNull() ? QStringLiteral("") : text;
+}
+
+bool Exists(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
+// Simple case folding keeps every character within its one or two units, so that positions in the folded text
+// are those in the text.
+std::u16string Folded(QStringView text) {
+  std::u16string folded;
+  folded.reserve(static_cast<std::size_t>(text.size()));
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    if (i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate()) {
+      const char32_t character = QChar::toCaseFolded(QChar::surrogateToUcs4(text[i], text[i + 1]));
+      folded += {QChar::highSurrogate(character), QChar::lowSurrogate(character)};
+      ++i;
+    } else {
+      folded += text[i].toCaseFolded().unicode();
+    }
+  }
+  return folded;
+}
+
+// For each beginning of the pattern, the length of the longest shorter beginning that it ends with.
+std::vector<std::size_t> Borders(std::u16string_view pattern) {
+  std::vector<std::size_t> borders(pattern.size(), 0);
+  for (std::size_t i = 1, matched = 0; i < pattern.size(); ++i) {
+    while (matched > 0 && pattern[i] != pattern[matched]) matched = borders[matched - 1];
+    if (pattern[i] == pattern[matched]) ++matched;
+    borders[i] = matched;
+  }
+  return borders;
+}
+
+constexpr std::size_t kNotFound = std::u16string_view::npos;
+
+// The first position at or after `from`. Unlike the library's search it never steps back in the text (the
+// algorithm of Knuth, Morris and Pratt).
+std::size_t Find(std::u16string_view text, std::u16string_view pattern, std::size_t from = 0) {
+  if (pattern.empty()) return kNotFound;
+  const std::vector<std::size_t> borders = Borders(pattern);
+  for (std::size_t i = from, matched = 0; i < text.size(); ++i) {
+    while (matched > 0 && text[i] != pattern[matched]) matched = borders[matched - 1];
+    if (text[i] == pattern[matched]) ++matched;
+    if (matched == pattern.size()) return i + 1 - matched;
+  }
+  return kNotFound;
+}
+
+std::size_t FindLast(std::u16string_view text, std::u16string_view pattern) {
+  const std::size_t found =
+      Find(std::u16string(text.rbegin(), text.rend()), std::u16string(pattern.rbegin(), pattern.rend()));
+  return found == kNotFound ? kNotFound : text.size() - found - pattern.size();
+}
+
+QString Between(QStringView text, std::size_t begin, std::size_t end) {
+  return QString(text.data() + begin, static_cast<qsizetype>(end - begin));
+}
+
+}  // namespace
+
+std::optional<QString> stringWithUTF8String(QByteArrayView bytes) {
+  const qsizetype nul = std::find(bytes.begin(), bytes.end(), '\0') - bytes.begin();
+  return DecodeUTF8(bytes.first(nul));
+}
+
+std::optional<QString> stringWithFSRef(const platform::FileReference* reference) {
+  if (reference == nullptr || reference->isEmpty() || !Exists(reference->path())) return std::nullopt;
+  return DecodeUTF8(reference->path());
+}
+
+bool getFSRef(const QString& path, platform::FileReference* reference) {
+  QStringEncoder encoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+  std::string bytes = QByteArray(encoder(path)).toStdString();
+  if (encoder.hasError() || !bytes.starts_with('/') || bytes.find('\0') != std::string::npos) return false;
+  while (bytes.size() > 1 && bytes.ends_with('/')) bytes.pop_back();
+  if (!Exists(bytes)) return false;
+  *reference = platform::FileReference(std::move(bytes));
+  return true;
+}
+
+std::optional<QString> extractBetweenPatternAndPattern(QStringView text, QStringView start, QStringView end) {
+  const std::u16string folded = Folded(text);
+  const std::size_t startMatch = Find(folded, Folded(start));
+  if (startMatch == kNotFound) return std::nullopt;
+  const std::size_t inner = startMatch + static_cast<std::size_t>(start.size());
+  const std::size_t endMatch = Find(folded, Folded(end), inner);
+  if (endMatch == kNotFound) return std::nullopt;
+  return Between(text, inner, endMatch);
+}
+
+std::optional<QString> reverseExtractBetweenPatternAndPattern(QStringView text, QStringView start,
+                                                              QStringView end) {
+  const std::u16string folded = Folded(text);
+  const std::size_t endMatch = Find(folded, Folded(end));
+  if (endMatch == kNotFound) return std::nullopt;
+  const std::size_t startMatch = FindLast(std::u16string_view(folded).substr(0, endMatch), Folded(start));
+  if (startMatch == kNotFound) return std::nullopt;
+  return Between(text, startMatch + static_cast<std::size_t>(start.size()), endMatch);
+}
+
+}  // namespace quillforth::classify
