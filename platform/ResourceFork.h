@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+//
+// A file's resource fork, for reading: bytes by type and index.
+//
+// Forks come from strangers. Whoever answers here has checked every length and offset before the bytes are
+// handed out. Main thread.
+#pragma once
+
+#include <QByteArray>
+#include <cstddef>
+#include <memory>
+#include <optional>
+
+#include "common/FourCharCode.h"
+#include "platform/FileReference.h"
+
+namespace quillforth::platform {
+
+/// The type of a resource that holds the URL that a file stands for.
+inline constexpr common::FourCharCode kURLResourceType = common::FourCC("url ");
+
+class ResourceFork {
+ public:
+  virtual ~ResourceFork() = default;
+  [[nodiscard]] virtual std::size_t countResources(common::FourCharCode type) const = 0;
+  /// The bytes of the resource, of as many as were counted; `index` begins with 1. Nothing for another index,
+  /// and for a resource that does not lie within the fork. They are the fork's own, and end with it.
+  [[nodiscard]] virtual std::optional<QByteArrayView> resource(common::FourCharCode type,
+                                                               std::size_t index) const = 0;
+};
+
+class ResourceManager {
+ public:
+  virtual ~ResourceManager() = default;
+  /// Null when the file cannot be read or has no fork. Never waits for another program, and never opens
+  /// anything but regular files.
+  [[nodiscard]] virtual std::unique_ptr<ResourceFork> openResourceFork(const FileReference& file) = 0;
+};
+
+}  // namespace quillforth::platform
