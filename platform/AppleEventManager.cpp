@@ -31,6 +31,10 @@ void AppleEventDispatcher::installHandler(common::FourCharCode eventClass, commo
   handlers_[{eventClass, eventID}] = std::move(handler);
 }
 
+void AppleEventDispatcher::removeHandler(common::FourCharCode eventClass, common::FourCharCode eventID) {
+  handlers_.erase({eventClass, eventID});
+}
+
 common::Status AppleEventDispatcher::dispatch(const AppleEvent& event, AppleEvent& reply) const {
   const auto found = handlers_.find({event.eventClass(), event.eventID()});
   return found == handlers_.end() ? common::kAEEventNotHandled : found->second(event, reply);

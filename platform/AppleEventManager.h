@@ -65,6 +65,8 @@ class AppleEventDispatcher {
 
   /// Replaces an earlier handler for the same events.
   void installHandler(common::FourCharCode eventClass, common::FourCharCode eventID, Handler handler);
+  /// Nothing happens where there is none. Not for the handler that runs.
+  void removeHandler(common::FourCharCode eventClass, common::FourCharCode eventID);
   /// -1708 when no handler takes such events.
   [[nodiscard]] common::Status dispatch(const AppleEvent& event, AppleEvent& reply) const;
 

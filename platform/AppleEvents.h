@@ -32,6 +32,9 @@ inline constexpr common::FourCharCode kType =
     common::FourCC("type");  ///< the data are a type's or class's code
 inline constexpr common::FourCharCode kEnumerated = common::FourCC("enum");
 inline constexpr common::FourCharCode kApplicationSignature = common::FourCC("sign");
+inline constexpr common::FourCharCode kFileURL = common::FourCC("furl");  ///< UTF-8, %-escapes
+/// 80 bytes, of meaning only to the table that made them (FSRefTable.h).
+inline constexpr common::FourCharCode kFSRef = common::FourCC("fsrf");
 inline constexpr common::FourCharCode kList = common::FourCC("list");
 inline constexpr common::FourCharCode kRecord = common::FourCC("reco");
 inline constexpr common::FourCharCode kObjectSpecifier = common::FourCC("obj ");

@@ -10,6 +10,8 @@
 
 #include "platform/AppleEventBytes.h"
 #include "platform/AppleEventManager.h"
+#include "platform/FSRefTable.h"
+#include "platform/FileURL.h"
 
 namespace quillforth::platform {
 namespace {
@@ -69,6 +71,23 @@ TEST(AppleEvents, ACoercionGivesTheSameValueOrIsRefused) {
     EXPECT_EQ(result.status, expected ? common::kNoError : Status{-1700}) << from.data().toStdString();
     EXPECT_EQ(result.descriptor, expected.value_or(AEDescriptor())) << from.data().toStdString();
   }
+}
+
+TEST(AppleEvents, AFileReferenceMeansAFileOnlyAsItWasMadeAndNotForEver) {
+  FSRefTable table;
+  const FileReference file("/a %\xFF");
+  const DescriptorResult coerced = table.coerce({type::kFileURL, FileURL(file)});
+  const QByteArray made = coerced.descriptor.data();
+  EXPECT_EQ(made.size(), 80);
+  EXPECT_EQ(table.fileOf(made), file);
+  EXPECT_EQ(table.coerce(coerced.descriptor).descriptor, coerced.descriptor);
+  EXPECT_EQ(table.coerce(Text("/a")).status, -1700);
+  const QByteArray forged = made.first(79) + static_cast<char>(~made[79]);
+  const QByteArray younger = QByteArray(7, '\0') + '\1' + made.sliced(8);
+  for (const QByteArray& bytes : {forged, younger, made.first(79), made + '\0', QByteArray()})
+    EXPECT_FALSE(table.fileOf(bytes)) << bytes.toHex().toStdString();
+  for (int i = 0; i < 1024; ++i) EXPECT_TRUE(table.fileOf(table.makeReference(file)));
+  EXPECT_FALSE(table.fileOf(made));
 }
 
 QByteArray Flat(const AEDescriptor& descriptor) {
