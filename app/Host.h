@@ -21,8 +21,11 @@
 #include "platform/WebDownload.h"
 
 namespace quillforth::platform {
+class AppleEventDispatcher;
+class FSRefTable;
 class HTTPReadStreamFactory;
 class MainBundle;
+class ResourceManager;
 }  // namespace quillforth::platform
 
 namespace quillforth::app {
@@ -51,6 +54,13 @@ class DriverObserver {
   virtual void downloadFileRefusedURL(const QString& text) = 0;
 };
 
+/// How Apple events come in, and what their handlers need.
+struct EventIntake {
+  platform::AppleEventDispatcher& dispatcher;
+  platform::FSRefTable& references;
+  platform::ResourceManager& resources;
+};
+
 /// All outlive the controller.
 struct Host {
   Application& application;
@@ -70,6 +80,7 @@ struct Host {
   FolderAggregation* aggregation = nullptr;       ///< null: folders are never sorted
   FileComments* fileComments = nullptr;           ///< null: files get no comment
   DriverObserver* observer = nullptr;             ///< null: nobody listens
+  const EventIntake* events = nullptr;            ///< null: no events come in
 };
 
 }  // namespace quillforth::app

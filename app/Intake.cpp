@@ -21,6 +21,15 @@ QString StringFromUTF8(std::string_view text) {
 
 }  // namespace
 
+void MyAppController::takeURL(const QString& url, bool promptForDestination) {
+  showStatusAndActivate();
+  if (isWebPageURL(url)) {
+    extractLinks(url);
+  } else {
+    startURL(url, promptForDestination);
+  }
+}
+
 void MyAppController::extractLinks(const QString& pageURL) {
   queueLinksOfPage(pageURL);
   takeNextURL(true);  // also when the page gave nothing, for those that waited before

@@ -15,6 +15,7 @@ MyAppController::MyAppController(const Outlets& outlets, const Host& host)
 
 // Downloads call their delegate to their end, and this was it.
 MyAppController::~MyAppController() {
+  removeEventHandlers();
   for (const std::weak_ptr<platform::WebDownload>& started : startedDownloads_) {
     if (const std::shared_ptr<platform::WebDownload> download = started.lock()) download->cancel();
   }
@@ -34,7 +35,10 @@ void MyAppController::awakeFromNib() {
 
 void MyAppController::applicationWillFinishLaunching() {
   outlets_.statusWindow.makeKeyAndOrderFront();
+  registerMyApp();
   classify::loadExtensionMappings(host_.internetConfig, host_.mainBundle, extensionMap_);
+  host_.application.setServicesProvider(*this);
+  host_.application.updateDynamicServices();
 }
 
 void MyAppController::applicationWillBecomeActive() {

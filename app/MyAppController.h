@@ -16,13 +16,20 @@
 #include "app/Host.h"
 #include "app/Outlets.h"
 #include "app/Preferences.h"
+#include "app/Services.h"
 #include "app/UrlQueue.h"
 #include "classify/ExtensionMap.h"
 #include "platform/Sound.h"
 
+namespace quillforth::platform {
+class AppleEvent;
+}  // namespace quillforth::platform
+
 namespace quillforth::app {
 
-class MyAppController final : public platform::WebDownloadDelegate, public TableViewDataSource {
+class MyAppController final : public platform::WebDownloadDelegate,
+                              public TableViewDataSource,
+                              public ServicesProvider {
  public:
   MyAppController(const Outlets& outlets, const Host& host);
   ~MyAppController() override;
@@ -86,6 +93,18 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   /// Page or file; may ask the server, up to ten seconds of silence.
   [[nodiscard]] bool isWebPageURL(const QString& url);
 
+  // URLs from other programs (AppleEventIntake.cpp).
+  /// Installs the handlers of the two events; they are removed when the controller goes.
+  void registerMyApp();
+  /// Takes the URL in the 'url ' resource of each file of a list, as a page or a file. Ignores `reply`.
+  void openWithReplyEvent(const platform::AppleEvent& event, platform::AppleEvent& reply);
+  /// `handleGetURL` with the text of the direct object. Ignores `reply`.
+  void getUrlWithReplyEvent(const platform::AppleEvent& event, platform::AppleEvent& reply);
+  /// Takes the host of the URL as a page or a file. Only the host travels on; that is kept.
+  void handleGetURL(const QString& urlString);
+  void downloadURLUserDataError(const Pasteboard& pasteboard, const QString& userData,
+                                QString* error) override;
+
   // Destination folder (Destination.cpp).
   void selectDestinationDirectory();
   void openDestinationDirectory();
@@ -104,6 +123,9 @@ class MyAppController final : public platform::WebDownloadDelegate, public Table
   /// Starts the head of the queue, if there is one.
   void takeNextURL(bool promptForDestination);
   void queueDidChange();
+  /// Activates, and takes the URL as a page or a file.
+  void takeURL(const QString& url, bool promptForDestination);
+  void removeEventHandlers();
   /// Appends the page's links, and shows nothing of it yet. Silent on every failure.
   void queueLinksOfPage(const QString& pageURL);
   /// Sorts the destination folder, deciding it first if it never was; nothing without a folder.

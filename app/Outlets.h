@@ -19,6 +19,8 @@
 
 namespace quillforth::app {
 
+class ServicesProvider;
+
 class TextField {
  public:
   virtual ~TextField() = default;
@@ -120,6 +122,11 @@ class Application {
   [[nodiscard]] virtual ChosenFolder runChooseFolderDialog(const FolderPanel& panel) = 0;
   /// Shows a folder in the user's file manager.
   virtual void openFile(const QString& path) = 0;
+  // A front end without a Services menu keeps these two.
+  /// `provider` does from now on what the menu's entries ask for. It may go once the event loop has ended.
+  virtual void setServicesProvider(ServicesProvider& /*provider*/) {}
+  /// Lets the desktop read anew which entries there are.
+  virtual void updateDynamicServices() {}
 };
 
 /// The controller's outlets, by name. All are set.

@@ -9,11 +9,22 @@
 #include <QJsonDocument>
 
 #include "app/MyAppController.h"
+#include "platform/AppleEventManager.h"
+#include "platform/FSRefTable.h"
 #include "tests/support/CaseTable.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/ForkBytes.h"
 
 namespace quillforth::tests {
 namespace {
+
+using platform::AEDescriptor;
+
+struct OneString final : app::Pasteboard {
+  QString stringForType(const char* wanted) const override { return wanted == type ? string : QString(); }
+  std::string type;
+  QString string;
+};
 
 QString Q(const std::string& text) {
   return text.empty() ? QString() : QString::fromStdString(text);
@@ -85,14 +96,37 @@ class Stage {
     const auto* window = controller_->downloadWindowForAuthenticationSheet(latest());
     log_.add(window == &outlets_.statusWindow ? "asks on the status window" : "asks elsewhere");
   }
+  [[nodiscard]] AEDescriptor descriptor() const {
+    return {qFromBigEndian<common::FourCharCode>(a_.c_str()), QByteArray::fromStdString(b_)};
+  }
+  void send(const char (&eventClass)[5], const char (&eventID)[5], std::optional<AEDescriptor> object = {}) {
+    platform::AppleEvent event(common::FourCC(eventClass), common::FourCC(eventID), {}), reply;
+    if (object) event.setParameter(platform::event_keyword::kDirectObject, *object);
+    if (dispatcher_.dispatch(event, reply) != 0) log_.add("not handled");
+  }
+  void addFork(const char* type) {
+    host_.services.forks[a_] = ForkBytes(type, {QByteArray::fromStdString(b_), "http://second"});
+  }
+  void service() {
+    QString error = QStringLiteral("error");
+    OneString pasteboard;
+    pasteboard.type = a_;
+    pasteboard.string = Q(b_);
+    controller_->downloadURLUserDataError(pasteboard, {}, &error);
+    if (!error.isNull()) log_.add("error");
+  }
   void set(const QVariant& value) { host_.defaults.set(a_.c_str(), value); }
 
   std::string a_, b_;
   CallLog log_;
   FakeHost host_{log_};
   RecordedOutlets outlets_{log_};
+  platform::AppleEventDispatcher dispatcher_;
+  platform::FSRefTable references_;
+  const app::EventIntake events_{dispatcher_, references_, host_.services};
+  AEDescriptor list_{platform::descriptor_type::kList, {}};
   std::unique_ptr<app::MyAppController> controller_ =
-      std::make_unique<app::MyAppController>(outlets_.outlets(), host_.host());
+      std::make_unique<app::MyAppController>(outlets_.outlets(), host_.host(&events_));
   const std::map<std::string, std::function<void()>> verbs_ = {
       // What there is.
       {"set", [this] { set(QJsonDocument::fromJson(("[" + b_ + "]").c_str()).array()[0].toVariant()); }},
@@ -110,6 +144,19 @@ class Stage {
       {"sayYes", [this] { host_.application.alertAnswer = app::AlertResult::defaultButton; }},
       {"sheetCode", [this] { outlets_.statusWindow.sheetReturnCode = std::stoi(a_); }},
       {"touch", [this] { static_cast<void>(QFile(QDir::home().filePath(Q(a_))).open(QFile::WriteOnly)); }},
+      {"fork", [this] { addFork("url "); }},
+      {"otherFork", [this] { addFork("STR "); }},
+      // What other programs send.
+      {"item", [this] { list_.append(descriptor()); }},
+      {"openItems",
+       [this] {
+         send("aevt", "odoc", std::exchange(list_, {list_.type(), {}}));
+       }},
+      {"open", [this] { send("aevt", "odoc", descriptor()); }},
+      {"openNothing", [this] { send("aevt", "odoc"); }},
+      {"getURL", [this] { send("GURL", "GURL", descriptor()); }},
+      {"getNothing", [this] { send("GURL", "GURL"); }},
+      {"service", [this] { service(); }},
       // What the user and the system do.
       {"awake", [this] { controller_->awakeFromNib(); }},
       {"launch", [this] { controller_->applicationWillFinishLaunching(); }},

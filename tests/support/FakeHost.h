@@ -10,6 +10,7 @@
 #include "app/Host.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/MainBundle.h"
+#include "platform/ResourceMap.h"
 #include "tests/support/Recorder.h"
 
 namespace quillforth::tests {
@@ -104,6 +105,7 @@ class FakeServices final : public platform::NetworkDiagnostics,
                            public platform::MainBundle,
                            public platform::SoundLoader,
                            public platform::SystemLog,
+                           public platform::ResourceManager,
                            public app::FolderAggregation,
                            public app::FileComments,
                            public app::DriverObserver,
@@ -115,6 +117,7 @@ class FakeServices final : public platform::NetworkDiagnostics,
   std::map<std::string, std::string> moved;  ///< folders that are somewhere else now; "": nowhere
   std::optional<QString> soundPath;
   std::vector<platform::ICMapEntry> mappings;
+  std::map<std::string, QByteArray> forks;  ///< by path
 
   platform::NetworkStatus copyNetworkStatusPassively() override { return network; }
   void diagnoseProblemInteractively() override { note("diagnose"); }
@@ -156,6 +159,9 @@ class FakeServices final : public platform::NetworkDiagnostics,
     return std::make_unique<platform::Sound>();
   }
   void log(const QString& message) override { note("log ", message); }
+  std::unique_ptr<platform::ResourceFork> openResourceFork(const platform::FileReference& file) override {
+    return platform::ResourceMap::read(forks[file.path()]);
+  }
   void aggregateFolder(const QString& path) override { note("aggregate ", path); }
   void setComment(const QString& path, const QString& comment) override {
     note("comment ", QStringList{path, comment});
@@ -175,12 +181,12 @@ struct FakeHost {
   std::uint32_t seconds = 1000;
   int translations = 0;  ///< how often the strings table was asked
 
-  [[nodiscard]] app::Host host() {
+  [[nodiscard]] app::Host host(const app::EventIntake* events = nullptr) {
     const auto localizedText = [this](const QString& key) { return ++translations, key; };
     const auto currentSeconds = [this] { return seconds; };
-    return {application,   defaults,       downloads, services,  services, services,
-            services,      services,       files,     services,  services, services,
-            localizedText, currentSeconds, &services, &services, &services};
+    return {application,   defaults,       downloads, services,  services,  services,
+            services,      services,       files,     services,  services,  services,
+            localizedText, currentSeconds, &services, &services, &services, events};
   }
 };
 

@@ -131,6 +131,8 @@ class RecordingApplication final : public app::Application, private Recording {
     return dialogAnswer;
   }
   void openFile(const QString& path) override { note(".open ", path); }
+  void setServicesProvider(app::ServicesProvider& /*provider*/) override { note(".servicesProvider"); }
+  void updateDynamicServices() override { note(".updateServices"); }
 };
 
 /// All outlets of one controller.
