@@ -13,8 +13,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # lupdate knows its own words only, so it reads a copy in which LOCALIZED is one of them.
-git ls-files --cached --others --exclude-standard -- app platform desktop |
-  grep -E '^(app|platform|desktop)/.*\.(cpp|h|ui)$' | grep -v '^platform/LocalizedStrings.h$' |
+find app platform desktop \( -name '*.cpp' -o -name '*.h' -o -name '*.ui' \) -not -name LocalizedStrings.h | sort |
   while IFS= read -r file; do
     mkdir -p "$work/$(dirname "$file")"
     sed -E 's/\bLOCALIZED(_CHARS)?\(/QT_TRANSLATE_NOOP("LocalizedStrings", /g' "$file" >"$work/$file"
