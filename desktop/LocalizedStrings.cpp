@@ -47,7 +47,7 @@ LocalizedStrings::LocalizedStrings(const QLocale& locale) {
 
 QString LocalizedStrings::localizedText(const QString& key) const {
   if (program_.isEmpty()) return key;
-  const QString translation = Translation(key);
+  QString translation = Translation(key);
   if (translation != key) return translation;
   for (const char* source : kDetailedErrors) {
     const QString format = QString::fromLatin1(source);

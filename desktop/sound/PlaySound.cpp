@@ -39,7 +39,9 @@ extern "C" Q_DECL_EXPORT void QuillforthPlaySound(const quillforth::platform::So
     if (state == QAudio::IdleState || state == QAudio::StoppedState) loop.quit();
   });
   const auto length = static_cast<int>(format.durationForBytes(static_cast<qint32>(samples.size())) / 1000);
-  QTimer::singleShot(length + kSlackMilliseconds, &loop, &QEventLoop::quit);
+  QTimer limit;
+  QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+  limit.start(length + kSlackMilliseconds);
   sink.start(&samples);
   if (sink.state() == QAudio::ActiveState) loop.exec();
 }
