@@ -274,6 +274,14 @@
         <source>The unfinished file was removed or replaced by something else.</source>
         <translation>Die unfertige Datei wurde entfernt oder durch etwas anderes ersetzt.</translation>
     </message>
+    <message>
+        <source>There is no destination folder for the file.</source>
+        <translation>Für die Datei gibt es keinen Zielordner.</translation>
+    </message>
+    <message>
+        <source>Only http, https and ftp URLs can be downloaded.</source>
+        <translation>Nur URLs mit http, https oder ftp können heruntergeladen werden.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>

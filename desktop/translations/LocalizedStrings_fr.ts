@@ -274,6 +274,14 @@
         <source>The unfinished file was removed or replaced by something else.</source>
         <translation>Le fichier inachevé a été supprimé ou remplacé par autre chose.</translation>
     </message>
+    <message>
+        <source>There is no destination folder for the file.</source>
+        <translation>Il n’y a pas de dossier de destination pour le fichier.</translation>
+    </message>
+    <message>
+        <source>Only http, https and ftp URLs can be downloaded.</source>
+        <translation>Seules les URL http, https et ftp peuvent être téléchargées.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>

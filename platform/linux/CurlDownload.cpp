@@ -63,7 +63,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   isDeciding_ = false;
   if (service_ == nullptr) return;
   if (!destination_) {
-    service_->fail(id_, QStringLiteral("There is no destination folder for the file."));
+    service_->fail(id_, LOCALIZED("There is no destination folder for the file."));
     return;
   }
   // The root keeps its only character.

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/LocalizedStrings.h"
 #include "platform/linux/CurlDownload.h"
 #include "platform/linux/FinishFile.h"
 #include "platform/linux/TransferText.h"
@@ -37,7 +38,7 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
   if (CanBeFetched(url)) {
     thread_.post(StartCommand{id, url.absoluteString().toStdString()});
   } else {
-    fail(id, QStringLiteral("Only http, https and ftp URLs can be downloaded."));
+    fail(id, LOCALIZED("Only http, https and ftp URLs can be downloaded."));
   }
   return download;
 }
