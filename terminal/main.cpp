@@ -14,33 +14,26 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
-#include "app/Aggregation.h"
-#include "app/FinderFileComments.h"
 #include "classify/InternetConfig.h"
-#include "platform/linux/CurlDownloadService.h"
+#include "host/LinuxHost.h"
 #include "platform/linux/CurlPageLoader.h"
 #include "platform/linux/CurlReadStream.h"
 #include "platform/linux/CurlSupport.h"
+#include "platform/linux/Interruption.h"
 #include "platform/linux/LinuxAliasManager.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxFinder.h"
 #include "platform/linux/LinuxFolder.h"
 #include "platform/linux/LinuxMainBundle.h"
-#include "platform/linux/LinuxNetworkDiagnostics.h"
-#include "platform/linux/LinuxOriginURLWriter.h"
 #include "platform/linux/SettingsUserDefaults.h"
 #include "platform/linux/SharedMimeInfo.h"
-#include "platform/linux/SndfileSoundLoader.h"
-#include "platform/linux/SyslogSystemLog.h"
 #include "terminal/Aggregate.h"
 #include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Comment.h"
 #include "terminal/Folders.h"
 #include "terminal/Get.h"
-#include "terminal/Interruption.h"
 #include "terminal/Links.h"
 #include "terminal/Output.h"
 #include "terminal/ProgressDisplay.h"
@@ -143,51 +136,9 @@ std::optional<SettingsError> TakeOptions(const GetArguments& arguments, GetOptio
   return std::nullopt;
 }
 
-// All that the controller stands on.
-struct LinuxServices {
-  [[nodiscard]] app::Host host(app::Application& application) {
-    return {.application = application,
-            .userDefaults = defaults,
-            .downloads = downloads,
-            .pageLoader = pages,
-            .network = network,
-            .readStreams = streams,
-            .internetConfig = types,
-            .aliases = aliases,
-            .files = files,
-            .mainBundle = bundle,
-            .sounds = sounds,
-            .log = log,
-            .localizedText = [](const QString& key) { return key; },
-            .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
-            .aggregation = &aggregation,
-            .fileComments = &fileComments};
-  }
-
-  platform::CurlGlobal curl;
-  platform::TransferSettings transfers{.caCertificateFile = {}, .interrupted = &Interruption::flag()};
-  platform::SettingsUserDefaults defaults;
-  platform::CurlDownloadService downloads{transfers};
-  platform::CurlPageLoader pages{transfers};
-  platform::LinuxNetworkDiagnostics network;
-  platform::CurlReadStreamFactory streams{transfers};
-  platform::SharedMimeInfo types;
-  platform::LinuxAliasManager aliases{platform::HomeFolder()};
-  platform::LinuxFileManager files;
-  platform::LinuxMainBundle bundle;
-  platform::SndfileSoundLoader sounds;
-  platform::SyslogSystemLog log;
-  platform::AppleEventManager events;
-  platform::LinuxFinder finder{events};
-  platform::LinuxOriginURLWriter origins;
-  app::FinderFileComments fileComments{events, origins};
-  platform::LinuxFolderAccess folders;
-  app::ExtensionAggregation aggregation{folders, log};
-};
-
 // With outputs of its own: waiting for their readers ends with a signal too.
 int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) {
-  const Interruption interruption;
+  const platform::Interruption interruption;
   Output results(STDOUT_FILENO, interruption.descriptor());
   Output errors(STDERR_FILENO, interruption.descriptor());
   GetOptions options;
@@ -202,7 +153,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const std::unique_ptr<Reporter> reporter = MakeReporter(arguments, results, errors, status);
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
-  LinuxServices services;
+  host::LinuxHost services;
   Get get(services.host(terminalApplication), options.settings, *reporter, status, prompt);
   get.stopWhen([&interruption, &results] { return interruption.happened() || results.failed(); });
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);

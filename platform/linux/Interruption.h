@@ -10,7 +10,7 @@
 #include <atomic>
 #include <csignal>
 
-namespace quillforth::terminal {
+namespace quillforth::platform {
 
 class Interruption {
  public:
@@ -25,6 +25,8 @@ class Interruption {
   [[nodiscard]] bool happened() const { return flag(); }
   /// For blocking calls on any thread.
   [[nodiscard]] static const std::atomic<bool>& flag();
+  /// Raises the flag as a signal would, without one: the user wants the end.
+  static void request();
   /// Readable from the first signal on; never to be read or closed by others. -1 when there is none.
   [[nodiscard]] int descriptor() const;
   /// 128 and the number of the first signal; 0 as long as there was none.
@@ -35,4 +37,4 @@ class Interruption {
   struct sigaction previous_[std::size(kSignals)] = {};
 };
 
-}  // namespace quillforth::terminal
+}  // namespace quillforth::platform

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "terminal/Interruption.h"
+#include "platform/linux/Interruption.h"
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstdint>
 
-namespace quillforth::terminal {
+namespace quillforth::platform {
 
 namespace {
 
@@ -52,6 +52,10 @@ const std::atomic<bool>& Interruption::flag() {
   return interrupted;
 }
 
+void Interruption::request() {
+  interrupted = true;
+}
+
 int Interruption::descriptor() const {
   return wakeDescriptor;
 }
@@ -60,4 +64,4 @@ int Interruption::exitStatus() const {
   return firstSignal == 0 ? 0 : 128 + firstSignal;
 }
 
-}  // namespace quillforth::terminal
+}  // namespace quillforth::platform
