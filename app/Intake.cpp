@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// How URLs come in: a page gives its links to the queue.
+// How URLs come in, and how a page gives its links to the queue.
 
 #include <QStringDecoder>
 
@@ -19,7 +19,39 @@ QString StringFromUTF8(std::string_view text) {
   return decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
 }
 
+// The string type first, else the URL type; null without either.
+QString DraggedString(const Pasteboard& pasteboard) {
+  const QString string = pasteboard.stringForType(kStringPasteboardType);
+  return string.isNull() ? pasteboard.stringForType(kURLPasteboardType) : string;
+}
+
 }  // namespace
+
+void MyAppController::importURL(Window& sender) {
+  QString url = outlets_.urlTextField.stringValue();
+  if (!url.isEmpty()) {
+    urlList_.clear();
+    queueDidChange();
+    if (!url.startsWith(QStringLiteral("http://")) && !url.startsWith(QStringLiteral("https://"))) {
+      url.prepend(QStringLiteral("http://"));
+      outlets_.urlTextField.setStringValue(url);
+    }
+    extractLinks(url);
+  }
+  sender.orderOut();
+}
+
+DragOperation MyAppController::tableViewValidateDrop(const Pasteboard& pasteboard) const {
+  const bool makesURL = platform::URL::URLWithString(DraggedString(pasteboard)).has_value();
+  return makesURL ? DragOperation::every : DragOperation::none;
+}
+
+bool MyAppController::tableViewAcceptDrop(const Pasteboard& pasteboard) {
+  const QString url = DraggedString(pasteboard);
+  if (url.isEmpty()) return false;
+  takeURL(url, true);
+  return true;
+}
 
 void MyAppController::takeURL(const QString& url, bool promptForDestination) {
   showStatusAndActivate();

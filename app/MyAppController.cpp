@@ -27,7 +27,8 @@ void MyAppController::awakeFromNib() {
   if (sound) harpSound_ = host_.sounds.load(*sound);
   urlList_.clear();
   isDownloading_ = false;
-  outlets_.fileTable.registerForDraggedTypes({QStringLiteral("text/uri-list"), QStringLiteral("text/plain")});
+  outlets_.fileTable.registerForDraggedTypes(
+      {QString::fromLatin1(kURLPasteboardType), QString::fromLatin1(kStringPasteboardType)});
   updateCountTextField();
   setDownloadDestinationTextFieldValue();
   setOutputFolderButtonToolTip();

@@ -15,6 +15,7 @@
 #include "app/DestinationFolder.h"
 #include "app/Host.h"
 #include "app/Outlets.h"
+#include "app/Pasteboard.h"
 #include "app/Preferences.h"
 #include "app/Services.h"
 #include "app/UrlQueue.h"
@@ -88,6 +89,13 @@ class MyAppController final : public platform::WebDownloadDelegate,
                                 const platform::DownloadError& error) override;
 
   // URL intake (Intake.cpp).
+  /// Replaces the queue with the links of the page that stands in the import field, and orders `sender` out.
+  /// An empty field only does the latter.
+  void importURL(Window& sender);
+  /// Whether the dragged string makes a URL.
+  [[nodiscard]] DragOperation tableViewValidateDrop(const Pasteboard& pasteboard) const;
+  /// Takes the string as a page or a file; false when there is none.
+  bool tableViewAcceptDrop(const Pasteboard& pasteboard);
   /// Loads the page, queues its links, and starts the queue's head. Silent on every failure.
   void extractLinks(const QString& pageURL);
   /// Page or file; may ask the server, up to ten seconds of silence.

@@ -88,6 +88,8 @@ inline constexpr int kAlertSecondButtonReturn = 1001;
 class Window : public platform::AuthenticationSheetParent {
  public:
   virtual void makeKeyAndOrderFront() = 0;
+  /// Takes the window off the screen; nothing when it is not there.
+  virtual void orderOut() = 0;
   /// A sheet with the default button only, which nobody waits for.
   virtual void beginAlertSheet(const QString& title, const QString& message) = 0;
   /// A warning that blocks this window only. `didEnd` gets the button's return code, once and perhaps before

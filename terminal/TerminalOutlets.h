@@ -69,6 +69,7 @@ class TerminalWindow final : public app::Window {
  public:
   TerminalWindow(Reporter& reporter, const TerminalPrompt& prompt) : reporter_(reporter), prompt_(prompt) {}
   void makeKeyAndOrderFront() override {}
+  void orderOut() override {}
   void beginAlertSheet(const QString& title, const QString& message) override;
   /// Asked on the terminal, and answered before this returns.
   void beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) override;

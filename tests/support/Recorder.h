@@ -94,6 +94,7 @@ class RecordingWindow final : public app::Window, private Recording {
  public:
   using Recording::Recording;
   void makeKeyAndOrderFront() override { note(".front"); }
+  void orderOut() override { note(".out"); }
   void beginAlertSheet(const QString& title, const QString& message) override {
     note(".sheet ", QStringList{title, message});
   }
