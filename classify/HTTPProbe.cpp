@@ -57,7 +57,7 @@ int CHTTPProbe::start(const char* url, const char* userAgent, const char* userNa
   } catch (const std::system_error& error) {
     return error.code().value();
   }
-  if (waitForCompletion_) worker_.join();
+  if (waitForCompletion_) streams_.join(worker_);
   return 0;
 }
 

@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -83,6 +84,9 @@ class HTTPReadStreamFactory {
   /// Null when no stream can be made of `request`: not http, https or ftp, or texts that no header can hold.
   /// Any thread. The factory outlives its streams.
   [[nodiscard]] virtual std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) = 0;
+  /// Waits for the end of a thread that runs a stream. A host whose window must be drawn meanwhile does that
+  /// in here.
+  virtual void join(std::thread& worker) { worker.join(); }
 };
 
 }  // namespace quillforth::platform

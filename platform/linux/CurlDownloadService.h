@@ -39,6 +39,9 @@ class CurlDownloadService final : public WebDownloadService {
 
   [[nodiscard]] std::shared_ptr<WebDownload> startDownload(const URL& url,
                                                            WebDownloadDelegate& delegate) override;
+  /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
+  /// a delegate is busy.
+  void setDelivering(bool isDelivering) { notifier_.setEnabled(isDelivering); }
 
  private:
   friend class CurlDownload;
