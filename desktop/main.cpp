@@ -3,15 +3,90 @@
 // quillforth: chooses the host, and shows the controller in windows.
 
 #include <QApplication>
-#include <QMainWindow>
+#include <QSocketNotifier>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <string>
 
-#include "ui_StatusWindow.h"
+#include "desktop/CommandLine.h"
+#include "desktop/Desktop.h"
+#include "host/LinuxHost.h"
+#include "platform/linux/Interruption.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+class AssumedNetwork final : public platform::NetworkDiagnostics {
+ public:
+  platform::NetworkStatus copyNetworkStatusPassively() override {
+    return platform::NetworkStatus::connectionUp;
+  }
+  void diagnoseProblemInteractively() override {}
+};
+
+// Qt ends the program with a core dump where there is no display; this says it in a line.
+void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
+  if (type != QtFatalMsg) return;
+  std::fputs("quillforth: there is no display to open a window on; quillforth-cli works in a terminal\n",
+             stderr);
+  std::_Exit(EXIT_FAILURE);
+}
+
+bool HasDisplay() {
+  constexpr const char* kVariables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+  return std::any_of(std::begin(kVariables), std::end(kVariables),
+                     [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); });
+}
+
+int Run(const Arguments& arguments, int argc, char** argv) {
+  if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
+  const platform::Interruption interruption;
+  const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
+  QApplication application(argc, argv);
+  qInstallMessageHandler(usual);
+  QApplication::setApplicationDisplayName(QStringLiteral("Quillforth"));
+  QApplication::setApplicationVersion(QStringLiteral(QUILLFORTH_VERSION));
+  QApplication::setQuitOnLastWindowClosed(false);
+
+  host::LinuxHost services;
+  AssumedNetwork assumedNetwork;
+  const auto makeHost = [&](app::Application& asked) {
+    return arguments.isNetworkAssumedUp ? services.host(asked, assumedNetwork) : services.host(asked);
+  };
+  Desktop desktop({.makeHost = makeHost,
+                   .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
+                   .interrupt = &platform::Interruption::request});
+  QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated, [&desktop, &notifier] {
+    notifier.setEnabled(false);
+    desktop.quit();
+  });
+  desktop.start();
+  for (const std::string& url : arguments.urls) {
+    if (!desktop.takeURL(QString::fromStdString(url))) {
+      std::fprintf(stderr, "quillforth: %s: not a URL\n", url.c_str());
+    }
+  }
+  if (!desktop.isQuitting()) QApplication::exec();
+  return interruption.exitStatus();
+}
+
+int Run(const Answer& answer, int /*argc*/, char** /*argv*/) {
+  std::fputs(answer.text.c_str(), answer.exitStatus == 0 ? stdout : stderr);
+  return answer.exitStatus;
+}
+
+}  // namespace
+
+}  // namespace quillforth::desktop
 
 int main(int argc, char** argv) {
-  const QApplication application(argc, argv);
-  QMainWindow window;
-  Ui::StatusWindow contents;
-  contents.setupUi(&window);
-  window.show();
-  return QApplication::exec();
+  using namespace quillforth::desktop;
+  std::signal(SIGPIPE, SIG_IGN);
+  const auto command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  return std::visit([&](const auto& chosen) { return Run(chosen, argc, argv); }, command);
 }

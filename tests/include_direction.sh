@@ -29,6 +29,8 @@ check classify common/ "$host" classify/
 check linkextract common/ classify/ExtensionMap platform/InternetConfig linkextract/
 check fileops common/ classify/ "$host" fileops/
 check app common/ classify/ linkextract/ fileops/ "$host" app/
+check host app/ "$host" platform/linux/ host/
+check desktop common/ app/ "$host" desktop/ ui_
 check terminal common/ classify/ linkextract/ fileops/ app/ "$host" terminal/
 
 if grep -rnE '#include <Q' common linkextract; then

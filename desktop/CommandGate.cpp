@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/CommandGate.h"
+
+namespace quillforth::desktop {
+
+CommandGate::CommandGate() {
+  next_.setSingleShot(true);
+  next_.callOnTimeout([this] { runNext(); });
+}
+
+bool CommandGate::post(Command command) {
+  if (isClosed_ || waiting_.size() >= kMaxWaiting) return false;
+  waiting_.push_back(std::move(command));
+  scheduleNext();
+  return true;
+}
+
+void CommandGate::close() {
+  isClosed_ = true;
+  waiting_.clear();
+}
+
+void CommandGate::runNext() {
+  if (isRunning_ || holds_ > 0 || waiting_.empty()) return;
+  const Command command = std::move(waiting_.front());
+  waiting_.pop_front();
+  isRunning_ = true;
+  command();
+  isRunning_ = false;
+  scheduleNext();
+}
+
+void CommandGate::scheduleNext() {
+  if (!isRunning_ && holds_ == 0 && !waiting_.empty()) next_.start();
+}
+
+void CommandGate::changeHolds(int change) {
+  const bool wasHeld = holds_ > 0;
+  holds_ += change;
+  const bool isHeld = holds_ > 0;
+  if (wasHeld != isHeld) heldChanged_(isHeld);
+  scheduleNext();
+}
+
+}  // namespace quillforth::desktop

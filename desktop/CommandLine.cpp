@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr int kExitUsage = 2;
+
+}  // namespace
+
+std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> arguments) {
+  Arguments parsed;
+  CLI::App parser("Downloads files from the web in batches, in a window.", "quillforth");
+  parser.set_version_flag("--version", "quillforth " QUILLFORTH_VERSION);
+  parser.add_flag("--local", parsed.isNetworkAssumedUp,
+                  "Take the network as up without asking, for servers on this machine");
+  parser.add_option("URL", parsed.urls,
+                    "Taken as if dropped on the window: pages with all their links, files");
+  parser.footer("In a terminal: quillforth-cli --help");
+  std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+  try {
+    parser.parse(std::move(arguments));
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream results;
+    std::ostringstream errors;
+    const bool isAnswer = parser.exit(error, results, errors) == 0;
+    if (isAnswer) return Answer{results.str(), 0};
+    return Answer{"quillforth: " + std::string(error.what()) + "\nSee quillforth --help.\n", kExitUsage};
+  }
+  return parsed;
+}
+
+}  // namespace quillforth::desktop

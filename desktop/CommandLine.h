@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+//
+// The command line of `quillforth`.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quillforth::desktop {
+
+struct Arguments {
+  std::vector<std::string> urls;
+  bool isNetworkAssumedUp = false;
+};
+
+/// A command line that is answered, rightly or wrongly, without a window.
+struct Answer {
+  std::string text;
+  int exitStatus;  ///< 0: `text` goes to standard output
+};
+
+/// `arguments` without the program's name.
+[[nodiscard]] std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> arguments);
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/Desktop.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <utility>
+
+#include "desktop/MessageSheets.h"
+#include "ui_StatusWindow.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+// The window's place, as Qt describes it.
+QString GeometryKey() {
+  return QStringLiteral("Windows/statusWindow");
+}
+
+}  // namespace
+
+Desktop::Desktop(const DesktopServices& services)
+    : services_(services),
+      window_(*this),
+      application_(window_, gate_),
+      host_(services.makeHost(application_)),
+      pageLoader_(host_.pageLoader, gate_),
+      readStreams_(host_.readStreams, gate_),
+      statusWindow_(window_, gate_),
+      downloadDestinationTextField_(pacer_, *window_.ui().downloadDestinationTextField),
+      countTextField_(pacer_, *window_.ui().countTextField),
+      spinner_(pacer_, *window_.ui().spinner),
+      fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
+      fileDownloadProgressText_(pacer_, *window_.ui().fileDownloadProgressText),
+      currentURLTextField_(pacer_, *window_.ui().currentURLTextField),
+      fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton,
+                                window_.ui().actionCancelDownload),
+      deleteButton_(pacer_, *window_.ui().deleteButton, window_.ui().actionDelete),
+      stopButton_(pacer_, *window_.ui().stopButton),
+      openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton),
+      fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
+      controller_(outlets(), decorated(host_)) {
+  gate_.whenHeldChanges(services_.holdDownloads);
+  fileTable_.setDataSource(controller_);
+  connectCommands();
+  restorePlaces();
+}
+
+// The window goes first in what it says: nothing of it may reach the controller any more.
+Desktop::~Desktop() {
+  gate_.close();
+  storePlaces();
+}
+
+app::Outlets Desktop::outlets() {
+  return {.downloadDestinationTextField = downloadDestinationTextField_,
+          .urlTextField = urlTextField_,
+          .countTextField = countTextField_,
+          .preferencesWindow = statusWindow_,
+          .statusWindow = statusWindow_,
+          .spinner = spinner_,
+          .fileDownloadProgressBar = fileDownloadProgressBar_,
+          .fileDownloadProgressText = fileDownloadProgressText_,
+          .currentURLTextField = currentURLTextField_,
+          .fileDownloadCancelButton = fileDownloadCancelButton_,
+          .deleteButton = deleteButton_,
+          .stopButton = stopButton_,
+          .openOutputFolderButton = openOutputFolderButton_,
+          .fileTable = fileTable_};
+}
+
+app::Host Desktop::decorated(const app::Host& host) {
+  return {.application = host.application,
+          .userDefaults = host.userDefaults,
+          .downloads = host.downloads,
+          .pageLoader = pageLoader_,
+          .network = host.network,
+          .readStreams = readStreams_,
+          .internetConfig = host.internetConfig,
+          .aliases = host.aliases,
+          .files = host.files,
+          .mainBundle = host.mainBundle,
+          .sounds = host.sounds,
+          .log = host.log,
+          .localizedText = host.localizedText,
+          .currentSeconds = host.currentSeconds,
+          .aggregation = host.aggregation,
+          .fileComments = host.fileComments,
+          .observer = host.observer};
+}
+
+void Desktop::start() {
+  const CommandGate::Hold hold(gate_);
+  controller_.awakeFromNib();
+  controller_.applicationWillFinishLaunching();
+}
+
+void Desktop::bind(QAction* action, QAbstractButton* button, Command command) {
+  const auto post = [this, command] { gate_.post([this, command] { (controller_.*command)(); }); };
+  if (action != nullptr) QObject::connect(action, &QAction::triggered, &window_, post);
+  if (button != nullptr) QObject::connect(button, &QAbstractButton::clicked, &window_, post);
+}
+
+void Desktop::connectCommands() {
+  Ui::StatusWindow& ui = window_.ui();
+  using Controller = app::MyAppController;
+  bind(ui.actionChooseDestination, ui.chooseFolderButton, &Controller::selectDestinationDirectory);
+  bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
+  bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
+  bind(ui.actionDelete, ui.deleteButton, &Controller::deleteButtonClicked);
+  bind(ui.actionClear, nullptr, &Controller::clearQueue);
+  bind(ui.actionStop, ui.stopButton, &Controller::stop);
+  bind(ui.actionTryAgain, ui.tryAgainButton, &Controller::tryAgain);
+  bind(ui.actionCancelDownload, ui.fileDownloadCancelButton, &Controller::cancelDownloadFile);
+  QObject::connect(ui.actionPaste, &QAction::triggered, &window_,
+                   [this] { takeDrop(MimePasteboard(*QApplication::clipboard()->mimeData())); });
+  QObject::connect(ui.actionCopy, &QAction::triggered, &window_, [this] {
+    if (const QString urls = fileTable_.selectedURLs(); !urls.isEmpty())
+      QApplication::clipboard()->setText(urls);
+  });
+  QObject::connect(ui.actionAbout, &QAction::triggered, &window_, [this] { showAbout(); });
+  QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &window_,
+                   [this](Qt::ApplicationState state) {
+                     if (state != Qt::ApplicationActive) return;
+                     gate_.post([this] { controller_.applicationWillBecomeActive(); });
+                   });
+}
+
+void Desktop::setBrowserURLCommand(std::function<void()> command) {
+  QAction* action = window_.ui().actionGetBrowserURL;
+  QObject::connect(action, &QAction::triggered, &window_,
+                   [this, command = std::move(command)] { gate_.post(command); });
+  action->setVisible(true);
+}
+
+void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command) {
+  QAction* action = window_.ui().actionOpenLinkFile;
+  QObject::connect(action, &QAction::triggered, &window_, [this, command = std::move(command)] {
+    auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Open Link File"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    QObject::connect(
+        dialog, &QFileDialog::filesSelected, &window_,
+        [this, command](const QStringList& paths) { gate_.post([command, paths] { command(paths); }); });
+    dialog->open();
+  });
+  action->setVisible(true);
+}
+
+bool Desktop::mayDrop(const QMimeData& data) {
+  return controller_.tableViewValidateDrop(MimePasteboard(data)) == app::DragOperation::every;
+}
+
+void Desktop::drop(const QMimeData& data) {
+  takeDrop(MimePasteboard(data));
+}
+
+bool Desktop::takeURL(const QString& text) {
+  const MimePasteboard pasteboard(text);
+  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return false;
+  return gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+// The source of a drag waits until the drop has returned, so the work comes after it.
+void Desktop::takeDrop(const MimePasteboard& pasteboard) {
+  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
+  gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+void Desktop::windowDidBecomeKey() {
+  gate_.post([this] { controller_.windowDidBecomeKey(); });
+}
+
+bool Desktop::windowShouldClose() {
+  if (gate_.isClosed()) return true;
+  if (!controller_.isDownloading() && controller_.numberOfRows() == 0 && !gate_.isBusy()) {
+    quit();
+    return true;
+  }
+  auto* box = MakeMessageBox({StatusWindow::tr("Quit Quillforth?"),
+                              StatusWindow::tr("The download in progress and the queue will be lost."),
+                              StatusWindow::tr("Quit"), StatusWindow::tr("Cancel")},
+                             QMessageBox::Question, &window_);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
+    if (IsAccepted(*box)) quit();
+  });
+  box->open();
+  return false;
+}
+
+void Desktop::quit() {
+  if (gate_.isClosed()) return;
+  gate_.close();
+  services_.interrupt();
+  QCoreApplication::exit();
+}
+
+void Desktop::showAbout() {
+  auto* box = MakeMessageBox(
+      {StatusWindow::tr("Quillforth %1").arg(QStringLiteral(QUILLFORTH_VERSION)),
+       StatusWindow::tr("Downloads files from the web in batches."), QDialog::tr("OK"), QString()},
+      QMessageBox::Information, &window_);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
+}
+
+void Desktop::restorePlaces() {
+  host_.userDefaults.synchronize();
+  window_.restoreGeometry(host_.userDefaults.objectForKey(GeometryKey()).toByteArray());
+}
+
+void Desktop::storePlaces() {
+  host_.userDefaults.setObject(GeometryKey(), window_.saveGeometry());
+  host_.userDefaults.synchronize();
+}
+
+}  // namespace quillforth::desktop

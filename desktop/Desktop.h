@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+//
+// The program in windows: one controller with its outlets, and what leads from menus, buttons, drops and the
+// desktop's events to its commands.
+//
+// Every command goes through the gate, so that it begins from the event loop and never inside another one.
+// Main thread; a QApplication exists.
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "app/Host.h"
+#include "app/MyAppController.h"
+#include "desktop/CommandGate.h"
+#include "desktop/DesktopApplication.h"
+#include "desktop/DesktopWindow.h"
+#include "desktop/FramePacer.h"
+#include "desktop/MimePasteboard.h"
+#include "desktop/QueueTable.h"
+#include "desktop/StatusWindow.h"
+#include "desktop/Waiting.h"
+#include "desktop/WidgetOutlets.h"
+
+namespace quillforth::desktop {
+
+/// What the program in windows needs of its main().
+struct DesktopServices {
+  /// The host, with the application that it asks.
+  std::function<app::Host(app::Application&)> makeHost;
+  /// Holds the callbacks of downloads back, or lets them come again.
+  std::function<void(bool isHeld)> holdDownloads;
+  /// Makes blocking transfers give up: the program ends.
+  std::function<void()> interrupt;
+};
+
+class Desktop final : private StatusWindowOwner {
+ public:
+  explicit Desktop(const DesktopServices& services);
+  ~Desktop() override;
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  /// Starts the controller and shows the window. Questions to the user may come up in here.
+  void start();
+  /// Takes a text as if it was dropped; false when it makes no URL.
+  bool takeURL(const QString& text);
+  /// Ends the event loop, and with it whatever is waited for. Nobody is asked.
+  void quit();
+  /// The event loop need not be entered any more.
+  [[nodiscard]] bool isQuitting() const { return gate_.isClosed(); }
+
+  [[nodiscard]] StatusWindow& statusWindow() { return window_; }
+  [[nodiscard]] app::MyAppController& controller() { return controller_; }
+  [[nodiscard]] CommandGate& gate() { return gate_; }
+
+  /// What answers "Get URL from Browser"; the command is there from then on.
+  void setBrowserURLCommand(std::function<void()> command);
+  /// What takes the paths that "Open Link File…" has picked; the command is there from then on.
+  void setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command);
+
+ private:
+  using Command = void (app::MyAppController::*)();
+
+  bool mayDrop(const QMimeData& data) override;
+  void drop(const QMimeData& data) override;
+  void windowDidBecomeKey() override;
+  bool windowShouldClose() override;
+
+  void connectCommands();
+  /// Posts the command whenever one of these is triggered.
+  void bind(QAction* action, QAbstractButton* button, Command command);
+  void takeDrop(const MimePasteboard& pasteboard);
+  void showAbout();
+  void restorePlaces();
+  void storePlaces();
+  [[nodiscard]] app::Outlets outlets();
+  [[nodiscard]] app::Host decorated(const app::Host& host);
+
+  DesktopServices services_;
+  FramePacer pacer_;
+  CommandGate gate_;
+  StatusWindow window_;
+  DesktopApplication application_;
+  app::Host host_;
+  WaitingPageLoader pageLoader_;
+  WaitingReadStreams readStreams_;
+  DesktopWindow statusWindow_;
+  LabelOutlet downloadDestinationTextField_;
+  QLineEdit urlField_;
+  LineEditOutlet urlTextField_{urlField_};
+  LabelOutlet countTextField_;
+  SpinnerOutlet spinner_;
+  ProgressBarOutlet fileDownloadProgressBar_;
+  LabelOutlet fileDownloadProgressText_;
+  LabelOutlet currentURLTextField_;
+  ButtonOutlet fileDownloadCancelButton_;
+  ButtonOutlet deleteButton_;
+  ButtonOutlet stopButton_;
+  ButtonOutlet openOutputFolderButton_;
+  TableOutlet fileTable_;
+  app::MyAppController controller_;
+};
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/DesktopApplication.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QScopedPointer>
+#include <QUrl>
+
+#include "desktop/MessageSheets.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+// Only the toolkit's own dialog has room for a message.
+void ShowMessage(const QString& message, QFileDialog& dialog) {
+  if (message.isNull()) return;
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
+  if (grid == nullptr) return;
+  auto* label = new QLabel(&dialog);
+  label->setTextFormat(Qt::PlainText);
+  label->setText(message);
+  grid->addWidget(label, grid->rowCount(), 0, 1, -1);
+}
+
+}  // namespace
+
+void DesktopApplication::activateIgnoringOtherApps() {
+  if (!window_.isVisible()) return;
+  if (window_.isMinimized()) window_.showNormal();
+  if (QApplication::activeWindow() != nullptr) return;
+  window_.raise();
+  window_.activateWindow();
+}
+
+void DesktopApplication::beep() {
+  QApplication::beep();
+}
+
+app::AlertResult DesktopApplication::runModalAlert(const app::Alert& alert) {
+  const app::AlertResult negative =
+      alert.alternateButton.isNull() ? app::AlertResult::defaultButton : app::AlertResult::alternateButton;
+  if (gate_.isClosed()) return negative;
+  const CommandGate::Hold hold(gate_);
+  const QScopedPointer<QMessageBox> box(MakeMessageBox(alert, QMessageBox::Warning, &window_));
+  box->setWindowModality(Qt::ApplicationModal);
+  box->exec();
+  return IsAccepted(*box) ? app::AlertResult::defaultButton : negative;
+}
+
+std::optional<QString> DesktopApplication::runOpenPanel(const app::FolderPanel& panel) {
+  if (gate_.isClosed()) return std::nullopt;
+  const CommandGate::Hold hold(gate_);
+  QFileDialog dialog(&window_, panel.title, panel.directory);
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  dialog.setLabelText(QFileDialog::Accept, panel.prompt);
+  ShowMessage(panel.message, dialog);
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return dialog.selectedFiles().constFirst();
+}
+
+app::ChosenFolder DesktopApplication::runChooseFolderDialog(const app::FolderPanel& panel) {
+  const std::optional<QString> path = runOpenPanel(panel);
+  if (!path) return {};
+  return {0, platform::FileReference(QFile::encodeName(*path).toStdString())};
+}
+
+void DesktopApplication::openFile(const QString& path) {
+  QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+}  // namespace quillforth::desktop

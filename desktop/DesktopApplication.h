@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+//
+// What the controller asks of the application: alerts and panels that it waits for, sounds and folders.
+//
+// While one of them is open no command begins and no download calls back. After the program has begun to end
+// they are answered at once, with no. Main thread.
+#pragma once
+
+#include <QWidget>
+
+#include "app/Outlets.h"
+#include "desktop/CommandGate.h"
+
+namespace quillforth::desktop {
+
+class DesktopApplication final : public app::Application {
+ public:
+  /// `window`: the one that is in front; both outlive this.
+  DesktopApplication(QWidget& window, CommandGate& gate) : window_(window), gate_(gate) {}
+
+  void activateIgnoringOtherApps() override;
+  void beep() override;
+  app::AlertResult runModalAlert(const app::Alert& alert) override;
+  [[nodiscard]] std::optional<QString> runOpenPanel(const app::FolderPanel& panel) override;
+  [[nodiscard]] app::ChosenFolder runChooseFolderDialog(const app::FolderPanel& panel) override;
+  void openFile(const QString& path) override;
+
+ private:
+  QWidget& window_;
+  CommandGate& gate_;
+};
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/DesktopWindow.h"
+
+#include <QApplication>
+#include <utility>
+
+#include "desktop/MessageSheets.h"
+
+namespace quillforth::desktop {
+
+DesktopWindow::~DesktopWindow() {
+  if (shown_) shown_->disconnect();
+  delete shown_;
+}
+
+void DesktopWindow::makeKeyAndOrderFront() {
+  const QWidget* active = QApplication::activeWindow();
+  const bool isFirst = !window_.isVisible();
+  if (isFirst) window_.show();
+  if (window_.isMinimized() || (active == nullptr && !isFirst)) return;
+  window_.raise();
+  if (active == nullptr || isFirst) window_.activateWindow();
+}
+
+void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {
+  if (waiting_.size() >= kMaxWaitingAlerts) return;
+  begin([this, title, message] {
+    const app::Alert alert{title, message, QDialog::tr("OK"), QString()};
+    return MakeMessageBox(alert, QMessageBox::Warning, &window_);
+  });
+}
+
+void DesktopWindow::beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) {
+  begin([this, alert, didEnd = std::move(didEnd)] {
+    QMessageBox* box = MakeMessageBox(alert, QMessageBox::Warning, &window_);
+    QObject::connect(box, &QDialog::finished, [this, box, didEnd] {
+      const int code = IsAccepted(*box) ? app::kAlertFirstButtonReturn : app::kAlertSecondButtonReturn;
+      gate_.post([didEnd, code] { didEnd(code); });
+    });
+    return box;
+  });
+}
+
+void DesktopWindow::beginAuthenticationSheet(
+    const platform::AuthenticationChallenge& challenge,
+    std::function<void(std::optional<platform::Credential>)> answer) {
+  begin([this, challenge, answer = std::move(answer)] {
+    auto* sheet = new AuthenticationSheet(challenge, &window_);
+    QObject::connect(sheet, &QDialog::finished, [this, sheet, answer](int result) {
+      if (gate_.isClosed()) return;
+      answer(result == QDialog::Accepted ? std::optional(sheet->credential()) : std::nullopt);
+    });
+    return sheet;
+  });
+}
+
+void DesktopWindow::begin(MakeSheet makeSheet) {
+  waiting_.push_back(std::move(makeSheet));
+  if (!shown_) showNext();
+}
+
+void DesktopWindow::showNext() {
+  if (waiting_.empty() || gate_.isClosed()) return;
+  shown_ = waiting_.front()();
+  waiting_.pop_front();
+  shown_->setAttribute(Qt::WA_DeleteOnClose);
+  shown_->setWindowModality(Qt::WindowModal);
+  QObject::connect(shown_, &QDialog::finished, &window_, [this] {
+    shown_.clear();
+    showNext();
+  });
+  if (!window_.isVisible()) window_.show();
+  shown_->show();
+}
+
+}  // namespace quillforth::desktop

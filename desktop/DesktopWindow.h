@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+//
+// A window as the controller's outlet: how it comes forward, and its sheets.
+//
+// Sheets block their window only, and come one after the other; nobody waits for them. Main thread.
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <deque>
+
+#include "app/Outlets.h"
+#include "desktop/CommandGate.h"
+
+namespace quillforth::desktop {
+
+class DesktopWindow final : public app::Window {
+ public:
+  /// Alert sheets that wait for the one that is shown; the rest is dropped. The log has what they say.
+  static constexpr std::size_t kMaxWaitingAlerts = 100;
+
+  /// Both outlive this.
+  DesktopWindow(QWidget& window, CommandGate& gate) : window_(window), gate_(gate) {}
+  ~DesktopWindow() override;
+  DesktopWindow(const DesktopWindow&) = delete;
+  DesktopWindow& operator=(const DesktopWindow&) = delete;
+
+  /// A window comes forward among those of the program. It takes the keyboard neither from another program
+  /// nor from a dialog of this one, and one that the user has minimised stays so: this comes with every
+  /// file. Whoever wants more activates the application first.
+  void makeKeyAndOrderFront() override;
+  void orderOut() override { window_.hide(); }
+  void beginAlertSheet(const QString& title, const QString& message) override;
+  void beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) override;
+  /// Credentials go to `answer` and nowhere else. Not answered when the program ends first.
+  void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
+                                std::function<void(std::optional<platform::Credential>)> answer) override;
+
+ private:
+  /// A dialog, not shown yet, that its window owns.
+  using MakeSheet = std::function<QDialog*()>;
+
+  void begin(MakeSheet makeSheet);
+  void showNext();
+
+  QWidget& window_;
+  CommandGate& gate_;
+  std::deque<MakeSheet> waiting_;
+  QPointer<QDialog> shown_;
+};
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/MessageSheets.h"
+
+#include <QAbstractButton>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "desktop/ShownText.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+// A server may spell its realm at any length.
+constexpr qsizetype kLongestName = 200;
+constexpr qsizetype kLongestMessage = 4000;
+constexpr int kSheetWidth = 420;
+
+QLabel* MakePlainLabel(const QString& text, QWidget* parent) {
+  auto* label = new QLabel(parent);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setText(WithoutMiddle(text, kLongestMessage));
+  return label;
+}
+
+QString Question(const platform::AuthenticationChallenge& challenge) {
+  const QString host = WithoutMiddle(challenge.host, kLongestName);
+  const QString realm = WithoutMiddle(challenge.realm, kLongestName);
+  if (challenge.isProxy) {
+    return realm.isEmpty()
+               ? AuthenticationSheet::tr("The proxy server %1 asks for a user name and a password.").arg(host)
+               : AuthenticationSheet::tr(
+                     "The proxy server %1 asks for a user name and a password for \"%2\".")
+                     .arg(host, realm);
+  }
+  return realm.isEmpty()
+             ? AuthenticationSheet::tr("The server %1 asks for a user name and a password.").arg(host)
+             : AuthenticationSheet::tr("The server %1 asks for a user name and a password for \"%2\".")
+                   .arg(host, realm);
+}
+
+}  // namespace
+
+QMessageBox* MakeMessageBox(const app::Alert& alert, QMessageBox::Icon icon, QWidget* parent) {
+  auto* box = new QMessageBox(icon, QStringLiteral("Quillforth"), QString(), QMessageBox::NoButton, parent);
+  box->setTextFormat(Qt::PlainText);
+  box->setText(WithoutMiddle(alert.messageText, kLongestMessage));
+  if (!alert.informativeText.isEmpty()) {
+    // This one has no format to be set: it is markup when it looks like it, so it always is.
+    box->setInformativeText(QStringLiteral("<span style='white-space:pre-wrap'>") +
+                            WithoutMiddle(alert.informativeText, kLongestMessage).toHtmlEscaped() +
+                            QStringLiteral("</span>"));
+  }
+  QPushButton* accept = box->addButton(alert.defaultButton, QMessageBox::AcceptRole);
+  box->setDefaultButton(accept);
+  box->setEscapeButton(accept);
+  if (!alert.alternateButton.isNull()) {
+    box->setEscapeButton(box->addButton(alert.alternateButton, QMessageBox::RejectRole));
+  }
+  return box;
+}
+
+bool IsAccepted(const QMessageBox& box) {
+  return box.clickedButton() != nullptr && box.buttonRole(box.clickedButton()) == QMessageBox::AcceptRole;
+}
+
+AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge& challenge, QWidget* parent)
+    : QDialog(parent), user_(new QLineEdit(this)), password_(new QLineEdit(this)) {
+  setWindowTitle(QStringLiteral("Quillforth"));
+  setMinimumWidth(kSheetWidth);
+  user_->setObjectName(QStringLiteral("user"));
+  password_->setObjectName(QStringLiteral("password"));
+  password_->setEchoMode(QLineEdit::Password);
+  auto* rows = new QVBoxLayout(this);
+  rows->setSizeConstraint(QLayout::SetMinimumSize);
+  rows->addWidget(MakePlainLabel(Question(challenge), this));
+  if (challenge.previousFailureCount > 0) {
+    rows->addWidget(MakePlainLabel(tr("The user name or the password was refused."), this));
+  }
+  auto* fields = new QFormLayout;
+  fields->addRow(tr("&User name:"), user_);
+  fields->addRow(tr("&Password:"), password_);
+  rows->addLayout(fields);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  rows->addWidget(buttons);
+}
+
+platform::Credential AuthenticationSheet::credential() const {
+  return {user_->text(), password_->text()};
+}
+
+}  // namespace quillforth::desktop

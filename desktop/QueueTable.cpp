@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/QueueTable.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <algorithm>
+#include <utility>
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr int kRowPadding = 6;  // above and below the text together
+
+}  // namespace
+
+QueueTable::QueueTable(QWidget* parent) : QTableView(parent) {
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(ExtendedSelection);
+  setEditTriggers(NoEditTriggers);
+  setTextElideMode(Qt::ElideMiddle);
+  setWordWrap(false);
+  setShowGrid(false);
+  setAlternatingRowColors(true);
+  setTabKeyNavigation(false);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  horizontalHeader()->hide();
+  horizontalHeader()->setStretchLastSection(true);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  followFont();
+}
+
+void QueueTable::followFont() {
+  const int height = fontMetrics().height() + kRowPadding;
+  verticalHeader()->setMinimumSectionSize(height);
+  verticalHeader()->setDefaultSectionSize(height);
+}
+
+void QueueTable::setDropHighlighted(bool isHighlighted) {
+  if (isDropHighlighted_ == isHighlighted) return;
+  isDropHighlighted_ = isHighlighted;
+  viewport()->update();
+}
+
+void QueueTable::changeEvent(QEvent* event) {
+  QTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) followFont();
+}
+
+void QueueTable::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (model() == nullptr || model()->rowCount() == 0) paintInvitation();
+  if (!isDropHighlighted_) return;
+  QPainter painter(viewport());
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 3));
+  painter.drawRect(viewport()->rect().adjusted(1, 1, -2, -2));
+}
+
+void QueueTable::paintInvitation() {
+  QPainter painter(viewport());
+  QFont large = font();
+  large.setPointSizeF(large.pointSizeF() * 1.3);
+  painter.setFont(large);
+  painter.setPen(palette().color(QPalette::PlaceholderText));
+  painter.drawText(viewport()->rect(), static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap),
+                   tr("Drop URLs here"));
+}
+
+TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)
+    : table_(table),
+      reload_(pacer, [this] { model_.catchUp(); }),
+      selection_(pacer, std::move(selectionDidChange)) {
+  table_.setModel(&model_);
+  QObject::connect(table_.selectionModel(), &QItemSelectionModel::selectionChanged, &table_,
+                   [this] { selection_.request(); });
+  QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_, [this] {
+    for (const QItemSelectionRange& range : selectedRanges()) {
+      selectionOverReset_.push_back({model_.identifier(range.top()), model_.identifier(range.bottom())});
+    }
+  });
+  QObject::connect(&model_, &QueueModel::modelReset, &table_, [this] { restoreSelection(); });
+}
+
+TableOutlet::~TableOutlet() {
+  table_.setModel(nullptr);
+}
+
+void TableOutlet::registerForDraggedTypes(const QStringList& /*types*/) {
+  table_.window()->setAcceptDrops(true);  // the window takes drops for the table, which is most of it
+}
+
+std::vector<QItemSelectionRange> TableOutlet::selectedRanges() const {
+  const QItemSelection selection = table_.selectionModel()->selection();
+  std::vector<QItemSelectionRange> ranges(selection.begin(), selection.end());
+  std::erase_if(ranges, [](const QItemSelectionRange& range) { return !range.isValid(); });
+  std::sort(ranges.begin(), ranges.end(),
+            [](const QItemSelectionRange& a, const QItemSelectionRange& b) { return a.top() < b.top(); });
+  return ranges;
+}
+
+std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
+  reload_.flush();  // rows as the queue has them now
+  std::vector<std::size_t> rows;
+  for (const QItemSelectionRange& range : selectedRanges()) {
+    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(static_cast<std::size_t>(row));
+  }
+  return rows;
+}
+
+QString TableOutlet::selectedURLs() const {
+  QStringList urls;
+  for (const std::size_t row : selectedRowIndexes()) urls.append(model_.url(static_cast<int>(row)));
+  return urls.join(u'\n');
+}
+
+void TableOutlet::restoreSelection() {
+  QItemSelection selection;
+  for (const IdentifierRange& range : std::exchange(selectionOverReset_, {})) {
+    const int first = model_.firstRowFrom(range.first);
+    const int end = model_.firstRowFrom(range.last + 1);
+    if (first < end) selection.append(QItemSelectionRange(model_.index(first, 0), model_.index(end - 1, 0)));
+  }
+  table_.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+  selection_.request();
+}
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/ShownText.h"
+
+#include <QStringList>
+#include <algorithm>
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr qsizetype kLongestToolTip = 2000;
+constexpr qsizetype kToolTipLine = 90;
+
+}  // namespace
+
+QString WithoutMiddle(const QString& text, qsizetype limit) {
+  if (text.size() <= limit) return text;
+  const qsizetype head = limit / 2;
+  return text.first(head) + QChar(u'…') + text.last(limit - head - 1);
+}
+
+// Qt takes a text with a tag for markup; this one always is, and holds none of the stranger's.
+QString ToolTipText(const QString& text) {
+  if (text.isEmpty()) return {};
+  const QString shown = WithoutMiddle(text, kLongestToolTip);
+  QStringList lines;
+  for (qsizetype start = 0; start < shown.size(); start += kToolTipLine) {
+    lines.append(shown.sliced(start, std::min(kToolTipLine, shown.size() - start)).toHtmlEscaped());
+  }
+  return QStringLiteral("<p style='white-space:pre'>") + lines.join(QStringLiteral("<br>")) +
+         QStringLiteral("</p>");
+}
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/StatusWindow.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QKeySequence>
+
+#include "ui_StatusWindow.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+// Every operation is welcome, and the one that takes nothing from the source is preferred.
+void Accept(QDropEvent& event) {
+  for (const Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction, Qt::MoveAction}) {
+    if (!event.possibleActions().testFlag(action)) continue;
+    event.setDropAction(action);
+    event.accept();
+    return;
+  }
+  event.ignore();
+}
+
+}  // namespace
+
+StatusWindow::StatusWindow(StatusWindowOwner& owner)
+    : owner_(owner), ui_(std::make_unique<Ui::StatusWindow>()) {
+  ui_->setupUi(this);
+  ui_->actionQuit->setShortcut(QKeySequence::Quit);
+  ui_->actionPaste->setShortcut(QKeySequence::Paste);
+  ui_->actionCopy->setShortcut(QKeySequence::Copy);
+  ui_->actionDelete->setShortcut(QKeySequence::Delete);
+  ui_->actionSelectAll->setShortcut(QKeySequence::SelectAll);
+  ui_->actionOpenLinkFile->setShortcut(QKeySequence::Open);
+  ui_->fileTable->setContextMenuPolicy(Qt::ActionsContextMenu);
+  ui_->fileTable->addActions({ui_->actionCopy, ui_->actionDelete});
+  connect(ui_->actionSelectAll, &QAction::triggered, ui_->fileTable, &QTableView::selectAll);
+  connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
+}
+
+StatusWindow::~StatusWindow() = default;
+
+void StatusWindow::dragEnterEvent(QDragEnterEvent* event) {
+  isDropWelcome_ = owner_.mayDrop(*event->mimeData());
+  ui_->fileTable->setDropHighlighted(isDropWelcome_);
+  answer(*event);
+}
+
+void StatusWindow::dragMoveEvent(QDragMoveEvent* event) {
+  answer(*event);
+}
+
+void StatusWindow::answer(QDragMoveEvent& event) const {
+  if (isDropWelcome_) {
+    Accept(event);
+  } else {
+    event.ignore();  // the forbidden cursor
+  }
+}
+
+void StatusWindow::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
+  ui_->fileTable->setDropHighlighted(false);
+}
+
+void StatusWindow::dropEvent(QDropEvent* event) {
+  ui_->fileTable->setDropHighlighted(false);
+  if (!owner_.mayDrop(*event->mimeData())) return event->ignore();
+  Accept(*event);
+  owner_.drop(*event->mimeData());
+}
+
+void StatusWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange && isActiveWindow()) owner_.windowDidBecomeKey();
+}
+
+void StatusWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(owner_.windowShouldClose());
+}
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+//
+// The main window: the queue, the progress area, and every command in its menu bar.
+//
+// It knows no controller. What it is asked and what happens to it goes to its owner. Main thread.
+#pragma once
+
+#include <QMainWindow>
+#include <QMimeData>
+#include <memory>
+
+namespace Ui {
+class StatusWindow;
+}
+
+namespace quillforth::desktop {
+
+class StatusWindowOwner {
+ public:
+  virtual ~StatusWindowOwner() = default;
+  /// Whether what is dragged, or stands in the clipboard, may be dropped here.
+  [[nodiscard]] virtual bool mayDrop(const QMimeData& data) = 0;
+  virtual void drop(const QMimeData& data) = 0;
+  virtual void windowDidBecomeKey() = 0;
+  /// False keeps the window open.
+  [[nodiscard]] virtual bool windowShouldClose() = 0;
+};
+
+class StatusWindow final : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  /// `owner` outlives the window.
+  explicit StatusWindow(StatusWindowOwner& owner);
+  ~StatusWindow() override;
+
+  [[nodiscard]] Ui::StatusWindow& ui() { return *ui_; }
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void answer(QDragMoveEvent& event) const;
+
+  StatusWindowOwner& owner_;
+  std::unique_ptr<Ui::StatusWindow> ui_;
+  bool isDropWelcome_ = false;  // what is being dragged over the window
+};
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+//
+// Waiting as the program is defined to wait, with a window that is still drawn.
+//
+// A page load and the question of what a URL is block the controller. Here the blocking call runs on a thread
+// of its own while the main thread runs its event loop, behind a closed gate: nothing enters the controller
+// until the call is over. The end of the program interrupts the call.
+#pragma once
+
+#include <functional>
+
+#include "desktop/CommandGate.h"
+#include "platform/HTTPReadStream.h"
+#include "platform/PageLoader.h"
+
+namespace quillforth::desktop {
+
+/// Runs `block` on a thread of its own, and returns when it has returned. Main thread. When there is no
+/// thread to be had, it runs here.
+void WaitFor(CommandGate& gate, const std::function<void()>& block);
+
+class WaitingPageLoader final : public platform::PageLoader {
+ public:
+  /// Both outlive this. `loader` may be called from any thread.
+  WaitingPageLoader(platform::PageLoader& loader, CommandGate& gate) : loader_(loader), gate_(gate) {}
+  [[nodiscard]] std::optional<QByteArray> resourceData(const platform::URL& url) override;
+
+ private:
+  platform::PageLoader& loader_;
+  CommandGate& gate_;
+};
+
+class WaitingReadStreams final : public platform::HTTPReadStreamFactory {
+ public:
+  /// Both outlive this.
+  WaitingReadStreams(platform::HTTPReadStreamFactory& streams, CommandGate& gate)
+      : streams_(streams), gate_(gate) {}
+  [[nodiscard]] std::unique_ptr<platform::HTTPReadStream> createStream(
+      const platform::HTTPRequest& request) override {
+    return streams_.createStream(request);
+  }
+  void join(std::thread& worker) override;
+
+ private:
+  platform::HTTPReadStreamFactory& streams_;
+  CommandGate& gate_;
+};
+
+}  // namespace quillforth::desktop

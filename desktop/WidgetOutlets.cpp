@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/WidgetOutlets.h"
+
+#include <QSizePolicy>
+#include <algorithm>
+#include <cmath>
+
+#include "desktop/ShownText.h"
+
+namespace quillforth::desktop {
+
+void RetainSizeWhenHidden(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
+}
+
+LabelOutlet::LabelOutlet(FramePacer& pacer, QLabel& label)
+    : label_(label), text_(label.text()), isHidden_(label.isHidden()), update_(pacer, [this] { show(); }) {
+  RetainSizeWhenHidden(label);
+}
+
+void LabelOutlet::setStringValue(const QString& text) {
+  text_ = text;
+  update_.request();
+}
+
+void LabelOutlet::setHidden(bool hidden) {
+  isHidden_ = hidden;
+  update_.request();
+}
+
+void LabelOutlet::show() {
+  if (auto* elided = qobject_cast<ElidedLabel*>(&label_)) {
+    elided->setWholeText(text_);
+  } else if (label_.text() != text_) {
+    label_.setText(text_);
+  }
+  label_.setHidden(isHidden_);
+}
+
+ButtonOutlet::ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QAction* action)
+    : button_(button),
+      action_(action),
+      isEnabled_(button.isEnabled()),
+      isHidden_(button.isHidden()),
+      update_(pacer, [this] { show(); }) {
+  RetainSizeWhenHidden(button);
+  show();
+}
+
+void ButtonOutlet::setEnabled(bool enabled) {
+  isEnabled_ = enabled;
+  update_.request();
+}
+
+void ButtonOutlet::setHidden(bool hidden) {
+  isHidden_ = hidden;
+  update_.request();
+}
+
+void ButtonOutlet::setToolTip(const QString& text) {
+  button_.setToolTip(ToolTipText(text));
+}
+
+void ButtonOutlet::show() {
+  button_.setEnabled(isEnabled_);
+  button_.setHidden(isHidden_);
+  if (action_ != nullptr) action_->setEnabled(isEnabled_ && !isHidden_);
+}
+
+ProgressBarOutlet::ProgressBarOutlet(FramePacer& pacer, QProgressBar& bar)
+    : bar_(bar), isHidden_(bar.isHidden()), update_(pacer, [this] { show(); }) {
+  RetainSizeWhenHidden(bar);
+}
+
+void ProgressBarOutlet::setDoubleValue(double value) {
+  value_ = value;
+  update_.request();
+}
+
+void ProgressBarOutlet::setHidden(bool hidden) {
+  isHidden_ = hidden;
+  update_.request();
+}
+
+void ProgressBarOutlet::show() {
+  const double fraction = std::isnan(value_) ? 0.0 : std::clamp(value_, 0.0, 1.0);
+  bar_.setValue(bar_.minimum() + static_cast<int>(fraction * (bar_.maximum() - bar_.minimum())));
+  bar_.setHidden(isHidden_);
+}
+
+SpinnerOutlet::SpinnerOutlet(FramePacer& pacer, Spinner& spinner)
+    : spinner_(spinner), update_(pacer, [this] { spinner_.setAnimated(isAnimated_); }) {}
+
+void SpinnerOutlet::setAnimated(bool isAnimated) {
+  isAnimated_ = isAnimated;
+  update_.request();
+}
+
+}  // namespace quillforth::desktop

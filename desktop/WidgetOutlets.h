@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+//
+// The controller's small outlets as Qt widgets.
+//
+// What the controller says is kept, and reaches the widget with the next frame. Hidden widgets keep their
+// room, so that nothing jumps. Main thread; the widgets outlive these.
+#pragma once
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+
+#include "app/Outlets.h"
+#include "desktop/ElidedLabel.h"
+#include "desktop/FramePacer.h"
+#include "desktop/Spinner.h"
+
+namespace quillforth::desktop {
+
+/// Keeps the room of `widget` in its layout while it is hidden.
+void RetainSizeWhenHidden(QWidget& widget);
+
+/// A text that is only shown.
+class LabelOutlet final : public app::TextField {
+ public:
+  LabelOutlet(FramePacer& pacer, QLabel& label);
+  [[nodiscard]] QString stringValue() const override { return text_; }
+  void setStringValue(const QString& text) override;
+  void setHidden(bool hidden) override;
+
+ private:
+  void show();
+
+  QLabel& label_;
+  QString text_;
+  bool isHidden_;
+  FramePacer::Update update_;
+};
+
+/// A text that the user types. Not paced: what is typed is what is read.
+class LineEditOutlet final : public app::TextField {
+ public:
+  explicit LineEditOutlet(QLineEdit& field) : field_(field) {}
+  [[nodiscard]] QString stringValue() const override { return field_.text(); }
+  void setStringValue(const QString& text) override { field_.setText(text); }
+  void setHidden(bool hidden) override { field_.setHidden(hidden); }
+
+ private:
+  QLineEdit& field_;
+};
+
+class ButtonOutlet final : public app::Button {
+ public:
+  /// `action`: the menu's way to the same command, to be had whenever the button is; null: always.
+  ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QAction* action = nullptr);
+  void setEnabled(bool enabled) override;
+  void setHidden(bool hidden) override;
+  void setToolTip(const QString& text) override;
+
+ private:
+  void show();
+
+  QAbstractButton& button_;
+  QAction* action_;
+  bool isEnabled_;
+  bool isHidden_;
+  FramePacer::Update update_;
+};
+
+class ProgressBarOutlet final : public app::ProgressIndicator {
+ public:
+  ProgressBarOutlet(FramePacer& pacer, QProgressBar& bar);
+  void setDoubleValue(double value) override;
+  void setHidden(bool hidden) override;
+  void startAnimation() override {}
+  void stopAnimation() override {}
+
+ private:
+  void show();
+
+  QProgressBar& bar_;
+  double value_ = 0;
+  bool isHidden_;
+  FramePacer::Update update_;
+};
+
+class SpinnerOutlet final : public app::ProgressIndicator {
+ public:
+  SpinnerOutlet(FramePacer& pacer, Spinner& spinner);
+  void setDoubleValue(double /*value*/) override {}
+  void setHidden(bool hidden) override { spinner_.setHidden(hidden); }
+  void startAnimation() override { setAnimated(true); }
+  void stopAnimation() override { setAnimated(false); }
+
+ private:
+  void setAnimated(bool isAnimated);
+
+  Spinner& spinner_;
+  bool isAnimated_ = false;
+  FramePacer::Update update_;
+};
+
+}  // namespace quillforth::desktop
