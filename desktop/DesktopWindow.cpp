@@ -64,9 +64,9 @@ void DesktopWindow::showNext() {
   if (waiting_.empty() || gate_.isClosed()) return;
   shown_ = waiting_.front()();
   waiting_.pop_front();
-  shown_->setAttribute(Qt::WA_DeleteOnClose);
   shown_->setWindowModality(Qt::WindowModal);
-  QObject::connect(shown_, &QDialog::finished, &window_, [this] {
+  QObject::connect(shown_, &QDialog::finished, &window_, [this, sheet = shown_.data()] {
+    sheet->deleteLater();
     shown_.clear();
     showNext();
   });

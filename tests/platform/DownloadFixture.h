@@ -6,32 +6,19 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <optional>
 #include <regex>
 
 #include "platform/linux/CurlDownloadService.h"
 #include "tests/support/RawServer.h"
+#include "tests/support/RunLoop.h"
 
 namespace quillforth::tests {
 
 using platform::Credential;
 using platform::WebDownload;
-
-/// Runs the main loop until `isDone`; false after twenty seconds.
-inline bool RunLoopUntil(const std::function<bool()>& isDone) {
-  const QDeadlineTimer deadline(20'000);
-  QTimer tick;  // so that `isDone` is looked at even when no event comes
-  tick.start(5);
-  while (!isDone() && !deadline.hasExpired()) {
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  }
-  return isDone();
-}
 
 /// What one download said.
 class DownloadRecorder final : public platform::WebDownloadDelegate,
