@@ -112,7 +112,6 @@ TEST_F(DesktopTest, ButtonsAndMenusWorkTheQueue) {
 
 TEST_F(DesktopTest, WhatServersSayIsShownLiterally) {
   const QString hostile = QStringLiteral("100%s <b>bold</b> & done");
-  services_.userDefaults().setObject(app::kShowAlertsWhenErrorsOccur.key, true);
   desktop_.controller().statusWindow().beginAlertSheet(QStringLiteral("Download Failed"), hostile);
   auto* sheet = window().findChild<QMessageBox*>();
   ASSERT_NE(sheet, nullptr);
