@@ -62,6 +62,24 @@ class Stage {
     controller_->startURL(Q(a_), false);
     controller_->downloadDidBegin(latest());
   }
+  void import() {
+    outlets_.url.text = Q(a_);
+    controller_->importURL(outlets_.preferencesWindow);
+  }
+  /// "string|URL"; an empty one is not offered.
+  void drag() {
+    struct FakePasteboard final : app::Pasteboard {
+      QString string, url;
+      [[nodiscard]] QString stringForType(const char* type) const override {
+        return type == std::string_view(app::kStringPasteboardType) ? string : url;
+      }
+    } pasteboard;
+    pasteboard.string = Q(a_);
+    pasteboard.url = Q(b_);
+    const bool isWelcome = controller_->tableViewValidateDrop(pasteboard) == app::DragOperation::every;
+    log_.add(isWelcome ? "welcome" : "refused");
+    if (!controller_->tableViewAcceptDrop(pasteboard)) log_.add("not taken");
+  }
   void queue() {
     for (const QString& url : Q(a_).split(u',')) controller_->queueURL(url);
   }
@@ -171,6 +189,8 @@ class Stage {
       {"openFolder", [this] { controller_->openDestinationDirectory(); }},
       {"aggregate", [this] { controller_->aggregateFile(); }},
       {"extract", [this] { controller_->extractLinks(Q(a_)); }},
+      {"import", [this] { import(); }},
+      {"drag", [this] { drag(); }},
       {"queue", [this] { queue(); }},
       {"queued", [this] { showQueue(); }},
       {"select", [this] { select(); }},
