@@ -29,8 +29,13 @@ Desktop::Desktop(const DesktopServices& services)
       host_(services.makeHost(application_)),
       pageLoader_(host_.pageLoader, gate_),
       readStreams_(host_.readStreams, gate_),
-      statusWindow_(window_, gate_),
+      importWindow_(&window_),
+      preferencesWindow_(preferencesServices(), &window_),
+      statusOutlet_(window_, gate_),
+      importOutlet_(importWindow_, gate_),
+      preferencesOutlet_(preferencesWindow_, gate_),
       downloadDestinationTextField_(pacer_, *window_.ui().downloadDestinationTextField),
+      urlTextField_(importWindow_.urlTextField()),
       countTextField_(pacer_, *window_.ui().countTextField),
       spinner_(pacer_, *window_.ui().spinner),
       fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
@@ -59,8 +64,8 @@ app::Outlets Desktop::outlets() {
   return {.downloadDestinationTextField = downloadDestinationTextField_,
           .urlTextField = urlTextField_,
           .countTextField = countTextField_,
-          .preferencesWindow = statusWindow_,
-          .statusWindow = statusWindow_,
+          .preferencesWindow = preferencesOutlet_,
+          .statusWindow = statusOutlet_,
           .spinner = spinner_,
           .fileDownloadProgressBar = fileDownloadProgressBar_,
           .fileDownloadProgressText = fileDownloadProgressText_,
@@ -92,6 +97,19 @@ app::Host Desktop::decorated(const app::Host& host) {
           .observer = host.observer};
 }
 
+PreferencesServices Desktop::preferencesServices() {
+  return {.userDefaults = host_.userDefaults,
+          .settingsFile = services_.settingsFile,
+          .isStored = services_.isStored,
+          .destinationPath = [this] { return storedDestinationPath(); },
+          .chooseDestination = [this] { gate_.post([this] { controller_.selectDestinationDirectory(); }); }};
+}
+
+QString Desktop::storedDestinationPath() {
+  const auto folder = app::StoredFolder(host_.userDefaults, host_.aliases, app::kDestinationDirectoryKey);
+  return folder ? app::FolderPath(*folder, app::kLongestShownPath) : QString();
+}
+
 void Desktop::start() {
   const CommandGate::Hold hold(gate_);
   controller_.awakeFromNib();
@@ -107,6 +125,12 @@ void Desktop::bind(QAction* action, QAbstractButton* button, Command command) {
 void Desktop::connectCommands() {
   Ui::StatusWindow& ui = window_.ui();
   using Controller = app::MyAppController;
+  const auto showImport = [this] { importOutlet_.makeKeyAndOrderFront(); };
+  QObject::connect(ui.actionImportURL, &QAction::triggered, &window_, showImport);
+  QObject::connect(ui.importButton, &QPushButton::clicked, &window_, showImport);
+  QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_,
+                   [this] { gate_.post([this] { controller_.importURL(importOutlet_); }); });
+  bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, &Controller::selectDestinationDirectory);
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);

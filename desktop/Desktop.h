@@ -16,7 +16,9 @@
 #include "desktop/DesktopApplication.h"
 #include "desktop/DesktopWindow.h"
 #include "desktop/FramePacer.h"
+#include "desktop/ImportWindow.h"
 #include "desktop/MimePasteboard.h"
+#include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
 #include "desktop/StatusWindow.h"
 #include "desktop/Waiting.h"
@@ -32,6 +34,8 @@ struct DesktopServices {
   std::function<void(bool isHeld)> holdDownloads;
   /// Makes blocking transfers give up: the program ends.
   std::function<void()> interrupt;
+  QString settingsFile;            ///< absolute path
+  std::function<bool()> isStored;  ///< whether all that was set is in that file
 };
 
 class Desktop final : private StatusWindowOwner {
@@ -71,6 +75,8 @@ class Desktop final : private StatusWindowOwner {
   /// Posts the command whenever one of these is triggered.
   void bind(QAction* action, QAbstractButton* button, Command command);
   void takeDrop(const MimePasteboard& pasteboard);
+  [[nodiscard]] PreferencesServices preferencesServices();
+  [[nodiscard]] QString storedDestinationPath();
   void showAbout();
   void restorePlaces();
   void storePlaces();
@@ -85,10 +91,13 @@ class Desktop final : private StatusWindowOwner {
   app::Host host_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
-  DesktopWindow statusWindow_;
+  ImportWindow importWindow_;
+  PreferencesWindow preferencesWindow_;
+  DesktopWindow statusOutlet_;
+  DesktopWindow importOutlet_;
+  DesktopWindow preferencesOutlet_;
   LabelOutlet downloadDestinationTextField_;
-  QLineEdit urlField_;
-  LineEditOutlet urlTextField_{urlField_};
+  LineEditOutlet urlTextField_;
   LabelOutlet countTextField_;
   SpinnerOutlet spinner_;
   ProgressBarOutlet fileDownloadProgressBar_;

@@ -16,11 +16,11 @@ DesktopWindow::~DesktopWindow() {
 
 void DesktopWindow::makeKeyAndOrderFront() {
   const QWidget* active = QApplication::activeWindow();
-  const bool isFirst = !window_.isVisible();
-  if (isFirst) window_.show();
-  if (window_.isMinimized() || (active == nullptr && !isFirst)) return;
+  const bool isNew = !window_.isVisible();
+  if (isNew) window_.show();
+  if (!isNew && (window_.isMinimized() || active == nullptr)) return;
   window_.raise();
-  if (active == nullptr || isFirst) window_.activateWindow();
+  if (active == nullptr || active->parentWidget() != &window_) window_.activateWindow();
 }
 
 void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {

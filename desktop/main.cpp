@@ -13,6 +13,7 @@
 
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
+#include "desktop/LocalizedStrings.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
 
@@ -52,14 +53,22 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   QApplication::setApplicationVersion(QStringLiteral(QUILLFORTH_VERSION));
   QApplication::setQuitOnLastWindowClosed(false);
 
+  const LocalizedStrings strings;
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.tessarysoftware.Quillforth.svg")));
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
   host::LinuxHost services;
   AssumedNetwork assumedNetwork;
   const auto makeHost = [&](app::Application& asked) {
-    return arguments.isNetworkAssumedUp ? services.host(asked, assumedNetwork) : services.host(asked);
+    app::Host host =
+        arguments.isNetworkAssumedUp ? services.host(asked, assumedNetwork) : services.host(asked);
+    host.localizedText = [&strings](const QString& key) { return strings.localizedText(key); };
+    return host;
   };
   Desktop desktop({.makeHost = makeHost,
                    .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
-                   .interrupt = &platform::Interruption::request});
+                   .interrupt = &platform::Interruption::request,
+                   .settingsFile = services.userDefaults().fileName(),
+                   .isStored = [&] { return services.userDefaults().isStored(); }});
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [&desktop, &notifier] {
     notifier.setEnabled(false);

@@ -407,6 +407,223 @@
     </message>
 </context>
 <context>
+    <name>QDialog</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>StatusWindow</name>
+    <message>
+        <source>Destination:</source>
+        <translation>Zielordner:</translation>
+    </message>
+    <message>
+        <source>Folder that downloads go into</source>
+        <translation>Ordner, in den heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>Auswäh&amp;len…</translation>
+    </message>
+    <message>
+        <source>Choose the folder that downloads go into</source>
+        <translation>Den Ordner auswählen, in den heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Open Folder</source>
+        <translation>Ordner ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>Queued URLs</source>
+        <translation>URLs in der Warteschlange</translation>
+    </message>
+    <message>
+        <source>URLs that wait</source>
+        <translation>Wartende URLs</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren…</translation>
+    </message>
+    <message>
+        <source>Queue the links of a page</source>
+        <translation>Die Links einer Seite in die Warteschlange stellen</translation>
+    </message>
+    <message>
+        <source>&amp;Try Again</source>
+        <translation>&amp;Erneut versuchen</translation>
+    </message>
+    <message>
+        <source>Go on with the next URL in the queue</source>
+        <translation>Mit der nächsten URL der Warteschlange weitermachen</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded</source>
+        <translation>Nach der Datei anhalten, die gerade heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>Lös&amp;chen</translation>
+    </message>
+    <message>
+        <source>Take the selected URLs out of the queue</source>
+        <translation>Die ausgewählten URLs aus der Warteschlange nehmen</translation>
+    </message>
+    <message>
+        <source>URL that is being downloaded</source>
+        <translation>URL, die gerade heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>Progress of the download</source>
+        <translation>Fortschritt des Downloads</translation>
+    </message>
+    <message>
+        <source>Ca&amp;ncel</source>
+        <translation>Abb&amp;rechen</translation>
+    </message>
+    <message>
+        <source>Give up the file that is being downloaded</source>
+        <translation>Die Datei aufgeben, die gerade heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Queue</source>
+        <translation>&amp;Warteschlange</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Import URL…</source>
+        <translation>URL &amp;importieren…</translation>
+    </message>
+    <message>
+        <source>Get URL from &amp;Browser</source>
+        <translation>URL aus dem Bro&amp;wser holen</translation>
+    </message>
+    <message>
+        <source>Download what the web browser shows</source>
+        <translation>Herunterladen, was der Browser zeigt</translation>
+    </message>
+    <message>
+        <source>Open &amp;Link File…</source>
+        <translation>&amp;Linkdatei öffnen…</translation>
+    </message>
+    <message>
+        <source>Download what a link file names</source>
+        <translation>Herunterladen, was eine Linkdatei nennt</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Destination…</source>
+        <translation>Zielordner &amp;auswählen…</translation>
+    </message>
+    <message>
+        <source>Open &amp;Destination</source>
+        <translation>&amp;Zielordner öffnen</translation>
+    </message>
+    <message>
+        <source>Show the folder that downloads go into</source>
+        <translation>Den Ordner zeigen, in den heruntergeladen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Aggregate…</source>
+        <translation>Ein&amp;sortieren…</translation>
+    </message>
+    <message>
+        <source>Sort the files in the destination folder into subfolders by extension</source>
+        <translation>Die Dateien im Zielordner nach ihrer Endung in Unterordner sortieren</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Paste URL</source>
+        <translation>URL &amp;einfügen</translation>
+    </message>
+    <message>
+        <source>Take the URL from the clipboard</source>
+        <translation>Die URL aus der Zwischenablage nehmen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy URL</source>
+        <translation>URL &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>Copy the selected URLs</source>
+        <translation>Die ausgewählten URLs kopieren</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>Alles aus&amp;wählen</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>E&amp;instellungen…</translation>
+    </message>
+    <message>
+        <source>&amp;Clear</source>
+        <translation>&amp;Leeren</translation>
+    </message>
+    <message>
+        <source>Take all URLs out of the queue</source>
+        <translation>Alle URLs aus der Warteschlange nehmen</translation>
+    </message>
+    <message>
+        <source>Cancel D&amp;ownload</source>
+        <translation>&amp;Download abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;About Quillforth</source>
+        <translation>Ü&amp;ber Quillforth</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::AuthenticationSheet</name>
+    <message>
+        <source>The proxy server %1 asks for a user name and a password.</source>
+        <translation>Der Proxyserver %1 verlangt einen Benutzernamen und ein Passwort.</translation>
+    </message>
+    <message>
+        <source>The proxy server %1 asks for a user name and a password for &quot;%2&quot;.</source>
+        <translation>Der Proxyserver %1 verlangt einen Benutzernamen und ein Passwort für „%2“.</translation>
+    </message>
+    <message>
+        <source>The server %1 asks for a user name and a password.</source>
+        <translation>Der Server %1 verlangt einen Benutzernamen und ein Passwort.</translation>
+    </message>
+    <message>
+        <source>The server %1 asks for a user name and a password for &quot;%2&quot;.</source>
+        <translation>Der Server %1 verlangt einen Benutzernamen und ein Passwort für „%2“.</translation>
+    </message>
+    <message>
+        <source>The user name or the password was refused.</source>
+        <translation>Der Benutzername oder das Passwort wurde abgelehnt.</translation>
+    </message>
+    <message>
+        <source>&amp;User name:</source>
+        <translation>&amp;Benutzername:</translation>
+    </message>
+    <message>
+        <source>&amp;Password:</source>
+        <translation>&amp;Passwort:</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -441,6 +658,51 @@
     <message>
         <source>The change could not be saved in %1.</source>
         <translation>Die Änderung konnte nicht in %1 gespeichert werden.</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::QueueModel</name>
+    <message>
+        <source>Queued URLs</source>
+        <translation>URLs in der Warteschlange</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::QueueTable</name>
+    <message>
+        <source>Drop URLs here</source>
+        <translation>URLs hierher ziehen</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::StatusWindow</name>
+    <message>
+        <source>Open Link File</source>
+        <translation>Linkdatei öffnen</translation>
+    </message>
+    <message>
+        <source>Quit Quillforth?</source>
+        <translation>Quillforth beenden?</translation>
+    </message>
+    <message>
+        <source>The download in progress and the queue will be lost.</source>
+        <translation>Der laufende Download und die Warteschlange gehen verloren.</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Quillforth %1</source>
+        <translation>Quillforth %1</translation>
+    </message>
+    <message>
+        <source>Downloads files from the web in batches.</source>
+        <translation>Lädt Dateien stapelweise aus dem Web herunter.</translation>
     </message>
 </context>
 </TS>

@@ -407,6 +407,223 @@
     </message>
 </context>
 <context>
+    <name>QDialog</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>StatusWindow</name>
+    <message>
+        <source>Destination:</source>
+        <translation>Destination :</translation>
+    </message>
+    <message>
+        <source>Folder that downloads go into</source>
+        <translation>Dossier des téléchargements</translation>
+    </message>
+    <message>
+        <source>&amp;Choose…</source>
+        <translation>C&amp;hoisir…</translation>
+    </message>
+    <message>
+        <source>Choose the folder that downloads go into</source>
+        <translation>Choisir le dossier des téléchargements</translation>
+    </message>
+    <message>
+        <source>&amp;Open Folder</source>
+        <translation>&amp;Ouvrir le dossier</translation>
+    </message>
+    <message>
+        <source>Queued URLs</source>
+        <translation>URL en attente</translation>
+    </message>
+    <message>
+        <source>URLs that wait</source>
+        <translation>URL qui attendent</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importer…</translation>
+    </message>
+    <message>
+        <source>Queue the links of a page</source>
+        <translation>Mettre en attente les liens d’une page</translation>
+    </message>
+    <message>
+        <source>&amp;Try Again</source>
+        <translation>&amp;Réessayer</translation>
+    </message>
+    <message>
+        <source>Go on with the next URL in the queue</source>
+        <translation>Continuer avec l’URL suivante de la file d’attente</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>Arrê&amp;ter</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded</source>
+        <translation>S’arrêter après le fichier en cours de téléchargement</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Supprimer</translation>
+    </message>
+    <message>
+        <source>Take the selected URLs out of the queue</source>
+        <translation>Retirer de la file d’attente les URL sélectionnées</translation>
+    </message>
+    <message>
+        <source>URL that is being downloaded</source>
+        <translation>URL en cours de téléchargement</translation>
+    </message>
+    <message>
+        <source>Progress of the download</source>
+        <translation>Progression du téléchargement</translation>
+    </message>
+    <message>
+        <source>Ca&amp;ncel</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>Give up the file that is being downloaded</source>
+        <translation>Abandonner le fichier en cours de téléchargement</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>É&amp;dition</translation>
+    </message>
+    <message>
+        <source>&amp;Queue</source>
+        <translation>Fi&amp;le d’attente</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>&amp;Import URL…</source>
+        <translation>&amp;Importer une URL…</translation>
+    </message>
+    <message>
+        <source>Get URL from &amp;Browser</source>
+        <translation>Prendre l’URL du &amp;navigateur</translation>
+    </message>
+    <message>
+        <source>Download what the web browser shows</source>
+        <translation>Télécharger ce que montre le navigateur</translation>
+    </message>
+    <message>
+        <source>Open &amp;Link File…</source>
+        <translation>Ouvrir un fichier de &amp;lien…</translation>
+    </message>
+    <message>
+        <source>Download what a link file names</source>
+        <translation>Télécharger ce que désigne un fichier de lien</translation>
+    </message>
+    <message>
+        <source>&amp;Choose Destination…</source>
+        <translation>&amp;Choisir la destination…</translation>
+    </message>
+    <message>
+        <source>Open &amp;Destination</source>
+        <translation>Ouvrir la &amp;destination</translation>
+    </message>
+    <message>
+        <source>Show the folder that downloads go into</source>
+        <translation>Montrer le dossier des téléchargements</translation>
+    </message>
+    <message>
+        <source>&amp;Aggregate…</source>
+        <translation>&amp;Trier les fichiers…</translation>
+    </message>
+    <message>
+        <source>Sort the files in the destination folder into subfolders by extension</source>
+        <translation>Trier les fichiers de la destination dans des sous-dossiers selon leur extension</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>&amp;Paste URL</source>
+        <translation>Co&amp;ller l’URL</translation>
+    </message>
+    <message>
+        <source>Take the URL from the clipboard</source>
+        <translation>Prendre l’URL du presse-papiers</translation>
+    </message>
+    <message>
+        <source>&amp;Copy URL</source>
+        <translation>&amp;Copier l’URL</translation>
+    </message>
+    <message>
+        <source>Copy the selected URLs</source>
+        <translation>Copier les URL sélectionnées</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>&amp;Tout sélectionner</translation>
+    </message>
+    <message>
+        <source>P&amp;references…</source>
+        <translation>&amp;Préférences…</translation>
+    </message>
+    <message>
+        <source>&amp;Clear</source>
+        <translation>&amp;Vider</translation>
+    </message>
+    <message>
+        <source>Take all URLs out of the queue</source>
+        <translation>Retirer toutes les URL de la file d’attente</translation>
+    </message>
+    <message>
+        <source>Cancel D&amp;ownload</source>
+        <translation>Annuler le télé&amp;chargement</translation>
+    </message>
+    <message>
+        <source>&amp;About Quillforth</source>
+        <translation>À &amp;propos de Quillforth</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::AuthenticationSheet</name>
+    <message>
+        <source>The proxy server %1 asks for a user name and a password.</source>
+        <translation>Le serveur mandataire %1 demande un nom d’utilisateur et un mot de passe.</translation>
+    </message>
+    <message>
+        <source>The proxy server %1 asks for a user name and a password for &quot;%2&quot;.</source>
+        <translation>Le serveur mandataire %1 demande un nom d’utilisateur et un mot de passe pour « %2 ».</translation>
+    </message>
+    <message>
+        <source>The server %1 asks for a user name and a password.</source>
+        <translation>Le serveur %1 demande un nom d’utilisateur et un mot de passe.</translation>
+    </message>
+    <message>
+        <source>The server %1 asks for a user name and a password for &quot;%2&quot;.</source>
+        <translation>Le serveur %1 demande un nom d’utilisateur et un mot de passe pour « %2 ».</translation>
+    </message>
+    <message>
+        <source>The user name or the password was refused.</source>
+        <translation>Le nom d’utilisateur ou le mot de passe a été refusé.</translation>
+    </message>
+    <message>
+        <source>&amp;User name:</source>
+        <translation>Nom d’&amp;utilisateur :</translation>
+    </message>
+    <message>
+        <source>&amp;Password:</source>
+        <translation>&amp;Mot de passe :</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -441,6 +658,51 @@
     <message>
         <source>The change could not be saved in %1.</source>
         <translation>La modification n’a pas pu être enregistrée dans %1.</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::QueueModel</name>
+    <message>
+        <source>Queued URLs</source>
+        <translation>URL en attente</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::QueueTable</name>
+    <message>
+        <source>Drop URLs here</source>
+        <translation>Déposez des URL ici</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::StatusWindow</name>
+    <message>
+        <source>Open Link File</source>
+        <translation>Ouvrir un fichier de lien</translation>
+    </message>
+    <message>
+        <source>Quit Quillforth?</source>
+        <translation>Quitter Quillforth ?</translation>
+    </message>
+    <message>
+        <source>The download in progress and the queue will be lost.</source>
+        <translation>Le téléchargement en cours et la file d’attente seront perdus.</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quitter</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Quillforth %1</source>
+        <translation>Quillforth %1</translation>
+    </message>
+    <message>
+        <source>Downloads files from the web in batches.</source>
+        <translation>Télécharge des fichiers du web par lots.</translation>
     </message>
 </context>
 </TS>

@@ -76,7 +76,9 @@ class DesktopFixture : public ::testing::Test {
   desktop::Desktop desktop_{
       {.makeHost = [this](app::Application& asked) { return services_.host(asked, network_); },
        .holdDownloads = [this](bool isHeld) { services_.downloads().setDelivering(!isHeld); },
-       .interrupt = &platform::Interruption::request}};
+       .interrupt = &platform::Interruption::request,
+       .settingsFile = services_.userDefaults().fileName(),
+       .isStored = [] { return true; }}};
 };
 
 }  // namespace quillforth::tests
