@@ -14,20 +14,13 @@
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
 #include "desktop/LocalizedStrings.h"
+#include "host/AssumedNetwork.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
 
 namespace quillforth::desktop {
 
 namespace {
-
-class AssumedNetwork final : public platform::NetworkDiagnostics {
- public:
-  platform::NetworkStatus copyNetworkStatusPassively() override {
-    return platform::NetworkStatus::connectionUp;
-  }
-  void diagnoseProblemInteractively() override {}
-};
 
 // Qt ends the program with a core dump where there is no display; this says it in a line.
 void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
@@ -57,7 +50,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.tessarysoftware.Quillforth.svg")));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
   host::LinuxHost services;
-  AssumedNetwork assumedNetwork;
+  host::AssumedNetwork assumedNetwork;
   const auto makeHost = [&](app::Application& asked) {
     app::Host host =
         arguments.isNetworkAssumedUp ? services.host(asked, assumedNetwork) : services.host(asked);
@@ -77,7 +70,8 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   desktop.start();
   for (const std::string& url : arguments.urls) {
     if (!desktop.takeURL(QString::fromStdString(url))) {
-      std::fprintf(stderr, "quillforth: %s: not a URL\n", url.c_str());
+      std::fprintf(stderr, "quillforth: %s: not a URL\n",
+                   platform::WithoutCredentials(QString::fromStdString(url)).toLocal8Bit().constData());
     }
   }
   if (!desktop.isQuitting()) QApplication::exec();

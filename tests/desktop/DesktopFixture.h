@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The whole program in windows over the real services, with the network taken as up.
+// The whole program in windows over the real services, with the network taken as up, and a server.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,23 +10,15 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPushButton>
-#include <QStandardPaths>
+#include <future>
 
 #include "desktop/Desktop.h"
+#include "host/AssumedNetwork.h"
 #include "host/LinuxHost.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/RunLoop.h"
 
 namespace quillforth::tests {
-
-class NetworkThatIsUp final : public platform::NetworkDiagnostics {
- public:
-  platform::NetworkStatus copyNetworkStatusPassively() override {
-    return platform::NetworkStatus::connectionUp;
-  }
-  void diagnoseProblemInteractively() override {}
-};
 
 class DesktopFixture : public ::testing::Test {
  protected:
@@ -40,16 +32,17 @@ class DesktopFixture : public ::testing::Test {
   static QString folder() {
     return QDir::homePath() + QStringLiteral("/.local/share/Tessary Software/Quillforth");
   }
-  static QStringList files() { return QDir(folder()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
+  static QString files() {
+    return QDir(folder()).entryList(QDir::Files | QDir::Hidden, QDir::Name).join(u' ');
+  }
   desktop::StatusWindow& window() { return desktop_.statusWindow(); }
   template <typename Widget>
   Widget& find(const char* name) {
     return *window().findChild<Widget*>(QLatin1StringView(name));
   }
-  QString text(const char* label) { return find<QLabel>(label).text(); }
   void trigger(const char* action) { find<QAction>(action).trigger(); }
-  [[nodiscard]] bool waitForText(const char* label, const QString& wanted) {
-    return RunLoopUntil([&] { return text(label) == wanted; });
+  [[nodiscard]] bool waitForText(const char* label, const char* start) {
+    return RunLoopUntil([&] { return find<QLabel>(label).text().startsWith(QLatin1StringView(start)); });
   }
   /// Drags over the middle of the table and lets go; whether it was taken.
   bool drop(const QMimeData& data) {
@@ -64,15 +57,32 @@ class DesktopFixture : public ::testing::Test {
     EXPECT_EQ(release.dropAction(), Qt::CopyAction);
     return release.isAccepted();
   }
-  bool drop(const std::string& string) {
+  bool drop(const char* path) {
     QMimeData data;
-    data.setText(QString::fromStdString(string));
+    data.setText(QString::fromStdString(server_.url(path)));
     return drop(data);
   }
+  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `answer_`; "locked" wants user:word.
+  RawServer::After serve(RawServer::Connection& connection, const std::string& request) {
+    const auto has = [&request](const char* text) { return request.find(text) != std::string::npos; };
+    if (has("/slow")) connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
+    if (has("/slow")) static_cast<void>(connection.waitForEnd(20'000));
+    while (has("gated") && mayAnswer_.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+      if (connection.waitForEnd(5)) return RawServer::After::close;
+    }
+    const bool isLocked = has("locked") && !has("Basic dXNlcjp3b3Jk");
+    const char* challenge = "WWW-Authenticate: Basic realm=\"<b>100%s</b>\"\r\n";
+    const char* body = has(".html ") ? "<a href=\"a.bin\">a</a><a href=\"b.bin\">b</a>" : "data";
+    connection.send(isLocked ? HttpReply("401 No", "", challenge) : HttpReply("200 OK", body));
+    return RawServer::After::close;
+  }
 
+  std::promise<void> answer_;
+  std::shared_future<void> mayAnswer_ = answer_.get_future().share();
+  RawServer server_{[this](auto& connection, const auto& request) { return serve(connection, request); }};
   platform::Interruption interruption_;
   host::LinuxHost services_;
-  NetworkThatIsUp network_;
+  host::AssumedNetwork network_;
   desktop::Desktop desktop_{
       {.makeHost = [this](app::Application& asked) { return services_.host(asked, network_); },
        .holdDownloads = [this](bool isHeld) { services_.downloads().setDelivering(!isHeld); },
