@@ -27,6 +27,8 @@ Desktop::Desktop(const DesktopServices& services)
       window_(*this),
       application_(window_, gate_),
       host_(services.makeHost(application_)),
+      notice_(noticeServices()),
+      downloads_(host_.downloads, notice_),
       pageLoader_(host_.pageLoader, gate_),
       readStreams_(host_.readStreams, gate_),
       importWindow_(&window_),
@@ -80,7 +82,7 @@ app::Outlets Desktop::outlets() {
 app::Host Desktop::decorated(const app::Host& host) {
   return {.application = host.application,
           .userDefaults = host.userDefaults,
-          .downloads = host.downloads,
+          .downloads = downloads_,
           .pageLoader = pageLoader_,
           .network = host.network,
           .readStreams = readStreams_,
@@ -103,6 +105,14 @@ PreferencesServices Desktop::preferencesServices() {
           .isStored = services_.isStored,
           .destinationPath = [this] { return storedDestinationPath(); },
           .chooseDestination = [this] { gate_.post([this] { controller_.selectDestinationDirectory(); }); }};
+}
+
+CompletionNoticeServices Desktop::noticeServices() {
+  return {.userDefaults = host_.userDefaults,
+          .localizedText = host_.localizedText,
+          .isWorkLeft = [this] { return hasWork(); },
+          .isInFront = &IsInFront,
+          .sound = [this] { return controller_.completionSound(); }};
 }
 
 QString Desktop::storedDestinationPath() {
@@ -130,6 +140,8 @@ void Desktop::connectCommands() {
   QObject::connect(ui.importButton, &QPushButton::clicked, &window_, showImport);
   QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_,
                    [this] { gate_.post([this] { controller_.importURL(importOutlet_); }); });
+  QObject::connect(&notice_, &CompletionNotice::activationRequested, &window_,
+                   [this](const QString& token) { BringForward(window_, token); });
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, &Controller::selectDestinationDirectory);
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
@@ -200,7 +212,7 @@ void Desktop::windowDidBecomeKey() {
 
 bool Desktop::windowShouldClose() {
   if (gate_.isClosed()) return true;
-  if (!controller_.isDownloading() && controller_.numberOfRows() == 0 && !gate_.isBusy()) {
+  if (!hasWork() && !gate_.isBusy()) {
     quit();
     return true;
   }
@@ -214,6 +226,10 @@ bool Desktop::windowShouldClose() {
   });
   box->open();
   return false;
+}
+
+bool Desktop::hasWork() const {
+  return controller_.isDownloading() || controller_.numberOfRows() > 0;
 }
 
 void Desktop::quit() {

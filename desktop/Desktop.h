@@ -12,7 +12,9 @@
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
+#include "app/ObservedDownloads.h"
 #include "desktop/CommandGate.h"
+#include "desktop/CompletionNotice.h"
 #include "desktop/DesktopApplication.h"
 #include "desktop/DesktopWindow.h"
 #include "desktop/FramePacer.h"
@@ -77,6 +79,9 @@ class Desktop final : private StatusWindowOwner {
   void takeDrop(const MimePasteboard& pasteboard);
   [[nodiscard]] PreferencesServices preferencesServices();
   [[nodiscard]] QString storedDestinationPath();
+  [[nodiscard]] CompletionNoticeServices noticeServices();
+  /// Something waits or is being downloaded.
+  [[nodiscard]] bool hasWork() const;
   void showAbout();
   void restorePlaces();
   void storePlaces();
@@ -89,6 +94,8 @@ class Desktop final : private StatusWindowOwner {
   StatusWindow window_;
   DesktopApplication application_;
   app::Host host_;
+  CompletionNotice notice_;
+  app::ObservedDownloads downloads_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   ImportWindow importWindow_;

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <string>
 
+#include "desktop/Appearance.h"
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
 #include "desktop/LocalizedStrings.h"
@@ -47,7 +48,8 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   QApplication::setQuitOnLastWindowClosed(false);
 
   const LocalizedStrings strings;
-  QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.tessarysoftware.Quillforth.svg")));
+  const Appearance appearance;
+  QApplication::setWindowIcon(ProgramIcon());
   QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
   host::LinuxHost services;
   host::AssumedNetwork assumedNetwork;
