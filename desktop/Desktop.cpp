@@ -110,13 +110,13 @@ PreferencesServices Desktop::preferencesServices() {
 CompletionNoticeServices Desktop::noticeServices() {
   return {.userDefaults = host_.userDefaults,
           .localizedText = host_.localizedText,
-          .isWorkLeft = [this] { return hasWork(); },
+          .isWorkLeft = [this] { return downloads_.isBusy() || controller_.numberOfRows() > 0; },
           .isInFront = &IsInFront,
           .sound = [this] { return controller_.completionSound(); }};
 }
 
 QString Desktop::storedDestinationPath() {
-  const auto folder = app::StoredFolder(host_.userDefaults, host_.aliases, app::kDestinationDirectoryKey);
+  const auto folder = controller_.destinationFolder().storedDestinationFolder();
   return folder ? app::FolderPath(*folder, app::kLongestShownPath) : QString();
 }
 

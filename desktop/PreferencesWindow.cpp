@@ -26,7 +26,6 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
   connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
   connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
           &PreferencesWindow::reload);
-  reload();
 }
 
 PreferencesWindow::~PreferencesWindow() = default;

@@ -34,6 +34,7 @@ class PreferencesWindow final : public QDialog {
   Q_OBJECT
 
  public:
+  /// Asks nothing of the program before it is shown.
   explicit PreferencesWindow(PreferencesServices services, QWidget* parent = nullptr);
   ~PreferencesWindow() override;
 

@@ -425,7 +425,7 @@
     </message>
     <message>
         <source>&amp;Choose…</source>
-        <translation>Auswäh&amp;len…</translation>
+        <translation>Auswäh&amp;len&#xa0;…</translation>
     </message>
     <message>
         <source>Choose the folder that downloads go into</source>
@@ -445,7 +445,7 @@
     </message>
     <message>
         <source>&amp;Import…</source>
-        <translation>&amp;Importieren…</translation>
+        <translation>&amp;Importieren&#xa0;…</translation>
     </message>
     <message>
         <source>Queue the links of a page</source>
@@ -509,7 +509,7 @@
     </message>
     <message>
         <source>&amp;Import URL…</source>
-        <translation>URL &amp;importieren…</translation>
+        <translation>URL &amp;importieren&#xa0;…</translation>
     </message>
     <message>
         <source>Get URL from &amp;Browser</source>
@@ -521,7 +521,7 @@
     </message>
     <message>
         <source>Open &amp;Link File…</source>
-        <translation>&amp;Linkdatei öffnen…</translation>
+        <translation>&amp;Linkdatei öffnen&#xa0;…</translation>
     </message>
     <message>
         <source>Download what a link file names</source>
@@ -529,7 +529,7 @@
     </message>
     <message>
         <source>&amp;Choose Destination…</source>
-        <translation>Zielordner &amp;auswählen…</translation>
+        <translation>Zielordner &amp;auswählen&#xa0;…</translation>
     </message>
     <message>
         <source>Open &amp;Destination</source>
@@ -541,7 +541,7 @@
     </message>
     <message>
         <source>&amp;Aggregate…</source>
-        <translation>Ein&amp;sortieren…</translation>
+        <translation>Ein&amp;sortieren&#xa0;…</translation>
     </message>
     <message>
         <source>Sort the files in the destination folder into subfolders by extension</source>
@@ -573,7 +573,7 @@
     </message>
     <message>
         <source>P&amp;references…</source>
-        <translation>E&amp;instellungen…</translation>
+        <translation>E&amp;instellungen&#xa0;…</translation>
     </message>
     <message>
         <source>&amp;Clear</source>

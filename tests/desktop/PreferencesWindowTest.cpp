@@ -16,6 +16,7 @@ namespace {
 
 class Preferences : public ::testing::Test {
  protected:
+  Preferences() { window.show(); }
   [[nodiscard]] QCheckBox& box(QAnyStringView key) { return *window.findChild<QCheckBox*>(key.toString()); }
   platform::SettingsUserDefaults defaults, otherProcess;
   QString file = defaults.fileName();
