@@ -96,7 +96,8 @@ app::Host Desktop::decorated(const app::Host& host) {
           .currentSeconds = host.currentSeconds,
           .aggregation = host.aggregation,
           .fileComments = host.fileComments,
-          .observer = host.observer};
+          .observer = host.observer,
+          .events = host.events};
 }
 
 PreferencesServices Desktop::preferencesServices() {
