@@ -16,6 +16,7 @@ exec 3< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 2> /dev/null)
 xvfb=$!
 trap 'kill "$xvfb" 2> /dev/null || true; finish' EXIT
 read -r -t 10 number <&3
+chmod 700 "$work/home"
 export DISPLAY=:$number XDG_RUNTIME_DIR=$work/home
 
 for ((round = 0; round <= rounds; ++round)); do
