@@ -70,4 +70,8 @@ bool Preferences::playSoundWhenDone() const {
   return read(kPlaySoundWhenDone);
 }
 
+bool Preferences::allowKeystrokesForBrowserURL() const {
+  return read(kAllowKeystrokesForBrowserURL);
+}
+
 }  // namespace quillforth::app

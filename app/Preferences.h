@@ -36,6 +36,11 @@ inline constexpr BooleanPreference kShowAlertsWhenErrorsOccur{QLatin1String("sho
 inline constexpr BooleanPreference kNotifyWhenDone{QLatin1String("notifyWhenDone"), true};
 inline constexpr BooleanPreference kPlaySoundWhenDone{QLatin1String("playSoundWhenDone"), true};
 
+/// Lets the script for Firefox type into its window and read the clipboard, where it says its address in no
+/// other way.
+inline constexpr BooleanPreference kAllowKeystrokesForBrowserURL{
+    QLatin1String("allowKeystrokesForBrowserURL"), false};
+
 /// All boolean settings.
 inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
                                                 kBringApplicationToFront,
@@ -46,7 +51,8 @@ inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
                                                 kAggregateFiles,
                                                 kShowAlertsWhenErrorsOccur,
                                                 kNotifyWhenDone,
-                                                kPlaySoundWhenDone};
+                                                kPlaySoundWhenDone,
+                                                kAllowKeystrokesForBrowserURL};
 
 /// Holds the alias record of the folder that the user chose.
 inline constexpr QLatin1String kDestinationDirectoryKey("DestinationDirectory");
@@ -69,6 +75,7 @@ class Preferences {
   [[nodiscard]] bool showAlertsWhenErrorsOccur() const;
   [[nodiscard]] bool notifyWhenDone() const;
   [[nodiscard]] bool playSoundWhenDone() const;
+  [[nodiscard]] bool allowKeystrokesForBrowserURL() const;
 
   /// What is stored for this one alone, whether or not another one makes it count for nothing.
   [[nodiscard]] bool read(const BooleanPreference& preference) const;

@@ -266,6 +266,9 @@ Keys with a value of yes or no (or true, false, on, off, 1, 0):
                                        done, or a download failed, and no window
                                        of quillforth(1) is in front
   playSoundWhenDone (yes)              play a sound then
+  allowKeystrokesForBrowserURL (no)    let quillforth(1) copy the address of
+                                       Firefox with keystrokes, over the
+                                       clipboard, when it cannot be had else
 
 Key with a folder as its value:
   DestinationDirectory                 where downloads go: an existing folder,

@@ -35,6 +35,7 @@ constexpr std::array kReaders{
     BooleanReader{app::kShowAlertsWhenErrorsOccur.key, &app::Preferences::showAlertsWhenErrorsOccur},
     BooleanReader{app::kNotifyWhenDone.key, &app::Preferences::notifyWhenDone},
     BooleanReader{app::kPlaySoundWhenDone.key, &app::Preferences::playSoundWhenDone},
+    BooleanReader{app::kAllowKeystrokesForBrowserURL.key, &app::Preferences::allowKeystrokesForBrowserURL},
 };
 static_assert(kReaders.size() == app::kBooleanPreferences.size());
 

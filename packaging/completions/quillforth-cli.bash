@@ -6,7 +6,7 @@ _quillforth_cli() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
   local keys='showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName
     preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles
-    showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone DestinationDirectory'
+    showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone allowKeystrokesForBrowserURL DestinationDirectory'
   local words='' kind=''
   case $previous in
     --to | DestinationDirectory) kind=folder ;;
