@@ -2,6 +2,7 @@
 //
 // Which descriptor types turn into which.
 
+#include <QLocale>
 #include <QStringDecoder>
 #include <QStringEncoder>
 #include <algorithm>
@@ -49,6 +50,24 @@ std::optional<AEDescriptor> Narrowed(const AEDescriptor& from, FourCharCode /*to
   return Int16Descriptor(static_cast<std::int16_t>(*value));
 }
 
+QString TextOf(std::int32_t value) {
+  return QString::number(value);
+}
+
+QString TextOf(double value) {
+  return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+template <auto valueOf>
+std::optional<AEDescriptor> NumberToText(const AEDescriptor& from, FourCharCode /*to*/) {
+  const auto value = valueOf(from);
+  return value ? std::optional(UnicodeTextDescriptor(TextOf(*value))) : std::nullopt;
+}
+
+std::optional<AEDescriptor> TruthToText(const AEDescriptor& from, FourCharCode /*to*/) {
+  return UnicodeTextDescriptor(from.type() == type::kTrue ? u"true" : u"false");
+}
+
 std::optional<AEDescriptor> SameFields(const AEDescriptor& from, FourCharCode to) {
   AEDescriptor result(to, {});
   for (const AEDescriptor::Item& item : from.items()) result.setField(item.keyword, item.value);
@@ -77,6 +96,11 @@ constexpr std::array kRules{
     Rule{type::kText, type::kUTF8Text, SameData},
     Rule{type::kInt16, type::kInt32, Widened},
     Rule{type::kInt32, type::kInt16, Narrowed},
+    Rule{type::kInt16, type::kUnicodeText, NumberToText<Int16Value>},
+    Rule{type::kInt32, type::kUnicodeText, NumberToText<Int32Value>},
+    Rule{type::kFloat64, type::kUnicodeText, NumberToText<Float64Value>},
+    Rule{type::kTrue, type::kUnicodeText, TruthToText},
+    Rule{type::kFalse, type::kUnicodeText, TruthToText},
     Rule{type::kObjectSpecifier, type::kRecord, SameFields},
     Rule{type::kRecord, type::kObjectSpecifier, RecordToSpecifier},
 };

@@ -44,6 +44,11 @@ const AEDescriptor* AEDescriptor::field(common::FourCharCode keyword) const& {
   return found == items_.end() ? nullptr : &found->value;
 }
 
+const AEDescriptor* AEDescriptor::descriptorAtIndex(std::int32_t index) const& {
+  const bool isThere = index >= 1 && static_cast<std::size_t>(index) <= items_.size();
+  return isThere ? &items_[static_cast<std::size_t>(index) - 1].value : nullptr;
+}
+
 void AEDescriptor::append(AEDescriptor item) {
   items_.push_back({descriptor_type::kWildcard, std::move(item)});
 }
@@ -64,6 +69,10 @@ AEDescriptor Int16Descriptor(std::int16_t value) {
 
 AEDescriptor Int32Descriptor(std::int32_t value) {
   return {descriptor_type::kInt32, BigEndianBytes(value)};
+}
+
+AEDescriptor Float64Descriptor(double value) {
+  return {descriptor_type::kFloat64, BigEndianBytes(value)};
 }
 
 AEDescriptor CodeDescriptor(common::FourCharCode type, common::FourCharCode code) {
@@ -91,6 +100,10 @@ std::optional<std::int16_t> Int16Value(const AEDescriptor& descriptor) {
 
 std::optional<std::int32_t> Int32Value(const AEDescriptor& descriptor) {
   return NumberOf<std::int32_t>(descriptor, descriptor_type::kInt32);
+}
+
+std::optional<double> Float64Value(const AEDescriptor& descriptor) {
+  return NumberOf<double>(descriptor, descriptor_type::kFloat64);
 }
 
 std::optional<common::FourCharCode> CodeValue(const AEDescriptor& descriptor, common::FourCharCode type) {

@@ -28,6 +28,9 @@ inline constexpr common::FourCharCode kUTF8Text = common::FourCC("utf8");
 inline constexpr common::FourCharCode kText = common::FourCC("TEXT");   ///< default text encoding: UTF-8
 inline constexpr common::FourCharCode kInt16 = common::FourCC("shor");  ///< signed
 inline constexpr common::FourCharCode kInt32 = common::FourCC("long");  ///< signed
+inline constexpr common::FourCharCode kFloat64 = common::FourCC("doub");
+inline constexpr common::FourCharCode kTrue = common::FourCC("true");   ///< no data
+inline constexpr common::FourCharCode kFalse = common::FourCC("fals");  ///< no data
 inline constexpr common::FourCharCode kType =
     common::FourCC("type");  ///< the data are a type's or class's code
 inline constexpr common::FourCharCode kEnumerated = common::FourCC("enum");
@@ -75,6 +78,9 @@ class AEDescriptor {
   /// A container's own, in order; the keywords of a list's items mean nothing.
   [[nodiscard]] const std::vector<Item>& items() const& { return items_; }
   const std::vector<Item>& items() const&& = delete;
+  /// An item of a list, counted from 1; null when there is none, as at 0.
+  [[nodiscard]] const AEDescriptor* descriptorAtIndex(std::int32_t index) const&;
+  const AEDescriptor* descriptorAtIndex(std::int32_t index) const&& = delete;
   /// Null when there is none. Looks through all fields.
   [[nodiscard]] const AEDescriptor* field(common::FourCharCode keyword) const&;
   const AEDescriptor* field(common::FourCharCode keyword) const&& = delete;
@@ -106,6 +112,7 @@ struct DescriptorResult {
 
 [[nodiscard]] AEDescriptor Int16Descriptor(std::int16_t value);
 [[nodiscard]] AEDescriptor Int32Descriptor(std::int32_t value);
+[[nodiscard]] AEDescriptor Float64Descriptor(double value);
 /// `type` is one whose data are a code: type, enumerated, application signature.
 [[nodiscard]] AEDescriptor CodeDescriptor(common::FourCharCode type, common::FourCharCode code);
 [[nodiscard]] AEDescriptor UnicodeTextDescriptor(QStringView text);
@@ -115,14 +122,16 @@ struct DescriptorResult {
 // What a descriptor of exactly that type holds; nothing for another type or a wrong length.
 [[nodiscard]] std::optional<std::int16_t> Int16Value(const AEDescriptor& descriptor);
 [[nodiscard]] std::optional<std::int32_t> Int32Value(const AEDescriptor& descriptor);
+[[nodiscard]] std::optional<double> Float64Value(const AEDescriptor& descriptor);
 [[nodiscard]] std::optional<common::FourCharCode> CodeValue(const AEDescriptor& descriptor,
                                                             common::FourCharCode type);
 /// Never null; an odd last byte is dropped. Units that are no characters stay.
 [[nodiscard]] std::optional<QString> UnicodeTextValue(const AEDescriptor& descriptor);
 
 /// The same value as another type: itself for its own type and the wildcard; UTF-16, UTF-8 and plain text,
-/// the two integers, and record and object specifier, each into the other, where nothing is lost. The null
-/// descriptor has no value and stays itself. Everything else is -1700.
+/// the two integers, and record and object specifier, each into the other, where nothing is lost; numbers and
+/// truth values into text, in English form. The null descriptor has no value and stays itself. Everything
+/// else is -1700.
 [[nodiscard]] DescriptorResult CoerceDescriptor(const AEDescriptor& descriptor, common::FourCharCode type);
 
 /// Makes it the null descriptor. -50 for a null pointer.

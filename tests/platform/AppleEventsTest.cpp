@@ -58,7 +58,7 @@ TEST(AppleEvents, ACoercionGivesTheSameValueOrIsRefused) {
       {Int32Descriptor(-32768), type::kInt16, Int16Descriptor(-32768)},
       {Int32Descriptor(32768), type::kInt16, std::nullopt},
       {{type::kInt32, "abc"}, type::kInt16, std::nullopt},
-      {Int16Descriptor(7), type::kUnicodeText, std::nullopt},
+      {Int16Descriptor(7), type::kUnicodeText, UnicodeTextDescriptor(u"7")},
       {record, type::kObjectSpecifier, specifier},
       {specifier, type::kRecord, record},
       {incomplete, type::kObjectSpecifier, std::nullopt},

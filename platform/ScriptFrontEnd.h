@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+//
+// What a script host needs of the windows it serves. Main thread.
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace quillforth::platform {
+
+class ScriptFrontEnd {
+ public:
+  virtual ~ScriptFrontEnd() = default;
+  virtual void activateThisProgram() = 0;
+  /// Whether the user lets scripts type into a browser and read the clipboard.
+  [[nodiscard]] virtual bool allowsKeystrokes() = 0;
+  /// Asked only while those are allowed. Nothing when the clipboard holds no text, or its owner does not
+  /// answer in time.
+  [[nodiscard]] virtual std::optional<QString> clipboardText() = 0;
+};
+
+}  // namespace quillforth::platform
