@@ -15,6 +15,8 @@
 #include "platform/InternetConfig.h"
 #include "platform/NetworkDiagnostics.h"
 #include "platform/PageLoader.h"
+#include "platform/RunningProcesses.h"
+#include "platform/ScriptHost.h"
 #include "platform/Sound.h"
 #include "platform/SystemLog.h"
 #include "platform/UserDefaults.h"
@@ -75,12 +77,14 @@ struct Host {
   platform::MainBundle& mainBundle;
   platform::SoundLoader& sounds;
   platform::SystemLog& log;
-  LocalizedText localizedText;                    ///< table "LocalizedStrings"; the key when untranslated
-  std::function<std::uint32_t()> currentSeconds;  ///< wall clock in whole seconds; wraps
-  FolderAggregation* aggregation = nullptr;       ///< null: folders are never sorted
-  FileComments* fileComments = nullptr;           ///< null: files get no comment
-  DriverObserver* observer = nullptr;             ///< null: nobody listens
-  const EventIntake* events = nullptr;            ///< null: no events come in
+  LocalizedText localizedText;                      ///< table "LocalizedStrings"; the key when untranslated
+  std::function<std::uint32_t()> currentSeconds;    ///< wall clock in whole seconds; wraps
+  FolderAggregation* aggregation = nullptr;         ///< null: folders are never sorted
+  FileComments* fileComments = nullptr;             ///< null: files get no comment
+  DriverObserver* observer = nullptr;               ///< null: nobody listens
+  const EventIntake* events = nullptr;              ///< null: no events come in
+  platform::RunningProcesses* processes = nullptr;  ///< null: no browser ever runs
+  platform::ScriptHost* scripts = nullptr;          ///< null: no script compiles
 };
 
 }  // namespace quillforth::app

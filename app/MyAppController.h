@@ -88,7 +88,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void downloadDidFailWithError(platform::WebDownload& download,
                                 const platform::DownloadError& error) override;
 
-  // URL intake (Intake.cpp).
+  // URL intake (Intake.cpp, BrowserIntake.cpp).
   /// Replaces the queue with the links of the page that stands in the import field, and orders `sender` out.
   /// An empty field only does the latter.
   void importURL(Window& sender);
@@ -100,6 +100,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void extractLinks(const QString& pageURL);
   /// Page or file; may ask the server, up to ten seconds of silence.
   [[nodiscard]] bool isWebPageURL(const QString& url);
+  /// Takes the page that a running browser shows, or says that there is none. Blocks, for seconds at most.
+  void processCurrentBrowserURL();
 
   // URLs from other programs (AppleEventIntake.cpp).
   /// Installs the handlers of the two events; they are removed when the controller goes.

@@ -89,6 +89,12 @@ class Stage {
       urls << controller_->objectValueForRow(row);
     log_.add(urls.join(u' ').toStdString());
   }
+  void run() {
+    const auto code = platform::CodeValue({platform::descriptor_type::kType, a_.substr(0, 4).c_str()},
+                                          platform::descriptor_type::kType);
+    host_.services.processes.push_back({common::FourCC("APPL"), *code, 1});
+    if (b_ == "other") host_.services.processes.back().fileType = 0;
+  }
   void select() {
     std::vector<std::size_t> rows;
     for (const char row : a_) rows.push_back(static_cast<std::size_t>(row - '0'));
@@ -160,6 +166,8 @@ class Stage {
       {"panel", [this] { host_.application.panelAnswer = Q(a_); }},
       {"network", [this] { host_.services.network = platform::NetworkStatus{std::stoi(a_)}; }},
       {"sayYes", [this] { host_.application.alertAnswer = app::AlertResult::defaultButton; }},
+      {"running", [this] { run(); }},
+      {"address", [this] { host_.services.scriptResult = Q(a_); }},
       {"sheetCode", [this] { outlets_.statusWindow.sheetReturnCode = std::stoi(a_); }},
       {"touch", [this] { static_cast<void>(QFile(QDir::home().filePath(Q(a_))).open(QFile::WriteOnly)); }},
       {"fork", [this] { addFork("url "); }},
@@ -184,6 +192,7 @@ class Stage {
       {"alert", [this] { controller_->doAlertAdding(Q(a_), Q(b_)); }},
       {"preferences", [this] { controller_->showPreferencesWindow(); }},
       {"isPage", [this] { log_.add(controller_->isWebPageURL(Q(a_)) ? "page" : "file"); }},
+      {"browser", [this] { controller_->processCurrentBrowserURL(); }},
       {"choose", [this] { choose(); }},
       {"decide", [this] { decide(); }},
       {"openFolder", [this] { controller_->openDestinationDirectory(); }},

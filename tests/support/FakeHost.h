@@ -106,6 +106,8 @@ class FakeServices final : public platform::NetworkDiagnostics,
                            public platform::SoundLoader,
                            public platform::SystemLog,
                            public platform::ResourceManager,
+                           public platform::RunningProcesses,
+                           public platform::ScriptHost,
                            public app::FolderAggregation,
                            public app::FileComments,
                            public app::DriverObserver,
@@ -118,6 +120,8 @@ class FakeServices final : public platform::NetworkDiagnostics,
   std::optional<QString> soundPath;
   std::vector<platform::ICMapEntry> mappings;
   std::map<std::string, QByteArray> forks;  ///< by path
+  std::vector<platform::RunningProcess> processes;
+  std::optional<QString> scriptResult;
 
   platform::NetworkStatus copyNetworkStatusPassively() override { return network; }
   void diagnoseProblemInteractively() override { note("diagnose"); }
@@ -162,6 +166,11 @@ class FakeServices final : public platform::NetworkDiagnostics,
   std::unique_ptr<platform::ResourceFork> openResourceFork(const platform::FileReference& file) override {
     return platform::ResourceMap::read(forks[file.path()]);
   }
+  std::vector<platform::RunningProcess> runningProcesses() override { return processes; }
+  std::optional<platform::AEDescriptor> compileAndRun(const QString& source) override {
+    note("script ", source);
+    return scriptResult ? std::optional(platform::UnicodeTextDescriptor(*scriptResult)) : std::nullopt;
+  }
   void aggregateFolder(const QString& path) override { note("aggregate ", path); }
   void setComment(const QString& path, const QString& comment) override {
     note("comment ", QStringList{path, comment});
@@ -184,9 +193,9 @@ struct FakeHost {
   [[nodiscard]] app::Host host(const app::EventIntake* events = nullptr) {
     const auto localizedText = [this](const QString& key) { return ++translations, key; };
     const auto currentSeconds = [this] { return seconds; };
-    return {application,   defaults,       downloads, services,  services,  services,
-            services,      services,       files,     services,  services,  services,
-            localizedText, currentSeconds, &services, &services, &services, events};
+    return {application, defaults,  downloads, services, services,  services,      services,
+            services,    files,     services,  services, services,  localizedText, currentSeconds,
+            &services,   &services, &services, events,   &services, &services};
   }
 };
 
