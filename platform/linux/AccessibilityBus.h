@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+//
+// Asks other programs about their windows over the accessibility bus (AT-SPI, the D-Bus interfaces
+// org.a11y.atspi.*).
+//
+// Nobody there is trusted: a call that is not answered soon is the last one to its program, one object serves
+// only so many calls and so much time, and a reply of another shape is no reply. Nothing is started or
+// switched on by asking. Main thread.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDeadlineTimer>
+#include <QSet>
+#include <QString>
+#include <QVariant>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillforth::platform {
+
+struct AccessibleObject {
+  QString program;  ///< its name on the bus
+  QString path;
+};
+
+namespace accessible_role {
+inline constexpr std::uint32_t kFrame = 23;
+inline constexpr std::uint32_t kWindow = 69;
+inline constexpr std::uint32_t kDocumentWeb = 95;
+}  // namespace accessible_role
+
+/// What holds of an object: bits by the numbers of AtspiStateType.
+struct AccessibleStates {
+  std::uint64_t bits = 0;
+
+  [[nodiscard]] bool isActive() const { return (bits >> 1 & 1) != 0; }
+  [[nodiscard]] bool isFocused() const { return (bits >> 12 & 1) != 0; }
+  [[nodiscard]] bool isIconified() const { return (bits >> 15 & 1) != 0; }
+  [[nodiscard]] bool isShowing() const { return (bits >> 25 & 1) != 0; }
+};
+
+class AccessibilityBus {
+ public:
+  static constexpr int kMillisecondsPerCall = 500;
+  static constexpr int kMilliseconds = 2500;
+  static constexpr int kCalls = 4000;
+  /// More children of one object are left out.
+  static constexpr std::size_t kChildren = 1000;
+
+  /// Null when the session has no such bus.
+  [[nodiscard]] static std::unique_ptr<AccessibilityBus> open();
+  ~AccessibilityBus();
+  AccessibilityBus(const AccessibilityBus&) = delete;
+  AccessibilityBus& operator=(const AccessibilityBus&) = delete;
+
+  // Each is empty, or nothing, on every failure.
+  [[nodiscard]] std::vector<AccessibleObject> applications();
+  [[nodiscard]] std::optional<std::int64_t> processID(const QString& program);
+  [[nodiscard]] std::vector<AccessibleObject> children(const AccessibleObject& object);
+  /// What an object says that it is there for (the relation "embeds").
+  [[nodiscard]] std::vector<AccessibleObject> embeddedObjects(const AccessibleObject& object);
+  [[nodiscard]] std::optional<std::uint32_t> role(const AccessibleObject& object);
+  [[nodiscard]] std::optional<AccessibleStates> states(const AccessibleObject& object);
+  [[nodiscard]] QString name(const AccessibleObject& object);
+  /// The address of a document as its browser says it; null when it does not.
+  [[nodiscard]] QString documentAddress(const AccessibleObject& document);
+  /// Asks for a window to come to the front. That it was asked says nothing.
+  void grabFocus(const AccessibleObject& window);
+  /// Presses and releases a Latin letter's key while Control is down, in whatever window is in front.
+  [[nodiscard]] bool typeWithControl(char letter);
+
+ private:
+  explicit AccessibilityBus(QDBusConnection connection) : connection_(std::move(connection)) {}
+  /// The reply's values, which are of the types in `signature`; nothing on every failure.
+  [[nodiscard]] std::optional<QVariantList> call(const AccessibleObject& object, const char* interface,
+                                                 const char* method, const QVariantList& arguments,
+                                                 const char* signature);
+  [[nodiscard]] bool generateKeyboardEvent(int key, std::uint32_t kind);
+
+  QDBusConnection connection_;
+  QDeadlineTimer deadline_{kMilliseconds};
+  int callsLeft_ = kCalls;
+  QSet<QString> silentPrograms_;
+};
+
+}  // namespace quillforth::platform
