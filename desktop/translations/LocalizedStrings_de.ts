@@ -282,6 +282,30 @@
         <source>Only http, https and ftp URLs can be downloaded.</source>
         <translation>Nur URLs mit http, https oder ftp können heruntergeladen werden.</translation>
     </message>
+    <message>
+        <source>Browsers say their address only while accessibility is on for your session.</source>
+        <translation>Browser sagen ihre Adresse nur, solange die Barrierefreiheit für Ihre Sitzung eingeschaltet ist.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start Firefox again.</source>
+        <translation>Starten Sie Firefox neu, sobald die Barrierefreiheit eingeschaltet ist.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start the browser again. If it still says no address, start it with the option --force-renderer-accessibility.</source>
+        <translation>Starten Sie den Browser neu, sobald die Barrierefreiheit eingeschaltet ist. Sagt er immer noch keine Adresse, starten Sie ihn mit der Option --force-renderer-accessibility.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start GNOME Web again.</source>
+        <translation>Starten Sie GNOME Web neu, sobald die Barrierefreiheit eingeschaltet ist.</translation>
+    </message>
+    <message>
+        <source>Could not retrieve browser URL.</source>
+        <translation>Die URL des Browsers war nicht zu bekommen.</translation>
+    </message>
+    <message>
+        <source>Either your browser is not running, doesn&apos;t have an open window, or it isn&apos;t supported by this feature.</source>
+        <translation>Entweder läuft Ihr Browser nicht, er hat kein offenes Fenster, oder diese Funktion unterstützt ihn nicht.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -404,6 +428,18 @@
     <message>
         <source>&amp;Close</source>
         <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>Address of the browser</source>
+        <translation>Adresse des Browsers</translation>
+    </message>
+    <message>
+        <source>Only while Firefox does not say its address otherwise. What is on the clipboard is lost. Not possible on Wayland.</source>
+        <translation>Nur solange Firefox seine Adresse nicht anders sagt. Was in der Zwischenablage ist, geht verloren. Unter Wayland nicht möglich.</translation>
+    </message>
+    <message>
+        <source>All&amp;ow keystrokes to copy the address of Firefox</source>
+        <translation>&amp;Tastendrücke zum Kopieren der Adresse von Firefox erlauben</translation>
     </message>
 </context>
 <context>

@@ -282,6 +282,30 @@
         <source>Only http, https and ftp URLs can be downloaded.</source>
         <translation>Seules les URL http, https et ftp peuvent être téléchargées.</translation>
     </message>
+    <message>
+        <source>Browsers say their address only while accessibility is on for your session.</source>
+        <translation>Les navigateurs n’indiquent leur adresse que si l’accessibilité est activée pour votre session.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start Firefox again.</source>
+        <translation>Une fois l’accessibilité activée, redémarrez Firefox.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start the browser again. If it still says no address, start it with the option --force-renderer-accessibility.</source>
+        <translation>Une fois l’accessibilité activée, redémarrez le navigateur. S’il n’indique toujours pas son adresse, lancez-le avec l’option --force-renderer-accessibility.</translation>
+    </message>
+    <message>
+        <source>Once accessibility is on, start GNOME Web again.</source>
+        <translation>Une fois l’accessibilité activée, redémarrez GNOME Web.</translation>
+    </message>
+    <message>
+        <source>Could not retrieve browser URL.</source>
+        <translation>Impossible d’obtenir l’URL du navigateur.</translation>
+    </message>
+    <message>
+        <source>Either your browser is not running, doesn&apos;t have an open window, or it isn&apos;t supported by this feature.</source>
+        <translation>Votre navigateur n’est pas ouvert, n’a pas de fenêtre ouverte, ou n’est pas pris en charge par cette fonction.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -404,6 +428,18 @@
     <message>
         <source>&amp;Close</source>
         <translation>F&amp;ermer</translation>
+    </message>
+    <message>
+        <source>Address of the browser</source>
+        <translation>Adresse du navigateur</translation>
+    </message>
+    <message>
+        <source>Only while Firefox does not say its address otherwise. What is on the clipboard is lost. Not possible on Wayland.</source>
+        <translation>Seulement tant que Firefox n’indique pas son adresse autrement. Le contenu du presse-papiers est perdu. Impossible sous Wayland.</translation>
+    </message>
+    <message>
+        <source>All&amp;ow keystrokes to copy the address of Firefox</source>
+        <translation>A&amp;utoriser la frappe simulée pour copier l’adresse de Firefox</translation>
     </message>
 </context>
 <context>
