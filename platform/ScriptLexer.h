@@ -27,7 +27,7 @@ struct ScriptToken {
 };
 
 /// Longer scripts are refused, in UTF-16 units.
-inline constexpr qsizetype kMaximumScriptLength = 16 * 1024;
+inline constexpr qsizetype kMaximumScriptLength = 16384;
 
 /// Nothing when the text is too long or holds what belongs to no token. In texts \" \\ \n \r and \t stand for
 /// one character each.

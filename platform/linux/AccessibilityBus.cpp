@@ -151,7 +151,7 @@ QString AccessibilityBus::documentAddress(const AccessibleObject& document) {
   for (const char* attribute : {"DocURL", "URI"}) {  // as Firefox calls it, and as the others do
     const auto reply =
         call(document, "org.a11y.atspi.Document", "GetAttributeValue", {QString::fromLatin1(attribute)}, "s");
-    const QString address = reply ? (*reply)[0].toString() : QString();
+    QString address = reply ? (*reply)[0].toString() : QString();
     if (!address.isEmpty()) return address;
   }
   return {};

@@ -88,7 +88,7 @@ class LinuxScriptEffects final : public ScriptEffects {
   std::optional<QString> clipboardText() override {
     if (!copied_.isNull()) return copied_;
     if (!allowsKeystrokes()) return std::nullopt;
-    const std::optional<QString> text = frontEnd_->clipboardText();
+    std::optional<QString> text = frontEnd_->clipboardText();
     if (!text || !hasTyped_) return text;
     const QString address = WebAddress(*text);
     return address.isNull() ? std::nullopt : std::optional(address);
