@@ -15,7 +15,7 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block) {
   try {
     worker = std::thread([&block, &loop] {
       block();
-      QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+      QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
     });
   } catch (const std::system_error&) {
     return block();
