@@ -6,6 +6,10 @@
 
 namespace quillforth::host {
 
+LinuxHost::LinuxHost() {
+  events_.registerTarget(kSignature, dispatcher_);
+}
+
 app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagnostics& network) {
   return {.application = application,
           .userDefaults = defaults_,
@@ -22,7 +26,8 @@ app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagno
           .localizedText = [](const QString& key) { return key; },
           .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
           .aggregation = &aggregation_,
-          .fileComments = &fileComments_};
+          .fileComments = &fileComments_,
+          .events = &eventIntake_};
 }
 
 }  // namespace quillforth::host

@@ -8,6 +8,7 @@
 #include "app/Aggregation.h"
 #include "app/FinderFileComments.h"
 #include "app/Host.h"
+#include "platform/FSRefTable.h"
 #include "platform/linux/CurlDownloadService.h"
 #include "platform/linux/CurlPageLoader.h"
 #include "platform/linux/CurlReadStream.h"
@@ -20,6 +21,7 @@
 #include "platform/linux/LinuxMainBundle.h"
 #include "platform/linux/LinuxNetworkDiagnostics.h"
 #include "platform/linux/LinuxOriginURLWriter.h"
+#include "platform/linux/LinuxResourceManager.h"
 #include "platform/linux/SettingsUserDefaults.h"
 #include "platform/linux/SharedMimeInfo.h"
 #include "platform/linux/SndfileSoundLoader.h"
@@ -29,11 +31,16 @@ namespace quillforth::host {
 
 class LinuxHost {
  public:
+  /// Under which Apple events reach the program itself.
+  static constexpr common::FourCharCode kSignature = common::FourCC("Qlfh");
+
+  LinuxHost();
   /// A host that asks this front end; texts are not translated. This outlives it.
   [[nodiscard]] app::Host host(app::Application& application) { return host(application, network_); }
   /// The same, with another idea of the network.
   [[nodiscard]] app::Host host(app::Application& application, platform::NetworkDiagnostics& network);
   [[nodiscard]] platform::CurlDownloadService& downloads() { return downloads_; }
+  [[nodiscard]] platform::AppleEventSender& events() { return events_; }
   [[nodiscard]] platform::SettingsUserDefaults& userDefaults() { return defaults_; }
 
  private:
@@ -53,6 +60,10 @@ class LinuxHost {
   platform::SyslogSystemLog log_;
   platform::AppleEventManager events_;
   platform::LinuxFinder finder_{events_};
+  platform::AppleEventDispatcher dispatcher_;
+  platform::FSRefTable references_;
+  platform::LinuxResourceManager resources_;
+  const app::EventIntake eventIntake_{dispatcher_, references_, resources_};
   platform::LinuxOriginURLWriter origins_;
   app::FinderFileComments fileComments_{events_, origins_};
   platform::LinuxFolderAccess folders_;
