@@ -29,6 +29,8 @@ class CommandGate {
   /// Does `command` from the event loop, in its turn, with the callbacks of downloads that are due before it.
   /// False when too many wait; then it is never done.
   bool post(Command command);
+  /// How many more commands may be posted now.
+  [[nodiscard]] std::size_t room() const { return isClosed_ ? 0 : kMaxWaiting - waiting_.size(); }
   /// Drops what waits, and refuses the rest: the program ends.
   void close();
   [[nodiscard]] bool isClosed() const { return isClosed_; }

@@ -20,9 +20,16 @@ std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> argume
   parser.set_version_flag("--version", "quillforth " QUILLFORTH_VERSION);
   parser.add_flag("--local", parsed.isNetworkAssumedUp,
                   "Take the network as up without asking, for servers on this machine");
-  parser.add_option("URL", parsed.urls,
-                    "Taken as if dropped on the window: pages with all their links, files");
-  parser.footer("In a terminal: quillforth-cli --help");
+  parser.add_flag("--download-selection", parsed.isSelectionWanted,
+                  "Download the URL that is selected on the screen, or else in the clipboard");
+  parser.add_flag("--service", parsed.isService,
+                  "Show no window before another program asks for something over D-Bus");
+  parser.add_flag("--print-selection", parsed.isSelectionHelper)->group("");
+  parser.add_option("FILE-OR-URL", parsed.filesAndURLs,
+                    "Link files, opened for the URL in them; URLs, taken as if dropped on the window: pages "
+                    "with all their links, files");
+  parser.footer(
+      "What is asked of a second start is done by the one that runs.\nIn a terminal: quillforth-cli --help");
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
   try {
     parser.parse(std::move(arguments));

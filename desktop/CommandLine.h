@@ -10,8 +10,11 @@
 namespace quillforth::desktop {
 
 struct Arguments {
-  std::vector<std::string> urls;
+  std::vector<std::string> filesAndURLs;
   bool isNetworkAssumedUp = false;
+  bool isSelectionWanted = false;  ///< what is selected on the screen shall be downloaded
+  bool isService = false;          ///< no window until somebody asks for something
+  bool isSelectionHelper = false;  ///< prints what is selected on the screen, and ends
 };
 
 /// A command line that is answered, rightly or wrongly, without a window.

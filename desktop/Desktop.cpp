@@ -127,6 +127,11 @@ void Desktop::start() {
   controller_.applicationWillFinishLaunching();
 }
 
+void Desktop::bringForward() {
+  controller_.statusWindow().makeKeyAndOrderFront();
+  application_.activateIgnoringOtherApps();
+}
+
 void Desktop::bind(QAction* action, QAbstractButton* button, Command command) {
   const auto post = [this, command] { gate_.post([this, command] { (controller_.*command)(); }); };
   if (action != nullptr) QObject::connect(action, &QAction::triggered, &window_, post);

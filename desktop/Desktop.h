@@ -49,6 +49,8 @@ class Desktop final : private StatusWindowOwner {
 
   /// Starts the controller and shows the window. Questions to the user may come up in here.
   void start();
+  /// The user wants to see the window: whatever the settings say, it comes to the front.
+  void bringForward();
   /// Takes a text as if it was dropped; false when it makes no URL.
   bool takeURL(const QString& text);
   /// Ends the event loop, and with it whatever is waited for. Nobody is asked.
@@ -59,6 +61,8 @@ class Desktop final : private StatusWindowOwner {
   [[nodiscard]] StatusWindow& statusWindow() { return window_; }
   [[nodiscard]] app::MyAppController& controller() { return controller_; }
   [[nodiscard]] CommandGate& gate() { return gate_; }
+  /// Null until the controller has started.
+  [[nodiscard]] app::ServicesProvider* servicesProvider() const { return application_.servicesProvider(); }
 
   /// What answers "Get URL from Browser"; the command is there from then on.
   void setBrowserURLCommand(std::function<void()> command);

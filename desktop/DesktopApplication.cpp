@@ -11,6 +11,7 @@
 #include <QScopedPointer>
 #include <QUrl>
 
+#include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
 
 namespace quillforth::desktop {
@@ -36,7 +37,7 @@ void DesktopApplication::activateIgnoringOtherApps() {
   if (window_.isMinimized()) window_.showNormal();
   if (QApplication::activeWindow() != nullptr) return;
   window_.raise();
-  window_.activateWindow();
+  ActivateWindow(window_);
 }
 
 void DesktopApplication::beep() {

@@ -24,10 +24,14 @@ class DesktopApplication final : public app::Application {
   [[nodiscard]] std::optional<QString> runOpenPanel(const app::FolderPanel& panel) override;
   [[nodiscard]] app::ChosenFolder runChooseFolderDialog(const app::FolderPanel& panel) override;
   void openFile(const QString& path) override;
+  void setServicesProvider(app::ServicesProvider& provider) override { servicesProvider_ = &provider; }
+  /// Null until the controller has started.
+  [[nodiscard]] app::ServicesProvider* servicesProvider() const { return servicesProvider_; }
 
  private:
   QWidget& window_;
   CommandGate& gate_;
+  app::ServicesProvider* servicesProvider_ = nullptr;
 };
 
 }  // namespace quillforth::desktop

@@ -4,24 +4,35 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <string>
 
+#include "desktop/Activation.h"
 #include "desktop/Appearance.h"
+#include "desktop/BusService.h"
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
+#include "desktop/InstanceServer.h"
 #include "desktop/LocalizedStrings.h"
+#include "desktop/RequestIntake.h"
 #include "host/AssumedNetwork.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
+#include "platform/linux/SingleInstance.h"
 
 namespace quillforth::desktop {
 
 namespace {
+
+constexpr std::chrono::seconds kHandOverPatience(20);
+// How long a start by the bus waits without a window for something to do.
+constexpr std::chrono::seconds kServicePatience(60);
 
 // Qt ends the program with a core dump where there is no display; this says it in a line.
 void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
@@ -37,20 +48,96 @@ bool HasDisplay() {
                      [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); });
 }
 
+// What the command line asks for. Arguments that are neither files nor URLs are reported and left out.
+Request RequestOf(const Arguments& arguments) {
+  const QString token = TakeActivationTokenOfStart();
+  if (arguments.isSelectionWanted) return {Request::Kind::downloadSelection, {}, token};
+  const bool isActivation = arguments.filesAndURLs.empty() && !arguments.isService;
+  Request request{isActivation ? Request::Kind::activate : Request::Kind::open, {}, token};
+  for (const std::string& argument : arguments.filesAndURLs) {
+    if (const std::optional<QString> uri = URIOfArgument(argument)) {
+      request.texts.append(*uri);
+    } else {
+      std::fprintf(stderr, "quillforth: %s: neither a file nor a URL\n",
+                   platform::WithoutCredentials(QString::fromStdString(argument)).toLocal8Bit().constData());
+    }
+  }
+  return request;
+}
+
+// What the process is to end with, when another instance has the request or shall have it.
+std::optional<int> HandOver(const Request& request, platform::SingleInstance& instance) {
+  using Outcome = platform::SingleInstance::Outcome;
+  switch (instance.begin(LineOfRequest(request).toStdString(), kHandOverPatience)) {
+    case Outcome::isFirst:
+      return std::nullopt;
+    case Outcome::handedOver:
+      return EXIT_SUCCESS;
+    case Outcome::noFolder:
+      std::fputs("quillforth: no safe folder for the lock; a second start will not find this one\n", stderr);
+      return std::nullopt;
+    case Outcome::noAnswer:
+      break;
+  }
+  std::fputs("quillforth: the Quillforth that runs does not answer, or has too much to do\n", stderr);
+  return EXIT_FAILURE;
+}
+
+int RunSelectionHelper(int argc, char** argv) {
+  const QGuiApplication application(argc, argv);
+  PrintSelection();
+  return EXIT_SUCCESS;
+}
+
+void DescribeApplication() {
+  QApplication::setApplicationDisplayName(QStringLiteral("Quillforth"));
+  QApplication::setApplicationVersion(QStringLiteral(QUILLFORTH_VERSION));
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(ProgramIcon());
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
+}
+
+// The ways in for other programs are open before the first window asks anything of the user.
+int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
+                const platform::SingleInstance& instance, bool isService) {
+  InstanceServer server(intake);
+  const std::string& path = instance.socketPath();
+  if (!path.empty() && !server.listen(QString::fromLocal8Bit(path))) {
+    std::fprintf(stderr, "quillforth: %s: cannot listen for further starts\n", path.c_str());
+  }
+  BusService bus(intake);
+  const bool isOnBus = bus.begin();
+  desktop.setOpenDocumentsCommand([&intake](const QStringList& paths) { intake.openDocuments(paths); });
+  if (isService && !isOnBus) return EXIT_FAILURE;
+  if (!isService && intake.take(request) != RequestHandler::Answer::taken) return EXIT_FAILURE;
+  QTimer idle;
+  idle.setSingleShot(true);
+  idle.callOnTimeout([&] {
+    if (!intake.hasBegun()) desktop.quit();
+  });
+  idle.start(kServicePatience);
+  if (!desktop.isQuitting()) QApplication::exec();
+  return EXIT_SUCCESS;
+}
+
 int Run(const Arguments& arguments, int argc, char** argv) {
   if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
+  if (arguments.isSelectionHelper) return RunSelectionHelper(argc, argv);
+  const Request request = RequestOf(arguments);
+  if (const QString fault = Fault(request); !fault.isNull()) {
+    std::fprintf(stderr, "quillforth: %s\n", qPrintable(fault));
+    return EXIT_FAILURE;
+  }
+  platform::SingleInstance instance;
+  if (const std::optional<int> status = HandOver(request, instance)) return *status;
   const platform::Interruption interruption;
   const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
   QApplication application(argc, argv);
   qInstallMessageHandler(usual);
-  QApplication::setApplicationDisplayName(QStringLiteral("Quillforth"));
-  QApplication::setApplicationVersion(QStringLiteral(QUILLFORTH_VERSION));
-  QApplication::setQuitOnLastWindowClosed(false);
+  DescribeApplication();
 
   const LocalizedStrings strings;
   const Appearance appearance;
-  QApplication::setWindowIcon(ProgramIcon());
-  QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
   host::LinuxHost services;
   host::AssumedNetwork assumedNetwork;
   const auto makeHost = [&](app::Application& asked) {
@@ -69,15 +156,9 @@ int Run(const Arguments& arguments, int argc, char** argv) {
     notifier.setEnabled(false);
     desktop.quit();
   });
-  desktop.start();
-  for (const std::string& url : arguments.urls) {
-    if (!desktop.takeURL(QString::fromStdString(url))) {
-      std::fprintf(stderr, "quillforth: %s: not a URL\n",
-                   platform::WithoutCredentials(QString::fromStdString(url)).toLocal8Bit().constData());
-    }
-  }
-  if (!desktop.isQuitting()) QApplication::exec();
-  return interruption.exitStatus();
+  RequestIntake intake(desktop, services.events(), host::LinuxHost::kSignature);
+  const int status = RunInstance(desktop, intake, request, instance, arguments.isService);
+  return status == EXIT_SUCCESS ? interruption.exitStatus() : status;
 }
 
 int Run(const Answer& answer, int /*argc*/, char** /*argv*/) {

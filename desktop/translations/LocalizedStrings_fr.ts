@@ -711,6 +711,13 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::RunnerAdaptor</name>
+    <message>
+        <source>Download %1 with Quillforth</source>
+        <translation>Télécharger %1 avec Quillforth</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::StatusWindow</name>
     <message>
         <source>Open Link File</source>

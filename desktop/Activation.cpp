@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/Activation.h"
+
+#include <xcb/xcb.h>
+
+#include <QGuiApplication>
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr const char* kWaylandToken = "XDG_ACTIVATION_TOKEN";  // Qt looks there itself
+constexpr const char* kToken = "quillforthActivationToken";    // property of the application
+
+struct Screen {
+  xcb_connection_t* connection;
+  xcb_window_t root;
+};
+
+// Nothing on another platform than X11.
+std::optional<Screen> X11Screen() {
+  const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (x11 == nullptr || x11->connection() == nullptr) return std::nullopt;
+  const xcb_setup_t* setup = xcb_get_setup(x11->connection());
+  return Screen{x11->connection(), xcb_setup_roots_iterator(setup).data->root};
+}
+
+xcb_atom_t Atom(const Screen& screen, const char* name) {
+  const auto cookie =
+      xcb_intern_atom(screen.connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+      xcb_intern_atom_reply(screen.connection, cookie, nullptr), &std::free);
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void SendToRoot(const Screen& screen, const xcb_client_message_event_t& message, std::uint32_t mask) {
+  xcb_send_event(screen.connection, 0, screen.root, mask, reinterpret_cast<const char*>(&message));
+}
+
+// Extended Window Manager Hints, "_NET_ACTIVE_WINDOW".
+void AskForFocus(const Screen& screen, xcb_window_t window, std::uint32_t time) {
+  constexpr std::uint32_t kFromApplication = 1;
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = Atom(screen, "_NET_ACTIVE_WINDOW");
+  message.data.data32[0] = kFromApplication;
+  message.data.data32[1] = time;
+  SendToRoot(screen, message, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+}
+
+// Startup Notification: a text with its final NUL, in pieces of 20 bytes.
+void EndStartupSequence(const Screen& screen, xcb_window_t window, const QByteArray& startupID) {
+  QByteArray quoted = startupID;
+  quoted.replace('\\', "\\\\").replace('"', "\\\"");
+  const QByteArray text = "remove: ID=\"" + quoted + "\"";
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 8;
+  message.window = window;
+  message.type = Atom(screen, "_NET_STARTUP_INFO_BEGIN");
+  const xcb_atom_t next = Atom(screen, "_NET_STARTUP_INFO");
+  constexpr qsizetype kPiece = sizeof(message.data.data8);
+  for (qsizetype start = 0; start <= text.size(); start += kPiece) {
+    std::fill(std::begin(message.data.data8), std::end(message.data.data8), std::uint8_t{0});
+    const QByteArray piece = text.mid(start, kPiece);
+    std::copy(piece.begin(), piece.end(), std::begin(message.data.data8));
+    SendToRoot(screen, message, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    message.type = next;
+  }
+}
+
+void ProveOnX11(const Screen& screen, xcb_window_t window, const QByteArray& startupID) {
+  constexpr QByteArrayView kMark("_TIME");
+  const qsizetype mark = startupID.lastIndexOf(kMark);
+  bool isTime = false;
+  const std::uint32_t time = startupID.mid(mark + kMark.size()).toUInt(&isTime);
+  if (mark >= 0 && isTime) AskForFocus(screen, window, time);
+  EndStartupSequence(screen, window, startupID);
+  xcb_flush(screen.connection);
+}
+
+}  // namespace
+
+QString TakeActivationTokenOfStart() {
+  if (!qEnvironmentVariableIsSet(kWaylandToken)) qputenv(kWaylandToken, QByteArray());
+  const QString token = qEnvironmentVariable(kWaylandToken);
+  return token.isEmpty() ? qEnvironmentVariable("DESKTOP_STARTUP_ID") : token;
+}
+
+void RememberActivation(const QString& token) {
+  qApp->setProperty(kToken, token);
+}
+
+void ActivateWindow(QWidget& window) {
+  const QByteArray token = qApp->property(kToken).toString().toUtf8();
+  qApp->setProperty(kToken, QVariant());
+  const std::optional<Screen> screen = X11Screen();
+  if (screen && !token.isEmpty()) {
+    ProveOnX11(*screen, static_cast<xcb_window_t>(window.winId()), token);
+  } else if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {
+    qputenv(kWaylandToken, token);
+  }
+  window.activateWindow();
+}
+
+}  // namespace quillforth::desktop

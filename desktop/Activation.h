@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+//
+// Coming to the front where the desktop lets only those who were asked to.
+//
+// What proves it is a token that came with the request: on Wayland one of the xdg-activation protocol, on X11
+// the identifier of a startup notification (freedesktop.org), which ends in "_TIME" and the time of the
+// user's click. As toolkits do, it is kept in the environment, and serves once. Main thread.
+#pragma once
+
+#include <QWidget>
+
+namespace quillforth::desktop {
+
+/// The token that this process was started with, if any; makes room in the environment for later ones. To be
+/// called before any other thread looks there, and before there is a QGuiApplication, which takes the token.
+[[nodiscard]] QString TakeActivationTokenOfStart();
+
+/// The token for the next activation.
+void RememberActivation(const QString& token);
+
+/// Activates a window that is shown.
+void ActivateWindow(QWidget& window);
+
+}  // namespace quillforth::desktop

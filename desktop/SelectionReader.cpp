@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/SelectionReader.h"
+
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QRasterWindow>
+#include <cstdio>
+#include <utility>
+
+#include "app/Pasteboard.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr int kFocusPatienceInMilliseconds = 1000;
+
+// A Wayland compositor tells the selection only to the program that has the keyboard.
+void WaitForFocus(QRasterWindow& window) {
+  window.setFlag(Qt::FramelessWindowHint);
+  window.resize(1, 1);
+  QEventLoop loop;
+  QObject::connect(&window, &QWindow::activeChanged, &loop, &QEventLoop::quit);
+  QTimer deadline;
+  deadline.callOnTimeout(&loop, &QEventLoop::quit);
+  deadline.start(kFocusPatienceInMilliseconds);
+  window.show();
+  loop.exec();
+}
+
+}  // namespace
+
+SelectionReader::SelectionReader() {
+  helper_.setStandardErrorFile(QProcess::nullDevice());
+  deadline_.setSingleShot(true);
+  deadline_.callOnTimeout([this] { helper_.kill(); });
+  QObject::connect(&helper_, &QProcess::finished, &deadline_, [this] { finish(); });
+}
+
+SelectionReader::~SelectionReader() {
+  QObject::disconnect(&helper_, nullptr, &deadline_, nullptr);
+  helper_.kill();
+  helper_.waitForFinished();
+}
+
+void SelectionReader::read(std::function<void(const QString&)> take) {
+  if (helper_.state() != QProcess::NotRunning) return;
+  take_ = std::move(take);
+  helper_.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--print-selection")});
+  deadline_.start(kPatienceInMilliseconds);
+}
+
+void SelectionReader::finish() {
+  deadline_.stop();
+  const auto take = std::exchange(take_, nullptr);
+  const QString text = QString::fromUtf8(helper_.readAllStandardOutput());
+  const bool isWhole = helper_.exitStatus() == QProcess::NormalExit && helper_.exitCode() == 0;
+  if (isWhole && !text.isEmpty() && text.size() <= app::Pasteboard::kMaxStringLength) take(text);
+}
+
+void PrintSelection() {
+  QRasterWindow window;
+  if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) WaitForFocus(window);
+  const QClipboard& clipboard = *QGuiApplication::clipboard();
+  QString text = clipboard.supportsSelection() ? clipboard.text(QClipboard::Selection) : QString();
+  if (text.isEmpty()) text = clipboard.text(QClipboard::Clipboard);
+  if (text.size() > app::Pasteboard::kMaxStringLength) return;
+  const QByteArray bytes = text.toUtf8();
+  std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+}
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+//
+// The text that is selected on the screen, or else the clipboard's.
+//
+// Either is asked of the program that owns it, and that may hang, or send without an end. So a helper asks, a
+// second process of this program: the window never waits, and the helper is ended when it takes too long.
+// Main thread.
+#pragma once
+
+#include <QProcess>
+#include <QTimer>
+#include <functional>
+
+namespace quillforth::desktop {
+
+class SelectionReader final {
+ public:
+  static constexpr int kPatienceInMilliseconds = 4000;
+
+  SelectionReader();
+  /// Ends the helper.
+  ~SelectionReader();
+  SelectionReader(const SelectionReader&) = delete;
+  SelectionReader& operator=(const SelectionReader&) = delete;
+
+  /// Calls `take` with the text, later; never when there is none, or it is longer than any URL, or its owner
+  /// hangs. While one text is being read, another wish for it is the same wish.
+  void read(std::function<void(const QString& text)> take);
+
+ private:
+  void finish();
+
+  QProcess helper_;
+  QTimer deadline_;
+  std::function<void(const QString&)> take_;
+};
+
+/// What the helper does: prints the text on standard output, as UTF-8. Needs a QGuiApplication.
+void PrintSelection();
+
+}  // namespace quillforth::desktop
