@@ -62,6 +62,7 @@ void ButtonOutlet::setHidden(bool hidden) {
 
 void ButtonOutlet::setToolTip(const QString& text) {
   button_.setToolTip(ToolTipText(text));
+  button_.setAccessibleDescription(text);  // the tool tip is markup
 }
 
 void ButtonOutlet::show() {
