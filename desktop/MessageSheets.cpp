@@ -15,8 +15,8 @@ namespace quillforth::desktop {
 
 namespace {
 
-// A server may spell its realm at any length.
-constexpr qsizetype kLongestName = 200;
+// A server may spell its realm at any length, and lines break only where there are blanks.
+constexpr qsizetype kLongestName = 60;
 constexpr qsizetype kLongestMessage = 4000;
 constexpr int kSheetWidth = 420;
 
@@ -72,12 +72,10 @@ bool IsAccepted(const QMessageBox& box) {
 AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge& challenge, QWidget* parent)
     : QDialog(parent), user_(new QLineEdit(this)), password_(new QLineEdit(this)) {
   setWindowTitle(QStringLiteral("Quillforth"));
-  setMinimumWidth(kSheetWidth);
   user_->setObjectName(QStringLiteral("user"));
   password_->setObjectName(QStringLiteral("password"));
   password_->setEchoMode(QLineEdit::Password);
   auto* rows = new QVBoxLayout(this);
-  rows->setSizeConstraint(QLayout::SetMinimumSize);
   rows->addWidget(MakePlainLabel(Question(challenge), this));
   if (challenge.previousFailureCount > 0) {
     rows->addWidget(MakePlainLabel(tr("The user name or the password was refused."), this));
@@ -90,6 +88,7 @@ AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   rows->addWidget(buttons);
+  setMinimumSize(kSheetWidth, rows->totalHeightForWidth(kSheetWidth));
 }
 
 platform::Credential AuthenticationSheet::credential() const {
