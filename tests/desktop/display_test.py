@@ -1,0 +1,115 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""The program on a display of its own, as a screen reader, a keyboard and another program's drags meet it.
+
+   display_test.py QUILLFORTH GALLERY_SERVER DRAG_SOURCE GALLERY      (status 77: skipped, and says why)"""
+import os, pathlib, shutil, subprocess, sys, tempfile, time, unittest
+
+if "IN_SESSION" not in os.environ:
+    if missing := [tool for tool in ("xvfb-run", "dbus-run-session", "xdotool", "openbox") if not shutil.which(tool)]:
+        sys.exit(print("skipped: there is no", *missing) or 77)
+    with tempfile.TemporaryDirectory() as home:
+        own = {"HOME": home, "XDG_RUNTIME_DIR": home, "LC_ALL": "C.UTF-8", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+        kept = {name: value for name, value in os.environ.items() if name == "PATH" or name.endswith("SAN_OPTIONS")}
+        display = ["xvfb-run", "-a", "-s", "-screen 0 1280x960x24", "dbus-run-session", "--"]
+        sys.exit(subprocess.run(display + sys.argv, env=kept | own | {"IN_SESSION": "1"}, timeout=100).returncode)
+try:
+    import gi
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi, GLib
+except (ImportError, ValueError) as error:
+    sys.exit(print("skipped:", error) or 77)
+
+QUILLFORTH, SERVER, DRAG_SOURCE, GALLERY = sys.argv[1:]
+FILE = pathlib.Path.home() / ".local/share/Tessary Software/Quillforth/reef.gif"
+UNNAMED = {"filler", "panel", "frame", "menu bar", "separator", "popup menu"}  # hold the others
+
+
+def until(answer):
+    """What `answer` gives as soon as it gives something."""
+    deadline = time.monotonic() + 20
+    while time.monotonic() < deadline:
+        try:
+            if result := answer():
+                return result
+        except GLib.Error:  # what was asked has gone meanwhile
+            pass
+    raise AssertionError("in vain")
+
+
+def below(node):
+    for child in filter(None, map(node.get_child_at_index, range(node.get_child_count()))):
+        yield from (child, *below(child))
+
+
+def shown(state=Atspi.StateType.SHOWING):
+    return [node for node in below(Atspi.get_desktop(0)) if node.get_state_set().contains(state)]
+
+
+def find(name, role):
+    return next((node for node in shown() if (node.get_name(), node.get_role_name()) == (name, role)), None)
+
+
+def xdotool(*words):
+    subprocess.run(["xdotool", *map(str, words)], check=True)
+
+
+class Display(unittest.TestCase):
+    def start(self, *command):
+        process = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+        for end in (process.stdout.close, process.wait, process.terminate):  # from the last
+            self.addCleanup(end)
+        return process
+
+    def setUp(self):
+        self.start("openbox", "--sm-disable")
+        Atspi.get_desktop(0)  # wakes its bus, which programs look for when they start
+        self.origin = self.start(SERVER, "--rate", "20", GALLERY).stdout.readline().strip()
+        self.start(QUILLFORTH, "--local")
+        self.table = until(lambda: find("Queued URLs", "table"))
+
+    def tab_order(self):
+        """The roles that Tab leads through, until it is back where it began."""
+        focused = lambda: next(iter(shown(Atspi.StateType.FOCUSED)), None)
+        nodes = [until(focused)]
+        while len(nodes) < 2 or nodes[-1] != nodes[0]:
+            xdotool("key", "Tab")
+            nodes.append(until(lambda: focused() != nodes[-1] and focused()))
+        return [node.get_role_name() for node in nodes[1:]]
+
+    def look_at(self, title, tab_order):
+        until(lambda: any(title in node.get_name() for node in shown(Atspi.StateType.ACTIVE)))
+        for node in shown():
+            named = node.get_name() or node.get_description() or node.get_role_name() in UNNAMED
+            self.assertTrue(named, (title, node.get_role_name()))
+        self.assertEqual(self.tab_order(), tab_order)
+
+    def drag(self, text):
+        source = self.start(DRAG_SOURCE, text)
+        until(lambda: find(text, "label"))
+        box = self.table.get_extents(Atspi.CoordType.SCREEN)
+        xdotool("mousemove", 1100, 100, "mousedown", 1, "sleep", 0.3)
+        for step in range(10):
+            xdotool("mousemove", box.x + 50 + step, box.y + 50, "sleep", 0.1)
+        xdotool("mouseup", 1)
+        return source.stdout.readline().strip()
+
+    def test_every_control_has_a_name_and_a_role_and_is_reached_by_keys(self):
+        button, box, field = "push button", "check box", "text"
+        self.look_at("Quillforth", [button, "table", button, button, button, button])
+        xdotool("key", "ctrl+comma")
+        self.look_at("Preferences", [box, field, button, *[box] * 8, button, box])
+        xdotool("key", "Escape", "sleep", 0.5, "key", "ctrl+i")
+        self.look_at("Import URL", [button, button, field])
+
+    def test_drags_from_another_program_are_judged_taken_and_shown(self):
+        self.assertEqual(self.drag("two words"), "refused")
+        self.assertTrue(find("0 urls queued", "label"))
+        self.assertEqual(self.drag(self.origin + "/photos/reef.gif"), "taken")
+        until(FILE.exists)
+        self.assertEqual(FILE.read_bytes(), pathlib.Path(GALLERY, "photos/reef.gif").read_bytes())
+        self.assertEqual(self.drag(self.origin + "/index.html"), "taken")
+        until(lambda: find(self.origin + "/photos/market.png", "table cell"))
+
+
+unittest.main(argv=sys.argv[:1], verbosity=2)
