@@ -22,6 +22,7 @@ except (ImportError, ValueError) as error:
 
 QUILLFORTH, SERVER, DRAG_SOURCE, GALLERY = sys.argv[1:]
 FILE = pathlib.Path.home() / ".local/share/Tessary Software/Quillforth/reef.gif"
+FOCUSED = Atspi.StateType.FOCUSED
 UNNAMED = {"filler", "panel", "frame", "menu bar", "separator", "popup menu"}  # hold the others
 
 
@@ -68,21 +69,26 @@ class Display(unittest.TestCase):
         self.start(QUILLFORTH, "--local")
         self.table = until(lambda: find("Queued URLs", "table"))
 
-    def tab_order(self):
-        """The roles that Tab leads through, until it is back where it began."""
-        focused = lambda: next(iter(shown(Atspi.StateType.FOCUSED)), None)
-        nodes = [until(focused)]
-        while len(nodes) < 2 or nodes[-1] != nodes[0]:
-            xdotool("key", "Tab")
-            nodes.append(until(lambda: focused() != nodes[-1] and focused()))
-        return [node.get_role_name() for node in nodes[1:]]
+    def tab_order(self, first):
+        """The roles that Tab leads through, from the control of that name until it is back there."""
+        def step(before=None):
+            xdotool("key", "Tab", "sleep", 0.1)
+            focused = lambda: next(((node.get_name(), node.get_role_name()) for node in shown(FOCUSED)), None)
+            return until(lambda: (now := focused()) != before and now)
+        control = step()
+        while control[0] != first:
+            control = step(control)
+        roles = [control[1]]
+        while (control := step(control))[0] != first:
+            roles.append(control[1])
+        return roles
 
-    def look_at(self, title, tab_order):
+    def look_at(self, title, first, tab_order):
         until(lambda: any(title in node.get_name() for node in shown(Atspi.StateType.ACTIVE)))
         for node in shown():
             named = node.get_name() or node.get_description() or node.get_role_name() in UNNAMED
             self.assertTrue(named, (title, node.get_role_name()))
-        self.assertEqual(self.tab_order(), tab_order)
+        self.assertEqual(self.tab_order(first), tab_order)
 
     def drag(self, text):
         source = self.start(DRAG_SOURCE, text)
@@ -96,11 +102,11 @@ class Display(unittest.TestCase):
 
     def test_every_control_has_a_name_and_a_role_and_is_reached_by_keys(self):
         button, box, field = "push button", "check box", "text"
-        self.look_at("Quillforth", [button, "table", button, button, button, button])
+        self.look_at("Quillforth", "Queued URLs", ["table", button, button, button, button, button])
         xdotool("key", "ctrl+comma")
-        self.look_at("Preferences", [box, field, button, *[box] * 8, button, box])
+        self.look_at("Preferences", "Bring the status window forward", [box, box, field, button, *[box] * 9, button])
         xdotool("key", "Escape", "sleep", 0.5, "key", "ctrl+i")
-        self.look_at("Import URL", [button, button, field])
+        self.look_at("Import URL", "URL of a web page", [field, button, button])
 
     def test_drags_from_another_program_are_judged_taken_and_shown(self):
         self.assertEqual(self.drag("two words"), "refused")
