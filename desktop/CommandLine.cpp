@@ -25,6 +25,7 @@ std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> argume
   parser.add_flag("--service", parsed.isService,
                   "Show no window before another program asks for something over D-Bus");
   parser.add_flag("--print-selection", parsed.isSelectionHelper)->group("");
+  parser.add_flag("--print-clipboard", parsed.isClipboardHelper)->group("");
   parser.add_option("FILE-OR-URL", parsed.filesAndURLs,
                     "Link files, opened for the URL in them; URLs, taken as if dropped on the window: pages "
                     "with all their links, files");

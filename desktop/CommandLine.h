@@ -15,6 +15,7 @@ struct Arguments {
   bool isSelectionWanted = false;  ///< what is selected on the screen shall be downloaded
   bool isService = false;          ///< no window until somebody asks for something
   bool isSelectionHelper = false;  ///< prints what is selected on the screen, and ends
+  bool isClipboardHelper = false;  ///< prints what is on the clipboard, and ends
 };
 
 /// A command line that is answered, rightly or wrongly, without a window.

@@ -31,6 +31,7 @@ Desktop::Desktop(const DesktopServices& services)
       downloads_(host_.downloads, notice_),
       pageLoader_(host_.pageLoader, gate_),
       readStreams_(host_.readStreams, gate_),
+      scripts_(host_.scripts, gate_),
       importWindow_(&window_),
       preferencesWindow_(preferencesServices(), &window_),
       statusOutlet_(window_, gate_),
@@ -97,7 +98,9 @@ app::Host Desktop::decorated(const app::Host& host) {
           .aggregation = host.aggregation,
           .fileComments = host.fileComments,
           .observer = host.observer,
-          .events = host.events};
+          .events = host.events,
+          .processes = host.processes,
+          .scripts = &scripts_};
 }
 
 PreferencesServices Desktop::preferencesServices() {
@@ -105,7 +108,9 @@ PreferencesServices Desktop::preferencesServices() {
           .settingsFile = services_.settingsFile,
           .isStored = services_.isStored,
           .destinationPath = [this] { return storedDestinationPath(); },
-          .chooseDestination = [this] { gate_.post([this] { controller_.selectDestinationDirectory(); }); }};
+          .chooseDestination = [this] { gate_.post([this] { controller_.selectDestinationDirectory(); }); },
+          .localizedText = host_.localizedText,
+          .accessibility = services_.accessibility};
 }
 
 CompletionNoticeServices Desktop::noticeServices() {
@@ -148,6 +153,7 @@ void Desktop::connectCommands() {
                    [this] { gate_.post([this] { controller_.importURL(importOutlet_); }); });
   QObject::connect(&notice_, &CompletionNotice::activationRequested, &window_,
                    [this](const QString& token) { BringForward(window_, token); });
+  bind(ui.actionGetBrowserURL, nullptr, &Controller::processCurrentBrowserURL);
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, &Controller::selectDestinationDirectory);
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
@@ -169,13 +175,6 @@ void Desktop::connectCommands() {
                      if (state != Qt::ApplicationActive) return;
                      gate_.post([this] { controller_.applicationWillBecomeActive(); });
                    });
-}
-
-void Desktop::setBrowserURLCommand(std::function<void()> command) {
-  QAction* action = window_.ui().actionGetBrowserURL;
-  QObject::connect(action, &QAction::triggered, &window_,
-                   [this, command = std::move(command)] { gate_.post(command); });
-  action->setVisible(true);
 }
 
 void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command) {

@@ -9,10 +9,12 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
 #include "app/ObservedDownloads.h"
+#include "desktop/BrowserScripts.h"
 #include "desktop/CommandGate.h"
 #include "desktop/CompletionNotice.h"
 #include "desktop/DesktopApplication.h"
@@ -38,6 +40,8 @@ struct DesktopServices {
   std::function<void()> interrupt;
   QString settingsFile;            ///< absolute path
   std::function<bool()> isStored;  ///< whether all that was set is in that file
+  /// May be called from any thread. Null: it cannot be switched.
+  std::shared_ptr<platform::SessionAccessibility> accessibility = nullptr;
 };
 
 class Desktop final : private StatusWindowOwner {
@@ -53,6 +57,8 @@ class Desktop final : private StatusWindowOwner {
   void bringForward();
   /// Takes a text as if it was dropped; false when it makes no URL.
   bool takeURL(const QString& text);
+  /// The same as far as the controller asks for it: only while the window is shown, and with no token.
+  void activate() { application_.activateIgnoringOtherApps(); }
   /// Ends the event loop, and with it whatever is waited for. Nobody is asked.
   void quit();
   /// The event loop need not be entered any more.
@@ -64,8 +70,6 @@ class Desktop final : private StatusWindowOwner {
   /// Null until the controller has started.
   [[nodiscard]] app::ServicesProvider* servicesProvider() const { return application_.servicesProvider(); }
 
-  /// What answers "Get URL from Browser"; the command is there from then on.
-  void setBrowserURLCommand(std::function<void()> command);
   /// What takes the paths that "Open Link File…" has picked; the command is there from then on.
   void setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command);
 
@@ -102,6 +106,7 @@ class Desktop final : private StatusWindowOwner {
   app::ObservedDownloads downloads_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
+  WaitingScriptHost scripts_;
   ImportWindow importWindow_;
   PreferencesWindow preferencesWindow_;
   DesktopWindow statusOutlet_;

@@ -6,9 +6,12 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QEvent>
+#include <QPointer>
 #include <QStyle>
+#include <QThreadPool>
 #include <utility>
 
+#include "app/BrowserAdvice.h"
 #include "desktop/SettingsWatcher.h"
 #include "ui_PreferencesWindow.h"
 
@@ -18,11 +21,14 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
     : QDialog(parent), services_(std::move(services)), ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
   ui_->storageFailure->hide();
+  ui_->browserAdvice->setText(browserAdvice());
   for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
     const auto* box = findChild<QCheckBox*>(preference.key);
     connect(box, &QCheckBox::clicked, this, [this, &preference](bool value) { store(preference, value); });
   }
   connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
+  connect(ui_->switchOnAccessibilityButton, &QPushButton::clicked, this,
+          [this] { askForAccessibility(true); });
   connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
   connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
           &PreferencesWindow::reload);
@@ -66,8 +72,31 @@ void PreferencesWindow::showStorage(bool isStored) {
   QAccessible::updateAccessibility(&alert);
 }
 
+QString PreferencesWindow::browserAdvice() const {
+  QStringList lines{services_.localizedText(QString::fromUtf8(app::kAccessibilityAdvice))};
+  for (const app::BrowserAdvice& advice : app::kBrowserAdvice) {
+    lines.append(QString::fromUtf8(advice.browsers) + QStringLiteral(": ") +
+                 services_.localizedText(QString::fromUtf8(advice.text)));
+  }
+  return lines.join(u'\n');
+}
+
+void PreferencesWindow::askForAccessibility(bool switchOn) {
+  if (!services_.accessibility) return;
+  ui_->switchOnAccessibilityButton->setEnabled(false);
+  QThreadPool::globalInstance()->start(
+      [accessibility = services_.accessibility, switchOn, window = QPointer<PreferencesWindow>(this)] {
+        const bool isOn = (switchOn && accessibility->switchOn()) || accessibility->isOn();
+        const auto show = [window, isOn] {
+          if (window) window->ui_->switchOnAccessibilityButton->setEnabled(!isOn);
+        };
+        QMetaObject::invokeMethod(QCoreApplication::instance(), show, Qt::QueuedConnection);
+      });
+}
+
 void PreferencesWindow::showEvent(QShowEvent* event) {
   reload();
+  askForAccessibility(false);
   QDialog::showEvent(event);
 }
 

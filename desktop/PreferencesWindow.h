@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "app/Preferences.h"
+#include "platform/SessionAccessibility.h"
 #include "platform/UserDefaults.h"
 
 namespace Ui {
@@ -28,6 +29,10 @@ struct PreferencesServices {
   std::function<bool()> isStored;            ///< whether all that was set is on the disk
   std::function<QString()> destinationPath;  ///< the stored folder; empty when there is none
   std::function<void()> chooseDestination;   ///< lets the user pick a folder; may return before
+  /// Of the table "LocalizedStrings".
+  std::function<QString(const QString&)> localizedText = [](const QString& key) { return key; };
+  /// May be called from any thread. Null: it cannot be switched.
+  std::shared_ptr<platform::SessionAccessibility> accessibility = nullptr;
 };
 
 class PreferencesWindow final : public QDialog {
@@ -49,6 +54,10 @@ class PreferencesWindow final : public QDialog {
   void store(const app::BooleanPreference& preference, bool value);
   void chooseDestination();
   void showStorage(bool isStored);
+  [[nodiscard]] QString browserAdvice() const;
+  /// Finds out whether accessibility is on, after switching it on where that is wanted, and shows it then:
+  /// whoever answers may be slow.
+  void askForAccessibility(bool switchOn);
 
   PreferencesServices services_;
   std::unique_ptr<Ui::PreferencesWindow> ui_;

@@ -31,6 +31,14 @@ void WaitForFocus(QRasterWindow& window) {
   loop.exec();
 }
 
+// What a helper that has ended has printed.
+std::optional<QString> TextOf(QProcess& helper) {
+  QString text = QString::fromUtf8(helper.readAllStandardOutput());
+  const bool isWhole = helper.exitStatus() == QProcess::NormalExit && helper.exitCode() == 0;
+  if (!isWhole || text.isEmpty() || text.size() > app::Pasteboard::kMaxStringLength) return std::nullopt;
+  return text;
+}
+
 }  // namespace
 
 SelectionReader::SelectionReader() {
@@ -56,16 +64,28 @@ void SelectionReader::read(std::function<void(const QString&)> take) {
 void SelectionReader::finish() {
   deadline_.stop();
   const auto take = std::exchange(take_, nullptr);
-  const QString text = QString::fromUtf8(helper_.readAllStandardOutput());
-  const bool isWhole = helper_.exitStatus() == QProcess::NormalExit && helper_.exitCode() == 0;
-  if (isWhole && !text.isEmpty() && text.size() <= app::Pasteboard::kMaxStringLength) take(text);
+  if (const std::optional<QString> text = TextOf(helper_)) take(*text);
 }
 
-void PrintSelection() {
+std::optional<QString> ReadClipboard() {
+  QProcess helper;
+  helper.setStandardErrorFile(QProcess::nullDevice());
+  helper.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--print-clipboard")});
+  if (!helper.waitForFinished(SelectionReader::kPatienceInMilliseconds)) {
+    helper.kill();
+    helper.waitForFinished();
+    return std::nullopt;
+  }
+  return TextOf(helper);
+}
+
+void PrintSelection(SelectionSource source) {
   QRasterWindow window;
   if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) WaitForFocus(window);
   const QClipboard& clipboard = *QGuiApplication::clipboard();
-  QString text = clipboard.supportsSelection() ? clipboard.text(QClipboard::Selection) : QString();
+  const bool isSelectionAsked =
+      source == SelectionSource::selectionOrClipboard && clipboard.supportsSelection();
+  QString text = isSelectionAsked ? clipboard.text(QClipboard::Selection) : QString();
   if (text.isEmpty()) text = clipboard.text(QClipboard::Clipboard);
   if (text.size() > app::Pasteboard::kMaxStringLength) return;
   const QByteArray bytes = text.toUtf8();

@@ -10,6 +10,7 @@
 #include <QProcess>
 #include <QTimer>
 #include <functional>
+#include <optional>
 
 namespace quillforth::desktop {
 
@@ -35,7 +36,13 @@ class SelectionReader final {
   std::function<void(const QString&)> take_;
 };
 
+/// The clipboard's text, from such a helper; nothing when there is none, or as above. Blocks for as long as
+/// the helper has; any thread.
+[[nodiscard]] std::optional<QString> ReadClipboard();
+
+enum class SelectionSource { selectionOrClipboard, clipboard };
+
 /// What the helper does: prints the text on standard output, as UTF-8. Needs a QGuiApplication.
-void PrintSelection();
+void PrintSelection(SelectionSource source);
 
 }  // namespace quillforth::desktop

@@ -15,6 +15,7 @@
 
 #include "desktop/Activation.h"
 #include "desktop/Appearance.h"
+#include "desktop/BrowserScripts.h"
 #include "desktop/BusService.h"
 #include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
@@ -24,6 +25,7 @@
 #include "host/AssumedNetwork.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
+#include "platform/linux/LinuxSessionAccessibility.h"
 #include "platform/linux/SingleInstance.h"
 
 namespace quillforth::desktop {
@@ -83,9 +85,9 @@ std::optional<int> HandOver(const Request& request, platform::SingleInstance& in
   return EXIT_FAILURE;
 }
 
-int RunSelectionHelper(int argc, char** argv) {
+int RunSelectionHelper(SelectionSource source, int argc, char** argv) {
   const QGuiApplication application(argc, argv);
-  PrintSelection();
+  PrintSelection(source);
   return EXIT_SUCCESS;
 }
 
@@ -122,7 +124,10 @@ int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
 
 int Run(const Arguments& arguments, int argc, char** argv) {
   if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
-  if (arguments.isSelectionHelper) return RunSelectionHelper(argc, argv);
+  if (arguments.isSelectionHelper) {
+    return RunSelectionHelper(SelectionSource::selectionOrClipboard, argc, argv);
+  }
+  if (arguments.isClipboardHelper) return RunSelectionHelper(SelectionSource::clipboard, argc, argv);
   const Request request = RequestOf(arguments);
   if (const QString fault = Fault(request); !fault.isNull()) {
     std::fprintf(stderr, "quillforth: %s\n", qPrintable(fault));
@@ -150,7 +155,10 @@ int Run(const Arguments& arguments, int argc, char** argv) {
                    .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
                    .interrupt = &platform::Interruption::request,
                    .settingsFile = services.userDefaults().fileName(),
-                   .isStored = [&] { return services.userDefaults().isStored(); }});
+                   .isStored = [&] { return services.userDefaults().isStored(); },
+                   .accessibility = std::make_shared<platform::LinuxSessionAccessibility>()});
+  DesktopScriptFrontEnd scriptFrontEnd(services.userDefaults(), [&desktop] { desktop.activate(); });
+  services.scripts().setFrontEnd(&scriptFrontEnd);
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [&desktop, &notifier] {
     notifier.setEnabled(false);

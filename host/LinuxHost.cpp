@@ -27,7 +27,9 @@ app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagno
           .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
           .aggregation = &aggregation_,
           .fileComments = &fileComments_,
-          .events = &eventIntake_};
+          .events = &eventIntake_,
+          .processes = &processes_,
+          .scripts = &scripts_};
 }
 
 }  // namespace quillforth::host

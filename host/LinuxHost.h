@@ -22,6 +22,8 @@
 #include "platform/linux/LinuxNetworkDiagnostics.h"
 #include "platform/linux/LinuxOriginURLWriter.h"
 #include "platform/linux/LinuxResourceManager.h"
+#include "platform/linux/LinuxRunningProcesses.h"
+#include "platform/linux/LinuxScriptHost.h"
 #include "platform/linux/SettingsUserDefaults.h"
 #include "platform/linux/SharedMimeInfo.h"
 #include "platform/linux/SndfileSoundLoader.h"
@@ -41,6 +43,7 @@ class LinuxHost {
   [[nodiscard]] app::Host host(app::Application& application, platform::NetworkDiagnostics& network);
   [[nodiscard]] platform::CurlDownloadService& downloads() { return downloads_; }
   [[nodiscard]] platform::AppleEventSender& events() { return events_; }
+  [[nodiscard]] platform::LinuxScriptHost& scripts() { return scripts_; }
   [[nodiscard]] platform::SettingsUserDefaults& userDefaults() { return defaults_; }
 
  private:
@@ -64,6 +67,8 @@ class LinuxHost {
   platform::FSRefTable references_;
   platform::LinuxResourceManager resources_;
   const app::EventIntake eventIntake_{dispatcher_, references_, resources_};
+  platform::LinuxRunningProcesses processes_;
+  platform::LinuxScriptHost scripts_{processes_, log_};
   platform::LinuxOriginURLWriter origins_;
   app::FinderFileComments fileComments_{events_, origins_};
   platform::LinuxFolderAccess folders_;

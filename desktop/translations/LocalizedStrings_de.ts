@@ -441,6 +441,14 @@
         <source>All&amp;ow keystrokes to copy the address of Firefox</source>
         <translation>&amp;Tastendrücke zum Kopieren der Adresse von Firefox erlauben</translation>
     </message>
+    <message>
+        <source>For this session, and on some desktops for later ones. Greyed while it is on.</source>
+        <translation>Für diese Sitzung, auf manchen Desktops auch für spätere. Ausgegraut, solange sie eingeschaltet sind.</translation>
+    </message>
+    <message>
+        <source>S&amp;witch Accessibility On</source>
+        <translation>Barrierefreiheit ei&amp;nschalten</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>

@@ -441,6 +441,14 @@
         <source>All&amp;ow keystrokes to copy the address of Firefox</source>
         <translation>A&amp;utoriser la frappe simulée pour copier l’adresse de Firefox</translation>
     </message>
+    <message>
+        <source>For this session, and on some desktops for later ones. Greyed while it is on.</source>
+        <translation>Pour cette session, et sur certains bureaux pour les suivantes. Grisé tant qu’elle est active.</translation>
+    </message>
+    <message>
+        <source>S&amp;witch Accessibility On</source>
+        <translation>Acti&amp;ver l’accessibilité</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+//
+// Scripts that ask a browser, run while the window is still drawn.
+//
+// A script runs on a thread of its own, behind a closed gate, as the other calls that block. What it asks of
+// the window comes to the main thread, and is not waited for longer than a moment: the program may be about
+// to end.
+#pragma once
+
+#include <QObject>
+
+#include "app/Preferences.h"
+#include "desktop/CommandGate.h"
+#include "platform/ScriptFrontEnd.h"
+#include "platform/ScriptHost.h"
+
+namespace quillforth::desktop {
+
+class WaitingScriptHost final : public platform::ScriptHost {
+ public:
+  /// Both outlive this; null stands for a host that runs nothing. `scripts` may be called from any thread,
+  /// one script at a time.
+  WaitingScriptHost(platform::ScriptHost* scripts, CommandGate& gate) : scripts_(scripts), gate_(gate) {}
+  [[nodiscard]] std::optional<platform::AEDescriptor> compileAndRun(const QString& source) override;
+
+ private:
+  platform::ScriptHost* scripts_;
+  CommandGate& gate_;
+};
+
+/// Made on the main thread; called from the script's thread, or from the main thread.
+class DesktopScriptFrontEnd final : public platform::ScriptFrontEnd {
+ public:
+  /// Both outlive this, and are used on the main thread.
+  DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate)
+      : preferences_(userDefaults), activate_(std::move(activate)) {}
+
+  void activateThisProgram() override;
+  /// As the setting `allowKeystrokesForBrowserURL` says.
+  [[nodiscard]] bool allowsKeystrokes() override;
+  [[nodiscard]] std::optional<QString> clipboardText() override;
+
+ private:
+  app::Preferences preferences_;
+  std::function<void()> activate_;
+  QObject mainThread_;  // what is queued for it is dropped with it
+};
+
+}  // namespace quillforth::desktop
