@@ -6,12 +6,14 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QEvent>
+#include <QMessageBox>
 #include <QPointer>
 #include <QStyle>
 #include <QThreadPool>
 #include <utility>
 
 #include "app/BrowserAdvice.h"
+#include "desktop/MessageSheets.h"
 #include "desktop/SettingsWatcher.h"
 #include "ui_PreferencesWindow.h"
 
@@ -21,14 +23,12 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
     : QDialog(parent), services_(std::move(services)), ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
   ui_->storageFailure->hide();
-  ui_->browserAdvice->setText(browserAdvice());
   for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
     const auto* box = findChild<QCheckBox*>(preference.key);
     connect(box, &QCheckBox::clicked, this, [this, &preference](bool value) { store(preference, value); });
   }
   connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
-  connect(ui_->switchOnAccessibilityButton, &QPushButton::clicked, this,
-          [this] { askForAccessibility(true); });
+  connect(ui_->browserAdviceButton, &QPushButton::clicked, this, &PreferencesWindow::showBrowserAdvice);
   connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
   connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
           &PreferencesWindow::reload);
@@ -72,31 +72,44 @@ void PreferencesWindow::showStorage(bool isStored) {
   QAccessible::updateAccessibility(&alert);
 }
 
-QString PreferencesWindow::browserAdvice() const {
-  QStringList lines{services_.localizedText(QString::fromUtf8(app::kAccessibilityAdvice))};
+void PreferencesWindow::showBrowserAdvice() {
+  QStringList lines;
   for (const app::BrowserAdvice& advice : app::kBrowserAdvice) {
     lines.append(QString::fromUtf8(advice.browsers) + QStringLiteral(": ") +
                  services_.localizedText(QString::fromUtf8(advice.text)));
   }
-  return lines.join(u'\n');
+  auto* box = MakeMessageBox({services_.localizedText(QString::fromUtf8(app::kAccessibilityAdvice)),
+                              lines.join(QStringLiteral("\n\n")), tr("Switch Accessibility On"), tr("Close")},
+                             QMessageBox::Information, this);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  connect(box, &QMessageBox::finished, this, [this, box] {
+    if (IsAccepted(*box)) switchAccessibilityOn();
+  });
+  box->open();
 }
 
-void PreferencesWindow::askForAccessibility(bool switchOn) {
+// Whoever answers may be slow.
+void PreferencesWindow::switchAccessibilityOn() {
   if (!services_.accessibility) return;
-  ui_->switchOnAccessibilityButton->setEnabled(false);
   QThreadPool::globalInstance()->start(
-      [accessibility = services_.accessibility, switchOn, window = QPointer<PreferencesWindow>(this)] {
-        const bool isOn = (switchOn && accessibility->switchOn()) || accessibility->isOn();
-        const auto show = [window, isOn] {
-          if (window) window->ui_->switchOnAccessibilityButton->setEnabled(!isOn);
+      [accessibility = services_.accessibility, window = QPointer<PreferencesWindow>(this)] {
+        if (accessibility->switchOn()) return;
+        const auto tell = [window] {
+          if (window) window->showAccessibilityFailure();
         };
-        QMetaObject::invokeMethod(QCoreApplication::instance(), show, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
       });
+}
+
+void PreferencesWindow::showAccessibilityFailure() {
+  auto* box = MakeMessageBox({tr("Accessibility could not be switched on."), QString(), tr("OK"), QString()},
+                             QMessageBox::Warning, this);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->open();
 }
 
 void PreferencesWindow::showEvent(QShowEvent* event) {
   reload();
-  askForAccessibility(false);
   QDialog::showEvent(event);
 }
 

@@ -54,10 +54,9 @@ class PreferencesWindow final : public QDialog {
   void store(const app::BooleanPreference& preference, bool value);
   void chooseDestination();
   void showStorage(bool isStored);
-  [[nodiscard]] QString browserAdvice() const;
-  /// Finds out whether accessibility is on, after switching it on where that is wanted, and shows it then:
-  /// whoever answers may be slow.
-  void askForAccessibility(bool switchOn);
+  void showBrowserAdvice();
+  void switchAccessibilityOn();
+  void showAccessibilityFailure();
 
   PreferencesServices services_;
   std::unique_ptr<Ui::PreferencesWindow> ui_;

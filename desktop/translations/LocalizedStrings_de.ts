@@ -442,12 +442,12 @@
         <translation>&amp;Tastendrücke zum Kopieren der Adresse von Firefox erlauben</translation>
     </message>
     <message>
-        <source>For this session, and on some desktops for later ones. Greyed while it is on.</source>
-        <translation>Für diese Sitzung, auf manchen Desktops auch für spätere. Ausgegraut, solange sie eingeschaltet sind.</translation>
+        <source>What to switch on so that a browser says its address, and a button that does it</source>
+        <translation>Was einzuschalten ist, damit ein Browser seine Adresse sagt, und eine Schaltfläche, die es tut</translation>
     </message>
     <message>
-        <source>S&amp;witch Accessibility On</source>
-        <translation>Barrierefreiheit ei&amp;nschalten</translation>
+        <source>&amp;What Browsers Need…</source>
+        <translation>Was Browser brauche&amp;n …</translation>
     </message>
 </context>
 <context>
@@ -702,6 +702,22 @@
     <message>
         <source>The change could not be saved in %1.</source>
         <translation>Die Änderung konnte nicht in %1 gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>Switch Accessibility On</source>
+        <translation>Barrierefreiheit einschalten</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Accessibility could not be switched on.</source>
+        <translation>Die Barrierefreiheit konnte nicht eingeschaltet werden.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
     </message>
 </context>
 <context>

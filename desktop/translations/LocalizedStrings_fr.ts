@@ -442,12 +442,12 @@
         <translation>A&amp;utoriser la frappe simulée pour copier l’adresse de Firefox</translation>
     </message>
     <message>
-        <source>For this session, and on some desktops for later ones. Greyed while it is on.</source>
-        <translation>Pour cette session, et sur certains bureaux pour les suivantes. Grisé tant qu’elle est active.</translation>
+        <source>What to switch on so that a browser says its address, and a button that does it</source>
+        <translation>Ce qu’il faut activer pour qu’un navigateur indique son adresse, et un bouton qui le fait</translation>
     </message>
     <message>
-        <source>S&amp;witch Accessibility On</source>
-        <translation>Acti&amp;ver l’accessibilité</translation>
+        <source>&amp;What Browsers Need…</source>
+        <translation>Ce qu’il faut aux na&amp;vigateurs…</translation>
     </message>
 </context>
 <context>
@@ -702,6 +702,22 @@
     <message>
         <source>The change could not be saved in %1.</source>
         <translation>La modification n’a pas pu être enregistrée dans %1.</translation>
+    </message>
+    <message>
+        <source>Switch Accessibility On</source>
+        <translation>Activer l’accessibilité</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Accessibility could not be switched on.</source>
+        <translation>L’accessibilité n’a pas pu être activée.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
     </message>
 </context>
 <context>

@@ -104,7 +104,7 @@ class Display(unittest.TestCase):
         button, box, field = "push button", "check box", "text"
         self.look_at("Quillforth", "Queued URLs", ["table", button, button, button, button, button])
         xdotool("key", "ctrl+comma")
-        self.look_at("Preferences", "Bring the status window forward", [box, box, field, button, *[box] * 9, button])
+        self.look_at("Preferences", "Bring the status window forward", [box, box, field, button, *[box] * 8, button, box, button])
         xdotool("key", "Escape", "sleep", 0.5, "key", "ctrl+i")
         self.look_at("Import URL", "URL of a web page", [field, button, button])
 
