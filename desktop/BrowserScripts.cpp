@@ -25,7 +25,7 @@ std::optional<platform::AEDescriptor> WaitingScriptHost::compileAndRun(const QSt
 }
 
 void DesktopScriptFrontEnd::activateThisProgram() {
-  QMetaObject::invokeMethod(&mainThread_, activate_, Qt::AutoConnection);
+  QMetaObject::invokeMethod(&mainThread_, [this] { activate_(); });
 }
 
 bool DesktopScriptFrontEnd::allowsKeystrokes() {
