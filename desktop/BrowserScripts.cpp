@@ -2,9 +2,8 @@
 
 #include "desktop/BrowserScripts.h"
 
-#include <QThread>
 #include <chrono>
-#include <future>
+#include <utility>
 
 #include "desktop/SelectionReader.h"
 #include "desktop/Waiting.h"
@@ -24,17 +23,26 @@ std::optional<platform::AEDescriptor> WaitingScriptHost::compileAndRun(const QSt
   return result;
 }
 
+DesktopScriptFrontEnd::DesktopScriptFrontEnd(platform::UserDefaults& userDefaults,
+                                             std::function<void()> activate)
+    : preferences_(userDefaults) {
+  connect(this, &DesktopScriptFrontEnd::activationWanted, this, std::move(activate), Qt::QueuedConnection);
+  connect(
+      this, &DesktopScriptFrontEnd::keystrokesAsked, this,
+      [this](const std::shared_ptr<std::promise<bool>>& answer) {
+        answer->set_value(preferences_.allowKeystrokesForBrowserURL());
+      },
+      Qt::QueuedConnection);
+}
+
 void DesktopScriptFrontEnd::activateThisProgram() {
-  QMetaObject::invokeMethod(&mainThread_, [this] { activate_(); });
+  emit activationWanted();
 }
 
 bool DesktopScriptFrontEnd::allowsKeystrokes() {
-  if (QThread::currentThread() == mainThread_.thread()) return preferences_.allowKeystrokesForBrowserURL();
   const auto answer = std::make_shared<std::promise<bool>>();
   std::future<bool> answered = answer->get_future();
-  QMetaObject::invokeMethod(
-      &mainThread_, [this, answer] { answer->set_value(preferences_.allowKeystrokesForBrowserURL()); },
-      Qt::QueuedConnection);
+  emit keystrokesAsked(answer);
   return answered.wait_for(kPatience) == std::future_status::ready && answered.get();
 }
 

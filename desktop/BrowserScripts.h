@@ -8,6 +8,9 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
+#include <future>
+#include <memory>
 
 #include "app/Preferences.h"
 #include "desktop/CommandGate.h"
@@ -28,22 +31,26 @@ class WaitingScriptHost final : public platform::ScriptHost {
   CommandGate& gate_;
 };
 
-/// Made on the main thread; called from the script's thread, or from the main thread.
-class DesktopScriptFrontEnd final : public platform::ScriptFrontEnd {
+/// Made on the main thread; called from the thread of a script.
+class DesktopScriptFrontEnd final : public QObject, public platform::ScriptFrontEnd {
+  Q_OBJECT
+
  public:
   /// Both outlive this, and are used on the main thread.
-  DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate)
-      : preferences_(userDefaults), activate_(std::move(activate)) {}
+  DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate);
 
   void activateThisProgram() override;
   /// As the setting `allowKeystrokesForBrowserURL` says.
   [[nodiscard]] bool allowsKeystrokes() override;
   [[nodiscard]] std::optional<QString> clipboardText() override;
 
+ signals:
+  // From the script's thread to the main thread.
+  void activationWanted();
+  void keystrokesAsked(const std::shared_ptr<std::promise<bool>>& answer);
+
  private:
   app::Preferences preferences_;
-  std::function<void()> activate_;
-  QObject mainThread_;  // what is queued for it is dropped with it
 };
 
 }  // namespace quillforth::desktop
