@@ -47,7 +47,7 @@ std::string_view OwnName(std::string_view name) {
 // spare name first, that nobody else can mean: should it be another file, it stays there.
 common::Status RemoveOldName(const Place& from, const struct stat& file) {
   const std::string uuid = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().toStdString();
-  std::string spare = std::string(uuid).append(kSpareSeparator).append(from.name);
+  std::string spare = std::string(uuid).append(kSpareSeparator).append(OwnName(from.name));
   int renamed = ::renameat(from.folder, from.name, from.folder, spare.c_str());
   if (renamed != 0 && errno == ENAMETOOLONG) {
     spare = uuid;
