@@ -55,10 +55,10 @@ class Desktop final : private StatusWindowOwner {
   void start();
   /// The user wants to see the window: whatever the settings say, it comes to the front.
   void bringForward();
+  /// Other programs' windows give way, if this one is shown already.
+  void activate() { application_.activateIgnoringOtherApps(); }
   /// Takes a text as if it was dropped; false when it makes no URL.
   bool takeURL(const QString& text);
-  /// The same as far as the controller asks for it: only while the window is shown, and with no token.
-  void activate() { application_.activateIgnoringOtherApps(); }
   /// Ends the event loop, and with it whatever is waited for. Nobody is asked.
   void quit();
   /// The event loop need not be entered any more.
