@@ -2,21 +2,20 @@
 
 #include "platform/linux/AccessibilityBus.h"
 
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusObjectPath>
-#include <QDBusVariant>
-#include <QUuid>
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <utility>
+
+#include "platform/linux/LinuxSessionAccessibility.h"
 
 namespace quillforth::platform {
 
 namespace {
 
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
-const QLatin1String kRegistry("org.a11y.atspi.Registry");
-const QLatin1String kRootPath("/org/a11y/atspi/accessible/root");
+constexpr const char* kRegistry = "org.a11y.atspi.Registry";
+constexpr const char* kRootPath = "/org/a11y/atspi/accessible/root";
 
 constexpr std::uint32_t kEmbeds = 13;  // of AtspiRelationType
 constexpr int kMaximumRelations = 100;
@@ -25,140 +24,122 @@ constexpr int kMaximumRelations = 100;
 constexpr std::uint32_t kKeySymbol = 3;
 constexpr std::uint32_t kLockModifiers = 5;
 constexpr std::uint32_t kUnlockModifiers = 6;
-constexpr int kControl = 1 << 2;
+constexpr std::int32_t kControl = 1 << 2;
 
-QDBusMessage SilentCall(const QString& program, const QString& path, const char* interface,
-                        const char* method) {
-  QDBusMessage message = QDBusMessage::createMethodCall(program, path, QString::fromLatin1(interface),
-                                                        QString::fromLatin1(method));
-  message.setAutoStartService(false);
-  return message;
-}
-
-// The rest of an array that is too long is left out.
-std::vector<AccessibleObject> TakeObjects(const QDBusArgument& argument) {
+// The rest of an array that is too long is left out, and what follows it cannot be read.
+std::vector<AccessibleObject> TakeObjects(sd_bus_message* message) {
   std::vector<AccessibleObject> objects;
-  argument.beginArray();
-  while (!argument.atEnd() && objects.size() < AccessibilityBus::kChildren) {
-    QString program;
-    QDBusObjectPath path;
-    argument.beginStructure();
-    argument >> program >> path;
-    argument.endStructure();
-    objects.push_back({program, path.path()});
+  if (sd_bus_message_enter_container(message, 'a', "(so)") < 0) return objects;
+  const char* program = nullptr;
+  const char* path = nullptr;
+  while (objects.size() < AccessibilityBus::kChildren &&
+         sd_bus_message_read(message, "(so)", &program, &path) > 0) {
+    objects.push_back({program, path});
   }
-  argument.endArray();
+  sd_bus_message_exit_container(message);
   return objects;
 }
 
 // Of an array of relations, each a kind and its targets.
-std::vector<AccessibleObject> TakeEmbeddedObjects(const QDBusArgument& argument) {
+std::vector<AccessibleObject> TakeEmbeddedObjects(sd_bus_message* message) {
   std::vector<AccessibleObject> embedded;
-  argument.beginArray();
-  for (int relations = 0; !argument.atEnd() && relations < kMaximumRelations; ++relations) {
+  if (sd_bus_message_enter_container(message, 'a', "(ua(so))") < 0) return embedded;
+  for (int relations = 0; relations < kMaximumRelations; ++relations) {
     std::uint32_t kind = 0;
-    argument.beginStructure();
-    argument >> kind;
-    std::vector<AccessibleObject> targets = TakeObjects(argument);
-    argument.endStructure();
+    if (sd_bus_message_enter_container(message, 'r', "ua(so)") <= 0) break;
+    if (sd_bus_message_read(message, "u", &kind) <= 0) break;
+    std::vector<AccessibleObject> targets = TakeObjects(message);
     if (kind == kEmbeds) embedded = std::move(targets);
+    if (sd_bus_message_exit_container(message) < 0) break;
   }
-  argument.endArray();
   return embedded;
+}
+
+// Nothing when there is no message.
+std::optional<std::uint32_t> TakeNumber(const BusMessage& message) {
+  std::uint32_t number = 0;
+  return message && sd_bus_message_read(message.get(), "u", &number) > 0 ? std::optional(number)
+                                                                         : std::nullopt;
+}
+
+// Null when there is no message, or its value is another one.
+QString TakeText(const BusMessage& message) {
+  const char* text = nullptr;
+  return message && sd_bus_message_read(message.get(), "s", &text) > 0 ? QString::fromUtf8(text) : QString();
 }
 
 }  // namespace
 
 std::unique_ptr<AccessibilityBus> AccessibilityBus::open() {
-  const QDBusMessage reply = QDBusConnection::sessionBus().call(
-      SilentCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"), "org.a11y.Bus",
-                 "GetAddress"),
-      QDBus::Block, kMillisecondsPerCall);
-  if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != u"s") return nullptr;
-  const QString name = QUuid::createUuid().toString();
-  QDBusConnection connection = QDBusConnection::connectToBus(reply.arguments()[0].toString(), name);
-  std::unique_ptr<AccessibilityBus> bus(new AccessibilityBus(std::move(connection)));
-  return bus->connection_.isConnected() ? std::move(bus) : nullptr;
+  const QDeadlineTimer deadline(kMilliseconds);
+  const Bus session = OpenSessionBus(deadline);
+  Bus bus = session ? OpenAccessibilityBus(*session, deadline) : nullptr;
+  return bus ? std::unique_ptr<AccessibilityBus>(new AccessibilityBus(std::move(bus), deadline)) : nullptr;
 }
 
-AccessibilityBus::~AccessibilityBus() {
-  QDBusConnection::disconnectFromBus(connection_.name());
-}
-
-std::optional<QVariantList> AccessibilityBus::call(const AccessibleObject& object, const char* interface,
-                                                   const char* method, const QVariantList& arguments,
-                                                   const char* signature) {
-  if (callsLeft_ == 0 || deadline_.hasExpired() || silentPrograms_.contains(object.program)) {
-    return std::nullopt;
-  }
+template <typename... Values>
+BusMessage AccessibilityBus::call(const AccessibleObject& object, const char* interface, const char* method,
+                                  const char* signature, const char* types, Values... values) {
+  if (callsLeft_ == 0 || deadline_.hasExpired() || silentPrograms_.contains(object.program)) return nullptr;
   --callsLeft_;
-  QDBusMessage message = SilentCall(object.program, object.path, interface, method);
-  message.setArguments(arguments);
-  const int timeout = std::clamp(static_cast<int>(deadline_.remainingTime()), 1, kMillisecondsPerCall);
-  const QDBusMessage reply = connection_.call(message, QDBus::Block, timeout);
-  if (reply.type() == QDBusMessage::ReplyMessage) {
-    return reply.signature() == QLatin1String(signature) ? std::optional(reply.arguments()) : std::nullopt;
-  }
-  const QDBusError::ErrorType error = QDBusError(reply).type();
-  if (error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut) {
-    silentPrograms_.insert(object.program);
-  }
-  return std::nullopt;
+  const QDeadlineTimer patience(std::min<qint64>(deadline_.remainingTime(), kMillisecondsPerCall));
+  BusReply reply =
+      Send(*bus_, NewCall(*bus_, object, interface, method, types, values...), signature, patience);
+  if (reply.isSilent) silentPrograms_.insert(object.program);
+  return std::move(reply.message);
 }
 
 std::vector<AccessibleObject> AccessibilityBus::applications() {
   return children({kRegistry, kRootPath});
 }
 
-std::optional<std::int64_t> AccessibilityBus::processID(const QString& program) {
-  const auto reply = call({QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus")},
-                          "org.freedesktop.DBus", "GetConnectionUnixProcessID", {program}, "u");
-  return reply ? std::optional<std::int64_t>((*reply)[0].toUInt()) : std::nullopt;
+std::optional<std::int64_t> AccessibilityBus::processID(const std::string& program) {
+  return TakeNumber(call({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus",
+                         "GetConnectionUnixProcessID", "u", "s", program.c_str()));
 }
 
 std::vector<AccessibleObject> AccessibilityBus::children(const AccessibleObject& object) {
-  const auto reply = call(object, kAccessible, "GetChildren", {}, "a(so)");
-  return reply ? TakeObjects((*reply)[0].value<QDBusArgument>()) : std::vector<AccessibleObject>();
+  const BusMessage reply = call(object, kAccessible, "GetChildren", "a(so)");
+  return reply ? TakeObjects(reply.get()) : std::vector<AccessibleObject>();
 }
 
 std::vector<AccessibleObject> AccessibilityBus::embeddedObjects(const AccessibleObject& object) {
-  const auto reply = call(object, kAccessible, "GetRelationSet", {}, "a(ua(so))");
-  return reply ? TakeEmbeddedObjects((*reply)[0].value<QDBusArgument>()) : std::vector<AccessibleObject>();
+  const BusMessage reply = call(object, kAccessible, "GetRelationSet", "a(ua(so))");
+  return reply ? TakeEmbeddedObjects(reply.get()) : std::vector<AccessibleObject>();
 }
 
 std::optional<std::uint32_t> AccessibilityBus::role(const AccessibleObject& object) {
-  const auto reply = call(object, kAccessible, "GetRole", {}, "u");
-  return reply ? std::optional<std::uint32_t>((*reply)[0].toUInt()) : std::nullopt;
+  return TakeNumber(call(object, kAccessible, "GetRole", "u"));
 }
 
 std::optional<AccessibleStates> AccessibilityBus::states(const AccessibleObject& object) {
-  const auto reply = call(object, kAccessible, "GetState", {}, "au");
-  if (!reply) return std::nullopt;
-  const auto words = qdbus_cast<QList<quint32>>((*reply)[0]);
-  AccessibleStates states;
-  if (!words.isEmpty()) states.bits = words[0];
-  if (words.size() > 1) states.bits |= std::uint64_t{words[1]} << 32;
-  return states;
+  const BusMessage reply = call(object, kAccessible, "GetState", "au");
+  const void* words = nullptr;
+  std::size_t length = 0;
+  if (!reply || sd_bus_message_read_array(reply.get(), 'u', &words, &length) < 0) return std::nullopt;
+  std::array<std::uint32_t, 2> halves{};
+  if (length > 0) std::memcpy(halves.data(), words, std::min(length, sizeof(halves)));
+  return AccessibleStates{halves[0] | std::uint64_t{halves[1]} << 32};
 }
 
 QString AccessibilityBus::name(const AccessibleObject& object) {
-  const auto reply = call(object, "org.freedesktop.DBus.Properties", "Get",
-                          {QString::fromLatin1(kAccessible), QStringLiteral("Name")}, "v");
-  return reply ? (*reply)[0].value<QDBusVariant>().variant().toString() : QString();
+  const BusMessage reply =
+      call(object, "org.freedesktop.DBus.Properties", "Get", "v", "ss", kAccessible, "Name");
+  const bool isText = reply && sd_bus_message_enter_container(reply.get(), 'v', "s") > 0;
+  return isText ? TakeText(reply) : QString();
 }
 
 QString AccessibilityBus::documentAddress(const AccessibleObject& document) {
   for (const char* attribute : {"DocURL", "URI"}) {  // as Firefox calls it, and as the others do
-    const auto reply =
-        call(document, "org.a11y.atspi.Document", "GetAttributeValue", {QString::fromLatin1(attribute)}, "s");
-    QString address = reply ? (*reply)[0].toString() : QString();
+    QString address =
+        TakeText(call(document, "org.a11y.atspi.Document", "GetAttributeValue", "s", "s", attribute));
     if (!address.isEmpty()) return address;
   }
   return {};
 }
 
 void AccessibilityBus::grabFocus(const AccessibleObject& window) {
-  static_cast<void>(call(window, "org.a11y.atspi.Component", "GrabFocus", {}, "b"));
+  static_cast<void>(call(window, "org.a11y.atspi.Component", "GrabFocus", "b"));
 }
 
 bool AccessibilityBus::typeWithControl(char letter) {
@@ -167,12 +148,10 @@ bool AccessibilityBus::typeWithControl(char letter) {
   return generateKeyboardEvent(kControl, kUnlockModifiers) && isTyped;
 }
 
-bool AccessibilityBus::generateKeyboardEvent(int key, std::uint32_t kind) {
-  const AccessibleObject controller{kRegistry,
-                                    QStringLiteral("/org/a11y/atspi/registry/deviceeventcontroller")};
-  return call(controller, "org.a11y.atspi.DeviceEventController", "GenerateKeyboardEvent",
-              {key, QString(), kind}, "")
-      .has_value();
+bool AccessibilityBus::generateKeyboardEvent(std::int32_t key, std::uint32_t kind) {
+  return call({kRegistry, "/org/a11y/atspi/registry/deviceeventcontroller"},
+              "org.a11y.atspi.DeviceEventController", "GenerateKeyboardEvent", "", "isu", key, "",
+              kind) != nullptr;
 }
 
 }  // namespace quillforth::platform

@@ -5,25 +5,23 @@
 //
 // Nobody there is trusted: a call that is not answered soon is the last one to its program, one object serves
 // only so many calls and so much time, and a reply of another shape is no reply. Nothing is started or
-// switched on by asking. Main thread.
+// switched on by asking. One thread.
 #pragma once
 
-#include <QDBusConnection>
 #include <QDeadlineTimer>
-#include <QSet>
 #include <QString>
-#include <QVariant>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
+
+#include "platform/linux/MessageBus.h"
 
 namespace quillforth::platform {
 
-struct AccessibleObject {
-  QString program;  ///< its name on the bus
-  QString path;
-};
+using AccessibleObject = BusObject;
 
 namespace accessible_role {
 inline constexpr std::uint32_t kFrame = 23;
@@ -49,15 +47,13 @@ class AccessibilityBus {
   /// More children of one object are left out.
   static constexpr std::size_t kChildren = 1000;
 
-  /// Null when the session has no such bus.
+  /// Null when the session has no such bus, or one that does not answer; what is waited for then counts among
+  /// the milliseconds.
   [[nodiscard]] static std::unique_ptr<AccessibilityBus> open();
-  ~AccessibilityBus();
-  AccessibilityBus(const AccessibilityBus&) = delete;
-  AccessibilityBus& operator=(const AccessibilityBus&) = delete;
 
   // Each is empty, or nothing, on every failure.
   [[nodiscard]] std::vector<AccessibleObject> applications();
-  [[nodiscard]] std::optional<std::int64_t> processID(const QString& program);
+  [[nodiscard]] std::optional<std::int64_t> processID(const std::string& program);
   [[nodiscard]] std::vector<AccessibleObject> children(const AccessibleObject& object);
   /// What an object says that it is there for (the relation "embeds").
   [[nodiscard]] std::vector<AccessibleObject> embeddedObjects(const AccessibleObject& object);
@@ -72,17 +68,17 @@ class AccessibilityBus {
   [[nodiscard]] bool typeWithControl(char letter);
 
  private:
-  explicit AccessibilityBus(QDBusConnection connection) : connection_(std::move(connection)) {}
-  /// The reply's values, which are of the types in `signature`; nothing on every failure.
-  [[nodiscard]] std::optional<QVariantList> call(const AccessibleObject& object, const char* interface,
-                                                 const char* method, const QVariantList& arguments,
-                                                 const char* signature);
-  [[nodiscard]] bool generateKeyboardEvent(int key, std::uint32_t kind);
+  AccessibilityBus(Bus bus, const QDeadlineTimer& deadline) : bus_(std::move(bus)), deadline_(deadline) {}
+  /// The reply, whose values are of the types in `signature`; null on every failure.
+  template <typename... Values>
+  [[nodiscard]] BusMessage call(const AccessibleObject& object, const char* interface, const char* method,
+                                const char* signature, const char* types = "", Values... values);
+  [[nodiscard]] bool generateKeyboardEvent(std::int32_t key, std::uint32_t kind);
 
-  QDBusConnection connection_;
-  QDeadlineTimer deadline_{kMilliseconds};
+  Bus bus_;
+  QDeadlineTimer deadline_;
   int callsLeft_ = kCalls;
-  QSet<QString> silentPrograms_;
+  std::set<std::string> silentPrograms_;
 };
 
 }  // namespace quillforth::platform

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <QDBusArgument>
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
@@ -54,12 +55,14 @@ std::size_t Plant(const std::string& text, std::size_t start, std::vector<Node>&
 class FakeAccessibility final : public QDBusVirtualObject {
  public:
   std::vector<Node> nodes;
+  QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");  // of the bus
 
   [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
   bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override {
     const bool isOfNode = call.path()[1].isDigit();
     const QVariant answer = isOfNode ? answerOf(nodes.at(call.path().mid(1).toUInt()), call, connection)
                                      : answerOf(call, connection);
+    if (call.member() == u"Set") return connection.send(call.createReply());
     return !answer.isValid() || connection.send(call.createReply(answer));
   }
 
@@ -71,7 +74,7 @@ class FakeAccessibility final : public QDBusVirtualObject {
     return QVariant::fromValue(all);
   }
   QVariant answerOf(const QDBusMessage& call, const QDBusConnection& connection) {
-    if (call.member() == u"GetAddress") return qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (call.member() == u"GetAddress") return address;
     if (call.member() == u"GetChildren") return references({0}, connection);
     isEnabled_ |= call.member() == u"Set";
     return QVariant::fromValue(QDBusVariant(isEnabled_));
@@ -126,6 +129,13 @@ TEST(AccessibleBrowser, SaysWhatItShowsAndNeverKeepsAnybodyWaiting) {
     EXPECT_EQ(address.isNull() ? "nil" : address.toStdString(), row[1]) << row[0];
     EXPECT_FALSE(deadline.hasExpired()) << row[0];
     EXPECT_TRUE(BrowserWindows(*bus, {::getppid()}, {}).empty()) << "another program's: " << row[0];
+  }
+  RawServer silent([](auto&, auto&) { return RawServer::After::close; });  // waits for a request's end
+  for (const std::string& address :
+       {"tcp:host=127.0.0.1,port=" + std::to_string(silent.port()), std::string("x")}) {
+    fake.address = QString::fromStdString(address);
+    const QDeadlineTimer deadline(AccessibilityBus::kMilliseconds + 1000);
+    EXPECT_FALSE(AccessibilityBus::open() || deadline.hasExpired()) << address;
   }
   platform::LinuxSessionAccessibility accessibility;
   EXPECT_FALSE(accessibility.isOn()) << "asking browsers switched it on";
