@@ -27,6 +27,7 @@
 #include "platform/linux/Interruption.h"
 #include "platform/linux/LinuxSessionAccessibility.h"
 #include "platform/linux/SingleInstance.h"
+#include "platform/linux/WindowWatcher.h"
 
 namespace quillforth::desktop {
 
@@ -159,6 +160,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
                    .accessibility = std::make_shared<platform::LinuxSessionAccessibility>()});
   DesktopScriptFrontEnd scriptFrontEnd(services.userDefaults(), [&desktop] { desktop.activate(); });
   services.scripts().setFrontEnd(&scriptFrontEnd);
+  const platform::WindowWatcher watcher(services.windows());
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [&desktop, &notifier] {
     notifier.setEnabled(false);

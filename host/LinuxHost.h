@@ -44,6 +44,8 @@ class LinuxHost {
   [[nodiscard]] platform::CurlDownloadService& downloads() { return downloads_; }
   [[nodiscard]] platform::AppleEventSender& events() { return events_; }
   [[nodiscard]] platform::LinuxScriptHost& scripts() { return scripts_; }
+  /// Stays empty unless a WindowWatcher fills it.
+  [[nodiscard]] platform::WindowHistory& windows() { return windows_; }
   [[nodiscard]] platform::SettingsUserDefaults& userDefaults() { return defaults_; }
 
  private:
@@ -68,7 +70,8 @@ class LinuxHost {
   platform::LinuxResourceManager resources_;
   const app::EventIntake eventIntake_{dispatcher_, references_, resources_};
   platform::LinuxRunningProcesses processes_;
-  platform::LinuxScriptHost scripts_{processes_, log_};
+  platform::WindowHistory windows_;
+  platform::LinuxScriptHost scripts_{processes_, log_, windows_};
   platform::LinuxOriginURLWriter origins_;
   app::FinderFileComments fileComments_{events_, origins_};
   platform::LinuxFolderAccess folders_;

@@ -84,7 +84,7 @@ std::optional<Document> FindShowingDocument(AccessibilityBus& bus, const Accessi
 
 std::vector<AccessibleWindow> BrowserWindows(AccessibilityBus& bus,
                                              const std::vector<std::int64_t>& processIDs,
-                                             const QStringList& names) {
+                                             const QStringList& names, const WindowHistory& history) {
   std::vector<AccessibleWindow> windows;
   for (const AccessibleObject& application : bus.applications()) {
     if (!IsBrowser(bus, application, processIDs, names)) continue;
@@ -94,12 +94,13 @@ std::vector<AccessibleWindow> BrowserWindows(AccessibilityBus& bus,
       const std::optional<AccessibleStates> states = bus.states(child);
       if (!states || !states->isShowing() || states->isIconified()) continue;
       const QString title = bus.name(child);
-      if (!title.isEmpty()) windows.push_back({child, *states, title});
+      const std::size_t age = states->isActive() ? 0 : 1 + history.age(child);
+      if (!title.isEmpty()) windows.push_back({child, *states, title, age});
     }
   }
   std::reverse(windows.begin(), windows.end());
-  std::stable_partition(windows.begin(), windows.end(),
-                        [](const AccessibleWindow& window) { return window.states.isActive(); });
+  std::stable_sort(windows.begin(), windows.end(),
+                   [](const auto& a, const auto& b) { return a.age < b.age; });
   return windows;
 }
 
@@ -111,7 +112,7 @@ std::optional<BrowserWindow> FirstBrowserWindow(AccessibilityBus& bus,
     if (!document) document = FindShowingDocument(bus, window.object);
     if (!document || (covered && !document->isShowing)) continue;
     BrowserWindow found{window.title, document->address};
-    if (document->isShowing || window.states.isActive()) return found;
+    if (document->isShowing || window.wasActive()) return found;
     covered = std::move(found);
   }
   return covered;

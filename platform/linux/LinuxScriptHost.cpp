@@ -63,8 +63,9 @@ QStringList AccessibleNames(FourCharCode creator) {
 /// Of one run.
 class LinuxScriptEffects final : public ScriptEffects {
  public:
-  LinuxScriptEffects(RunningProcesses& processes, SystemLog& log, ScriptFrontEnd* frontEnd)
-      : processes_(processes), log_(log), frontEnd_(frontEnd) {}
+  LinuxScriptEffects(RunningProcesses& processes, SystemLog& log, const WindowHistory& history,
+                     ScriptFrontEnd* frontEnd)
+      : processes_(processes), log_(log), history_(history), frontEnd_(frontEnd) {}
 
   bool activateApplication(const QString& name) override {
     activated_ = CreatorOf(name);
@@ -114,7 +115,7 @@ class LinuxScriptEffects final : public ScriptEffects {
   std::vector<AccessibleWindow> windows(AccessibilityBus& bus, FourCharCode creator) {
     const std::vector<std::int64_t> running = processIDs(creator);
     return running.empty() ? std::vector<AccessibleWindow>()
-                           : BrowserWindows(bus, running, AccessibleNames(creator));
+                           : BrowserWindows(bus, running, AccessibleNames(creator), history_);
   }
 
   std::optional<BrowserWindow> frontWindow(FourCharCode creator) {
@@ -160,6 +161,7 @@ class LinuxScriptEffects final : public ScriptEffects {
 
   RunningProcesses& processes_;
   SystemLog& log_;
+  const WindowHistory& history_;
   ScriptFrontEnd* frontEnd_;
   FourCharCode activated_ = 0;
   QString selected_;  // null: not read
@@ -170,7 +172,7 @@ class LinuxScriptEffects final : public ScriptEffects {
 }  // namespace
 
 std::optional<AEDescriptor> LinuxScriptHost::compileAndRun(const QString& source) {
-  LinuxScriptEffects effects(processes_, log_, frontEnd_);
+  LinuxScriptEffects effects(processes_, log_, history_, frontEnd_);
   return RunScript(source, effects);
 }
 

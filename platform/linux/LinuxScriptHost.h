@@ -12,12 +12,15 @@
 #include "platform/ScriptFrontEnd.h"
 #include "platform/ScriptHost.h"
 #include "platform/SystemLog.h"
+#include "platform/linux/WindowHistory.h"
 
 namespace quillforth::platform {
 
 class LinuxScriptHost final : public ScriptHost {
  public:
-  LinuxScriptHost(RunningProcesses& processes, SystemLog& log) : processes_(processes), log_(log) {}
+  /// `windows` says which window of a browser to ask.
+  LinuxScriptHost(RunningProcesses& processes, SystemLog& log, const WindowHistory& windows)
+      : processes_(processes), log_(log), history_(windows) {}
 
   /// Null, as it is at first, stands for one that allows nothing. It outlives its use here.
   void setFrontEnd(ScriptFrontEnd* frontEnd) { frontEnd_ = frontEnd; }
@@ -26,6 +29,7 @@ class LinuxScriptHost final : public ScriptHost {
  private:
   RunningProcesses& processes_;
   SystemLog& log_;
+  const WindowHistory& history_;
   ScriptFrontEnd* frontEnd_ = nullptr;
 };
 

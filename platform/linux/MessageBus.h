@@ -28,6 +28,8 @@ using BusMessage = std::unique_ptr<sd_bus_message, ReleaseMessage>;
 struct BusObject {
   std::string program;  ///< its name on the bus
   std::string path;
+
+  friend bool operator==(const BusObject&, const BusObject&) = default;
 };
 
 /// The session's bus; null unless it lets this process in before the deadline.

@@ -21,6 +21,7 @@
 #include "platform/linux/LinuxScriptHost.h"
 #include "platform/linux/LinuxSessionAccessibility.h"
 #include "platform/linux/SyslogSystemLog.h"
+#include "platform/linux/WindowWatcher.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::tests {
@@ -62,7 +63,12 @@ class FakeAccessibility final : public QDBusVirtualObject {
     const bool isOfNode = call.path()[1].isDigit();
     const QVariant answer = isOfNode ? answerOf(nodes.at(call.path().mid(1).toUInt()), call, connection)
                                      : answerOf(call, connection);
-    if (call.member() == u"Set") return connection.send(call.createReply());
+    if (call.member() == u"Set") {
+      connection.send(QDBusMessage::createSignal(call.path(),
+                                                 QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                 QStringLiteral("PropertiesChanged")));
+      return connection.send(call.createReply());
+    }
     return !answer.isValid() || connection.send(call.createReply(answer));
   }
 
@@ -124,11 +130,11 @@ TEST(AccessibleBrowser, SaysWhatItShowsAndNeverKeepsAnybodyWaiting) {
     const QDeadlineTimer deadline(AccessibilityBus::kMilliseconds + 1000);
     const auto bus = AccessibilityBus::open();
     ASSERT_TRUE(bus);
-    const auto window = FirstBrowserWindow(*bus, BrowserWindows(*bus, {::getpid()}, {}));
+    const auto window = FirstBrowserWindow(*bus, BrowserWindows(*bus, {::getpid()}, {}, {}));
     const QString address = window ? window->documentURL : QString();
     EXPECT_EQ(address.isNull() ? "nil" : address.toStdString(), row[1]) << row[0];
     EXPECT_FALSE(deadline.hasExpired()) << row[0];
-    EXPECT_TRUE(BrowserWindows(*bus, {::getppid()}, {}).empty()) << "another program's: " << row[0];
+    EXPECT_TRUE(BrowserWindows(*bus, {::getppid()}, {}, {}).empty()) << "another program's: " << row[0];
   }
   RawServer silent([](auto&, auto&) { return RawServer::After::close; });  // waits for a request's end
   for (const std::string& address :
@@ -137,9 +143,25 @@ TEST(AccessibleBrowser, SaysWhatItShowsAndNeverKeepsAnybodyWaiting) {
     const QDeadlineTimer deadline(AccessibilityBus::kMilliseconds + 1000);
     EXPECT_FALSE(AccessibilityBus::open() || deadline.hasExpired()) << address;
   }
+  fake.address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+  platform::WindowHistory history;
+  const platform::WindowWatcher watcher(history);
   platform::LinuxSessionAccessibility accessibility;
   EXPECT_FALSE(accessibility.isOn()) << "asking browsers switched it on";
   EXPECT_TRUE(accessibility.switchOn() && accessibility.isOn());
+  fake.nodes.clear();
+  Plant("P(F2s(D=http://a.test/) Fs(Ds=http://b.test/))", 0, fake.nodes);
+  const platform::BusObject older{connection.baseService().toStdString(), "/1"};
+  for (QDeadlineTimer left(10'000); history.age(older) != 0 && !left.hasExpired(); QThread::msleep(10))
+    connection.send(QDBusMessage::createSignal(
+        QStringLiteral("/1"), QStringLiteral("org.a11y.atspi.Event.Window"), QStringLiteral("Activate")));
+  const auto bus = AccessibilityBus::open();
+  const auto window = FirstBrowserWindow(*bus, BrowserWindows(*bus, {::getpid()}, {}, history));
+  EXPECT_TRUE(window && window->documentURL == u"http://a.test/") << "the one that was active last";
+  for (int i = 0; i < 1000; ++i) history.remember({":9.9", "/" + std::to_string(i)});
+  EXPECT_LT(history.age(older), platform::WindowHistory::kWindows) << "one program's windows hide all others";
+  for (int i = 0; i < 1000; ++i) history.remember({":8." + std::to_string(i), "/"});
+  EXPECT_EQ(history.age(older), platform::WindowHistory::kWindows);
   thread.quit();
   thread.wait();
 }
@@ -163,7 +185,8 @@ void ExpectAddressOf(const QString& browser, QStringList arguments, const QStrin
   program.start(browser, arguments << QString::fromStdString(server.url("/a?b=1")));
   platform::LinuxRunningProcesses processes;
   platform::SyslogSystemLog log;
-  platform::LinuxScriptHost host(processes, log);
+  const platform::WindowHistory history;
+  platform::LinuxScriptHost host(processes, log, history);
   std::optional<platform::AEDescriptor> said;
   for (const QDeadlineTimer deadline(60'000); !said && !deadline.hasExpired(); QThread::msleep(200))
     said = host.compileAndRun(script);
