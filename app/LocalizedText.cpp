@@ -27,7 +27,7 @@ QString Placeholders(const QString& format) {
 QString LocalizedFormat(const LocalizedText& localizedText, const QString& format,
                         std::initializer_list<QString> arguments) {
   QString translation = localizedText(format);
-  if (Placeholders(translation) != Placeholders(format)) translation = format;
+  if (translation != format && Placeholders(translation) != Placeholders(format)) translation = format;
   QString text;
   qsizetype copied = 0;
   for (const QString& argument : arguments) {

@@ -31,6 +31,7 @@ std::size_t ValidCharacterLength(std::string_view bytes) {
 }
 
 std::size_t ValidPrefixLength(std::string_view bytes) {
+  if (QUtf8StringView(bytes.data(), static_cast<qsizetype>(bytes.size())).isValidUtf8()) return bytes.size();
   std::size_t length = 0;
   while (length < bytes.size()) {
     const std::size_t character = ValidCharacterLength(bytes.substr(length));

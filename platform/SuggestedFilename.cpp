@@ -85,6 +85,7 @@ bool IsBlankOrDot(QChar c) {
 // What is left of `text` as one visible path component; may be empty.
 QString SafeComponent(const QString& text) {
   QString name;
+  name.reserve(text.size());
   for (const QChar c : text) {
     if (c == u'/' || c == u'\\') {
       name.clear();

@@ -3,11 +3,16 @@
 #include "terminal/Text.h"
 
 #include <QList>
+#include <algorithm>
 #include <cwchar>
 
 namespace quillforth::terminal {
 
 namespace {
+
+bool IsPrintableASCII(QChar c) {
+  return c >= u' ' && c <= u'~';
+}
 
 bool IsHarmless(char32_t c) {
   switch (QChar::category(c)) {
@@ -55,6 +60,7 @@ qsizetype UnitsInWidth(Iterator first, Iterator last, int columns) {
 }  // namespace
 
 QString Printable(const QString& text) {
+  if (std::all_of(text.begin(), text.end(), IsPrintableASCII)) return text;
   QString result;
   result.reserve(text.size());
   for (const char32_t c : text.toUcs4()) {
