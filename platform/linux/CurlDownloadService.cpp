@@ -14,7 +14,8 @@ namespace quillforth::platform {
 
 namespace {
 
-constexpr int kReportsAtATime = 100;
+// A fraction of a frame: so long at most other events wait for their turn.
+constexpr std::chrono::milliseconds kDeliveryTime{5};
 
 }  // namespace
 
@@ -36,22 +37,39 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
   downloads_.emplace(id, download);
   reports_.post(BeganReport{id});
   if (CanBeFetched(url)) {
-    thread_.post(StartCommand{id, url.absoluteString().toStdString()});
+    thread_.postStart(StartCommand{id, url.absoluteString().toStdString()});
+    if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
     fail(id, LOCALIZED("Only http, https and ftp URLs can be downloaded."));
   }
   return download;
 }
 
+void CurlDownloadService::setDelivering(bool isDelivering) {
+  notifier_.setEnabled(isDelivering);
+  if (!isDelivering) thread_.handOver();
+}
+
 // Also called from loops that a delegate runs inside a callback; order is kept, because each report is taken
 // before it is delivered. What a delegate starts can report at once, without end, so other events get their
 // turn in between.
 void CurlDownloadService::deliverReports() {
-  for (int i = 0; i < kReportsAtATime; ++i) {
-    std::optional<Report> report = reports_.take();
-    if (!report) return;
-    deliver(*report);
+  const auto end = std::chrono::steady_clock::now() + kDeliveryTime;
+  const bool wasDelivering = std::exchange(isDelivering_, true);
+  while (deliverOne(end) && std::chrono::steady_clock::now() < end) {
   }
+  isDelivering_ = wasDelivering;
+  thread_.handOver();
+}
+
+bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) {
+  std::optional<Report> report = reports_.take();
+  if (!report) {
+    thread_.work(end);
+    report = reports_.take();
+  }
+  if (report) deliver(*report);
+  return report.has_value();
 }
 
 void CurlDownloadService::deliver(Report& report) {

@@ -5,7 +5,9 @@
 // Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
 // the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
 // cancelled fall away, with the file that they may bring. A small file that arrives with its response is
-// stored here. All members are called on the thread that made the service, which runs a Qt event loop.
+// stored here, and what a callback starts is waited for here, too, for a moment: most files of a page follow
+// each other without a thread having to wake. All members are called on the thread that made the service,
+// which runs a Qt event loop.
 #pragma once
 
 #include <QSocketNotifier>
@@ -41,12 +43,13 @@ class CurlDownloadService final : public WebDownloadService {
                                                            WebDownloadDelegate& delegate) override;
   /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
   /// a delegate is busy.
-  void setDelivering(bool isDelivering) { notifier_.setEnabled(isDelivering); }
+  void setDelivering(bool isDelivering);
 
  private:
   friend class CurlDownload;
 
   void deliverReports();
+  bool deliverOne(std::chrono::steady_clock::time_point end);
   void deliver(Report& report);
   void store(DownloadId id, BodySink& body, const DestinationFile::Target& target);
   void fail(DownloadId id, const QString& description);
@@ -59,6 +62,7 @@ class CurlDownloadService final : public WebDownloadService {
   QSocketNotifier notifier_;
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
   DownloadId lastId_ = 0;
+  bool isDelivering_ = false;
   TransferThread thread_;
 };
 

@@ -33,25 +33,33 @@ class Mailbox {
   Mailbox& operator=(const Mailbox&) = delete;
 
   void post(Message message) {
-    bool mustSignal = false;
-    {
-      const std::lock_guard lock(mutex_);
-      messages_.push_back(std::move(message));
-      mustSignal = !std::exchange(isSignalled_, true);
-    }
-    if (mustSignal) ::eventfd_write(signal_.get(), 1);
+    postQuietly(std::move(message));
+    signal();
+  }
+
+  /// The receiver does not wake for it: `signal` is to follow, or the sender takes the message itself.
+  void postQuietly(Message message) {
+    const std::lock_guard lock(mutex_);
+    messages_.push_back(std::move(message));
   }
 
   /// Empties `messages`; the receiver wakes once for all of them.
   void postAll(std::vector<Message>& messages) {
     if (messages.empty()) return;
-    bool mustSignal = false;
     {
       const std::lock_guard lock(mutex_);
       for (Message& message : messages) messages_.push_back(std::move(message));
-      mustSignal = !std::exchange(isSignalled_, true);
     }
     messages.clear();
+    signal();
+  }
+
+  void signal() {
+    bool mustSignal = false;
+    {
+      const std::lock_guard lock(mutex_);
+      mustSignal = !std::exchange(isSignalled_, true);
+    }
     if (mustSignal) ::eventfd_write(signal_.get(), 1);
   }
 

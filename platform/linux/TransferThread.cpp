@@ -2,6 +2,7 @@
 
 #include "platform/linux/TransferThread.h"
 
+#include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 
@@ -43,13 +44,45 @@ TransferThread::~TransferThread() {
 
 void TransferThread::run() {
   BlockAllSignals();
+  std::unique_lock turn(turn_);
   while (obeyCommands()) {
-    drive();
-    const Clock::time_point next = lookAtClock();
-    reports_.postAll(context_.outbox);
-    wait(next);
+    const Clock::time_point next = step().first;
+    if (!entries_.empty()) {
+      wait(next);
+    } else {
+      turn.unlock();
+      waitForCommand();
+      turn.lock();
+    }
   }
   while (!entries_.empty()) release(entries_.begin());
+}
+
+void TransferThread::postStart(StartCommand command) {
+  commands_.postQuietly(std::move(command));
+  hasQuietStart_ = true;
+}
+
+void TransferThread::work(Clock::time_point until) {
+  if (!hasQuietStart_) return;
+  const std::unique_lock turn(turn_, std::try_to_lock);
+  if (!turn) return handOver();
+  hasQuietStart_ = false;
+  obeyCommands();
+  while (!step().second && !entries_.empty() && Clock::now() < until) wait(until);
+  if (!entries_.empty()) commands_.signal();
+}
+
+void TransferThread::handOver() {
+  if (std::exchange(hasQuietStart_, false)) commands_.signal();
+}
+
+std::pair<TransferThread::Clock::time_point, bool> TransferThread::step() {
+  drive();
+  const Clock::time_point next = lookAtClock();
+  const bool hasReport = !context_.outbox.empty();
+  reports_.postAll(context_.outbox);
+  return {next, hasReport};
 }
 
 bool TransferThread::obeyCommands() {
@@ -124,6 +157,11 @@ void TransferThread::wait(Clock::time_point until) {
   const auto duration = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
   const int milliseconds = static_cast<int>(std::clamp(duration, {}, kLongestWait).count());
   curl_multi_poll(multi_.get(), &mailbox, 1, milliseconds, nullptr);
+}
+
+void TransferThread::waitForCommand() {
+  pollfd mailbox{commands_.descriptor(), POLLIN, 0};
+  ::poll(&mailbox, 1, -1);
 }
 
 void TransferThread::settle(Entries::iterator entry) {
