@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/BoundedText.h"
 #include "platform/LocalizedStrings.h"
 #include "platform/linux/FinishFile.h"
 #include "platform/linux/ResponseHead.h"
@@ -118,6 +119,12 @@ void DownloadTransfer::readGoodHead() {
                              FilenameOfResponse(handle_.get(), mimeType),
                              HasContentCoding(handle_.get()),
                              std::nullopt};
+}
+
+bool DownloadTransfer::isFTP() const {
+  char* scheme = nullptr;
+  curl_easy_getinfo(handle_.get(), CURLINFO_SCHEME, &scheme);
+  return scheme != nullptr && common::StartsWithNoCase(scheme, "ftp");
 }
 
 void DownloadTransfer::refuseBody(const QString& why) {

@@ -52,6 +52,8 @@ class DownloadTransfer {
 
   [[nodiscard]] DownloadId id() const { return id_; }
   [[nodiscard]] Phase phase() const { return phase_; }
+  /// The connection is one of FTP.
+  [[nodiscard]] bool isFTP() const;
   /// Its CURLINFO_PRIVATE is this object.
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 

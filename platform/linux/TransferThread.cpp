@@ -69,8 +69,14 @@ void TransferThread::work(Clock::time_point until) {
   if (!turn) return handOver();
   hasQuietStart_ = false;
   obeyCommands();
-  while (!step().second && !entries_.empty() && Clock::now() < until) wait(until);
+  while (!mayBlock() && !step().second && !entries_.empty() && Clock::now() < until) wait(until);
   if (!entries_.empty()) commands_.signal();
+}
+
+// libcurl waits for a server's last words on an FTP connection, at the end of a file and of the connection.
+bool TransferThread::mayBlock() const {
+  return hasHadFTP_ || std::any_of(entries_.begin(), entries_.end(),
+                                   [](const auto& entry) { return entry.second.transfer->isFTP(); });
 }
 
 void TransferThread::handOver() {
@@ -136,6 +142,7 @@ void TransferThread::drive() {
     curl_multi_remove_handle(multi_.get(), handle);
     const auto entry = entries_.find(transfer->id());
     entry->second.isDriven = false;
+    hasHadFTP_ = hasHadFTP_ || transfer->isFTP();
     transfer->requestDone(result);
     settle(entry);
   }

@@ -34,10 +34,11 @@ class TransferThread {
 
   /// Any thread.
   void post(Command command) { commands_.post(std::move(command)); }
-  /// On the service's thread, as all below: `work` or `handOver` is to follow, and until then nothing is sent.
+  /// On the service's thread, as all below: `work` or `handOver` is to follow, and until then nothing is
+  /// sent.
   void postStart(StartCommand command);
-  /// Sends what `postStart` was given, and does this thread's work on the calling one until there is a report,
-  /// but not past `until`. What is under way then is this thread's.
+  /// Sends what `postStart` was given, and does this thread's work on the calling one until there is a
+  /// report, but not past `until`. What is under way then is this thread's.
   void work(std::chrono::steady_clock::time_point until);
   void handOver();
 
@@ -59,6 +60,7 @@ class TransferThread {
   bool obey(const Command& command);
   void obeyStart(const StartCommand& command);
   void drive();
+  [[nodiscard]] bool mayBlock() const;
   Clock::time_point lookAtClock();
   void wait(Clock::time_point until);
   void waitForCommand();
@@ -74,6 +76,7 @@ class TransferThread {
   std::unique_ptr<CURLM, MultiDeleter> multi_;
   CurlEasy spareHandle_;
   Entries entries_;
+  bool hasHadFTP_ = false;
   std::thread thread_;
 };
 

@@ -93,6 +93,38 @@ TEST_F(DownloadTest, ManyFilesShareOneConnectionAndOneNameIsNumbered) {
   EXPECT_EQ(server.connectionCount(), 1);
 }
 
+TEST_F(DownloadTest, WhatACallbackStartsGoesOnWhateverTheCallbackDoesNext) {
+  RawServer server([](Connection& connection, const std::string& request) {
+    const bool isLarge = request.starts_with("GET /large");
+    if (request.starts_with("GET /late")) (void)connection.waitForEnd(40);
+    connection.send(HttpReply("200 OK", std::string(isLarge ? 900'000 : 9'000, 'x')));
+    return After::keepOpen;
+  });
+  enum class Next { returns, runsALoop, holdsDeliveryBack };
+  for (const Next next : {Next::returns, Next::runsALoop, Next::holdsDeliveryBack}) {
+    for (const char* path : {"/prompt", "/late", "/large"}) {
+      DownloadRecorder second = recorder();
+      DownloadRecorder first = recorder();
+      first.hook = [&](char call, WebDownload&) {
+        if (call != 'F') return;
+        const std::size_t requestCount = server.requests().size();
+        start(server.url(path), second);
+        if (next == Next::holdsDeliveryBack) {
+          service->setDelivering(false);
+          EXPECT_TRUE(RunLoopUntil([&] { return server.requests().size() > requestCount; })) << path;
+          EXPECT_EQ(second.calls, "");
+          service->setDelivering(true);
+        } else if (next == Next::runsALoop) {
+          EXPECT_TRUE(RunLoopUntil([&] { return second.isOver(); })) << path << second.calls;
+        }
+      };
+      start(server.url("/prompt"), first);
+      EXPECT_TRUE(RunLoopUntil([&] { return second.isOver(); })) << path << first.calls << second.calls;
+      EXPECT_EQ(content(second).size(), path == std::string_view("/large") ? 900'000U : 9'000U);
+    }
+  }
+}
+
 TEST_F(DownloadTest, WaitsWithLargeBodiesUntilTheDestinationIsDecided) {
   std::string body(5'000'000, '\0');
   for (std::size_t i = 0; i < body.size(); ++i) body[i] = static_cast<char>(i * 7 + i / 251);
