@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "platform/linux/ResponseHead.h"
+
 namespace quillforth::platform {
 
 namespace {
@@ -14,6 +16,12 @@ std::size_t AppendToPage(const char* data, std::size_t /*size*/, std::size_t cou
   if (length > PageLoader::kMaxPageLength - body.size()) return 0;
   body.append(data, length);
   return count;
+}
+
+// libcurl leaves it open how long a body is that has a transfer coding which it does not know, or "identity".
+bool IsWhole(CURL* handle, const QByteArray& body) {
+  const std::optional<std::int64_t> announced = AnnouncedLength(handle);
+  return announced && (*announced < 0 || *announced == body.size()) && !HasUnknownTransferCoding(handle);
 }
 
 }  // namespace
@@ -32,7 +40,7 @@ std::optional<QByteArray> CurlPageLoader::resourceData(const URL& url) {
   curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
   const std::lock_guard lock(mutex_);
   if (!transfer_.begin(std::move(easy))) return std::nullopt;
-  const bool complete = runTransfer(body);
+  const bool complete = runTransfer(body) && IsWhole(transfer_.handle(), body);
   transfer_.end();
   if (!complete) return std::nullopt;
   return body;

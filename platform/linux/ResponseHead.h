@@ -3,7 +3,7 @@
 // What the header of a transfer's last response says about the body that follows.
 //
 // Redirects and refused logins bring headers of their own, so this is read only once the body begins, or the
-// transfer has ended. The transfer thread only.
+// transfer has ended. On the thread that drives the transfer.
 #pragma once
 
 #include <curl/curl.h>
