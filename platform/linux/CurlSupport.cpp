@@ -25,6 +25,8 @@ void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const st
   curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, 2L);
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+  // A name server that does not answer must not hold up the end of an aborted transfer.
+  curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
   curl_easy_setopt(handle, CURLOPT_HTTP_CONTENT_DECODING, 0L);
   if (!settings.caCertificateFile.empty()) {
     curl_easy_setopt(handle, CURLOPT_CAINFO, settings.caCertificateFile.c_str());

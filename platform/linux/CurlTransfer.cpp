@@ -13,8 +13,6 @@ CurlEasy CurlTransfer::prepare(const TransferSettings& settings, const URL& url)
   CurlEasy easy(curl_easy_init());
   if (easy == nullptr) return nullptr;
   ApplyCommonOptions(easy.get(), settings, url);
-  // A name server that does not answer must not hold up the end of an aborted transfer.
-  curl_easy_setopt(easy.get(), CURLOPT_QUICK_EXIT, 1L);
   return easy;
 }
 
