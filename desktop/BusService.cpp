@@ -4,6 +4,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
+#include <QDBusReply>
 
 #include "platform/URL.h"
 
@@ -14,6 +15,14 @@ namespace {
 QString Name() {
   return QStringLiteral("com.tessarysoftware.Quillforth");
 }
+
+QString ObjectPath() {
+  return QStringLiteral("/com/tessarysoftware/Quillforth");
+}
+
+const QLatin1StringView kTokenKey("activation-token");
+const QLatin1StringView kDownloadSelection("download-selection");
+constexpr int kMillisecondsToAnswer = 5000;
 
 // The address without blanks, when the program can download from there; null otherwise.
 QString DownloadableURL(const QString& text) {
@@ -34,18 +43,43 @@ BusService::BusService(RequestHandler& handler)
   new ApplicationAdaptor(*this, application_);
   new DownloadAdaptor(*this, application_);
   new RunnerAdaptor(*this, runner_);
+  connection_.registerObject(ObjectPath(), &application_);
+  connection_.registerObject(QStringLiteral("/KRunner"), &runner_);
 }
 
 BusService::~BusService() {
   if (connection_.isConnected()) connection_.unregisterService(Name());
 }
 
-bool BusService::begin() {
-  return connection_.isConnected() &&
-         connection_.registerObject(QStringLiteral("/com/tessarysoftware/Quillforth"), &application_) &&
-         connection_.registerObject(QStringLiteral("/KRunner"), &runner_) &&
-         connection_.interface()->registerService(Name()).value() ==
-             QDBusConnectionInterface::ServiceRegistered;
+BusService::Outcome BusService::begin() {
+  if (!connection_.isConnected()) return Outcome::noBus;
+  const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
+      connection_.interface()->registerService(Name());
+  if (!reply.isValid()) return Outcome::noBus;
+  return reply.value() == QDBusConnectionInterface::ServiceRegistered ? Outcome::isNamed
+                                                                      : Outcome::isNameTaken;
+}
+
+bool BusService::handOver(const Request& request) {
+  const QVariantMap platformData{{kTokenKey, request.activationToken}};
+  const auto call = [](const char* method, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        Name(), ObjectPath(), QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
+    message.setArguments(arguments);
+    message.setAutoStartService(false);
+    return QDBusConnection::sessionBus().call(message, QDBus::Block, kMillisecondsToAnswer).type() ==
+           QDBusMessage::ReplyMessage;
+  };
+  switch (request.kind) {
+    case Request::Kind::activate:
+      return call("Activate", {platformData});
+    case Request::Kind::open:
+      return call("Open", {request.texts, platformData});
+    case Request::Kind::downloadSelection:
+      return call("ActivateAction", {kDownloadSelection, QVariantList(), platformData});
+    default:
+      return false;
+  }
 }
 
 void BusService::take(const Request& request, const QDBusMessage& call) {
@@ -75,7 +109,7 @@ void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platfo
 
 void ApplicationAdaptor::ActivateAction(const QString& action_name, const QVariantList& /*parameter*/,
                                         const QVariantMap& platform_data, const QDBusMessage& call) {
-  if (action_name == QStringLiteral("download-selection")) {
+  if (action_name == kDownloadSelection) {
     return service_.take({Request::Kind::downloadSelection, {}, ActivationTokenIn(platform_data)}, call);
   }
   call.setDelayedReply(true);

@@ -30,9 +30,16 @@ class BusService final : public QObject {
   BusService(const BusService&) = delete;
   BusService& operator=(const BusService&) = delete;
 
-  /// Shows the objects, then takes the name. False, and nobody can call, where there is no bus or the name is
-  /// taken.
-  [[nodiscard]] bool begin();
+  enum class Outcome {
+    isNamed,      ///< calls come from now on
+    isNameTaken,  ///< another instance has it
+    noBus,
+  };
+  /// Takes the name; may be called again as long as that is taken.
+  [[nodiscard]] Outcome begin();
+  /// Asks the instance that has the name. True when it has taken `request`, which is one that a command line
+  /// can make; false also when it does not answer within seconds.
+  [[nodiscard]] static bool handOver(const Request& request);
 
   /// Hands `request` on; `call`, which sent it, gets an error unless it is taken.
   void take(const Request& request, const QDBusMessage& call);

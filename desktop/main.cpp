@@ -3,6 +3,7 @@
 // quillforth: chooses the host, and shows the controller in windows.
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include "desktop/Activation.h"
 #include "desktop/Appearance.h"
@@ -34,6 +36,7 @@ namespace quillforth::desktop {
 namespace {
 
 constexpr std::chrono::seconds kHandOverPatience(20);
+constexpr std::chrono::milliseconds kHandOverPause(100);
 // How long a start by the bus waits without a window for something to do.
 constexpr std::chrono::seconds kServicePatience(60);
 
@@ -68,6 +71,11 @@ Request RequestOf(const Arguments& arguments) {
   return request;
 }
 
+int EndWithoutAnswer() {
+  std::fputs("quillforth: the Quillforth that runs does not answer, or has too much to do\n", stderr);
+  return EXIT_FAILURE;
+}
+
 // What the process is to end with, when another instance has the request or shall have it.
 std::optional<int> HandOver(const Request& request, platform::SingleInstance& instance) {
   using Outcome = platform::SingleInstance::Outcome;
@@ -77,13 +85,14 @@ std::optional<int> HandOver(const Request& request, platform::SingleInstance& in
     case Outcome::handedOver:
       return EXIT_SUCCESS;
     case Outcome::noFolder:
-      std::fputs("quillforth: no safe folder for the lock; a second start will not find this one\n", stderr);
+      std::fputs(
+          "quillforth: no safe folder for the lock; a second start finds this one by the session bus only\n",
+          stderr);
       return std::nullopt;
     case Outcome::noAnswer:
       break;
   }
-  std::fputs("quillforth: the Quillforth that runs does not answer, or has too much to do\n", stderr);
-  return EXIT_FAILURE;
+  return EndWithoutAnswer();
 }
 
 int RunSelectionHelper(SelectionSource source, int argc, char** argv) {
@@ -100,6 +109,21 @@ void DescribeApplication() {
   QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
 }
 
+// Whoever has the name on the bus is the instance, also when it has met nobody in this one's folder. What the
+// process is to end with, unless it is this one.
+std::optional<int> TakeName(BusService& bus, const Request& request, bool isService) {
+  using Outcome = BusService::Outcome;
+  const QDeadlineTimer end(kHandOverPatience);
+  while (true) {
+    const Outcome outcome = bus.begin();
+    if (isService && outcome != Outcome::isNamed) return EXIT_FAILURE;
+    if (outcome != Outcome::isNameTaken) return std::nullopt;
+    if (BusService::handOver(request)) return EXIT_SUCCESS;
+    if (end.hasExpired()) return EndWithoutAnswer();
+    std::this_thread::sleep_for(kHandOverPause);
+  }
+}
+
 // The ways in for other programs are open before the first window asks anything of the user.
 int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
                 const platform::SingleInstance& instance, bool isService) {
@@ -109,9 +133,8 @@ int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
     std::fprintf(stderr, "quillforth: %s: cannot listen for further starts\n", path.c_str());
   }
   BusService bus(intake);
-  const bool isOnBus = bus.begin();
+  if (const std::optional<int> status = TakeName(bus, request, isService)) return *status;
   desktop.setOpenDocumentsCommand([&intake](const QStringList& paths) { intake.openDocuments(paths); });
-  if (isService && !isOnBus) return EXIT_FAILURE;
   if (!isService && intake.take(request) != RequestHandler::Answer::taken) return EXIT_FAILURE;
   QTimer idle;
   idle.setSingleShot(true);
