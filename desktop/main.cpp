@@ -28,6 +28,7 @@
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
 #include "platform/linux/LinuxSessionAccessibility.h"
+#include "platform/linux/MessageBus.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/WindowWatcher.h"
 
@@ -37,8 +38,17 @@ namespace {
 
 constexpr std::chrono::seconds kHandOverPatience(20);
 constexpr std::chrono::milliseconds kHandOverPause(100);
+constexpr std::chrono::seconds kBusPatience(2);
 // How long a start by the bus waits without a window for something to do.
 constexpr std::chrono::seconds kServicePatience(60);
+
+// The toolkit would wait without an end for a bus that lets nobody in.
+void LeaveHungBus() {
+  const QDeadlineTimer deadline(kBusPatience);
+  if (platform::OpenSessionBus(deadline) || !deadline.hasExpired()) return;
+  std::fputs("quillforth: the session bus does not answer; going on without it\n", stderr);
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+}
 
 // Qt ends the program with a core dump where there is no display; this says it in a line.
 void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
@@ -159,6 +169,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   }
   platform::SingleInstance instance;
   if (const std::optional<int> status = HandOver(request, instance)) return *status;
+  LeaveHungBus();
   const platform::Interruption interruption;
   const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
   QApplication application(argc, argv);
