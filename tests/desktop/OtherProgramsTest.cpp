@@ -147,6 +147,16 @@ TEST_F(OtherProgramsTest, EachWayInOnTheBusLeadsToTheFile) {
   EXPECT_TRUE(arrives(""));
 }
 
+TEST_F(OtherProgramsTest, TheInstalledServiceStartsForKRunner) {
+  QProcess& install = start(CMAKE, {"--install", BUILD, "--prefix", root_.filePath("installed here")});
+  ASSERT_TRUE(install.waitForFinished() && install.exitCode() == 0);
+  environment_.insert("XDG_DATA_HOME", root_.filePath("elsewhere"));
+  environment_.insert("XDG_DATA_DIRS", root_.filePath("installed here/share"));
+  startBus();
+  EXPECT_EQ(call("org.kde.krunner1.Actions", {}), "(@a(sss) [],)\n");
+  EXPECT_TRUE(call("org.kde.krunner1.Match", {"http://a.test/m.zip"}).startsWith("([('http://a.test/m.zip', "));
+}
+
 TEST_F(OtherProgramsTest, WorkWaitsForThePageThatIsBeingLoaded) {
   startBus();
   for (const char* uri : {"['WEB/page.html']", "['WEB/1.bin']", "['WEB/2.bin']"}) {
