@@ -2,9 +2,11 @@
 
 #include "desktop/BusService.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusMetaType>
-#include <QDBusReply>
+#include <QCoreApplication>
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/URL.h"
 
@@ -12,21 +14,102 @@ namespace quillforth::desktop {
 
 namespace {
 
-QString Name() {
-  return QStringLiteral("com.tessarysoftware.Quillforth");
+constexpr const char* kName = "com.tessarysoftware.Quillforth";
+constexpr const char* kPath = "/com/tessarysoftware/Quillforth";
+constexpr const char* kApplication = "org.freedesktop.Application";
+constexpr const char* kTokenKey = "activation-token";
+constexpr const char* kDownloadSelection = "download-selection";
+constexpr std::uint64_t kMicrosecondsToAnswer = 5'000'000;
+constexpr int kMaxPlatformData = 100;
+
+/// What KRunner shows is typed by hand.
+constexpr qsizetype kMaxMatchLength = 2048;
+
+// Of a text that is too long only as much as shows that it is.
+QString TextOf(const char* text) {
+  constexpr std::size_t kMaxBytes = 3 * (Request::kMaxTextLength + 1);  // one UTF-16 unit takes three at most
+  return QString::fromUtf8(text, static_cast<qsizetype>(::strnlen(text, kMaxBytes)));
 }
 
-QString ObjectPath() {
-  return QStringLiteral("/com/tessarysoftware/Quillforth");
+// The types of all arguments have been checked when a method is called.
+QString TakeText(sd_bus_message* call) {
+  const char* text = "";
+  static_cast<void>(sd_bus_message_read(call, "s", &text));
+  return TextOf(text);
 }
 
-const QLatin1StringView kTokenKey("activation-token");
-const QLatin1StringView kDownloadSelection("download-selection");
-constexpr int kMillisecondsToAnswer = 5000;
+// Of too many texts only one too many.
+QStringList TakeTexts(sd_bus_message* call) {
+  QStringList texts;
+  const char* text = nullptr;
+  if (sd_bus_message_enter_container(call, 'a', "s") < 0) return texts;
+  while (texts.size() <= Request::kMaxTexts && sd_bus_message_read(call, "s", &text) > 0) {
+    texts.append(TextOf(text));
+  }
+  sd_bus_message_exit_container(call);
+  return texts;
+}
+
+QString TakeActivationToken(sd_bus_message* call) {
+  QVariantMap data;
+  const char* key = nullptr;
+  if (sd_bus_message_enter_container(call, 'a', "{sv}") < 0) return {};
+  while (data.size() < kMaxPlatformData && sd_bus_message_enter_container(call, 'e', "sv") > 0) {
+    const char* text = nullptr;
+    const bool isText = sd_bus_message_read(call, "s", &key) > 0 &&
+                        sd_bus_message_verify_type(call, 'v', "s") > 0 &&
+                        sd_bus_message_read(call, "v", "s", &text) > 0;
+    if (!isText && sd_bus_message_skip(call, "v") < 0) return {};
+    data.insert(TextOf(key), isText ? TextOf(text) : QString());
+    sd_bus_message_exit_container(call);
+  }
+  return ActivationTokenIn(data);
+}
+
+int Take(void* handler, const Request& request, sd_bus_message* call, sd_bus_error* error) {
+  if (const QString fault = Fault(request); !fault.isNull()) {
+    return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, fault.toUtf8().constData());
+  }
+  switch (static_cast<RequestHandler*>(handler)->take(request)) {
+    case RequestHandler::Answer::taken:
+      return sd_bus_reply_method_return(call, "");
+    case RequestHandler::Answer::tooBusy:
+      return sd_bus_error_set(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too much waits already");
+    case RequestHandler::Answer::isQuitting:
+      break;
+  }
+  return sd_bus_error_set(error, SD_BUS_ERROR_DISCONNECTED, "the program ends");
+}
+
+int Activate(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  return Take(handler, {Request::Kind::activate, {}, TakeActivationToken(call)}, call, error);
+}
+
+int Open(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  Request request{Request::Kind::open, TakeTexts(call)};
+  if (Fault(request).isNull()) request.activationToken = TakeActivationToken(call);
+  return Take(handler, request, call, error);
+}
+
+int ActivateAction(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  if (TakeText(call) != QLatin1StringView(kDownloadSelection)) {
+    return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "there is no such action");
+  }
+  static_cast<void>(sd_bus_message_skip(call, "av"));
+  return Take(handler, {Request::Kind::downloadSelection, {}, TakeActivationToken(call)}, call, error);
+}
+
+int GetURL(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  return Take(handler, {Request::Kind::getURL, {TakeText(call)}}, call, error);
+}
+
+int DownloadText(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  return Take(handler, {Request::Kind::downloadText, {TakeText(call)}}, call, error);
+}
 
 // The address without blanks, when the program can download from there; null otherwise.
 QString DownloadableURL(const QString& text) {
-  if (text.size() > Request::kMaxTextLength) return {};
+  if (text.size() > kMaxMatchLength) return {};
   const std::optional<platform::URL> url = platform::URL::URLWithString(text.trimmed());
   if (!url || url->host().isEmpty()) return {};
   const QString scheme = url->scheme();
@@ -36,152 +119,100 @@ QString DownloadableURL(const QString& text) {
   return {};
 }
 
-}  // namespace
-
-BusService::BusService(RequestHandler& handler)
-    : handler_(handler), connection_(QDBusConnection::sessionBus()) {
-  new ApplicationAdaptor(*this, application_);
-  new DownloadAdaptor(*this, application_);
-  new RunnerAdaptor(*this, runner_);
-  connection_.registerObject(ObjectPath(), &application_);
-  connection_.registerObject(QStringLiteral("/KRunner"), &runner_);
+// Of a match: identifier, text, icon, category, relevance from 0 to 1, properties.
+int Match(sd_bus_message* call, void* /*handler*/, sd_bus_error* /*error*/) {
+  constexpr std::uint32_t kExactMatch = 100;
+  const QString url = DownloadableURL(TakeText(call));
+  if (url.isNull()) return sd_bus_reply_method_return(call, "a(sssuda{sv})", 0);
+  const QString text =
+      QCoreApplication::translate("quillforth::desktop::BusService", "Download %1 with Quillforth")
+          .arg(platform::WithoutCredentials(url));
+  return sd_bus_reply_method_return(call, "a(sssuda{sv})", 1, url.toUtf8().constData(),
+                                    text.toUtf8().constData(), kName, kExactMatch, 1.0, 0);
 }
 
-BusService::~BusService() {
-  if (connection_.isConnected()) connection_.unregisterService(Name());
+// There is nothing else that can be done with a match.
+int Actions(sd_bus_message* call, void* /*handler*/, sd_bus_error* /*error*/) {
+  return sd_bus_reply_method_return(call, "a(sss)", 0);
+}
+
+int Run(sd_bus_message* call, void* handler, sd_bus_error* error) {
+  const QString url = DownloadableURL(TakeText(call));
+  const QStringList texts = url.isNull() ? QStringList() : QStringList(url);
+  return Take(handler, {Request::Kind::downloadText, texts}, call, error);
+}
+
+constexpr sd_bus_vtable Method(const char* name, const char* arguments, const char* results,
+                               sd_bus_message_handler_t call) {
+  return SD_BUS_METHOD(name, arguments, results, call, SD_BUS_VTABLE_UNPRIVILEGED);
+}
+
+const sd_bus_vtable kApplicationMethods[] = {
+    SD_BUS_VTABLE_START(0), Method("Activate", "a{sv}", "", &Activate), Method("Open", "asa{sv}", "", &Open),
+    Method("ActivateAction", "sava{sv}", "", &ActivateAction), SD_BUS_VTABLE_END};
+const sd_bus_vtable kDownloadMethods[] = {SD_BUS_VTABLE_START(0), Method("GetURL", "s", "", &GetURL),
+                                          Method("DownloadText", "s", "", &DownloadText), SD_BUS_VTABLE_END};
+const sd_bus_vtable kRunnerMethods[] = {SD_BUS_VTABLE_START(0), Method("Match", "s", "a(sssuda{sv})", &Match),
+                                        Method("Actions", "", "a(sss)", &Actions),
+                                        Method("Run", "ss", "", &Run), SD_BUS_VTABLE_END};
+
+using BusMessage = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
+
+const char* MethodFor(Request::Kind kind) {
+  if (kind == Request::Kind::open) return "Open";
+  return kind == Request::Kind::downloadSelection ? "ActivateAction" : "Activate";
+}
+
+bool AppendTexts(sd_bus_message* call, const QStringList& texts) {
+  return sd_bus_message_open_container(call, 'a', "s") >= 0 &&
+         std::all_of(texts.begin(), texts.end(),
+                     [call](const QString& text) {
+                       return sd_bus_message_append(call, "s", text.toUtf8().constData()) >= 0;
+                     }) &&
+         sd_bus_message_close_container(call) >= 0;
+}
+
+// Null when the request cannot be on a bus.
+BusMessage CallFor(sd_bus& bus, const Request& request) {
+  sd_bus_message* made = nullptr;
+  sd_bus_message_new_method_call(&bus, &made, kName, kPath, kApplication, MethodFor(request.kind));
+  BusMessage call(made, &sd_bus_message_unref);
+  bool isWhole = made != nullptr && sd_bus_message_set_auto_start(made, 0) >= 0;
+  if (request.kind == Request::Kind::open) isWhole = isWhole && AppendTexts(made, request.texts);
+  if (request.kind == Request::Kind::downloadSelection) {
+    isWhole = isWhole && sd_bus_message_append(made, "sav", kDownloadSelection, 0) >= 0;
+  }
+  const QByteArray token = request.activationToken.toUtf8();
+  isWhole = isWhole && sd_bus_message_append(made, "a{sv}", 1, kTokenKey, "s", token.constData()) >= 0;
+  return isWhole ? std::move(call) : BusMessage(nullptr, &sd_bus_message_unref);
+}
+
+}  // namespace
+
+BusService::BusService(RequestHandler& handler) : bus_(nullptr, &sd_bus_flush_close_unref) {
+  sd_bus* bus = nullptr;
+  if (sd_bus_open_user(&bus) < 0) return;
+  bus_.reset(bus);
+  const bool isShown =
+      sd_bus_set_method_call_timeout(bus, kMicrosecondsToAnswer) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, kPath, kApplication, kApplicationMethods, &handler) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, kPath, kName, kDownloadMethods, &handler) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, "/KRunner", "org.kde.krunner1", kRunnerMethods, &handler) >= 0;
+  if (!isShown) bus_.reset();
 }
 
 BusService::Outcome BusService::begin() {
-  if (!connection_.isConnected()) return Outcome::noBus;
-  const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
-      connection_.interface()->registerService(Name());
-  if (!reply.isValid()) return Outcome::noBus;
-  return reply.value() == QDBusConnectionInterface::ServiceRegistered ? Outcome::isNamed
-                                                                      : Outcome::isNameTaken;
+  if (!bus_) return Outcome::noBus;
+  const int result = sd_bus_request_name(bus_.get(), kName, 0);
+  if (result == -EEXIST) return Outcome::isNameTaken;
+  if (result < 0) return Outcome::noBus;
+  loop_.emplace(*bus_);
+  return Outcome::isNamed;
 }
 
 bool BusService::handOver(const Request& request) {
-  const QVariantMap platformData{{kTokenKey, request.activationToken}};
-  const auto call = [](const char* method, const QVariantList& arguments) {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        Name(), ObjectPath(), QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
-    message.setArguments(arguments);
-    message.setAutoStartService(false);
-    return QDBusConnection::sessionBus().call(message, QDBus::Block, kMillisecondsToAnswer).type() ==
-           QDBusMessage::ReplyMessage;
-  };
-  switch (request.kind) {
-    case Request::Kind::activate:
-      return call("Activate", {platformData});
-    case Request::Kind::open:
-      return call("Open", {request.texts, platformData});
-    case Request::Kind::downloadSelection:
-      return call("ActivateAction", {kDownloadSelection, QVariantList(), platformData});
-    default:
-      return false;
-  }
-}
-
-void BusService::take(const Request& request, const QDBusMessage& call) {
-  const auto refuse = [&](QDBusError::ErrorType error, const QString& reason) {
-    call.setDelayedReply(true);
-    connection_.send(call.createErrorReply(error, reason));
-  };
-  if (const QString fault = Fault(request); !fault.isNull()) return refuse(QDBusError::InvalidArgs, fault);
-  switch (handler_.take(request)) {
-    case RequestHandler::Answer::taken:
-      return;
-    case RequestHandler::Answer::tooBusy:
-      return refuse(QDBusError::LimitsExceeded, QStringLiteral("too much waits already"));
-    case RequestHandler::Answer::isQuitting:
-      return refuse(QDBusError::Disconnected, QStringLiteral("the program ends"));
-  }
-}
-
-void ApplicationAdaptor::Activate(const QVariantMap& platform_data, const QDBusMessage& call) {
-  service_.take({Request::Kind::activate, {}, ActivationTokenIn(platform_data)}, call);
-}
-
-void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platform_data,
-                              const QDBusMessage& call) {
-  service_.take({Request::Kind::open, uris, ActivationTokenIn(platform_data)}, call);
-}
-
-void ApplicationAdaptor::ActivateAction(const QString& action_name, const QVariantList& /*parameter*/,
-                                        const QVariantMap& platform_data, const QDBusMessage& call) {
-  if (action_name == kDownloadSelection) {
-    return service_.take({Request::Kind::downloadSelection, {}, ActivationTokenIn(platform_data)}, call);
-  }
-  call.setDelayedReply(true);
-  QDBusConnection::sessionBus().send(
-      call.createErrorReply(QDBusError::InvalidArgs, QStringLiteral("there is no such action")));
-}
-
-void DownloadAdaptor::GetURL(const QString& url, const QDBusMessage& call) {
-  service_.take({Request::Kind::getURL, {url}}, call);
-}
-
-void DownloadAdaptor::DownloadText(const QString& text, const QDBusMessage& call) {
-  service_.take({Request::Kind::downloadText, {text}}, call);
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const RunnerMatch& match) {
-  argument.beginStructure();
-  argument << match.identifier << match.text << match.iconName << match.category << match.relevance
-           << match.properties;
-  argument.endStructure();
-  return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerMatch& match) {
-  argument.beginStructure();
-  argument >> match.identifier >> match.text >> match.iconName >> match.category >> match.relevance >>
-      match.properties;
-  argument.endStructure();
-  return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, const RunnerAction& action) {
-  argument.beginStructure();
-  argument << action.identifier << action.text << action.iconName;
-  argument.endStructure();
-  return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, RunnerAction& action) {
-  argument.beginStructure();
-  argument >> action.identifier >> action.text >> action.iconName;
-  argument.endStructure();
-  return argument;
-}
-
-RunnerAdaptor::RunnerAdaptor(BusService& service, QObject& object)
-    : QDBusAbstractAdaptor(&object), service_(service) {
-  qDBusRegisterMetaType<RunnerMatch>();
-  qDBusRegisterMetaType<QList<RunnerMatch>>();
-  qDBusRegisterMetaType<RunnerAction>();
-  qDBusRegisterMetaType<QList<RunnerAction>>();
-}
-
-QList<RunnerMatch> RunnerAdaptor::Match(const QString& query) {
-  constexpr quint32 kExactMatch = 100;
-  const QString url = DownloadableURL(query);
-  if (url.isNull()) return {};
-  return {{url,
-           tr("Download %1 with Quillforth").arg(platform::WithoutCredentials(url)),
-           Name(),
-           kExactMatch,
-           1.0,
-           {}}};
-}
-
-QList<RunnerAction> RunnerAdaptor::Actions() {
-  return {};
-}
-
-void RunnerAdaptor::Run(const QString& matchId, const QString& /*actionId*/, const QDBusMessage& call) {
-  const QString url = DownloadableURL(matchId);
-  service_.take({Request::Kind::downloadText, url.isNull() ? QStringList() : QStringList(url)}, call);
+  const BusMessage call = CallFor(*bus_, request);
+  return call && sd_bus_call(bus_.get(), call.get(), kMicrosecondsToAnswer, nullptr, nullptr) >= 0;
 }
 
 }  // namespace quillforth::desktop

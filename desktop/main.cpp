@@ -128,7 +128,7 @@ std::optional<int> TakeName(BusService& bus, const Request& request, bool isServ
     const Outcome outcome = bus.begin();
     if (isService && outcome != Outcome::isNamed) return EXIT_FAILURE;
     if (outcome != Outcome::isNameTaken) return std::nullopt;
-    if (BusService::handOver(request)) return EXIT_SUCCESS;
+    if (bus.handOver(request)) return EXIT_SUCCESS;
     if (end.hasExpired()) return EndWithoutAnswer();
     std::this_thread::sleep_for(kHandOverPause);
   }

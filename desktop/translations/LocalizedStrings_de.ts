@@ -668,6 +668,13 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::BusService</name>
+    <message>
+        <source>Download %1 with Quillforth</source>
+        <translation>%1 mit Quillforth herunterladen</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -732,13 +739,6 @@
     <message>
         <source>Drop URLs here</source>
         <translation>URLs hierher ziehen</translation>
-    </message>
-</context>
-<context>
-    <name>quillforth::desktop::RunnerAdaptor</name>
-    <message>
-        <source>Download %1 with Quillforth</source>
-        <translation>%1 mit Quillforth herunterladen</translation>
     </message>
 </context>
 <context>

@@ -668,6 +668,13 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::BusService</name>
+    <message>
+        <source>Download %1 with Quillforth</source>
+        <translation>Télécharger %1 avec Quillforth</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -732,13 +739,6 @@
     <message>
         <source>Drop URLs here</source>
         <translation>Déposez des URL ici</translation>
-    </message>
-</context>
-<context>
-    <name>quillforth::desktop::RunnerAdaptor</name>
-    <message>
-        <source>Download %1 with Quillforth</source>
-        <translation>Télécharger %1 avec Quillforth</translation>
     </message>
 </context>
 <context>

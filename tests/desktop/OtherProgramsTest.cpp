@@ -172,14 +172,15 @@ TEST_F(OtherProgramsTest, WorkWaitsForThePageThatIsBeingLoaded) {
 TEST_F(OtherProgramsTest, ManyStartsLeaveOneInstanceAndLoseNothing) {
   for (const QString& bus : {QString(), QString("bus"), QString("apart")}) {
     if (bus == "bus") startBus();
-    for (int number = 0; number < kStarts; ++number) {
+    const int starts = bus == "apart" ? 5 : kStarts;  // those go a longer way
+    for (int number = 0; number < starts; ++number) {
       const QString name = bus + QString::number(number);
       if (bus == "apart") environment_.insert("XDG_RUNTIME_DIR", root_.filePath(name));
       QDir(root_.path()).mkpath(name);
       startWith("/" + name);
     }
     EXPECT_TRUE(remain(1));
-    for (int number = 0; number < kStarts; ++number) EXPECT_TRUE(arrives(bus + QString::number(number)));
+    for (int number = 0; number < starts; ++number) EXPECT_TRUE(arrives(bus + QString::number(number)));
     for (const auto& process : started_) EXPECT_EQ(process->exitCode(), 0);
     started_.resize(bus.isEmpty() ? 0 : 1);  // kills: a stale socket and lock file are left
     QProcess& next = startWith("/killed" + bus);

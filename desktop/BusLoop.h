@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+//
+// Has a connection of sd-bus served by the toolkit's event loop.
+//
+// One message is handled in each turn of the loop, and none is read while an answer waits to be sent: whoever
+// floods the bus fills neither this program's memory nor all of its time. Main thread.
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <QSocketNotifier>
+#include <QTimer>
+
+namespace quillforth::desktop {
+
+class BusLoop final {
+ public:
+  /// `bus` outlives this. Once the bus is gone, nothing happens any more.
+  explicit BusLoop(sd_bus& bus);
+  BusLoop(const BusLoop&) = delete;
+  BusLoop& operator=(const BusLoop&) = delete;
+
+ private:
+  void processOne();
+
+  sd_bus& bus_;
+  QSocketNotifier readable_;
+  QSocketNotifier writable_;
+  QTimer next_;  // zero seconds: a message may have been read already
+};
+
+}  // namespace quillforth::desktop
