@@ -44,15 +44,18 @@ void SendToRoot(const Screen& screen, const xcb_client_message_event_t& message,
   xcb_send_event(screen.connection, 0, screen.root, mask, reinterpret_cast<const char*>(&message));
 }
 
+// Who asks for the focus.
+constexpr std::uint32_t kFromApplication = 1;
+constexpr std::uint32_t kFromUser = 2;
+
 // Extended Window Manager Hints, "_NET_ACTIVE_WINDOW".
-void AskForFocus(const Screen& screen, xcb_window_t window, std::uint32_t time) {
-  constexpr std::uint32_t kFromApplication = 1;
+void AskForFocus(const Screen& screen, xcb_window_t window, std::uint32_t time, std::uint32_t source) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
   message.window = window;
   message.type = Atom(screen, "_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = kFromApplication;
+  message.data.data32[0] = source;
   message.data.data32[1] = time;
   SendToRoot(screen, message, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
 }
@@ -83,9 +86,43 @@ void ProveOnX11(const Screen& screen, xcb_window_t window, const QByteArray& sta
   const qsizetype mark = startupID.lastIndexOf(kMark);
   bool isTime = false;
   const std::uint32_t time = startupID.mid(mark + kMark.size()).toUInt(&isTime);
-  if (mark >= 0 && isTime) AskForFocus(screen, window, time);
+  if (mark >= 0 && isTime) AskForFocus(screen, window, time, kFromApplication);
   EndStartupSequence(screen, window, startupID);
   xcb_flush(screen.connection);
+}
+
+// At most 16 KiB of it; empty where a window has none of the type.
+QByteArray Property(const Screen& screen, xcb_window_t window, const char* name, xcb_atom_t type) {
+  constexpr std::uint32_t kWords = 4096;
+  const auto cookie = xcb_get_property(screen.connection, 0, window, Atom(screen, name), type, 0, kWords);
+  const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
+      xcb_get_property_reply(screen.connection, cookie, nullptr), &std::free);
+  if (!reply || reply->type != type) return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+          xcb_get_property_value_length(reply.get())};
+}
+
+std::vector<std::uint32_t> Numbers(const QByteArray& property) {
+  std::vector<std::uint32_t> numbers(static_cast<std::size_t>(property.size()) / sizeof(std::uint32_t));
+  if (!numbers.empty()) std::memcpy(numbers.data(), property.data(), numbers.size() * sizeof(std::uint32_t));
+  return numbers;
+}
+
+std::optional<xcb_window_t> WindowOf(const Screen& screen, const std::vector<std::int64_t>& processIDs,
+                                     const QByteArray& title) {
+  const xcb_atom_t utf8 = Atom(screen, "UTF8_STRING");
+  std::vector<std::uint32_t> windows =
+      Numbers(Property(screen, screen.root, "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW));
+  std::reverse(windows.begin(), windows.end());
+  std::optional<xcb_window_t> onTop;
+  for (const xcb_window_t window : windows) {
+    const std::vector<std::uint32_t> process =
+        Numbers(Property(screen, window, "_NET_WM_PID", XCB_ATOM_CARDINAL));
+    if (process.empty() || std::count(processIDs.begin(), processIDs.end(), process[0]) == 0) continue;
+    if (Property(screen, window, "_NET_WM_NAME", utf8) == title) return window;
+    if (!onTop) onTop = window;
+  }
+  return onTop;
 }
 
 }  // namespace
@@ -110,6 +147,14 @@ void ActivateWindow(QWidget& window) {
     qputenv(kWaylandToken, token);
   }
   window.activateWindow();
+}
+
+void ActivateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) {
+  const std::optional<Screen> screen = X11Screen();
+  const auto window = screen ? WindowOf(*screen, processIDs, title.toUtf8()) : std::nullopt;
+  if (!window) return;
+  AskForFocus(*screen, *window, XCB_CURRENT_TIME, kFromUser);
+  xcb_flush(screen->connection);
 }
 
 }  // namespace quillforth::desktop

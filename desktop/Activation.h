@@ -8,6 +8,8 @@
 #pragma once
 
 #include <QWidget>
+#include <cstdint>
+#include <vector>
 
 namespace quillforth::desktop {
 
@@ -20,5 +22,10 @@ void RememberActivation(const QString& token);
 
 /// Activates a window that is shown.
 void ActivateWindow(QWidget& window);
+
+/// Asks for a window of other programs to come forward because the user wants it: of the windows of these
+/// processes the one with this title, else the one on top. Nothing happens on another platform than X11, nor
+/// when there is none.
+void ActivateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title);
 
 }  // namespace quillforth::desktop

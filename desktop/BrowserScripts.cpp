@@ -5,6 +5,7 @@
 #include <chrono>
 #include <utility>
 
+#include "desktop/Activation.h"
 #include "desktop/SelectionReader.h"
 #include "desktop/Waiting.h"
 
@@ -27,6 +28,8 @@ DesktopScriptFrontEnd::DesktopScriptFrontEnd(platform::UserDefaults& userDefault
                                              std::function<void()> activate)
     : preferences_(userDefaults) {
   connect(this, &DesktopScriptFrontEnd::activationWanted, this, std::move(activate), Qt::QueuedConnection);
+  connect(this, &DesktopScriptFrontEnd::otherActivationWanted, this, &ActivateOtherWindow,
+          Qt::QueuedConnection);
   connect(
       this, &DesktopScriptFrontEnd::keystrokesAsked, this,
       [this](const std::shared_ptr<std::promise<bool>>& answer) {
@@ -37,6 +40,11 @@ DesktopScriptFrontEnd::DesktopScriptFrontEnd(platform::UserDefaults& userDefault
 
 void DesktopScriptFrontEnd::activateThisProgram() {
   emit activationWanted();
+}
+
+void DesktopScriptFrontEnd::activateOtherWindow(const std::vector<std::int64_t>& processIDs,
+                                                const QString& title) {
+  emit otherActivationWanted(processIDs, title);
 }
 
 bool DesktopScriptFrontEnd::allowsKeystrokes() {

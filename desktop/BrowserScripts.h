@@ -40,6 +40,7 @@ class DesktopScriptFrontEnd final : public QObject, public platform::ScriptFront
   DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate);
 
   void activateThisProgram() override;
+  void activateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) override;
   /// As the setting `allowKeystrokesForBrowserURL` says.
   [[nodiscard]] bool allowsKeystrokes() override;
   [[nodiscard]] std::optional<QString> clipboardText() override;
@@ -47,6 +48,7 @@ class DesktopScriptFrontEnd final : public QObject, public platform::ScriptFront
  signals:
   // From the script's thread to the main thread.
   void activationWanted();
+  void otherActivationWanted(const std::vector<std::int64_t>& processIDs, const QString& title);
   void keystrokesAsked(const std::shared_ptr<std::promise<bool>>& answer);
 
  private:

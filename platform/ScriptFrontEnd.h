@@ -4,7 +4,9 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace quillforth::platform {
 
@@ -12,6 +14,8 @@ class ScriptFrontEnd {
  public:
   virtual ~ScriptFrontEnd() = default;
   virtual void activateThisProgram() = 0;
+  /// Asks for a window of these processes to come forward. That it was asked says nothing.
+  virtual void activateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) = 0;
   /// Whether the user lets scripts type into a browser and read the clipboard.
   [[nodiscard]] virtual bool allowsKeystrokes() = 0;
   /// Asked only while those are allowed. Nothing when the clipboard holds no text, or its owner does not

@@ -138,10 +138,6 @@ QString AccessibilityBus::documentAddress(const AccessibleObject& document) {
   return {};
 }
 
-void AccessibilityBus::grabFocus(const AccessibleObject& window) {
-  static_cast<void>(call(window, "org.a11y.atspi.Component", "GrabFocus", "b"));
-}
-
 bool AccessibilityBus::typeWithControl(char letter) {
   if (!generateKeyboardEvent(kControl, kLockModifiers)) return false;
   const bool isTyped = generateKeyboardEvent(letter, kKeySymbol);

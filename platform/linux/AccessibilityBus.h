@@ -62,8 +62,6 @@ class AccessibilityBus {
   [[nodiscard]] QString name(const AccessibleObject& object);
   /// The address of a document as its browser says it; null when it does not.
   [[nodiscard]] QString documentAddress(const AccessibleObject& document);
-  /// Asks for a window to come to the front. That it was asked says nothing.
-  void grabFocus(const AccessibleObject& window);
   /// Presses and releases a Latin letter's key while Control is down, in whatever window is in front.
   [[nodiscard]] bool typeWithControl(char letter);
 

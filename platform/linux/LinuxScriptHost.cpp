@@ -24,6 +24,7 @@ struct ScriptedBrowser {
 };
 
 constexpr FourCharCode kFirefox = FourCC("MOZB");
+constexpr int kMillisecondsToComeForward = 1000;
 constexpr std::array kBrowsers{
     ScriptedBrowser{QLatin1String("Safari"), FourCC("sfri")},
     ScriptedBrowser{QLatin1String("Firefox"), kFirefox},
@@ -150,8 +151,8 @@ class LinuxScriptEffects final : public ScriptEffects {
     std::vector<AccessibleWindow> found = windows(bus, kFirefox);
     if (found.empty()) return false;
     if (found.front().states.isActive()) return true;
-    bus.grabFocus(found.front().object);
-    for (const QDeadlineTimer deadline(AccessibilityBus::kMillisecondsPerCall); !deadline.hasExpired();) {
+    frontEnd_->activateOtherWindow(processIDs(kFirefox), found.front().title);
+    for (const QDeadlineTimer deadline(kMillisecondsToComeForward); !deadline.hasExpired();) {
       const std::optional<AccessibleStates> states = bus.states(found.front().object);
       if (!states || states->isActive()) return states.has_value();
       QThread::msleep(20);
