@@ -5,6 +5,7 @@
 //   desktop_benchmark bare          a plain window of Qt, until it is painted: what "startup" is held against
 //   desktop_benchmark startup       the status window, until it is painted
 //   desktop_benchmark queue COUNT   COUNT URLs are queued, and shown
+//   desktop_benchmark rows COUNT    they are scrolled, selected, deleted and grow; the longest gap in each
 //   desktop_benchmark download URL  one file; also the longest time for which the event loop did not turn
 //
 // Prints "NAME VALUE" lines: milliseconds, and the peak memory in MiB.
@@ -15,7 +16,9 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMainWindow>
+#include <QScrollBar>
 #include <QTimer>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -66,15 +69,35 @@ void RunUntil(const std::function<bool()>& isDone) {
   QApplication::exec();
 }
 
+/// Watches how long the event loop does not turn.
+class Heart {
+ public:
+  Heart() {
+    beat_.callOnTimeout([this] { longestGap_ = std::max(longestGap_, turn_.restart()); });
+    turn_.start();
+    beat_.start(0);
+  }
+  [[nodiscard]] long long longestGap() const { return longestGap_; }
+
+ private:
+  qint64 longestGap_ = 0;
+  QElapsedTimer turn_;
+  QTimer beat_;
+};
+
+void QueueURLs(desktop::Desktop& program, int count) {
+  for (int i = 0; i < count; ++i) {
+    program.controller().queueURL(
+        QStringLiteral("http://127.0.0.1:9/some/folder/of/files/file-%1.jpeg").arg(i));
+  }
+}
+
 void Queue(desktop::Desktop& program, int count) {
   RunUntil([&program] { return !program.gate().isBusy(); });
   const double before = PeakMebibytes();
   QElapsedTimer timer;
   timer.start();
-  for (int i = 0; i < count; ++i) {
-    program.controller().queueURL(
-        QStringLiteral("http://127.0.0.1:9/some/folder/of/files/file-%1.jpeg").arg(i));
-  }
+  QueueURLs(program, count);
   const auto queued = timer.elapsed();
   auto* table = program.statusWindow().findChild<desktop::QueueTable*>();
   RunUntil([table, count] { return table->model()->rowCount() == count; });
@@ -83,24 +106,63 @@ void Queue(desktop::Desktop& program, int count) {
               PeakMebibytes());
 }
 
+/// Does `step` with its number from 0 on, one a frame, and prints the longest gap.
+void MeasureSteps(const char* name, int count, const std::function<void(int number)>& step) {
+  const Heart heart;
+  int number = 0;
+  QTimer frame;
+  frame.callOnTimeout([&] {
+    if (number < count) step(number);
+    ++number;
+  });
+  frame.start(16);
+  RunUntil([&] { return number > count + 5; });  // with the frames in which it is drawn
+  std::printf("%s-gap-ms %lld\n", name, heart.longestGap());
+}
+
+void Turn(QWidget& viewport, int notches) {
+  constexpr int kNotch = 120;
+  const QPointF middle = viewport.rect().center();
+  QWheelEvent turn(middle, viewport.mapToGlobal(middle), {}, {0, -notches * kNotch}, Qt::NoButton,
+                   Qt::NoModifier, Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(&viewport, &turn);
+}
+
+void Rows(desktop::Desktop& program, int count) {
+  RunUntil([&program] { return !program.gate().isBusy(); });
+  auto& table = *program.statusWindow().findChild<desktop::QueueTable*>();
+  auto& bar = *table.verticalScrollBar();
+  auto& selection = *table.selectionModel();
+  const auto press = [&](const char* name) {
+    program.statusWindow().findChild<QAction*>(QLatin1StringView(name))->trigger();
+  };
+  const auto selectRow = [&](int row) {
+    selection.select(table.model()->index(row, 0), QItemSelectionModel::Select);
+  };
+  MeasureSteps("fill", 1, [&](int) { QueueURLs(program, count); });
+  MeasureSteps("wheel", 300, [&](int number) { Turn(*table.viewport(), number % 20); });
+  MeasureSteps("drag", 100, [&](int number) { bar.setValue(bar.maximum() / 100 * number); });
+  MeasureSteps("grow", 200, [&](int) { QueueURLs(program, 10); });
+  MeasureSteps("select", 200, [&](int number) { selectRow(number * (count / 200)); });
+  MeasureSteps("delete-selected", 1, [&](int) { press("actionDelete"); });
+  MeasureSteps("select-all", 1, [&](int) { press("actionSelectAll"); });
+  MeasureSteps("grow-selected", 200, [&](int) { QueueURLs(program, 10); });
+  MeasureSteps("copy-all", 1, [&](int) { press("actionCopy"); });
+  MeasureSteps("delete-all", 1, [&](int) { press("actionDelete"); });
+}
+
 void Download(desktop::Desktop& program, const char* url) {
   RunUntil([&program] { return !program.gate().isBusy(); });
-  qint64 longestGap = 0;
-  QElapsedTimer turn;
-  QTimer heart;
-  heart.callOnTimeout([&] { longestGap = std::max(longestGap, turn.restart()); });
+  const Heart heart;
   QElapsedTimer timer;
   timer.start();
-  turn.start();
-  heart.start(0);
   program.takeURL(QString::fromLatin1(url));
   bool hasBegun = false;
   RunUntil([&] {
     hasBegun = hasBegun || program.controller().isDownloading();
     return hasBegun && !program.controller().isDownloading();
   });
-  std::printf("download-ms %lld\ngap-ms %lld\n", static_cast<long long>(timer.elapsed()),
-              static_cast<long long>(longestGap));
+  std::printf("download-ms %lld\ngap-ms %lld\n", static_cast<long long>(timer.elapsed()), heart.longestGap());
 }
 
 }  // namespace
@@ -108,7 +170,7 @@ void Download(desktop::Desktop& program, const char* url) {
 int main(int argc, char** argv) {
   const std::string_view mode = argc > 1 ? argv[1] : "";
   const char* argument = argc > 2 ? argv[2] : nullptr;
-  const bool needsArgument = mode == "queue" || mode == "download";
+  const bool needsArgument = mode == "queue" || mode == "rows" || mode == "download";
   if (!needsArgument && mode != "bare" && mode != "startup") return 2;
   if (needsArgument && argument == nullptr) return 2;
   const platform::Interruption interruption;
@@ -125,6 +187,7 @@ int main(int argc, char** argv) {
   program.start();
   if (mode == "startup") return RunUntilPainted();
   if (mode == "queue") Queue(program, std::max(0, std::atoi(argument)));
+  if (mode == "rows") Rows(program, std::max(0, std::atoi(argument)));
   if (mode == "download") Download(program, argument);
   return 0;
 }
