@@ -83,7 +83,7 @@ void MyAppController::processCurrentBrowserURL() {
   const std::optional<QString> url =
       script && host_.scripts != nullptr ? classify::runScript(*script, *host_.scripts) : std::nullopt;
   if (!url) {
-    host_.application.activateIgnoringOtherApps();
+    host_.application->activateIgnoringOtherApps();
     doAlertAdding(
         host_.localizedText(LOCALIZED("Could not retrieve browser URL.")),
         host_.localizedText(LOCALIZED(

@@ -21,7 +21,7 @@ void MyAppController::openDestinationDirectory() {
     const std::optional<platform::FileReference> folder = destination_.storedDestinationFolder();
     if (folder) path = FolderPath(*folder, kLongestUsedPath);
   }
-  if (!path.isNull()) host_.application.openFile(path);
+  if (!path.isNull()) host_.application->openFile(path);
 }
 
 void MyAppController::setDownloadDestinationTextFieldValue() {

@@ -43,8 +43,8 @@ const QString& DestinationFolder::decidedDestinationPath() {
 
 std::optional<platform::FileReference> DestinationFolder::storedDestinationFolder() {
   std::optional<platform::FileReference> folder =
-      StoredFolder(host_.userDefaults, host_.aliases, kDestinationDirectoryKey);
-  return folder ? folder : fileops::GetSupportFolder(host_.files);
+      StoredFolder(*host_.userDefaults, *host_.aliases, kDestinationDirectoryKey);
+  return folder ? folder : fileops::GetSupportFolder(*host_.files);
 }
 
 void DestinationFolder::decideDestinationFolder() {
@@ -52,7 +52,7 @@ void DestinationFolder::decideDestinationFolder() {
   if (preferences_.alwaysPromptForOutputLocation()) {
     const FolderPanel panel{localizedString(LOCALIZED("Choose a Destination Folder")),
                             localizedString(LOCALIZED("Choose")), QString(), QDir::homePath()};
-    path = host_.application.runOpenPanel(panel).value_or(QString());
+    path = host_.application->runOpenPanel(panel).value_or(QString());
   } else if (const std::optional<platform::FileReference> folder = storedDestinationFolder()) {
     path = FolderPath(*folder, kLongestUsedPath);
   }
@@ -63,14 +63,14 @@ QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {
   const ChosenFolder chosen = chooseFolderDialog();
   if (chosen.status != 0 || !chosen.folder) return {};
   QString path = FolderPath(*chosen.folder, kLongestShownPath);
-  StoreFolder(host_.userDefaults, host_.aliases, key, *chosen.folder);
+  StoreFolder(*host_.userDefaults, *host_.aliases, key, *chosen.folder);
   return path;
 }
 
 ChosenFolder DestinationFolder::chooseFolderDialog() {
   const QString choose = localizedString(LOCALIZED("Choose"));
   const QString message = localizedString(LOCALIZED("Choose destination folder"));
-  return host_.application.runChooseFolderDialog({choose, choose, message, QString()});
+  return host_.application->runChooseFolderDialog({choose, choose, message, QString()});
 }
 
 QString DestinationFolder::localizedString(const QString& key) {

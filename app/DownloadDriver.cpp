@@ -39,7 +39,7 @@ void MyAppController::downloadFile(const QString& url) {
   outlets_.currentURLTextField.setHidden(false);
   outlets_.currentURLTextField.setStringValue(target->absoluteString());
   outlets_.spinner.startAnimation();
-  fileWebDownload_ = host_.downloads.startDownload(*target, *this);
+  fileWebDownload_ = host_.downloads->startDownload(*target, *this);
   std::erase_if(startedDownloads_, [](const auto& started) { return started.expired(); });
   startedDownloads_.push_back(fileWebDownload_);
 }
@@ -67,13 +67,13 @@ void MyAppController::setDownloading(bool downloading) {
 }
 
 bool MyAppController::checkInternetConnection() {
-  if (host_.network.copyNetworkStatusPassively() == platform::NetworkStatus::connectionUp) return true;
-  host_.application.beep();
+  if (host_.network->copyNetworkStatusPassively() == platform::NetworkStatus::connectionUp) return true;
+  host_.application->beep();
   const Alert alert{host_.localizedText(LOCALIZED("You are not connected to the Internet.")),
                     host_.localizedText(LOCALIZED("Do you want to run Network Diagnostics?")),
                     host_.localizedText(LOCALIZED("OK")), host_.localizedText(LOCALIZED("No"))};
-  if (host_.application.runModalAlert(alert) == AlertResult::defaultButton) {
-    host_.network.diagnoseProblemInteractively();
+  if (host_.application->runModalAlert(alert) == AlertResult::defaultButton) {
+    host_.network->diagnoseProblemInteractively();
   }
   return false;
 }
@@ -155,8 +155,8 @@ void MyAppController::downloadDidFinish(platform::WebDownload& download) {
 
 void MyAppController::downloadDidFailWithError(platform::WebDownload& /*download*/,
                                                const platform::DownloadError& error) {
-  host_.log.log(QStringLiteral("Quillforth download failed. Error - ") +
-                TextOrNull(error.localizedDescription) + u' ' + TextOrNull(error.failingURLString));
+  host_.log->log(QStringLiteral("Quillforth download failed. Error - ") +
+                 TextOrNull(error.localizedDescription) + u' ' + TextOrNull(error.failingURLString));
   if (preferences_.showAlertsWhenErrorsOccur()) {
     outlets_.statusWindow.beginAlertSheet(host_.localizedText(LOCALIZED("Download Failed")),
                                           host_.localizedText(DescriptionOf(error)));

@@ -63,20 +63,21 @@ struct EventIntake {
   platform::ResourceManager& resources;
 };
 
-/// All outlive the controller.
+/// All outlive the controller, and none is null where it is not told what null means. Pointers, so that a
+/// front end can take a copy and put its own service in the place of one.
 struct Host {
-  Application& application;
-  platform::UserDefaults& userDefaults;
-  platform::WebDownloadService& downloads;
-  platform::PageLoader& pageLoader;
-  platform::NetworkDiagnostics& network;
-  platform::HTTPReadStreamFactory& readStreams;
-  platform::InternetConfigComponent& internetConfig;
-  platform::AliasManager& aliases;
-  platform::FileManager& files;
-  platform::MainBundle& mainBundle;
-  platform::SoundLoader& sounds;
-  platform::SystemLog& log;
+  Application* application;
+  platform::UserDefaults* userDefaults;
+  platform::WebDownloadService* downloads;
+  platform::PageLoader* pageLoader;
+  platform::NetworkDiagnostics* network;
+  platform::HTTPReadStreamFactory* readStreams;
+  platform::InternetConfigComponent* internetConfig;
+  platform::AliasManager* aliases;
+  platform::FileManager* files;
+  platform::MainBundle* mainBundle;
+  platform::SoundLoader* sounds;
+  platform::SystemLog* log;
   LocalizedText localizedText;                      ///< table "LocalizedStrings"; the key when untranslated
   std::function<std::uint32_t()> currentSeconds;    ///< wall clock in whole seconds; wraps
   FolderAggregation* aggregation = nullptr;         ///< null: folders are never sorted

@@ -70,7 +70,7 @@ void MyAppController::extractLinks(const QString& pageURL) {
 void MyAppController::queueLinksOfPage(const QString& pageURL) {
   const std::optional<platform::URL> url = platform::URL::URLWithString(pageURL);
   if (!url) return;
-  const std::optional<QByteArray> page = host_.pageLoader.resourceData(*url);
+  const std::optional<QByteArray> page = host_.pageLoader->resourceData(*url);
   if (!page) return;
   const linkextract::LinkTable links = linkextract::ExtractPageLinks(
       {page->constData(), static_cast<std::size_t>(page->size())}, pageURL.toStdString(), extensionMap_);
@@ -81,7 +81,7 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
 }
 
 bool MyAppController::isWebPageURL(const QString& url) {
-  return classify::isWebPageURL(url, extensionMap_, host_.readStreams);
+  return classify::isWebPageURL(url, extensionMap_, *host_.readStreams);
 }
 
 }  // namespace quillforth::app

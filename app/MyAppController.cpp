@@ -11,7 +11,7 @@
 namespace quillforth::app {
 
 MyAppController::MyAppController(const Outlets& outlets, const Host& host)
-    : outlets_(outlets), host_(host), preferences_(host.userDefaults), destination_(host, preferences_) {}
+    : outlets_(outlets), host_(host), preferences_(*host.userDefaults), destination_(host, preferences_) {}
 
 // Downloads call their delegate to their end, and this was it.
 MyAppController::~MyAppController() {
@@ -23,8 +23,8 @@ MyAppController::~MyAppController() {
 
 void MyAppController::awakeFromNib() {
   outlets_.deleteButton.setEnabled(false);  // nothing is selected yet
-  const std::optional<QString> sound = host_.mainBundle.pathForResource(QStringLiteral("harp.aif"));
-  if (sound) harpSound_ = host_.sounds.load(*sound);
+  const std::optional<QString> sound = host_.mainBundle->pathForResource(QStringLiteral("harp.aif"));
+  if (sound) harpSound_ = host_.sounds->load(*sound);
   urlList_.clear();
   isDownloading_ = false;
   outlets_.fileTable.registerForDraggedTypes(
@@ -37,9 +37,9 @@ void MyAppController::awakeFromNib() {
 void MyAppController::applicationWillFinishLaunching() {
   outlets_.statusWindow.makeKeyAndOrderFront();
   registerMyApp();
-  classify::loadExtensionMappings(host_.internetConfig, host_.mainBundle, extensionMap_);
-  host_.application.setServicesProvider(*this);
-  host_.application.updateDynamicServices();
+  classify::loadExtensionMappings(*host_.internetConfig, *host_.mainBundle, extensionMap_);
+  host_.application->setServicesProvider(*this);
+  host_.application->updateDynamicServices();
 }
 
 void MyAppController::applicationWillBecomeActive() {
@@ -51,20 +51,20 @@ void MyAppController::windowDidBecomeKey() {
 }
 
 void MyAppController::showStatusAndActivate() {
-  if (preferences_.bringApplicationToFront()) host_.application.activateIgnoringOtherApps();
+  if (preferences_.bringApplicationToFront()) host_.application->activateIgnoringOtherApps();
   if (preferences_.showStatusWindow()) outlets_.statusWindow.makeKeyAndOrderFront();
 }
 
 void MyAppController::showPreferencesWindow() {
-  host_.application.activateIgnoringOtherApps();
+  host_.application->activateIgnoringOtherApps();
   outlets_.preferencesWindow.makeKeyAndOrderFront();
 }
 
 void MyAppController::doAlertAdding(const QString& messageText, const QString& informativeText) {
   QString information = host_.localizedText(informativeText);
   information.replace(QStringLiteral("%%"), QStringLiteral("%"));
-  host_.application.beep();
-  host_.application.runModalAlert(
+  host_.application->beep();
+  host_.application->runModalAlert(
       {host_.localizedText(messageText), information, host_.localizedText(LOCALIZED("OK")), QString()});
 }
 

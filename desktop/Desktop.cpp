@@ -28,9 +28,9 @@ Desktop::Desktop(const DesktopServices& services)
       application_(window_, gate_),
       host_(services.makeHost(application_)),
       notice_(noticeServices()),
-      downloads_(host_.downloads, notice_),
-      pageLoader_(host_.pageLoader, gate_),
-      readStreams_(host_.readStreams, gate_),
+      downloads_(*host_.downloads, notice_),
+      pageLoader_(*host_.pageLoader, gate_),
+      readStreams_(*host_.readStreams, gate_),
       scripts_(host_.scripts, gate_),
       importWindow_(&window_),
       preferencesWindow_(preferencesServices(), &window_),
@@ -50,7 +50,7 @@ Desktop::Desktop(const DesktopServices& services)
       stopButton_(pacer_, *window_.ui().stopButton),
       openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton),
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
-      controller_(outlets(), decorated(host_)) {
+      controller_(outlets(), waitingHost()) {
   gate_.whenHeldChanges(services_.holdDownloads);
   fileTable_.setDataSource(controller_);
   connectCommands();
@@ -80,31 +80,17 @@ app::Outlets Desktop::outlets() {
           .fileTable = fileTable_};
 }
 
-app::Host Desktop::decorated(const app::Host& host) {
-  return {.application = host.application,
-          .userDefaults = host.userDefaults,
-          .downloads = downloads_,
-          .pageLoader = pageLoader_,
-          .network = host.network,
-          .readStreams = readStreams_,
-          .internetConfig = host.internetConfig,
-          .aliases = host.aliases,
-          .files = host.files,
-          .mainBundle = host.mainBundle,
-          .sounds = host.sounds,
-          .log = host.log,
-          .localizedText = host.localizedText,
-          .currentSeconds = host.currentSeconds,
-          .aggregation = host.aggregation,
-          .fileComments = host.fileComments,
-          .observer = host.observer,
-          .events = host.events,
-          .processes = host.processes,
-          .scripts = &scripts_};
+app::Host Desktop::waitingHost() {
+  app::Host host = host_;
+  host.downloads = &downloads_;
+  host.pageLoader = &pageLoader_;
+  host.readStreams = &readStreams_;
+  host.scripts = &scripts_;
+  return host;
 }
 
 PreferencesServices Desktop::preferencesServices() {
-  return {.userDefaults = host_.userDefaults,
+  return {.userDefaults = *host_.userDefaults,
           .settingsFile = services_.settingsFile,
           .isStored = services_.isStored,
           .destinationPath = [this] { return storedDestinationPath(); },
@@ -114,7 +100,7 @@ PreferencesServices Desktop::preferencesServices() {
 }
 
 CompletionNoticeServices Desktop::noticeServices() {
-  return {.userDefaults = host_.userDefaults,
+  return {.userDefaults = *host_.userDefaults,
           .localizedText = host_.localizedText,
           .isWorkLeft = [this] { return downloads_.isBusy() || controller_.numberOfRows() > 0; },
           .isInFront = &IsInFront,
@@ -254,13 +240,13 @@ void Desktop::showAbout() {
 }
 
 void Desktop::restorePlaces() {
-  host_.userDefaults.synchronize();
-  window_.restoreGeometry(host_.userDefaults.objectForKey(GeometryKey()).toByteArray());
+  host_.userDefaults->synchronize();
+  window_.restoreGeometry(host_.userDefaults->objectForKey(GeometryKey()).toByteArray());
 }
 
 void Desktop::storePlaces() {
-  host_.userDefaults.setObject(GeometryKey(), window_.saveGeometry());
-  host_.userDefaults.synchronize();
+  host_.userDefaults->setObject(GeometryKey(), window_.saveGeometry());
+  host_.userDefaults->synchronize();
 }
 
 }  // namespace quillforth::desktop

@@ -94,7 +94,8 @@ class Desktop final : private StatusWindowOwner {
   void restorePlaces();
   void storePlaces();
   [[nodiscard]] app::Outlets outlets();
-  [[nodiscard]] app::Host decorated(const app::Host& host);
+  /// The host, with a window that is drawn while it is waited for.
+  [[nodiscard]] app::Host waitingHost();
 
   DesktopServices services_;
   FramePacer pacer_;

@@ -19,29 +19,27 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
     : settings_(settings),
       reporter_(reporter),
       outlets_(status, reporter, prompt),
-      defaults_(services.userDefaults, settings.preferences),
-      downloads_(services.downloads, *this),
-      pageLoader_(services.pageLoader),
-      network_(services.network, settings.isNetworkAssumedUp),
-      controller_(outlets_.outlets(), app::Host{.application = services.application,
-                                                .userDefaults = defaults_,
-                                                .downloads = downloads_,
-                                                .pageLoader = pageLoader_,
-                                                .network = network_,
-                                                .readStreams = services.readStreams,
-                                                .internetConfig = services.internetConfig,
-                                                .aliases = services.aliases,
-                                                .files = services.files,
-                                                .mainBundle = services.mainBundle,
-                                                .sounds = services.sounds,
-                                                .log = services.log,
-                                                .localizedText = services.localizedText,
-                                                .currentSeconds = services.currentSeconds,
-                                                .aggregation = services.aggregation,
-                                                .fileComments = services.fileComments,
-                                                .observer = this}) {
+      defaults_(*services.userDefaults, settings.preferences),
+      downloads_(*services.downloads, *this),
+      pageLoader_(*services.pageLoader),
+      network_(*services.network, settings.isNetworkAssumedUp),
+      controller_(outlets_.outlets(), host(services)) {
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
+}
+
+// No other program asks for anything here, and no browser is asked.
+app::Host Get::host(const app::Host& services) {
+  app::Host host = services;
+  host.userDefaults = &defaults_;
+  host.downloads = &downloads_;
+  host.pageLoader = &pageLoader_;
+  host.network = &network_;
+  host.observer = this;
+  host.events = nullptr;
+  host.processes = nullptr;
+  host.scripts = nullptr;
+  return host;
 }
 
 Summary Get::run(const QStringList& urls) {

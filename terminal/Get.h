@@ -51,6 +51,8 @@ class Get final : private app::DownloadObserver, private app::DriverObserver {
   void controllerMovedOn() override;
   void downloadFileRefusedURL(const QString& text) override;
 
+  /// What the controller stands on: `services`, with what is changed about them here.
+  [[nodiscard]] app::Host host(const app::Host& services);
   void moveOnLater();
   void moveOn();
   void handOver(const QString& url);

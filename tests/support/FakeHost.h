@@ -193,9 +193,9 @@ struct FakeHost {
   [[nodiscard]] app::Host host(const app::EventIntake* events = nullptr) {
     const auto localizedText = [this](const QString& key) { return ++translations, key; };
     const auto currentSeconds = [this] { return seconds; };
-    return {application, defaults,  downloads, services, services,  services,      services,
-            services,    files,     services,  services, services,  localizedText, currentSeconds,
-            &services,   &services, &services, events,   &services, &services};
+    return {&application, &defaults, &downloads, &services, &services, &services,     &services,
+            &services,    &files,    &services,  &services, &services, localizedText, currentSeconds,
+            &services,    &services, &services,  events,    &services, &services};
   }
 };
 
