@@ -7,7 +7,15 @@
 #include <QWindow>
 #include <utility>
 
+#include "desktop/ShownText.h"
+
 namespace quillforth::desktop {
+
+namespace {
+
+constexpr qsizetype kLongestLine = 300;  // of a notification
+
+}  // namespace
 
 CompletionNotice::CompletionNotice(CompletionNoticeServices services, QObject* parent)
     : QObject(parent), services_(std::move(services)), preferences_(services_.userDefaults) {
@@ -25,7 +33,8 @@ void CompletionNotice::downloadFinished(const app::DownloadProgress& /*progress*
 void CompletionNotice::downloadFailed(const app::DownloadProgress& progress, const QString& reason) {
   ++failed_;
   hasEnded_ = hasFailed_ = true;
-  failure_ = services_.localizedText(reason) + u'\n' + progress.url;
+  failure_ = ShownText(services_.localizedText(reason), kLongestLine) + u'\n' +
+             ShownText(progress.url, kLongestLine);
 }
 
 void CompletionNotice::controllerMovedOn() {

@@ -39,8 +39,8 @@ QSize ElidedLabel::minimumSizeHint() const {
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
-  const QString shown = fontMetrics().elidedText(WithoutMiddle(text(), kLongestMeasured), Qt::ElideMiddle,
-                                                 contentsRect().width());
+  const QString shown =
+      fontMetrics().elidedText(ShownText(text(), kLongestMeasured), Qt::ElideMiddle, contentsRect().width());
   style()->drawItemText(&painter, contentsRect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft),
                         palette(), isEnabled(), shown, foregroundRole());
 }

@@ -24,13 +24,13 @@ QLabel* MakePlainLabel(const QString& text, QWidget* parent) {
   auto* label = new QLabel(parent);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
-  label->setText(WithoutMiddle(text, kLongestMessage));
+  label->setText(ShownLines(text, kLongestMessage));
   return label;
 }
 
 QString Question(const platform::AuthenticationChallenge& challenge) {
-  const QString host = WithoutMiddle(challenge.host, kLongestName);
-  const QString realm = WithoutMiddle(challenge.realm, kLongestName);
+  const QString host = ShownText(challenge.host, kLongestName);
+  const QString realm = ShownText(challenge.realm, kLongestName);
   if (challenge.isProxy) {
     return realm.isEmpty()
                ? AuthenticationSheet::tr("The proxy server %1 asks for a user name and a password.").arg(host)
@@ -49,11 +49,11 @@ QString Question(const platform::AuthenticationChallenge& challenge) {
 QMessageBox* MakeMessageBox(const app::Alert& alert, QMessageBox::Icon icon, QWidget* parent) {
   auto* box = new QMessageBox(icon, QStringLiteral("Quillforth"), QString(), QMessageBox::NoButton, parent);
   box->setTextFormat(Qt::PlainText);
-  box->setText(WithoutMiddle(alert.messageText, kLongestMessage));
+  box->setText(ShownLines(alert.messageText, kLongestMessage));
   if (!alert.informativeText.isEmpty()) {
     // This one has no format to be set: it is markup when it looks like it, so it always is.
     box->setInformativeText(QStringLiteral("<span style='white-space:pre-wrap'>") +
-                            WithoutMiddle(alert.informativeText, kLongestMessage).toHtmlEscaped() +
+                            ShownLines(alert.informativeText, kLongestMessage).toHtmlEscaped() +
                             QStringLiteral("</span>"));
   }
   QPushButton* accept = box->addButton(alert.defaultButton, QMessageBox::AcceptRole);

@@ -15,6 +15,7 @@
 #include "app/BrowserAdvice.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/SettingsWatcher.h"
+#include "desktop/ShownText.h"
 #include "ui_PreferencesWindow.h"
 
 namespace quillforth::desktop {
@@ -44,7 +45,7 @@ void PreferencesWindow::reload() {
   ui_->bringApplicationToFront->setEnabled(ui_->showStatusWindow->isChecked());
   const QString path = services_.destinationPath();
   ui_->destinationField->setText(path);
-  ui_->destinationField->setToolTip(path);
+  ui_->destinationField->setToolTip(ToolTipText(path));
   ui_->destinationField->setCursorPosition(0);
   showStorage(services_.isStored());
 }

@@ -106,7 +106,7 @@ int QueueModel::columnCount(const QModelIndex& parent) const {
 
 QVariant QueueModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-  if (role == Qt::DisplayRole) return WithoutMiddle(url(index.row()), kLongestShownURL);
+  if (role == Qt::DisplayRole) return ShownText(url(index.row()), kLongestShownURL);
   if (role == Qt::ToolTipRole) return ToolTipText(url(index.row()));
   return {};
 }

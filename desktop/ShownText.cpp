@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "platform/PrintableText.h"
+
 namespace quillforth::desktop {
 
 namespace {
@@ -12,18 +14,28 @@ namespace {
 constexpr qsizetype kLongestToolTip = 2000;
 constexpr qsizetype kToolTipLine = 90;
 
-}  // namespace
-
 QString WithoutMiddle(const QString& text, qsizetype limit) {
   if (text.size() <= limit) return text;
   const qsizetype head = limit / 2;
   return text.first(head) + QChar(u'…') + text.last(limit - head - 1);
 }
 
+}  // namespace
+
+QString ShownText(const QString& text, qsizetype limit) {
+  return platform::Printable(WithoutMiddle(text, limit));
+}
+
+QString ShownLines(const QString& text, qsizetype limit) {
+  QStringList lines = WithoutMiddle(text, limit).split(u'\n');
+  for (QString& line : lines) line = platform::Printable(line);
+  return lines.join(u'\n');
+}
+
 // Qt takes a text with a tag for markup; this one always is, and holds none of the stranger's.
 QString ToolTipText(const QString& text) {
   if (text.isEmpty()) return {};
-  const QString shown = WithoutMiddle(text, kLongestToolTip);
+  const QString shown = ShownText(text, kLongestToolTip);
   QStringList lines;
   for (qsizetype start = 0; start < shown.size(); start += kToolTipLine) {
     lines.append(shown.sliced(start, std::min(kToolTipLine, shown.size() - start)).toHtmlEscaped());

@@ -2,19 +2,17 @@
 //
 // Texts made fit for a terminal: nothing in them steers it, and their width in columns is known.
 //
-// URLs, server messages and file names come from strangers. What they hold of control characters, of
-// bidirectional overrides and of code points without a picture is written as an escape, so that a line is
-// one line and shows what it says. Pure functions; any thread, once the C library's locale is one of UTF-8.
+// Pure functions; any thread, once the C library's locale is one of UTF-8.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
 
+#include "platform/PrintableText.h"
+
 namespace quillforth::terminal {
 
-/// `text` with every control, format and unassigned character as "\xHH", "\uHHHH" or "\UHHHHHHHH". One line,
-/// safe to show.
-[[nodiscard]] QString Printable(const QString& text);
+using platform::Printable;
 
 /// Columns that a printable text takes: wide characters two, combining ones none.
 [[nodiscard]] int DisplayWidth(QStringView text);
