@@ -44,11 +44,11 @@ Desktop::Desktop(const DesktopServices& services)
       fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
       fileDownloadProgressText_(pacer_, *window_.ui().fileDownloadProgressText),
       currentURLTextField_(pacer_, *window_.ui().currentURLTextField),
-      fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton,
+      fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
-      deleteButton_(pacer_, *window_.ui().deleteButton, window_.ui().actionDelete),
-      stopButton_(pacer_, *window_.ui().stopButton),
-      openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton),
+      deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
+      stopButton_(pacer_, *window_.ui().stopButton, *window_.ui().fileTable),
+      openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton, *window_.ui().fileTable),
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
       controller_(outlets(), waitingHost()) {
   gate_.whenHeldChanges(services_.holdDownloads);

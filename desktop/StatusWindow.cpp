@@ -36,6 +36,7 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   ui_->actionOpenLinkFile->setShortcut(QKeySequence::Open);
   ui_->fileTable->setContextMenuPolicy(Qt::ActionsContextMenu);
   ui_->fileTable->addActions({ui_->actionCopy, ui_->actionDelete});
+  ui_->fileTable->setFocus();
   connect(ui_->actionSelectAll, &QAction::triggered, ui_->fileTable, &QTableView::selectAll);
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
 }

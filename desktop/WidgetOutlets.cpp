@@ -40,8 +40,9 @@ void LabelOutlet::show() {
   label_.setHidden(isHidden_);
 }
 
-ButtonOutlet::ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QAction* action)
+ButtonOutlet::ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QWidget& keyboardHeir, QAction* action)
     : button_(button),
+      keyboardHeir_(keyboardHeir),
       action_(action),
       isEnabled_(button.isEnabled()),
       isHidden_(button.isHidden()),
@@ -65,10 +66,14 @@ void ButtonOutlet::setToolTip(const QString& text) {
   button_.setAccessibleDescription(text);  // the tool tip is markup
 }
 
+// Left to the toolkit, the keyboard would go to the next button, and the key that pressed this one would
+// press that.
 void ButtonOutlet::show() {
+  const bool isThere = isEnabled_ && !isHidden_;
+  if (!isThere && button_.window()->focusWidget() == &button_) keyboardHeir_.setFocus();
   button_.setEnabled(isEnabled_);
   button_.setHidden(isHidden_);
-  if (action_ != nullptr) action_->setEnabled(isEnabled_ && !isHidden_);
+  if (action_ != nullptr) action_->setEnabled(isThere);
 }
 
 ProgressBarOutlet::ProgressBarOutlet(FramePacer& pacer, QProgressBar& bar)

@@ -53,8 +53,9 @@ class LineEditOutlet final : public app::TextField {
 
 class ButtonOutlet final : public app::Button {
  public:
-  /// `action`: the menu's way to the same command, to be had whenever the button is; null: always.
-  ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QAction* action = nullptr);
+  /// `keyboardHeir`: has the keyboard after a button that cannot be pressed any more. `action`: the menu's
+  /// way to the same command, to be had whenever the button is; null: always.
+  ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QWidget& keyboardHeir, QAction* action = nullptr);
   void setEnabled(bool enabled) override;
   void setHidden(bool hidden) override;
   void setToolTip(const QString& text) override;
@@ -63,6 +64,7 @@ class ButtonOutlet final : public app::Button {
   void show();
 
   QAbstractButton& button_;
+  QWidget& keyboardHeir_;
   QAction* action_;
   bool isEnabled_;
   bool isHidden_;

@@ -68,10 +68,13 @@ TEST_F(DesktopTest, ButtonsAndMenusWorkTheQueue) {
     desktop_.controller().queueURL(QString::fromUtf16(url));
   ASSERT_TRUE(waitForText("countTextField", "3 urls queued"));
   EXPECT_FALSE(find<QPushButton>("deleteButton").isEnabled());
+  EXPECT_EQ(window().focusWidget(), &table_);
   select(0);
   select(2);
+  find<QPushButton>("deleteButton").setFocus();
   find<QPushButton>("deleteButton").click();
   EXPECT_TRUE(waitForText("countTextField", "1 urls queued"));
+  EXPECT_EQ(window().focusWidget(), &table_);
   EXPECT_EQ(table_.model()->index(0, 0).data(), QStringLiteral("http://x/1"));
 
   QApplication::clipboard()->setText(QString::fromStdString(server_.url("/pasted.bin")));
