@@ -46,6 +46,7 @@ Desktop::Desktop(const DesktopServices& services)
       currentURLTextField_(pacer_, *window_.ui().currentURLTextField),
       fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
+  window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
       deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
       stopButton_(pacer_, *window_.ui().stopButton, *window_.ui().fileTable),
       openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton, *window_.ui().fileTable),

@@ -3,6 +3,7 @@
 #include "desktop/DesktopWindow.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <utility>
 
 #include "desktop/MessageSheets.h"
@@ -72,6 +73,11 @@ void DesktopWindow::showNext() {
   });
   if (!window_.isVisible()) window_.show();
   shown_->show();
+}
+
+QSize RoomOnScreen(const QWidget& window) {
+  constexpr QSize kFrame(10, 40);  // no window manager has told its own yet
+  return window.screen()->availableSize() - kFrame;
 }
 
 }  // namespace quillforth::desktop

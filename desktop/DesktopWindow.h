@@ -49,4 +49,7 @@ class DesktopWindow final : public app::Window {
   QPointer<QDialog> shown_;
 };
 
+/// The largest size that a window has room for on its screen, with what a window manager puts around it.
+[[nodiscard]] QSize RoomOnScreen(const QWidget& window);
+
 }  // namespace quillforth::desktop

@@ -3,16 +3,19 @@
 #include "desktop/PreferencesWindow.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QEvent>
 #include <QMessageBox>
 #include <QPointer>
+#include <QScrollArea>
 #include <QStyle>
 #include <QThreadPool>
 #include <utility>
 
 #include "app/BrowserAdvice.h"
+#include "desktop/DesktopWindow.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/SettingsWatcher.h"
 #include "desktop/ShownText.h"
@@ -31,6 +34,9 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
   connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
   connect(ui_->browserAdviceButton, &QPushButton::clicked, this, &PreferencesWindow::showBrowserAdvice);
   connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*old*/, QWidget* now) {
+    if (now != nullptr && ui_->settings->isAncestorOf(now)) ui_->settings->ensureWidgetVisible(now);
+  });
   connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
           &PreferencesWindow::reload);
 }
@@ -109,8 +115,19 @@ void PreferencesWindow::showAccessibilityFailure() {
   box->open();
 }
 
+// As large as all settings want, but for a screen that has no room for them. A size that was remembered or
+// asked for stays.
+void PreferencesWindow::fitScreen() {
+  const QSize wanted = ui_->settingsContents->sizeHint();
+  ui_->settings->setMinimumWidth(wanted.width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+  if (testAttribute(Qt::WA_Resized)) return;
+  const int around = sizeHint().height() - ui_->settings->sizeHint().height();
+  resize(QSize(sizeHint().width(), wanted.height() + around).boundedTo(RoomOnScreen(*this)));
+}
+
 void PreferencesWindow::showEvent(QShowEvent* event) {
   reload();
+  fitScreen();
   QDialog::showEvent(event);
 }
 

@@ -3,8 +3,8 @@
 // The preferences window: one check box a boolean setting, which bears the setting's key as its object name,
 // and the destination folder.
 //
-// A click is stored at once; what another process stores shows as soon as it is noticed, and whenever the
-// window comes to the front. Main thread.
+// Where the screen is too low for all of them, they scroll. A click is stored at once; what another process
+// stores shows as soon as it is noticed, and whenever the window comes to the front. Main thread.
 #pragma once
 
 #include <QDialog>
@@ -52,6 +52,7 @@ class PreferencesWindow final : public QDialog {
 
  private:
   void store(const app::BooleanPreference& preference, bool value);
+  void fitScreen();
   void chooseDestination();
   void showStorage(bool isStored);
   void showBrowserAdvice();

@@ -4,6 +4,7 @@
 // nothing overlaps, no two controls answer to one key.
 
 #include <QMenuBar>
+#include <QScrollArea>
 
 #include "desktop/ElidedLabel.h"
 #include "desktop/LocalizedStrings.h"
@@ -32,6 +33,10 @@ void Look(const QWidget& parent, QStringList& keys) {
     EXPECT_FALSE(taken.intersects(child->geometry())) << "overlaps";
     taken += child->geometry();
     keys.append(QKeySequence::mnemonic(child->property("text").toString()).toString());
+    if (auto* area = qobject_cast<QScrollArea*>(child)) {
+      EXPECT_LE(area->widget()->width(), area->viewport()->width()) << "is cut off";
+      Look(*area->widget(), keys);
+    }
     auto* bar = qobject_cast<QMenuBar*>(child);
     for (QAction* action : bar != nullptr ? bar->actions() : QList<QAction*>()) {
       keys.append(QKeySequence::mnemonic(action->text()).toString());
