@@ -4,10 +4,13 @@
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "desktop/ShownText.h"
 
@@ -19,6 +22,34 @@ namespace {
 constexpr qsizetype kLongestName = 60;
 constexpr qsizetype kLongestMessage = 4000;
 constexpr int kSheetWidth = 420;
+
+// Keeps a dialog over the middle of its parent. A window that is shown at the same time is only then given
+// its place.
+class OverParent final : public QObject {
+ public:
+  explicit OverParent(QDialog& dialog) : QObject(&dialog), dialog_(dialog) {
+    if (dialog.parentWidget() != nullptr) dialog.parentWidget()->window()->installEventFilter(this);
+  }
+
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) place();
+    return false;
+  }
+
+ private:
+  void place() {
+    QRect frame = dialog_.frameGeometry();
+    frame.moveCenter(dialog_.parentWidget()->window()->frameGeometry().center());
+    const QRect screen = dialog_.screen()->availableGeometry();
+    frame.moveLeft(
+        std::clamp(frame.left(), screen.left(), std::max(screen.left(), screen.right() - frame.width())));
+    frame.moveTop(
+        std::clamp(frame.top(), screen.top(), std::max(screen.top(), screen.bottom() - frame.height())));
+    dialog_.move(frame.topLeft());
+  }
+
+  QDialog& dialog_;
+};
 
 QLabel* MakePlainLabel(const QString& text, QWidget* parent) {
   auto* label = new QLabel(parent);
@@ -48,6 +79,7 @@ QString Question(const platform::AuthenticationChallenge& challenge) {
 
 QMessageBox* MakeMessageBox(const app::Alert& alert, QMessageBox::Icon icon, QWidget* parent) {
   auto* box = new QMessageBox(icon, QStringLiteral("Quillforth"), QString(), QMessageBox::NoButton, parent);
+  new OverParent(*box);  // the box owns it
   box->setTextFormat(Qt::PlainText);
   box->setText(ShownLines(alert.messageText, kLongestMessage));
   if (!alert.informativeText.isEmpty()) {
@@ -71,6 +103,7 @@ bool IsAccepted(const QMessageBox& box) {
 
 AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge& challenge, QWidget* parent)
     : QDialog(parent), user_(new QLineEdit(this)), password_(new QLineEdit(this)) {
+  new OverParent(*this);
   setWindowTitle(QStringLiteral("Quillforth"));
   user_->setObjectName(QStringLiteral("user"));
   password_->setObjectName(QStringLiteral("password"));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Alerts and questions as dialogs that show their texts literally.
+// Alerts and questions as dialogs that show their texts literally, and stay over the middle of their window.
 //
 // Main thread.
 #pragma once
