@@ -24,8 +24,14 @@ std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> argume
                   "Download the URL that is selected on the screen, or else in the clipboard");
   parser.add_flag("--service", parsed.isService,
                   "Show no window before another program asks for something over D-Bus");
-  parser.add_flag("--print-selection", parsed.isSelectionHelper)->group("");
-  parser.add_flag("--print-clipboard", parsed.isClipboardHelper)->group("");
+  parser.add_flag("--wait", parsed.isWaiting,
+                  "Where a Quillforth runs already, end when that one does, and not at once");
+  const auto addHelper = [&](const char* option, SelectionSource source) {
+    parser.add_flag_callback(option, [&parsed, source] { parsed.printed = source; })->group("");
+  };
+  addHelper("--print-selection", SelectionSource::selectionOrClipboard);
+  addHelper("--print-clipboard", SelectionSource::clipboard);
+  addHelper("--print-pasteboard", SelectionSource::pasteboard);
   parser.add_option("FILE-OR-URL", parsed.filesAndURLs,
                     "Link files, opened for the URL in them; URLs, taken as if dropped on the window: pages "
                     "with all their links, files");

@@ -3,19 +3,22 @@
 // The command line of `quillforth`.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
+
+#include "desktop/SelectionReader.h"
 
 namespace quillforth::desktop {
 
 struct Arguments {
   std::vector<std::string> filesAndURLs;
   bool isNetworkAssumedUp = false;
-  bool isSelectionWanted = false;  ///< what is selected on the screen shall be downloaded
-  bool isService = false;          ///< no window until somebody asks for something
-  bool isSelectionHelper = false;  ///< prints what is selected on the screen, and ends
-  bool isClipboardHelper = false;  ///< prints what is on the clipboard, and ends
+  bool isSelectionWanted = false;          ///< what is selected on the screen shall be downloaded
+  bool isService = false;                  ///< no window until somebody asks for something
+  bool isWaiting = false;                  ///< what is asked of a running instance ends when that does
+  std::optional<SelectionSource> printed;  ///< the text from there is printed, and that is all
 };
 
 /// A command line that is answered, rightly or wrongly, without a window.

@@ -150,8 +150,7 @@ void Desktop::connectCommands() {
   bind(ui.actionStop, ui.stopButton, &Controller::stop);
   bind(ui.actionTryAgain, ui.tryAgainButton, &Controller::tryAgain);
   bind(ui.actionCancelDownload, ui.fileDownloadCancelButton, &Controller::cancelDownloadFile);
-  QObject::connect(ui.actionPaste, &QAction::triggered, &window_,
-                   [this] { takeDrop(MimePasteboard(*QApplication::clipboard()->mimeData())); });
+  QObject::connect(ui.actionPaste, &QAction::triggered, &window_, [this] { paste(); });
   QObject::connect(ui.actionCopy, &QAction::triggered, &window_, [this] {
     if (const QString urls = fileTable_.selectedURLs(); !urls.isEmpty())
       QApplication::clipboard()->setText(urls);
@@ -190,6 +189,17 @@ bool Desktop::takeURL(const QString& text) {
   const MimePasteboard pasteboard(text);
   if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return false;
   return gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+// Only on X11 does the toolkit wait as long as a clipboard's owner hangs.
+void Desktop::paste() {
+  const QClipboard& clipboard = *QApplication::clipboard();
+  if (QGuiApplication::platformName() == u"xcb" && !clipboard.ownsClipboard()) {
+    clipboard_.read(SelectionSource::pasteboard,
+                    [this](const QString& text) { takeDrop(MimePasteboard(text)); });
+  } else if (const QMimeData* data = clipboard.mimeData()) {
+    takeDrop(MimePasteboard(*data));
+  }
 }
 
 // The source of a drag waits until the drop has returned, so the work comes after it.

@@ -25,6 +25,7 @@
 #include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
 #include "desktop/StatusWindow.h"
+#include "desktop/SelectionReader.h"
 #include "desktop/Waiting.h"
 #include "desktop/WidgetOutlets.h"
 
@@ -86,6 +87,8 @@ class Desktop final : private StatusWindowOwner {
   void bind(QAction* action, QAbstractButton* button, Command command);
   void takeDrop(const MimePasteboard& pasteboard);
   [[nodiscard]] PreferencesServices preferencesServices();
+  /// Takes what is in the clipboard as if it was dropped.
+  void paste();
   [[nodiscard]] QString storedDestinationPath();
   [[nodiscard]] CompletionNoticeServices noticeServices();
   /// Something waits or is being downloaded.
@@ -129,3 +132,4 @@ class Desktop final : private StatusWindowOwner {
 };
 
 }  // namespace quillforth::desktop
+  SelectionReader clipboard_;

@@ -47,7 +47,8 @@ RequestHandler::Answer RequestIntake::take(const Request& request) {
       downloadText(request.texts.constFirst());
       break;
     case Request::Kind::downloadSelection:
-      selection_.read([this](const QString& text) { downloadText(text); });
+      selection_.read(SelectionSource::selectionOrClipboard,
+                      [this](const QString& text) { downloadText(text); });
       break;
   }
   return Answer::taken;

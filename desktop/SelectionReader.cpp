@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "app/Pasteboard.h"
+#include "desktop/MimePasteboard.h"
 
 namespace quillforth::desktop {
 
@@ -29,6 +30,24 @@ void WaitForFocus(QRasterWindow& window) {
   deadline.start(kFocusPatienceInMilliseconds);
   window.show();
   loop.exec();
+}
+
+QStringList HelperOptions(SelectionSource source) {
+  switch (source) {
+    case SelectionSource::clipboard:
+      return {QStringLiteral("--print-clipboard")};
+    case SelectionSource::pasteboard:
+      return {QStringLiteral("--print-pasteboard")};
+    default:
+      return {QStringLiteral("--print-selection")};
+  }
+}
+
+QString DraggedText(const QMimeData* data) {
+  if (data == nullptr) return {};
+  const MimePasteboard pasteboard(*data);
+  const QString text = pasteboard.stringForType(app::kStringPasteboardType);
+  return text.isNull() ? pasteboard.stringForType(app::kURLPasteboardType) : text;
 }
 
 // What a helper that has ended has printed.
@@ -54,23 +73,23 @@ SelectionReader::~SelectionReader() {
   helper_.waitForFinished();
 }
 
-void SelectionReader::read(std::function<void(const QString&)> take) {
+void SelectionReader::read(SelectionSource source, std::function<void(const QString&)> take) {
   if (helper_.state() != QProcess::NotRunning) return;
   take_ = std::move(take);
-  helper_.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--print-selection")});
+  helper_.start(QCoreApplication::applicationFilePath(), HelperOptions(source));
   deadline_.start(kPatienceInMilliseconds);
 }
 
 void SelectionReader::finish() {
   deadline_.stop();
   const auto take = std::exchange(take_, nullptr);
-  if (const std::optional<QString> text = TextOf(helper_)) take(*text);
+  take(TextOf(helper_).value_or(QString()));
 }
 
 std::optional<QString> ReadClipboard() {
   QProcess helper;
   helper.setStandardErrorFile(QProcess::nullDevice());
-  helper.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--print-clipboard")});
+  helper.start(QCoreApplication::applicationFilePath(), HelperOptions(SelectionSource::clipboard));
   if (!helper.waitForFinished(SelectionReader::kPatienceInMilliseconds)) {
     helper.kill();
     helper.waitForFinished();
@@ -86,7 +105,11 @@ void PrintSelection(SelectionSource source) {
   const bool isSelectionAsked =
       source == SelectionSource::selectionOrClipboard && clipboard.supportsSelection();
   QString text = isSelectionAsked ? clipboard.text(QClipboard::Selection) : QString();
-  if (text.isEmpty()) text = clipboard.text(QClipboard::Clipboard);
+  if (source == SelectionSource::pasteboard) {
+    text = DraggedText(clipboard.mimeData());
+  } else if (text.isEmpty()) {
+    text = clipboard.text(QClipboard::Clipboard);
+  }
   if (text.size() > app::Pasteboard::kMaxStringLength) return;
   const QByteArray bytes = text.toUtf8();
   std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The text that is selected on the screen, or else the clipboard's.
+// The text that is selected on the screen, or stands in the clipboard.
 //
 // Either is asked of the program that owns it, and that may hang, or send without an end. So a helper asks, a
 // second process of this program: the window never waits, and the helper is ended when it takes too long.
@@ -14,6 +14,12 @@
 
 namespace quillforth::desktop {
 
+enum class SelectionSource {
+  selectionOrClipboard,
+  clipboard,
+  pasteboard,  ///< the clipboard, taken as a drag is: the text, or else the URL
+};
+
 class SelectionReader final {
  public:
   static constexpr int kPatienceInMilliseconds = 4000;
@@ -24,9 +30,9 @@ class SelectionReader final {
   SelectionReader(const SelectionReader&) = delete;
   SelectionReader& operator=(const SelectionReader&) = delete;
 
-  /// Calls `take` with the text, later; never when there is none, or it is longer than any URL, or its owner
-  /// hangs. While one text is being read, another wish for it is the same wish.
-  void read(std::function<void(const QString& text)> take);
+  /// Calls `take` with the text, later; with null when there is none, or it is longer than any URL, or its
+  /// owner hangs. While one text is being read, another wish for it is the same wish.
+  void read(SelectionSource source, std::function<void(const QString& text)> take);
 
  private:
   void finish();
@@ -39,8 +45,6 @@ class SelectionReader final {
 /// The clipboard's text, from such a helper; nothing when there is none, or as above. Blocks for as long as
 /// the helper has; any thread.
 [[nodiscard]] std::optional<QString> ReadClipboard();
-
-enum class SelectionSource { selectionOrClipboard, clipboard };
 
 /// What the helper does: prints the text on standard output, as UTF-8. Needs a QGuiApplication.
 void PrintSelection(SelectionSource source);

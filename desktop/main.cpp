@@ -158,10 +158,7 @@ int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
 
 int Run(const Arguments& arguments, int argc, char** argv) {
   if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
-  if (arguments.isSelectionHelper) {
-    return RunSelectionHelper(SelectionSource::selectionOrClipboard, argc, argv);
-  }
-  if (arguments.isClipboardHelper) return RunSelectionHelper(SelectionSource::clipboard, argc, argv);
+  if (arguments.printed) return RunSelectionHelper(*arguments.printed, argc, argv);
   const Request request = RequestOf(arguments);
   if (const QString fault = Fault(request); !fault.isNull()) {
     std::fprintf(stderr, "quillforth: %s\n", qPrintable(fault));
