@@ -87,12 +87,13 @@ int EndWithoutAnswer() {
 }
 
 // What the process is to end with, when another instance has the request or shall have it.
-std::optional<int> HandOver(const Request& request, platform::SingleInstance& instance) {
+std::optional<int> HandOver(const Request& request, platform::SingleInstance& instance, bool isWaiting) {
   using Outcome = platform::SingleInstance::Outcome;
   switch (instance.begin(LineOfRequest(request).toStdString(), kHandOverPatience)) {
     case Outcome::isFirst:
       return std::nullopt;
     case Outcome::handedOver:
+      if (isWaiting) instance.waitForEnd();
       return EXIT_SUCCESS;
     case Outcome::noFolder:
       std::fputs(
@@ -165,7 +166,9 @@ int Run(const Arguments& arguments, int argc, char** argv) {
     return EXIT_FAILURE;
   }
   platform::SingleInstance instance;
-  if (const std::optional<int> status = HandOver(request, instance)) return *status;
+  if (const std::optional<int> status = HandOver(request, instance, arguments.isWaiting)) {
+    return *status;
+  }
   LeaveHungBus();
   const platform::Interruption interruption;
   const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);

@@ -128,9 +128,18 @@ SingleInstance::Outcome SingleInstance::begin(std::string_view line, std::chrono
       socketPath_ = socketPath;
       return Outcome::isFirst;
     }
-    if (IsAnswered(socketPath, line, end)) return Outcome::handedOver;
+    if (IsAnswered(socketPath, line, end)) {
+      lock_ = std::move(lock);
+      return Outcome::handedOver;
+    }
   }
   return Outcome::noAnswer;
+}
+
+void SingleInstance::waitForEnd() const {
+  while (::flock(lock_.get(), LOCK_SH) != 0 && errno == EINTR) {
+  }
+  ::flock(lock_.get(), LOCK_UN);
 }
 
 }  // namespace quillforth::platform

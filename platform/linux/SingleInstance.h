@@ -32,11 +32,14 @@ class SingleInstance {
   /// when the running one ends meanwhile. Gives up after `patience`. A line may be handed over twice when an
   /// instance dies over it, but is never lost.
   [[nodiscard]] Outcome begin(std::string_view line, std::chrono::milliseconds patience);
+  /// After a line was handed over: returns when the instance that has it, and all that took its place at
+  /// once, have ended.
+  void waitForEnd() const;
   /// Where the first instance shall listen; empty for the others.
   [[nodiscard]] const std::string& socketPath() const { return socketPath_; }
 
  private:
-  FileDescriptor lock_;
+  FileDescriptor lock_;  // held by the first instance, only open in the others
   std::string socketPath_;
 };
 
