@@ -19,6 +19,18 @@ QString StringFromUTF8(std::string_view text) {
   return decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
 }
 
+// A value that was cut inside a character makes no string.
+std::vector<QString> LinksOfPage(const QByteArray& page, const QString& pageURL,
+                                 const classify::CExtensionMap& extensions) {
+  const linkextract::LinkTable links = linkextract::ExtractPageLinks(
+      {page.constData(), static_cast<std::size_t>(page.size())}, pageURL.toStdString(), extensions);
+  std::vector<QString> urls;
+  for (const linkextract::LinkEntry& link : links) {
+    if (linkextract::IsValidUTF8(link.value())) urls.push_back(StringFromUTF8(link.value()));
+  }
+  return urls;
+}
+
 // The string type first, else the URL type; null without either.
 QString DraggedString(const Pasteboard& pasteboard) {
   const QString string = pasteboard.stringForType(kStringPasteboardType);
@@ -72,12 +84,9 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
   if (!url) return;
   const std::optional<QByteArray> page = host_.pageLoader->resourceData(*url);
   if (!page) return;
-  const linkextract::LinkTable links = linkextract::ExtractPageLinks(
-      {page->constData(), static_cast<std::size_t>(page->size())}, pageURL.toStdString(), extensionMap_);
-  for (const linkextract::LinkEntry& link : links) {
-    // A value that was cut inside a character makes no string.
-    if (linkextract::IsValidUTF8(link.value())) urlList_.append(StringFromUTF8(link.value()));
-  }
+  std::vector<QString> urls;
+  host_.calculate([&] { urls = LinksOfPage(*page, pageURL, extensionMap_); });
+  for (const QString& link : urls) urlList_.append(link);
 }
 
 bool MyAppController::isWebPageURL(const QString& url) {

@@ -23,6 +23,7 @@ QString GeometryKey() {
 }  // namespace
 
 Desktop::Desktop(const DesktopServices& services)
+      aggregation_(host_.aggregation, gate_),
     : services_(services),
       window_(*this),
       application_(window_, gate_),
@@ -78,6 +79,8 @@ app::Outlets Desktop::outlets() {
           .deleteButton = deleteButton_,
           .stopButton = stopButton_,
           .openOutputFolderButton = openOutputFolderButton_,
+  host.aggregation = &aggregation_;
+  host.calculate = [this](const std::function<void()>& calculation) { WaitFor(gate_, calculation); };
           .fileTable = fileTable_};
 }
 

@@ -118,6 +118,7 @@ class Desktop final : private StatusWindowOwner {
   DesktopWindow preferencesOutlet_;
   LabelOutlet downloadDestinationTextField_;
   LineEditOutlet urlTextField_;
+  WaitingAggregation aggregation_;
   LabelOutlet countTextField_;
   SpinnerOutlet spinner_;
   ProgressBarOutlet fileDownloadProgressBar_;

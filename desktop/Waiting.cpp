@@ -2,14 +2,28 @@
 
 #include "desktop/Waiting.h"
 
+#include <QCursor>
 #include <QEventLoop>
+#include <QGuiApplication>
 #include <system_error>
 #include <thread>
 
 namespace quillforth::desktop {
 
+namespace {
+
+struct BusyPointer {
+  BusyPointer() { QGuiApplication::setOverrideCursor(Qt::BusyCursor); }
+  ~BusyPointer() { QGuiApplication::restoreOverrideCursor(); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
+}  // namespace
+
 void WaitFor(CommandGate& gate, const std::function<void()>& block) {
   const CommandGate::Hold hold(gate);
+  const BusyPointer pointer;
   QEventLoop loop;
   std::thread worker;
   try {
@@ -32,6 +46,10 @@ std::optional<QByteArray> WaitingPageLoader::resourceData(const platform::URL& u
 
 void WaitingReadStreams::join(std::thread& worker) {
   WaitFor(gate_, [&worker] { worker.join(); });
+}
+
+void WaitingAggregation::aggregateFolder(const QString& path) {
+  if (aggregation_ != nullptr) WaitFor(gate_, [this, &path] { aggregation_->aggregateFolder(path); });
 }
 
 }  // namespace quillforth::desktop

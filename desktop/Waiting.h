@@ -2,13 +2,15 @@
 //
 // Waiting as the program is defined to wait, with a window that is still drawn.
 //
-// A page load and the question of what a URL is block the controller. Here the blocking call runs on a thread
-// of its own while the main thread runs its event loop, behind a closed gate: nothing enters the controller
-// until the call is over. The end of the program interrupts the call.
+// A page load and the question of what a URL is block the controller, and so do a page with a hundred
+// thousand links and a folder with as many files. Here the blocking call runs on a thread of its own while
+// the main thread runs its event loop, behind a closed gate: nothing enters the controller until the call is
+// over, and the pointer says that the program is busy. The end of the program interrupts the call.
 #pragma once
 
 #include <functional>
 
+#include "app/Host.h"
 #include "desktop/CommandGate.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/PageLoader.h"
@@ -43,6 +45,19 @@ class WaitingReadStreams final : public platform::HTTPReadStreamFactory {
 
  private:
   platform::HTTPReadStreamFactory& streams_;
+  CommandGate& gate_;
+};
+
+class WaitingAggregation final : public app::FolderAggregation {
+ public:
+  /// Both outlive this; null stands for a host that sorts nothing. `aggregation` may be called from any
+  /// thread. A run goes on to its end, also when the program ends.
+  WaitingAggregation(app::FolderAggregation* aggregation, CommandGate& gate)
+      : aggregation_(aggregation), gate_(gate) {}
+  void aggregateFolder(const QString& path) override;
+
+ private:
+  app::FolderAggregation* aggregation_;
   CommandGate& gate_;
 };
 
