@@ -13,17 +13,7 @@
 
 namespace quillforth::desktop {
 
-namespace {
-
-// The window's place, as Qt describes it.
-QString GeometryKey() {
-  return QStringLiteral("Windows/statusWindow");
-}
-
-}  // namespace
-
 Desktop::Desktop(const DesktopServices& services)
-      aggregation_(host_.aggregation, gate_),
     : services_(services),
       window_(*this),
       application_(window_, gate_),
@@ -33,6 +23,7 @@ Desktop::Desktop(const DesktopServices& services)
       pageLoader_(*host_.pageLoader, gate_),
       readStreams_(*host_.readStreams, gate_),
       scripts_(host_.scripts, gate_),
+      aggregation_(host_.aggregation, gate_),
       importWindow_(&window_),
       preferencesWindow_(preferencesServices(), &window_),
       statusOutlet_(window_, gate_),
@@ -47,7 +38,6 @@ Desktop::Desktop(const DesktopServices& services)
       currentURLTextField_(pacer_, *window_.ui().currentURLTextField),
       fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
-  window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
       deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
       stopButton_(pacer_, *window_.ui().stopButton, *window_.ui().fileTable),
       openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton, *window_.ui().fileTable),
@@ -56,6 +46,7 @@ Desktop::Desktop(const DesktopServices& services)
   gate_.whenHeldChanges(services_.holdDownloads);
   fileTable_.setDataSource(controller_);
   connectCommands();
+  window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
   restorePlaces();
 }
 
@@ -79,8 +70,6 @@ app::Outlets Desktop::outlets() {
           .deleteButton = deleteButton_,
           .stopButton = stopButton_,
           .openOutputFolderButton = openOutputFolderButton_,
-  host.aggregation = &aggregation_;
-  host.calculate = [this](const std::function<void()>& calculation) { WaitFor(gate_, calculation); };
           .fileTable = fileTable_};
 }
 
@@ -90,6 +79,8 @@ app::Host Desktop::waitingHost() {
   host.pageLoader = &pageLoader_;
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;
+  host.aggregation = &aggregation_;
+  host.calculate = [this](const std::function<void()>& calculation) { WaitFor(gate_, calculation); };
   return host;
 }
 
@@ -194,6 +185,12 @@ bool Desktop::takeURL(const QString& text) {
   return gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
 }
 
+// The source of a drag waits until the drop has returned, so the work comes after it.
+void Desktop::takeDrop(const MimePasteboard& pasteboard) {
+  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
+  gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
 // Only on X11 does the toolkit wait as long as a clipboard's owner hangs.
 void Desktop::paste() {
   const QClipboard& clipboard = *QApplication::clipboard();
@@ -203,12 +200,6 @@ void Desktop::paste() {
   } else if (const QMimeData* data = clipboard.mimeData()) {
     takeDrop(MimePasteboard(*data));
   }
-}
-
-// The source of a drag waits until the drop has returned, so the work comes after it.
-void Desktop::takeDrop(const MimePasteboard& pasteboard) {
-  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
-  gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
 }
 
 void Desktop::windowDidBecomeKey() {
@@ -253,13 +244,25 @@ void Desktop::showAbout() {
   box->open();
 }
 
-void Desktop::restorePlaces() {
-  host_.userDefaults->synchronize();
-  window_.restoreGeometry(host_.userDefaults->objectForKey(GeometryKey()).toByteArray());
+std::array<Desktop::Place, 3> Desktop::places() {
+  return {Place{"Windows/statusWindow", window_}, Place{"Windows/importWindow", importWindow_},
+          Place{"Windows/preferencesWindow", preferencesWindow_}};
 }
 
+void Desktop::restorePlaces() {
+  host_.userDefaults->synchronize();
+  for (const Place& place : places()) {
+    place.window.restoreGeometry(
+        host_.userDefaults->objectForKey(QLatin1StringView(place.key)).toByteArray());
+  }
+}
+
+// A window that was not shown has no place of its own to tell.
 void Desktop::storePlaces() {
-  host_.userDefaults->setObject(GeometryKey(), window_.saveGeometry());
+  for (const Place& place : places()) {
+    if (!place.window.testAttribute(Qt::WA_WState_Created)) continue;
+    host_.userDefaults->setObject(QLatin1StringView(place.key), place.window.saveGeometry());
+  }
   host_.userDefaults->synchronize();
 }
 

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -24,8 +25,8 @@
 #include "desktop/MimePasteboard.h"
 #include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
-#include "desktop/StatusWindow.h"
 #include "desktop/SelectionReader.h"
+#include "desktop/StatusWindow.h"
 #include "desktop/Waiting.h"
 #include "desktop/WidgetOutlets.h"
 
@@ -86,14 +87,20 @@ class Desktop final : private StatusWindowOwner {
   /// Posts the command whenever one of these is triggered.
   void bind(QAction* action, QAbstractButton* button, Command command);
   void takeDrop(const MimePasteboard& pasteboard);
-  [[nodiscard]] PreferencesServices preferencesServices();
   /// Takes what is in the clipboard as if it was dropped.
   void paste();
+  [[nodiscard]] PreferencesServices preferencesServices();
   [[nodiscard]] QString storedDestinationPath();
   [[nodiscard]] CompletionNoticeServices noticeServices();
   /// Something waits or is being downloaded.
   [[nodiscard]] bool hasWork() const;
   void showAbout();
+  /// A window, and where its place is kept in the settings, as Qt describes it.
+  struct Place {
+    const char* key;
+    QWidget& window;
+  };
+  [[nodiscard]] std::array<Place, 3> places();
   void restorePlaces();
   void storePlaces();
   [[nodiscard]] app::Outlets outlets();
@@ -111,6 +118,7 @@ class Desktop final : private StatusWindowOwner {
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   WaitingScriptHost scripts_;
+  WaitingAggregation aggregation_;
   ImportWindow importWindow_;
   PreferencesWindow preferencesWindow_;
   DesktopWindow statusOutlet_;
@@ -118,7 +126,6 @@ class Desktop final : private StatusWindowOwner {
   DesktopWindow preferencesOutlet_;
   LabelOutlet downloadDestinationTextField_;
   LineEditOutlet urlTextField_;
-  WaitingAggregation aggregation_;
   LabelOutlet countTextField_;
   SpinnerOutlet spinner_;
   ProgressBarOutlet fileDownloadProgressBar_;
@@ -130,7 +137,7 @@ class Desktop final : private StatusWindowOwner {
   ButtonOutlet openOutputFolderButton_;
   TableOutlet fileTable_;
   app::MyAppController controller_;
+  SelectionReader clipboard_;
 };
 
 }  // namespace quillforth::desktop
-  SelectionReader clipboard_;
