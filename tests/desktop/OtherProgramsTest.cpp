@@ -186,10 +186,13 @@ TEST_F(OtherProgramsTest, ManyStartsLeaveOneInstanceAndLoseNothing) {
     QProcess& next = startWith("/killed" + bus);
     EXPECT_TRUE(arrives("killed" + bus));
     next.terminate();
-    startWith("/ended" + bus);
+    QProcess& last = startWith("/ended" + bus);
     EXPECT_TRUE(arrives("ended" + bus));
     EXPECT_TRUE(remain(1));
-    started_.back()->terminate();
+    start(QUILLFORTH, {"--wait", QString::fromStdString(server_.url("/waited" + bus.toStdString()))});
+    EXPECT_TRUE(arrives("waited" + bus));
+    EXPECT_TRUE(remain(2));  // until the other one ends
+    last.terminate();
     EXPECT_TRUE(remain(0));
     started_.resize(bus.isEmpty() ? 0 : 1);
   }
