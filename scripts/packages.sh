@@ -11,7 +11,7 @@
   display_packages=(xvfb xauth openbox xdotool dbus-daemon python3-gi fonts-dejavu-core)
   screenshot_packages=("${display_packages[@]}" imagemagick)
   test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light ntfs-3g openssl
-    shellcheck mandoc desktop-file-utils appstream libglib2.0-bin xclip at-spi2-core gir1.2-atspi-2.0
+    pulseaudio pulseaudio-utils shellcheck mandoc desktop-file-utils appstream libglib2.0-bin xclip at-spi2-core gir1.2-atspi-2.0
     "${display_packages[@]}")
 }
 

@@ -13,6 +13,9 @@
 namespace {
 
 constexpr int kSlackMilliseconds = 2000;
+// The toolkit says that all is played when all is handed over, and what the device has not played by then is
+// lost.
+constexpr int kSilenceMicroseconds = 1'000'000;
 
 QAudioFormat FormatOf(const quillforth::platform::Sound& sound) {
   QAudioFormat format;
@@ -31,12 +34,14 @@ extern "C" Q_DECL_EXPORT void QuillforthPlaySound(const quillforth::platform::So
   QBuffer samples;
   samples.setData(reinterpret_cast<const char*>(sound.samples.data()),
                   static_cast<int>(sound.samples.size() * sizeof sound.samples[0]));
+  samples.buffer().append(QByteArray(format.bytesForDuration(kSilenceMicroseconds), '\0'));
   samples.open(QIODevice::ReadOnly);
 
   QEventLoop loop;
   QAudioSink sink(device, format);
-  QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop](QAudio::State state) {
-    if (state == QAudio::IdleState || state == QAudio::StoppedState) loop.quit();
+  QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&loop, &samples](QAudio::State state) {
+    const bool isOver = state == QAudio::IdleState && samples.atEnd();  // and not only short of samples
+    if (isOver || state == QAudio::StoppedState) loop.quit();
   });
   const auto length = static_cast<int>(format.durationForBytes(static_cast<qint32>(samples.size())) / 1000);
   QTimer limit;
