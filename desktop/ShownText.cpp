@@ -13,11 +13,28 @@ namespace {
 
 constexpr qsizetype kLongestToolTip = 2000;
 constexpr qsizetype kToolTipLine = 90;
+constexpr qsizetype kLongestWord = 40;
 
 QString WithoutMiddle(const QString& text, qsizetype limit) {
   if (text.size() <= limit) return text;
   const qsizetype head = limit / 2;
   return text.first(head) + QChar(u'…') + text.last(limit - head - 1);
+}
+
+// A label breaks lines only where they may break, which a long name never may.
+QString WithBreaks(const QString& line) {
+  constexpr QChar kMayBreak(0x200b);
+  QString result;
+  qsizetype length = 0;  // of the word
+  for (const QChar c : line) {
+    length = c.isSpace() ? 0 : length + 1;
+    if (length > kLongestWord && !c.isLowSurrogate()) {
+      result += kMayBreak;
+      length = 1;
+    }
+    result += c;
+  }
+  return result;
 }
 
 }  // namespace
@@ -28,7 +45,7 @@ QString ShownText(const QString& text, qsizetype limit) {
 
 QString ShownLines(const QString& text, qsizetype limit) {
   QStringList lines = WithoutMiddle(text, limit).split(u'\n');
-  for (QString& line : lines) line = platform::Printable(line);
+  for (QString& line : lines) line = WithBreaks(platform::Printable(line));
   return lines.join(u'\n');
 }
 

@@ -11,7 +11,7 @@ namespace quillforth::desktop {
 /// One line: what is longer than `limit` units loses its middle to a "…", and characters that steer are
 /// escapes.
 [[nodiscard]] QString ShownText(const QString& text, qsizetype limit);
-/// The same of a text that may have lines.
+/// The same of a text that may have lines; words without an end may break.
 [[nodiscard]] QString ShownLines(const QString& text, qsizetype limit);
 
 /// The text as a tool tip that shows it literally, in lines that fit a screen. Null for an empty text.

@@ -60,15 +60,18 @@ TEST_P(LayoutTest, NothingIsCutOffOrOverlaps) {
   challenge.realm = QString(300, u'm');
   challenge.previousFailureCount = 1;
   desktop::AuthenticationSheet sheet(challenge, nullptr);
+  const QString folder = QString(1000, u'm');
+  auto* box = desktop::MakeMessageBox({folder, folder, folder.left(9), {}}, QMessageBox::Warning, &window());
   QList<QWidget*> windows = {&window(), &sheet};
   for (QDialog* dialog : window().findChildren<QDialog*>()) windows.append(dialog);
-  ASSERT_EQ(windows.size(), 4);
+  ASSERT_EQ(windows.size(), 5);
   ASSERT_TRUE(RunLoopUntil([this] { return !find<QLabel>("countTextField").text().isEmpty(); }));
   for (const char* name : {"currentURLTextField", "fileDownloadProgressBar", "fileDownloadCancelButton"}) {
     find<QWidget>(name).show();
   }
   for (QWidget* shown : windows) {
     shown->show();
+    EXPECT_TRUE(shown != box || box->width() < 800) << box->width();
     for (const QSize& size : {shown->size(), QSize(1, 1)}) {
       shown->resize(size);
       QApplication::processEvents();
