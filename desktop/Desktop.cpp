@@ -260,7 +260,7 @@ void Desktop::restorePlaces() {
 // A window that was not shown has no place of its own to tell.
 void Desktop::storePlaces() {
   for (const Place& place : places()) {
-    if (!place.window.testAttribute(Qt::WA_WState_Created)) continue;
+    if (!place.window.testAttribute(Qt::WA_WState_ExplicitShowHide)) continue;
     host_.userDefaults->setObject(QLatin1StringView(place.key), place.window.saveGeometry());
   }
   host_.userDefaults->synchronize();
