@@ -204,7 +204,7 @@ class AttributeScanner {
 
   void emitPieces(Position begin, Position end) {
     std::array<char, BoundedText::kMaxLength> pieces;
-    sink_.add({pieces.data(), work_.copy(begin, end, pieces).count});
+    sink_.addJoined({pieces.data(), work_.copy(begin, end, pieces).count});
   }
 
   /// The name, if there is one, that the seam has joined together: given back when it is the running row's,

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
+#include <vector>
 
 #include "linkextract/AttributeScan.h"
 #include "linkextract/BareLinks.h"
@@ -18,36 +20,77 @@ namespace quillforth::linkextract {
 
 namespace {
 
+/// The words of the first pass that are whole attribute values, between quotes after "=": links that the
+/// second pass comes upon again.
+class QuotedWords {
+ public:
+  explicit QuotedWords(std::string_view page) : page_(page) {}
+
+  /// Whether `link`, which lies in the page, begins like an attribute value.
+  [[nodiscard]] bool canHold(std::string_view link) const noexcept {
+    const std::size_t begin = beginOf(link);
+    return begin >= 2 && page_[begin - 2] == '=' && (page_[begin - 1] == '"' || page_[begin - 1] == '\'');
+  }
+  /// Links come in the order of the page. Those beyond a number for which pages have no use are forgotten.
+  void add(std::string_view link) {
+    constexpr std::size_t kBytesForEach = 32;
+    if (words_.size() < page_.size() / kBytesForEach) words_.push_back(wordOf(link));
+  }
+  /// Fast as long as the links asked for come in the order of the page, too.
+  [[nodiscard]] bool contains(std::string_view link) noexcept {
+    const Word wanted = wordOf(link);
+    if (next_ > 0 && words_[next_ - 1].begin >= wanted.begin) next_ = 0;
+    while (next_ < words_.size() && words_[next_].begin < wanted.begin) ++next_;
+    return next_ < words_.size() && words_[next_] == wanted;
+  }
+
+ private:
+  struct Word {
+    std::uint32_t begin;
+    std::uint32_t length;
+    friend bool operator==(const Word&, const Word&) = default;
+  };
+  [[nodiscard]] std::size_t beginOf(std::string_view link) const noexcept {
+    return static_cast<std::size_t>(link.data() - page_.data());
+  }
+  [[nodiscard]] Word wordOf(std::string_view link) const noexcept {
+    return {static_cast<std::uint32_t>(beginOf(link)), static_cast<std::uint32_t>(link.size())};
+  }
+
+  std::string_view page_;
+  std::vector<Word> words_;
+  std::size_t next_ = 0;  // the first word that is not before the link asked for last
+};
+
 /// Enters links into a table, each a few links after it was found: time enough for the table's memory to
-/// arrive.
+/// arrive. Most links of the second pass need not be looked up, nor do those that a page just repeats.
 class LinkCollector final : public LinkSink {
  public:
-  LinkCollector(const common::BoundedText& base, LinkTable& table)
-      : resolver_(base), table_(table), overwrites_(!table.empty()) {}
+  LinkCollector(std::string_view page, const common::BoundedText& base, LinkTable& table)
+      : words_(page), resolver_(base), table_(table), overwrites_(!table.empty()) {}
+
+  void beginSecondPass() noexcept { isFirstPass_ = false; }
 
   void add(std::string_view link) override {
-    constexpr std::string_view kMailto = "mailto:";
-    if (!link.empty() &&
-        (link[0] == '#' || (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, kMailto)))) {
-      return;
+    if (last_ == link || isLeftOut(link)) return;
+    if (words_.canHold(link)) {
+      if (isFirstPass_) {
+        words_.add(link);
+      } else if (words_.contains(link)) {
+        return;
+      }
     }
-    const std::uint32_t hash = LinkTable::hashOf(link);
-    if (table_.size() < kNearby) {
-      enter(link, hash);
-      return;
-    }
-    Waiting& last = waiting_[added_ % kWaiting];
-    if (added_ >= kWaiting) enter(last.key(), last.hash);
-    last.hash = hash;
-    last.length = link.copy(last.text.data(), last.text.size());
-    table_.expect(last.hash);
-    if (added_ >= kWaiting / 2) table_.expectEntry(waiting_[(added_ - kWaiting / 2) % kWaiting].hash);
-    ++added_;
+    last_ = link;
+    collect(link, Kept::yes);
+  }
+
+  void addJoined(std::string_view link) override {
+    if (!isLeftOut(link)) collect(link, Kept::no);
   }
 
   void finish() {
     for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) {
-      enter(waiting_[i % kWaiting].key(), waiting_[i % kWaiting].hash);
+      enter(waiting_[i % kWaiting].key, waiting_[i % kWaiting].hash);
     }
     added_ = 0;
   }
@@ -55,12 +98,35 @@ class LinkCollector final : public LinkSink {
  private:
   struct Waiting {
     std::uint32_t hash;
-    std::size_t length;
-    std::array<char, common::BoundedText::kMaxLength> text;
-    [[nodiscard]] std::string_view key() const { return {text.data(), length}; }
+    std::string_view key;
+    std::array<char, common::BoundedText::kMaxLength> text;  // the key's, when nobody else keeps it
   };
+  enum class Kept { no, yes };
   static constexpr std::size_t kWaiting = 16;
   static constexpr std::size_t kNearby = 4096;  // links of a table that the processor holds at hand
+
+  [[nodiscard]] static bool isLeftOut(std::string_view link) noexcept {
+    if (link.empty()) return false;
+    return link[0] == '#' ||
+           (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, "mailto:"));
+  }
+
+  void collect(std::string_view link, Kept kept) {
+    const std::uint32_t hash = LinkTable::hashOf(link);
+    if (table_.size() < kNearby) {
+      enter(link, hash);
+      return;
+    }
+    Waiting& last = waiting_[added_ % kWaiting];
+    if (added_ >= kWaiting) enter(last.key, last.hash);
+    last.hash = hash;
+    last.key = kept == Kept::yes
+                   ? link
+                   : std::string_view(last.text.data(), link.copy(last.text.data(), last.text.size()));
+    table_.expect(hash);
+    if (added_ >= kWaiting / 2) table_.expectEntry(waiting_[(added_ - kWaiting / 2) % kWaiting].hash);
+    ++added_;
+  }
 
   void enter(std::string_view key, std::uint32_t hash) {
     const LinkTable::Insertion insertion = table_.insert(key, hash);
@@ -69,6 +135,9 @@ class LinkCollector final : public LinkSink {
     table_.setValue(insertion.entry, absolute_.view());
   }
 
+  bool isFirstPass_ = true;
+  QuotedWords words_;
+  std::optional<std::string_view> last_;
   LinkResolver resolver_;
   LinkTable& table_;
   bool overwrites_;  // entries of another page, perhaps of another base, are in the table
@@ -83,8 +152,9 @@ void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable&
               const classify::CExtensionMap& extensions) {
   page = UpToNul(page);
   if (page.size() > std::numeric_limits<std::int32_t>::max()) return;
-  LinkCollector collector(base, table);
+  LinkCollector collector(page, base, table);
   FindBareLinks(page, KnownSuffixes(extensions), collector);
+  collector.beginSecondPass();
   ScanAttributes(page, collector);
   collector.finish();
 }
