@@ -85,8 +85,13 @@ static_assert(std::count_if(kJoints.begin(), kJoints.end(), [](const Joint& join
                 return joint.split > 0;
               }) == kNames[0].size() + kNames[1].size() + kNames[2].size() - kNames.size());
 
-/// Positions right after the "=" of each name in a text, ascending.
-using NamePositions = std::array<std::vector<Position>, kNames.size()>;
+/// Where a name stands in a text.
+struct NameMatches {
+  std::vector<Position> ends;         // right after each "=", ascending
+  std::array<bool, 256> followers{};  // which bytes stand there
+};
+/// Of each name.
+using NamePositions = std::array<NameMatches, kNames.size()>;
 
 bool IsLastLetter(char c) {
   return std::any_of(kNames.begin(), kNames.end(),
@@ -136,11 +141,14 @@ NamePositions FindNames(std::string_view text) {
   });
   NamePositions names;
   for (std::size_t i = 0; i < kNames.size(); ++i) {
-    names[i].reserve(text.size() / kNames[i].size() + 1);  // untouched memory costs nothing; growing would
+    // Untouched memory costs nothing; growing would.
+    names[i].ends.reserve(text.size() / kNames[i].size() + 1);
   }
   for (std::size_t equals = ends.next(0); equals != std::string_view::npos; equals = ends.next(equals + 1)) {
     const std::size_t name = NameBefore(text, equals + 1);
-    if (name < kNames.size()) names[name].push_back(static_cast<Position>(equals + 1));
+    if (name == kNames.size()) continue;
+    names[name].ends.push_back(static_cast<Position>(equals + 1));
+    if (equals + 1 < text.size()) names[name].followers[static_cast<unsigned char>(text[equals + 1])] = true;
   }
   return names;
 }
@@ -152,8 +160,8 @@ class AttributeScanner {
 
   /// Finds and cuts out all that lies between the pair's texts.
   void run(const Row& row) {
-    const std::span<Position> names = names_[row.name];
-    if (names.empty()) return;
+    const std::span<Position> names = names_[row.name].ends;
+    if (names.empty() || !mayMatch(row)) return;
     work_.setTo(names.front());
     constexpr std::size_t kAhead = 8;  // names that the text's memory is asked for before it is read
     std::size_t kept = 0;
@@ -177,23 +185,30 @@ class AttributeScanner {
       const WorkText::Cut seam = work_.cut(start, end + 1);
       if (kept > 0 && names[kept - 1] == seam.begin) {
         revived = names[--kept];  // a quote may follow it now
+        hasNewFollowers_ = true;
       } else {
         revived = joinAcross(seam, row.name);
       }
     }
-    const auto first = names_[row.name].begin();
-    names_[row.name].erase(first + static_cast<std::ptrdiff_t>(kept),
-                           first + static_cast<std::ptrdiff_t>(read));
-    for (std::size_t i = 0; i < kNames.size(); ++i) takeIn(joined_[i], names_[i]);
+    const auto first = names_[row.name].ends.begin();
+    names_[row.name].ends.erase(first + static_cast<std::ptrdiff_t>(kept),
+                                first + static_cast<std::ptrdiff_t>(read));
+    for (std::size_t i = 0; i < kNames.size(); ++i) takeIn(joined_[i], names_[i].ends);
   }
 
  private:
+  /// Whether a name of the row may stand before its quote.
+  [[nodiscard]] bool mayMatch(const Row& row) const {
+    return row.quote == 0 || hasNewFollowers_ ||
+           names_[row.name].followers[static_cast<unsigned char>(row.quote)];
+  }
+
   /// Each cut takes out a name; where that is one that a seam has joined together, the seam's cut becomes
   /// part of it. A cut and what divides it from the next have 6 bytes or more, or hold 3 for every name
   /// between.
   static std::size_t MostCuts(std::string_view text, const NamePositions& found) {
     std::size_t names = 0;
-    for (const std::vector<Position>& each : found) names += each.size();
+    for (const NameMatches& each : found) names += each.ends.size();
     return std::min(names, (text.size() + 1) / 3 - names);
   }
 
@@ -211,13 +226,16 @@ class AttributeScanner {
   /// else noted for the rows to come.
   [[nodiscard]] std::optional<Position> joinAcross(WorkText::Cut seam, std::size_t running) {
     if (seam.begin == 0 || seam.end == work_.text().size()) return std::nullopt;
-    const Joint joint = kJoints[JointIndex(work_.text()[seam.begin - 1], work_.text()[seam.end])];
+    const char before = work_.text()[seam.begin - 1];
+    if (before == '=') hasNewFollowers_ = true;
+    const Joint joint = kJoints[JointIndex(before, work_.text()[seam.end])];
     return joint.split == 0 ? std::nullopt : joinAt(joint, seam, running);
   }
 
   [[nodiscard]] std::optional<Position> joinAt(Joint joint, WorkText::Cut seam, std::size_t running) {
     if (!endsBeforeSeam(kNames[joint.name].substr(0, joint.split))) return std::nullopt;
     const std::optional<Position> end = endAfterSeam(seam.end, kNames[joint.name].substr(joint.split));
+    if (end) hasNewFollowers_ = true;
     if (!end || joint.name == running) return end;
     joined_[joint.name].push_back(*end);
     return std::nullopt;
@@ -249,7 +267,8 @@ class AttributeScanner {
 
   NamePositions names_;  // may hold names that are cut out
   WorkText work_;
-  NamePositions joined_;  // by the running row, of other names than its own
+  std::array<std::vector<Position>, kNames.size()> joined_;  // by the running row, other names than its own
+  bool hasNewFollowers_ = false;                             // a seam stands behind a name, or in one
   LinkSink& sink_;
 };
 

@@ -72,16 +72,7 @@ class LinkCollector final : public LinkSink {
   void beginSecondPass() noexcept { isFirstPass_ = false; }
 
   void add(std::string_view link) override {
-    if (last_ == link || isLeftOut(link)) return;
-    if (words_.canHold(link)) {
-      if (isFirstPass_) {
-        words_.add(link);
-      } else if (words_.contains(link)) {
-        return;
-      }
-    }
-    last_ = link;
-    collect(link, Kept::yes);
+    if (last_ != link) addOther(link);
   }
 
   void addJoined(std::string_view link) override {
@@ -109,6 +100,19 @@ class LinkCollector final : public LinkSink {
     if (link.empty()) return false;
     return link[0] == '#' ||
            (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, "mailto:"));
+  }
+
+  void addOther(std::string_view link) {
+    if (isLeftOut(link)) return;
+    if (words_.canHold(link)) {
+      if (isFirstPass_) {
+        words_.add(link);
+      } else if (words_.contains(link)) {
+        return;
+      }
+    }
+    last_ = link;
+    collect(link, Kept::yes);
   }
 
   void collect(std::string_view link, Kept kept) {

@@ -41,7 +41,7 @@ void WorkText::moveAheadTo(std::size_t begin) noexcept {
   aheadEnd_ = begin + count;
 }
 
-WorkText::Position WorkText::find(char c, Position position) const noexcept {
+WorkText::Position WorkText::findBeyond(char c, Position position) const noexcept {
   for (std::size_t next = aheadBegin_;; ++next) {
     const std::size_t end = next < aheadEnd_ ? cuts_[next].begin : text_.size();
     const std::size_t found = text_.substr(position, end - position).find(c);

@@ -103,7 +103,9 @@ class WorkText {
 
   /// The first `c` among the kept bytes at or after `position`, which the reading position has not passed;
   /// kNowhere when there is none.
-  [[nodiscard]] Position find(char c, Position position) const noexcept;
+  [[nodiscard]] Position find(char c, Position position) const noexcept {
+    return is(position, c) && isWholeUpTo(position + 1) ? position : findBeyond(c, position);
+  }
   struct Copied {
     std::size_t count;
     Position end;  ///< one behind the last byte copied
@@ -121,6 +123,7 @@ class WorkText {
   Cut cut(Place begin, Position end) noexcept;
 
  private:
+  [[nodiscard]] Position findBeyond(char c, Position position) const noexcept;
   void leapTo(Position position) noexcept;
   void moveAheadTo(std::size_t begin) noexcept;
   [[nodiscard]] bool cutBeginsAt(Position position) const noexcept {
