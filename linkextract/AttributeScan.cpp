@@ -163,7 +163,7 @@ class AttributeScanner {
     const std::span<Position> names = names_[row.name].ends;
     if (names.empty() || !mayMatch(row)) return;
     work_.setTo(names.front());
-    constexpr std::size_t kAhead = 8;  // names that the text's memory is asked for before it is read
+    constexpr std::size_t kAhead = 32;  // names that the text's memory is asked for before it is read
     std::size_t kept = 0;
     std::size_t read = 0;
     std::optional<Position> revived;  // by a seam: to be looked at before all others

@@ -3,6 +3,7 @@
 #include "linkextract/LinkTable.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -29,6 +30,10 @@ std::uint64_t Mixed(std::uint64_t a, std::uint64_t b) noexcept {
   __extension__ using Wide = unsigned __int128;
   const Wide product = static_cast<Wide>(a) * b;
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+char* TextsOf(LinkEntry& entry) {
+  return reinterpret_cast<char*>(&entry + 1);
 }
 
 std::string_view Bounded(std::string_view text) {
@@ -79,9 +84,25 @@ LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexc
 
 void LinkTable::setValue(LinkEntry& entry, std::string_view value) {
   value = Bounded(value);
-  if (value.size() > entry.valueLength_) entry.value_ = allocate(value.size(), 1);
+  if (embedKey(entry, value)) return;
+  const bool holdsKey = entry.value_ == TextsOf(entry);
+  if (value.size() > entry.valueLength_ || holdsKey) entry.value_ = allocate(value.size(), 1);
   std::copy(value.begin(), value.end(), entry.value_);
   entry.valueLength_ = static_cast<std::uint8_t>(value.size());
+}
+
+/// Puts the value where the key is, when that is the end of it and nothing lies behind.
+bool LinkTable::embedKey(LinkEntry& entry, std::string_view value) noexcept {
+  const std::string_view key = entry.key();
+  if (blocks_.back()->bytes + used_ != key.data() + key.size() || !value.ends_with(key)) return false;
+  const std::size_t added = value.size() - key.size();
+  if (entry.keyBegin_ > 0 || used_ + added > sizeof(Block::bytes)) return false;
+  entry.value_ = TextsOf(entry);
+  std::memmove(entry.value_, value.data(), value.size());
+  entry.valueLength_ = static_cast<std::uint8_t>(value.size());
+  entry.keyBegin_ = static_cast<std::uint8_t>(added);
+  used_ += added;
+  return true;
 }
 
 void LinkTable::clear() noexcept {

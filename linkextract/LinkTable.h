@@ -4,12 +4,13 @@
 //
 // Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. The hashes stand close
 // together, apart from the entries: a new key is told from all others without a look at these. An entry and
-// its texts lie together at their length, not in full-width fields: a page of 200,000 links then fills a
-// fifth of the memory, and filling fresh memory is what most of the time for such a page would go into. The
-// blocks for them come from a process-wide pool.
+// its texts lie together at their length, not in full-width fields, and a key that ends its value, as most do,
+// is kept once: a page of 200,000 links then fills a sixth of the memory, and filling fresh memory is what
+// most of the time for such a page would go into. The blocks for them come from a process-wide pool.
 //
 //     slots     | hash, place | free | hash, place | free | free | hash, place | ...   by hash
-//     blocks    | entry key value | entry key value | ...                              in order of insertion
+//     blocks    | entry value | entry key value | entry value | ...                    in order of insertion
+//                         key                             key
 //
 // Any thread as long as no table is shared.
 #pragma once
@@ -30,7 +31,7 @@ class LinkEntry {
 
   /// The link exactly as it stands in the page, cut at 255 bytes.
   [[nodiscard]] std::string_view key() const noexcept {
-    return {reinterpret_cast<const char*>(this + 1), keyLength_};
+    return {reinterpret_cast<const char*>(this + 1) + keyBegin_, keyLength_};
   }
   /// Its absolute URL, cut at 255 bytes, possibly inside a character; empty until one is set.
   [[nodiscard]] std::string_view value() const noexcept { return {value_, valueLength_}; }
@@ -41,7 +42,8 @@ class LinkEntry {
 
   LinkEntry* next_ = nullptr;
   char* value_ = nullptr;
-  std::uint8_t keyLength_ = 0;  // the key's bytes follow the entry
+  std::uint8_t keyBegin_ = 0;  // the key's first byte, counted from the entry's end
+  std::uint8_t keyLength_ = 0;
   std::uint8_t valueLength_ = 0;
 };
 
@@ -132,6 +134,7 @@ class LinkTable {
   void takeSlot(Slot taken) noexcept;
   [[nodiscard]] Place append(std::string_view key);
   [[nodiscard]] LinkEntry* entryAt(Place place) const noexcept;
+  [[nodiscard]] bool embedKey(LinkEntry& entry, std::string_view value) noexcept;
   [[nodiscard]] char* allocate(std::size_t size, std::size_t alignment);
   void addBlock();
   void swap(LinkTable& other) noexcept;

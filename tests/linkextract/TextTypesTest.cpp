@@ -118,6 +118,7 @@ TEST(LinkTableTest, IsUniqueByExactKeyInOrderOfFirstInsertion) {
   for (const std::string& key : {"b"s, "a"s, "c"s, "a"s, "B"s, ""s, common + "1", common + "2"}) {
     const auto [entry, isNew] = table.insert(key);
     EXPECT_EQ(entry.value().empty(), isNew);
+    table.setValue(entry, "http://h/" + key);
     table.setValue(entry, "short");
     table.setValue(entry, "a longer value for " + key);
   }
