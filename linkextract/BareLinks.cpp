@@ -28,6 +28,17 @@ constexpr bool IsDigit(char c) noexcept {
   return c >= '0' && c <= '9';
 }
 
+/// Whether `suffix`, which is not empty, needs no table.
+bool IsPlainSuffix(std::string_view suffix) noexcept {
+  if (suffix.size() > kLongestPlainSuffix) return false;
+  bool hasLetter = false;
+  for (const char c : suffix.substr(1)) {
+    if (!IsLetter(c) && !IsDigit(c)) return false;
+    hasLetter = hasLetter || IsLetter(c);
+  }
+  return hasLetter;
+}
+
 enum class Role : std::uint8_t {
   word,       // a URL may hold it
   delimiter,  // ends a word
@@ -120,15 +131,7 @@ std::array<std::size_t, 2> KnownSuffixes::filterBits(std::string_view suffix) no
 }
 
 bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known) {
-  if (suffix.empty()) return true;
-  if (suffix.size() <= kLongestPlainSuffix) {
-    const std::string_view checked = suffix.substr(1);
-    if (std::all_of(checked.begin(), checked.end(), [](char c) { return IsLetter(c) || IsDigit(c); }) &&
-        std::any_of(checked.begin(), checked.end(), IsLetter)) {
-      return true;
-    }
-  }
-  return known.contains(suffix);
+  return suffix.empty() || IsPlainSuffix(suffix) || known.contains(suffix);
 }
 
 void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& sink) {
@@ -140,12 +143,12 @@ void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& 
     const std::size_t end = words.endOfWord(dot);
     if (end == text.size()) return;  // and so it is for every later dot
     std::size_t resume = dot + 1;
-    const std::string_view suffix = text.substr(dot + 1, end - dot - 1);
+    const std::string_view suffix(text.begin() + dot + 1, text.begin() + end);
     if (RoleOf(text[end]) == Role::spoiler) {
       resume = end;
     } else if (suffix.size() > longestSuffix) {
       resume = end - 1 - longestSuffix;  // the word's dots before that are as far from its end
-    } else if (!suffix.empty() && LooksLikeSuffix(suffix, known)) {
+    } else if (!suffix.empty() && (IsPlainSuffix(suffix) || known.contains(suffix))) {
       const std::size_t begin = words.beginOfWord(dot);
       if (begin < dot) sink.add(text.substr(begin, std::min(end - begin, BoundedText::kMaxLength)));
     }
