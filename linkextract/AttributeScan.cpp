@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/BoundedText.h"
+#include "common/ScratchMemory.h"
 #include "linkextract/ByteScan.h"
 #include "linkextract/PatternList.h"
 #include "linkextract/WorkText.h"
@@ -85,9 +86,11 @@ static_assert(std::count_if(kJoints.begin(), kJoints.end(), [](const Joint& join
                 return joint.split > 0;
               }) == kNames[0].size() + kNames[1].size() + kNames[2].size() - kNames.size());
 
+using Positions = common::ScratchVector<Position>;
+
 /// Where a name stands in a text.
 struct NameMatches {
-  std::vector<Position> ends;         // right after each "=", ascending
+  Positions ends;                     // right after each "=", ascending
   std::array<bool, 256> followers{};  // which bytes stand there
 };
 /// Of each name.
@@ -257,7 +260,7 @@ class AttributeScanner {
     return copied.end;
   }
 
-  static void takeIn(std::vector<Position>& added, std::vector<Position>& names) {
+  static void takeIn(Positions& added, Positions& names) {
     if (added.empty()) return;
     const auto old = static_cast<std::ptrdiff_t>(names.size());
     names.insert(names.end(), added.begin(), added.end());
@@ -267,8 +270,8 @@ class AttributeScanner {
 
   NamePositions names_;  // may hold names that are cut out
   WorkText work_;
-  std::array<std::vector<Position>, kNames.size()> joined_;  // by the running row, other names than its own
-  bool hasNewFollowers_ = false;                             // a seam stands behind a name, or in one
+  std::array<Positions, kNames.size()> joined_;  // by the running row, other names than its own
+  bool hasNewFollowers_ = false;                 // a seam stands behind a name, or in one
   LinkSink& sink_;
 };
 

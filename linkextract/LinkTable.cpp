@@ -3,6 +3,7 @@
 #include "linkextract/LinkTable.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -67,7 +68,7 @@ void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
 LinkTable::Insertion LinkTable::insert(std::string_view key, std::uint32_t hash) {
   key = Bounded(key);
   if (LinkEntry* const entry = find(key, hash); entry != nullptr) return {*entry, false};
-  if (4 * size_ >= 3 * slots_.size()) growSlots();
+  if (4 * size_ >= 3 * slots_.size()) growSlots(2 * slots_.size());
   takeSlot({hash, append(key)});
   return {*tail_, true};
 }
@@ -114,9 +115,14 @@ void LinkTable::clear() noexcept {
   used_ = sizeof(Block::bytes);
 }
 
-void LinkTable::growSlots() {
-  constexpr std::size_t kFewest = 4096;
-  std::vector<Slot> old(std::max(kFewest, 2 * slots_.size()), Slot{});
+void LinkTable::reserve(std::size_t count) {
+  const std::size_t wanted = std::bit_ceil(count + count / 3 + 1);
+  if (wanted > slots_.size()) growSlots(wanted);
+}
+
+void LinkTable::growSlots(std::size_t count) {
+  constexpr std::size_t kFewest = 1024;
+  decltype(slots_) old(std::max(kFewest, count), Slot{});
   old.swap(slots_);
   for (const Slot& taken : old) {
     if (taken.place != 0) takeSlot(taken);

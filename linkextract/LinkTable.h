@@ -4,9 +4,9 @@
 //
 // Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. The hashes stand close
 // together, apart from the entries: a new key is told from all others without a look at these. An entry and
-// its texts lie together at their length, not in full-width fields, and a key that ends its value, as most do,
-// is kept once: a page of 200,000 links then fills a sixth of the memory, and filling fresh memory is what
-// most of the time for such a page would go into. The blocks for them come from a process-wide pool.
+// its texts lie together at their length, not in full-width fields, and a key that ends its value, as most
+// do, is kept once: a page of 200,000 links then fills a sixth of the memory, and filling fresh memory is
+// what most of the time for such a page would go into. The blocks for them come from a process-wide pool.
 //
 //     slots     | hash, place | free | hash, place | free | free | hash, place | ...   by hash
 //     blocks    | entry value | entry key value | entry value | ...                    in order of insertion
@@ -20,6 +20,8 @@
 #include <iterator>
 #include <string_view>
 #include <vector>
+
+#include "common/ScratchMemory.h"
 
 namespace quillforth::linkextract {
 
@@ -67,6 +69,8 @@ class LinkTable {
   /// Replaces the value of an entry of this table; cut at 255 bytes.
   void setValue(LinkEntry& entry, std::string_view value);
   void clear() noexcept;
+  /// Makes the slots for `count` links at once, which is cheaper than by and by.
+  void reserve(std::size_t count);
 
   /// For whoever knows his keys some time before he inserts them: in a large table each step of a look-up
   /// waits for memory. The hash of `key`; asks for the memory of the first step, and then of the second.
@@ -130,7 +134,7 @@ class LinkTable {
     return (slot + 1) & (slots_.size() - 1);
   }
   [[nodiscard]] LinkEntry* find(std::string_view key, std::uint32_t hash) const noexcept;
-  void growSlots();
+  void growSlots(std::size_t count);
   void takeSlot(Slot taken) noexcept;
   [[nodiscard]] Place append(std::string_view key);
   [[nodiscard]] LinkEntry* entryAt(Place place) const noexcept;
@@ -139,7 +143,7 @@ class LinkTable {
   void addBlock();
   void swap(LinkTable& other) noexcept;
 
-  std::vector<Slot> slots_;  // a power of two, at least a quarter of them free
+  common::ScratchVector<Slot> slots_;  // a power of two, at least a quarter of them free
   LinkEntry* head_ = nullptr;
   LinkEntry* tail_ = nullptr;
   std::size_t size_ = 0;

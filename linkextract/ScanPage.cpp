@@ -10,6 +10,7 @@
 #include <optional>
 #include <vector>
 
+#include "common/ScratchMemory.h"
 #include "linkextract/AttributeScan.h"
 #include "linkextract/BareLinks.h"
 #include "linkextract/LinkSink.h"
@@ -58,7 +59,7 @@ class QuotedWords {
   }
 
   std::string_view page_;
-  std::vector<Word> words_;
+  common::ScratchVector<Word> words_;
   std::size_t next_ = 0;  // the first word that is not before the link asked for last
 };
 
@@ -157,6 +158,8 @@ void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable&
   page = UpToNul(page);
   if (page.size() > std::numeric_limits<std::int32_t>::max()) return;
   LinkCollector collector(page, base, table);
+  constexpr std::size_t kBytesForEachLink = 256;  // of an ordinary page
+  table.reserve(page.size() / kBytesForEachLink);
   FindBareLinks(page, KnownSuffixes(extensions), collector);
   collector.beginSecondPass();
   ScanAttributes(page, collector);

@@ -19,24 +19,26 @@ std::size_t CountUpTo(std::span<const WorkText::Cut> cuts, WorkText::Position po
 
 }  // namespace
 
-WorkText::WorkText(std::string_view text, std::size_t mostCuts)
-    : text_(text), capacity_(mostCuts), cuts_(std::make_unique_for_overwrite<Cut[]>(mostCuts)) {}
+WorkText::WorkText(std::string_view text, std::size_t mostCuts) : text_(text), cuts_(mostCuts) {}
 
 void WorkText::setTo(Position position) noexcept {
   moveAheadTo(behind_);
-  behind_ = aheadBegin_ = CountUpTo({cuts_.get(), aheadEnd_}, position);
+  behind_ = aheadBegin_ = CountUpTo({cuts_.data(), aheadEnd_}, position);
 }
 
 void WorkText::leapTo(Position position) noexcept {
-  const std::size_t count = CountUpTo({cuts_.get() + aheadBegin_, aheadEnd_ - aheadBegin_}, position);
-  std::memmove(cuts_.get() + behind_, cuts_.get() + aheadBegin_, count * sizeof(Cut));
+  std::span<const Cut> ahead(cuts_.data() + aheadBegin_, aheadEnd_ - aheadBegin_);
+  std::size_t searched = 16;  // doubled until it reaches beyond the position, which is mostly near
+  while (searched < ahead.size() && ahead[searched].begin <= position) searched *= 2;
+  const std::size_t count = CountUpTo(ahead.first(std::min(searched, ahead.size())), position);
+  std::memmove(cuts_.data() + behind_, cuts_.data() + aheadBegin_, count * sizeof(Cut));
   behind_ += count;
   aheadBegin_ += count;
 }
 
 void WorkText::moveAheadTo(std::size_t begin) noexcept {
   const std::size_t count = aheadEnd_ - aheadBegin_;
-  std::memmove(cuts_.get() + begin, cuts_.get() + aheadBegin_, count * sizeof(Cut));
+  std::memmove(cuts_.data() + begin, cuts_.data() + aheadBegin_, count * sizeof(Cut));
   aheadBegin_ = begin;
   aheadEnd_ = begin + count;
 }
@@ -71,7 +73,7 @@ WorkText::Cut WorkText::cut(Place begin, Position end) noexcept {
   for (; aheadBegin_ < aheadEnd_ && cuts_[aheadBegin_].begin <= made.end; ++aheadBegin_) {
     made.end = std::max(made.end, cuts_[aheadBegin_].end);
   }
-  if (behind_ == aheadBegin_) moveAheadTo(capacity_ - (aheadEnd_ - aheadBegin_));
+  if (behind_ == aheadBegin_) moveAheadTo(cuts_.size() - (aheadEnd_ - aheadBegin_));
   cuts_[behind_++] = made;
   return made;
 }

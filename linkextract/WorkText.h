@@ -20,9 +20,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
+#include <vector>
+
+#include "common/ScratchMemory.h"
 
 namespace quillforth::linkextract {
 
@@ -131,8 +133,7 @@ class WorkText {
   }
 
   std::string_view text_;
-  std::size_t capacity_;
-  std::unique_ptr<Cut[]> cuts_;
+  common::ScratchVector<Cut> cuts_;
   std::size_t behind_ = 0;  // cuts_[0] to before this
   std::size_t aheadBegin_ = 0;
   std::size_t aheadEnd_ = 0;
