@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The program on a display of its own, as a screen reader, a keyboard and another program's drags meet it.
 
-   display_test.py QUILLFORTH GALLERY_SERVER DRAG_SOURCE GALLERY      (status 77: skipped, and says why)"""
+   display_test.py QUILLFORTH GALLERY_SERVER DRAG_SOURCE BROWSER GALLERY      (status 77: skipped, and says why)"""
 import os, pathlib, shutil, subprocess, sys, tempfile, time, unittest
 
 if "IN_SESSION" not in os.environ:
@@ -20,7 +20,7 @@ try:
 except (ImportError, ValueError) as error:
     sys.exit(print("skipped:", error) or 77)
 
-QUILLFORTH, SERVER, DRAG_SOURCE, GALLERY = sys.argv[1:]
+QUILLFORTH, SERVER, DRAG_SOURCE, BROWSER, GALLERY = sys.argv[1:]
 FILE = pathlib.Path.home() / ".local/share/Tessary Software/Quillforth/reef.gif"
 FOCUSED = Atspi.StateType.FOCUSED
 UNNAMED = {"filler", "panel", "frame", "menu bar", "separator", "popup menu"}  # hold the others
@@ -116,6 +116,24 @@ class Display(unittest.TestCase):
         self.assertEqual(FILE.read_bytes(), pathlib.Path(GALLERY, "photos/reef.gif").read_bytes())
         self.assertEqual(self.drag(self.origin + "/index.html"), "taken")
         until(lambda: find(self.origin + "/photos/market.png", "table cell"))
+
+    def test_keys_ask_a_browser_that_does_not_say_its_address_but_only_for_who_allows_it(self):
+        arrived = FILE.with_name("market.png")
+        arrived.unlink(missing_ok=True)
+        self.start(BROWSER, self.origin + "/photos/market.png")
+        until(lambda: find("Page", "frame"))
+        def ask():
+            xdotool("search", "--onlyvisible", "--name", "^Quillforth$", "windowactivate", "--sync", "key", "ctrl+b")
+        ask()
+        until(lambda: find("OK", "push button"))
+        self.assertFalse(find("Page", "frame").get_state_set().contains(Atspi.StateType.ACTIVE))
+        xdotool("key", "Return")
+        settings = pathlib.Path.home() / ".config/Tessary Software/Quillforth.conf"
+        settings.parent.mkdir(parents=True, exist_ok=True)
+        settings.write_text("[General]\nallowKeystrokesForBrowserURL=true\n")
+        until(lambda: not find("OK", "push button"))
+        ask()
+        until(arrived.exists)
 
 
 unittest.main(argv=sys.argv[:1], verbosity=2)
