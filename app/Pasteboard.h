@@ -17,7 +17,7 @@ inline constexpr const char* kURLPasteboardType = "text/uri-list";
 
 class Pasteboard {
  public:
-  /// More UTF-16 units than any URL has; a longer text is not offered at all.
+  /// More UTF-16 units than any URL has; a longer text is offered as an empty one.
   static constexpr qsizetype kMaxStringLength = 65'536;
 
   virtual ~Pasteboard() = default;

@@ -11,9 +11,9 @@ namespace {
 
 constexpr qsizetype kBytesOfUnit = 2;
 
-// Null when it is longer than any URL.
+// Empty when it is longer than any URL, so that it makes none; but it is there.
 QString Limited(QString text) {
-  return text.size() > app::Pasteboard::kMaxStringLength ? QString() : std::move(text);
+  return text.size() > app::Pasteboard::kMaxStringLength ? QStringLiteral("") : std::move(text);
 }
 
 QString FirstOfURIList(const QByteArray& list) {

@@ -50,7 +50,7 @@ TEST_F(DesktopTest, DropsAreJudgedByTheirStringThenTheirURL) {
       {"string counts first", {{"text/plain", "two words"}, {"text/uri-list", list}}, false},
       {"several lines", {{"text/plain", "http://127.0.0.1:9/a\nhttp://127.0.0.1:9/b"}}, false},
       {"an empty text", {{"text/plain", ""}}, false},
-      {"longer than any URL", {{"text/plain", QByteArray(65'537, 'a')}}, false},
+      {"longer than any URL", {{"text/plain", QByteArray(65'537, 'a')}, {"text/uri-list", list}}, false},
       {"neither type", {{"image/png", "x"}}, false},
       {"the first of a list", {{"text/uri-list", list}}, true},
       {"a browser's URL and title", {{"text/x-moz-url", moz}}, true},
