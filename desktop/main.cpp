@@ -38,16 +38,27 @@ namespace {
 
 constexpr std::chrono::seconds kHandOverPatience(20);
 constexpr std::chrono::milliseconds kHandOverPause(100);
-constexpr std::chrono::seconds kBusPatience(2);
+constexpr std::chrono::seconds kBusPatience(5);  // a session that begins is slow
 // How long a start by the bus waits without a window for something to do.
 constexpr std::chrono::seconds kServicePatience(60);
 
+void GoOnWithout(const char* bus, const char* addressVariable) {
+  std::fprintf(stderr, "quillforth: the %s bus does not answer; going on without it\n", bus);
+  qputenv(addressVariable, "disabled:");
+}
+
 // The toolkit would wait without an end for a bus that lets nobody in.
-void LeaveHungBus() {
+void LeaveHungBuses() {
   const QDeadlineTimer deadline(kBusPatience);
-  if (platform::OpenSessionBus(deadline) || !deadline.hasExpired()) return;
-  std::fputs("quillforth: the session bus does not answer; going on without it\n", stderr);
-  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+  const platform::Bus session = platform::OpenSessionBus(deadline);
+  const bool isMore = session && platform::IsAccessibilityOn(*session, deadline);
+  const platform::Bus accessibility = isMore ? platform::OpenAccessibilityBus(*session, deadline) : nullptr;
+  if (accessibility || !deadline.hasExpired()) return;
+  if (session) {
+    GoOnWithout("accessibility", "AT_SPI_BUS_ADDRESS");
+  } else {
+    GoOnWithout("session", "DBUS_SESSION_BUS_ADDRESS");
+  }
 }
 
 // Qt ends the program with a core dump where there is no display; this says it in a line.
@@ -169,7 +180,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   if (const std::optional<int> status = HandOver(request, instance, arguments.isWaiting)) {
     return *status;
   }
-  LeaveHungBus();
+  LeaveHungBuses();
   const platform::Interruption interruption;
   const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
   QApplication application(argc, argv);
