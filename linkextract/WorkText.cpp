@@ -38,7 +38,7 @@ void WorkText::leapTo(Position position) noexcept {
 
 void WorkText::moveAheadTo(std::size_t begin) noexcept {
   const std::size_t count = aheadEnd_ - aheadBegin_;
-  std::memmove(cuts_.data() + begin, cuts_.data() + aheadBegin_, count * sizeof(Cut));
+  if (count > 0) std::memmove(cuts_.data() + begin, cuts_.data() + aheadBegin_, count * sizeof(Cut));
   aheadBegin_ = begin;
   aheadEnd_ = begin + count;
 }

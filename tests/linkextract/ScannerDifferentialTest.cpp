@@ -82,6 +82,9 @@ class PageMaker {
 
 TEST(ScannerDifferentialTest, FindsExactlyWhatCuttingAndStartingOverFinds) {
   const classify::CExtensionMap extensions = SomeExtensions();
+  for (const char* const page : {"", ".", "src=", "href=\"", "src=\"\""}) {
+    EXPECT_EQ(FastScan(page, "http://h/", extensions), ReferenceScan(page, "http://h/", extensions)) << page;
+  }
   std::size_t found = 0;
   for (unsigned seed = 0; seed < 3000; ++seed) {
     PageMaker maker(seed);
