@@ -29,7 +29,7 @@ constexpr bool IsDigit(char c) noexcept {
 }
 
 /// Whether `suffix`, which is not empty, needs no table.
-bool IsPlainSuffix(std::string_view suffix) noexcept {
+inline bool IsPlainSuffix(std::string_view suffix) noexcept {
   if (suffix.size() > kLongestPlainSuffix) return false;
   bool hasLetter = false;
   for (const char c : suffix.substr(1)) {
@@ -108,7 +108,7 @@ KnownSuffixes::KnownSuffixes(const classify::CExtensionMap& extensions) : extens
   for (const auto& node : extensions.nodes()) {
     const std::string_view key = node->key.view();
     if (key.size() < 2 || key[0] != '.') continue;
-    firsts_.set(static_cast<unsigned char>(key[1]));
+    firsts_[static_cast<unsigned char>(key[1])] = true;
     for (const std::size_t bit : filterBits(key.substr(1))) filter_.set(bit);
   }
 }

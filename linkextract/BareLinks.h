@@ -27,7 +27,7 @@ class KnownSuffixes {
 
   /// Whether "." and `suffix`, which is not empty, cut at 255 bytes in all, is an extension of the table.
   [[nodiscard]] bool contains(std::string_view suffix) const {
-    return firsts_.test(static_cast<unsigned char>(suffix[0])) && find(suffix);
+    return firsts_[static_cast<unsigned char>(suffix[0])] && find(suffix);
   }
   /// Bytes without the leading "." above which no suffix is known; the largest number there is when a
   /// full-length extension is, since a longer suffix is cut to one.
@@ -40,7 +40,7 @@ class KnownSuffixes {
 
   const classify::CExtensionMap& extensions_;
   std::size_t longest_;
-  std::bitset<256> firsts_;  // first bytes of the known suffixes
+  std::array<bool, 256> firsts_{};  // first bytes of the known suffixes
   std::bitset<kFilterBits> filter_;
 };
 
