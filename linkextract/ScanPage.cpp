@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "common/ScratchMemory.h"
@@ -73,7 +74,7 @@ class LinkCollector final : public LinkSink {
   void beginSecondPass() noexcept { isFirstPass_ = false; }
 
   void add(std::string_view link) override {
-    if (last_ != link) addOther(link);
+    if (recent_[0] != link && recent_[1] != link) addOther(link);
   }
 
   void addJoined(std::string_view link) override {
@@ -112,7 +113,7 @@ class LinkCollector final : public LinkSink {
         return;
       }
     }
-    last_ = link;
+    recent_[1] = std::exchange(recent_[0], link);
     collect(link, Kept::yes);
   }
 
@@ -142,7 +143,7 @@ class LinkCollector final : public LinkSink {
 
   bool isFirstPass_ = true;
   QuotedWords words_;
-  std::optional<std::string_view> last_;
+  std::array<std::optional<std::string_view>, 2> recent_;  // two, because pages alternate
   LinkResolver resolver_;
   LinkTable& table_;
   bool overwrites_;  // entries of another page, perhaps of another base, are in the table
