@@ -28,18 +28,15 @@ class QuotedWords {
  public:
   explicit QuotedWords(std::string_view page) : page_(page) {}
 
-  /// Whether `link`, which lies in the page, begins like an attribute value.
-  [[nodiscard]] bool canHold(std::string_view link) const noexcept {
-    const std::size_t begin = beginOf(link);
-    return begin >= 2 && page_[begin - 2] == '=' && (page_[begin - 1] == '"' || page_[begin - 1] == '\'');
-  }
-  /// Links come in the order of the page. Those beyond a number for which pages have no use are forgotten.
+  /// Links, which lie in the page, come in its order. Those that are no attribute values are forgotten, and
+  /// so are more than pages have a use for.
   void add(std::string_view link) {
     constexpr std::size_t kBytesForEach = 32;
-    if (words_.size() < page_.size() / kBytesForEach) words_.push_back(wordOf(link));
+    if (beginsLikeValue(link) && words_.size() < page_.size() / kBytesForEach) words_.push_back(wordOf(link));
   }
   /// Fast as long as the links asked for come in the order of the page, too.
   [[nodiscard]] bool contains(std::string_view link) noexcept {
+    if (!beginsLikeValue(link)) return false;
     const Word wanted = wordOf(link);
     if (next_ > 0 && words_[next_ - 1].begin >= wanted.begin) next_ = 0;
     while (next_ < words_.size() && words_[next_].begin < wanted.begin) ++next_;
@@ -52,6 +49,10 @@ class QuotedWords {
     std::uint32_t length;
     friend bool operator==(const Word&, const Word&) = default;
   };
+  [[nodiscard]] bool beginsLikeValue(std::string_view link) const noexcept {
+    const std::size_t begin = beginOf(link);
+    return begin >= 2 && page_[begin - 2] == '=' && (page_[begin - 1] == '"' || page_[begin - 1] == '\'');
+  }
   [[nodiscard]] std::size_t beginOf(std::string_view link) const noexcept {
     return static_cast<std::size_t>(link.data() - page_.data());
   }
@@ -74,6 +75,7 @@ class LinkCollector final : public LinkSink {
   void beginSecondPass() noexcept { isFirstPass_ = false; }
 
   void add(std::string_view link) override {
+    if (!isFirstPass_ && words_.contains(link)) return;
     if (recent_[0] != link && recent_[1] != link) addOther(link);
   }
 
@@ -106,13 +108,7 @@ class LinkCollector final : public LinkSink {
 
   void addOther(std::string_view link) {
     if (isLeftOut(link)) return;
-    if (words_.canHold(link)) {
-      if (isFirstPass_) {
-        words_.add(link);
-      } else if (words_.contains(link)) {
-        return;
-      }
-    }
+    if (isFirstPass_) words_.add(link);
     recent_[1] = std::exchange(recent_[0], link);
     collect(link, Kept::yes);
   }
