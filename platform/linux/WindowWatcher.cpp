@@ -80,7 +80,8 @@ class Watch {
     isChanged_ = false;
     const QDeadlineTimer deadline(kMilliseconds);
     if (!IsAccessibilityOn(*session_, deadline)) return events_.reset();
-    if (!events_) events_ = OpenAccessibilityBus(*session_, deadline);
+    if (events_) return;
+    events_ = OpenAccessibilityBus(*session_, deadline);
     if (!events_) return;
     if (!hears<&Watch::noteActivation>(*events_, kActivation) ||
         !hears<&Watch::registerAgain>(*events_, kRegistryChanged)) {
