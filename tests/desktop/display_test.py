@@ -63,7 +63,10 @@ class Display(unittest.TestCase):
         return process
 
     def setUp(self):
-        self.start("openbox", "--sm-disable")
+        managed = pathlib.Path.home() / "managed"  # no window comes before openbox: it would not be made active
+        managed.unlink(missing_ok=True)
+        self.start("openbox", "--sm-disable", "--startup", f"touch {managed}")
+        until(managed.exists)
         Atspi.get_desktop(0)  # wakes its bus, which programs look for when they start
         self.origin = self.start(SERVER, "--rate", "20", GALLERY).stdout.readline().strip()
         self.start(QUILLFORTH, "--local")
