@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// firefox ADDRESS: a window with an address that Ctrl+L selects and Ctrl+C copies, but no document that says it.
+// firefox ADDRESS: a window with an address that Ctrl+L selects and Ctrl+C copies, but no document that says
+// it.
 
 #include <QApplication>
 #include <QLineEdit>

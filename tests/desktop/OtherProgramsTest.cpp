@@ -154,7 +154,8 @@ TEST_F(OtherProgramsTest, TheInstalledServiceStartsForKRunner) {
   environment_.insert("XDG_DATA_DIRS", root_.filePath("installed here/share"));
   startBus();
   EXPECT_EQ(call("org.kde.krunner1.Actions", {}), "(@a(sss) [],)\n");
-  EXPECT_TRUE(call("org.kde.krunner1.Match", {"http://a.test/m.zip"}).startsWith("([('http://a.test/m.zip', "));
+  EXPECT_TRUE(
+      call("org.kde.krunner1.Match", {"http://a.test/m.zip"}).startsWith("([('http://a.test/m.zip', "));
 }
 
 TEST_F(OtherProgramsTest, WorkWaitsForThePageThatIsBeingLoaded) {
