@@ -66,7 +66,7 @@ void TransferThread::postStart(StartCommand command) {
 void TransferThread::work(Clock::time_point until) {
   if (!hasQuietStart_) return;
   const std::unique_lock turn(turn_, std::try_to_lock);
-  if (!turn) return handOver();
+  if (!turn || hasHadFTP_) return handOver();
   hasQuietStart_ = false;
   obeyCommands();
   while (!mayBlock() && !step().second && !entries_.empty() && Clock::now() < until) wait(until);
@@ -75,8 +75,8 @@ void TransferThread::work(Clock::time_point until) {
 
 // libcurl waits for a server's last words on an FTP connection, at the end of a file and of the connection.
 bool TransferThread::mayBlock() const {
-  return hasHadFTP_ || std::any_of(entries_.begin(), entries_.end(),
-                                   [](const auto& entry) { return entry.second.transfer->isFTP(); });
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [](const auto& entry) { return entry.second.transfer->isFTP(); });
 }
 
 void TransferThread::handOver() {

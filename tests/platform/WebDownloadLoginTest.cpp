@@ -3,7 +3,9 @@
 // Downloads behind logins, TLS and FTP.
 
 #include <httplib.h>
+
 #include <openssl/x509v3.h>
+#include <QThread>
 
 #include <QCryptographicHash>
 #include <cstdio>
@@ -258,6 +260,18 @@ TEST_F(DownloadTest, FetchesFilesByFTP) {
   EXPECT_EQ(fetch("5", "whole", "226 done", "wrong").error,
             "The server refused the user name or the password.");
   EXPECT_FALSE(fetch("5", "whole", "451 disk error", "secret").error.empty());
+
+  // What then fails before anything is sent, started in a callback.
+  RawServer server(Serving({{"/f", HttpReply("200 OK", "x")}}));
+  DownloadRecorder impossible = recorder();
+  DownloadRecorder first = recorder();
+  first.hook = [&](char call, WebDownload&) {
+    if (call != 'F') return;
+    QThread::msleep(2);  // until the transfer thread sleeps
+    start("http://127.0.0.1:99999/f", impossible);
+  };
+  start(server.url("/f"), first);
+  EXPECT_TRUE(RunLoopUntil([&] { return impossible.isOver(); })) << first.calls << impossible.calls;
 }
 
 }  // namespace
