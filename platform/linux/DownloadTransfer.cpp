@@ -34,7 +34,6 @@ constexpr long kProxyUnauthorized = 407;
 }  // namespace
 
 void DownloadTransfer::start(const std::string& url) {
-  if (!handle_) return fail(TransferErrorText(CURLE_OUT_OF_MEMORY, 0));
   std::optional<RequestURL> parsed = RequestURL::parse(url);
   if (!parsed) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
   url_ = *std::move(parsed);
@@ -42,9 +41,12 @@ void DownloadTransfer::start(const std::string& url) {
   beginRequest();
 }
 
+// Each request has a handle of its own: in one that was used before, libcurl 7.88 goes on from the last field
+// of the answer before, which it has freed, when an answer's first line begins with a blank.
 void DownloadTransfer::beginRequest() {
+  handle_.reset(curl_easy_init());
   CURL* handle = handle_.get();
-  curl_easy_reset(handle);
+  if (handle == nullptr) return fail(TransferErrorText(CURLE_OUT_OF_MEMORY, 0));
   ApplyCommonOptions(handle, context_.settings, url_.text);
   curl_easy_setopt(handle, CURLOPT_MAXREDIRS, redirectsLeft_);
   curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kReceiveBytes);
@@ -123,7 +125,7 @@ void DownloadTransfer::readGoodHead() {
 
 bool DownloadTransfer::isFTP() const {
   char* scheme = nullptr;
-  curl_easy_getinfo(handle_.get(), CURLINFO_SCHEME, &scheme);
+  if (handle_) curl_easy_getinfo(handle_.get(), CURLINFO_SCHEME, &scheme);
   return scheme != nullptr && common::StartsWithNoCase(scheme, "ftp");
 }
 

@@ -44,9 +44,8 @@ class DownloadTransfer {
     ended                 ///< reported as finished or failed, or handed over
   };
 
-  /// `handle`: an unused one.
-  DownloadTransfer(DownloadId id, TransferContext& context, CurlEasy handle)
-      : id_(id), context_(context), handle_(std::move(handle)), logins_(context.credentials) {}
+  DownloadTransfer(DownloadId id, TransferContext& context)
+      : id_(id), context_(context), logins_(context.credentials) {}
   DownloadTransfer(const DownloadTransfer&) = delete;
   DownloadTransfer& operator=(const DownloadTransfer&) = delete;
 
@@ -54,7 +53,7 @@ class DownloadTransfer {
   [[nodiscard]] Phase phase() const { return phase_; }
   /// The connection is one of FTP.
   [[nodiscard]] bool isFTP() const;
-  /// Its CURLINFO_PRIVATE is this object.
+  /// Of the request that is going on; its CURLINFO_PRIVATE is this object. Null when memory was short.
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
   void start(const std::string& url);
@@ -64,8 +63,6 @@ class DownloadTransfer {
   void requestDone(CURLcode result);
   /// Reports what there is to report, and finds stalls. When to look again.
   [[nodiscard]] Clock::time_point lookAtClock(Clock::time_point now);
-  /// The handle, for another download. Driven by nobody.
-  [[nodiscard]] CurlEasy takeHandle() { return std::move(handle_); }
 
  private:
   // What is known of the request that is going on.

@@ -124,8 +124,7 @@ bool TransferThread::obey(const Command& command) {
 }
 
 void TransferThread::obeyStart(const StartCommand& command) {
-  CurlEasy handle = spareHandle_ ? std::move(spareHandle_) : CurlEasy(curl_easy_init());
-  auto transfer = std::make_unique<DownloadTransfer>(command.id, context_, std::move(handle));
+  auto transfer = std::make_unique<DownloadTransfer>(command.id, context_);
   transfer->start(command.url);
   settle(entries_.emplace(command.id, Entry{std::move(transfer)}).first);
 }
@@ -181,7 +180,6 @@ void TransferThread::settle(Entries::iterator entry) {
 
 void TransferThread::release(Entries::iterator entry) {
   if (entry->second.isDriven) curl_multi_remove_handle(multi_.get(), entry->second.transfer->handle());
-  spareHandle_ = entry->second.transfer->takeHandle();
   entries_.erase(entry);
 }
 

@@ -74,7 +74,6 @@ class TransferThread {
   bool hasQuietStart_ = false;  // of the service's thread
   std::mutex turn_;             // for all that follows; the thread lets go of it when it has no transfer
   std::unique_ptr<CURLM, MultiDeleter> multi_;
-  CurlEasy spareHandle_;
   Entries entries_;
   bool hasHadFTP_ = false;
   std::thread thread_;

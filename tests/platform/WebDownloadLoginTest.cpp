@@ -117,6 +117,19 @@ TEST_F(DownloadTest, ALoginThatIsNotGivenOrNotTakenFails) {
   }
 }
 
+TEST_F(DownloadTest, AnAnswerThatGoesOnFromNothingAfterALoginFailsAlone) {
+  RawServer server([](RawServer::Connection& connection, const std::string& request) {
+    const bool isKnown = Field(request, "Authorization") == Basic(kGood);
+    connection.send(isKnown ? "HTTP/1.1 200 OK\r\n X: y\r\nContent-Length: 5\r\n\r\nwhole"
+                            : HttpReply("401 No", "x", "WWW-Authenticate: Basic realm=r\r\n"));
+    return After::keepOpen;
+  });
+  DownloadRecorder first = recorder();
+  first.answers = {kGood};
+  EXPECT_EQ(download(server.url("/x"), first).error, "The server's answer cannot be understood.");
+  for (int i = 0; i < 20; ++i) EXPECT_FALSE(download(server.url("/y")).error.empty());
+}
+
 TEST_F(DownloadTest, ALoginInTheURLIsUsedAndStaysWithItsHost) {
   RawServer other(Guarded("WWW-Authenticate: Basic realm=other\r\n"));
   RawServer server([&](RawServer::Connection& connection, const std::string& request) {
