@@ -36,8 +36,14 @@ class HTTPResponseHeader {
   void addField(std::string name, std::string value) {
     fields_.emplace_back(std::move(name), std::move(value));
   }
+  /// Appends the next line of a value that was folded; without any field, nothing.
+  void continueField(std::string_view text) {
+    if (!fields_.empty()) fields_.back().second.append(" ").append(text);
+  }
   /// The value of the first field called `name` (letter case apart), without blanks around it; bytes as sent.
   [[nodiscard]] std::optional<std::string_view> valueOfField(std::string_view name) const;
+  /// The values of all such fields.
+  [[nodiscard]] std::vector<std::string_view> valuesOfField(std::string_view name) const;
 
  private:
   std::vector<std::pair<std::string, std::string>> fields_;

@@ -38,9 +38,9 @@ void CollectSchemes(std::string_view field, std::vector<OfferedScheme>& schemes)
 
 }  // namespace
 
-std::optional<OfferedScheme> StrongestScheme(const std::vector<std::string>& fields) {
+std::optional<OfferedScheme> StrongestScheme(const std::vector<std::string_view>& fields) {
   std::vector<OfferedScheme> schemes;
-  for (const std::string& field : fields) CollectSchemes(field, schemes);
+  for (const std::string_view field : fields) CollectSchemes(field, schemes);
   for (const unsigned long method : {CURLAUTH_DIGEST, CURLAUTH_BASIC}) {
     for (OfferedScheme& scheme : schemes) {
       if (scheme.method == method) return std::move(scheme);

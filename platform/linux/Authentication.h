@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -23,7 +24,7 @@ struct OfferedScheme {
 
 /// The strongest scheme that we can do of those in the values of WWW-Authenticate or Proxy-Authenticate
 /// fields: Digest before Basic. Nothing when there is none.
-[[nodiscard]] std::optional<OfferedScheme> StrongestScheme(const std::vector<std::string>& fields);
+[[nodiscard]] std::optional<OfferedScheme> StrongestScheme(const std::vector<std::string_view>& fields);
 
 /// Who asks: an origin, or a proxy's address behind "proxy ", and its realm.
 using ProtectionSpace = std::pair<std::string, std::string>;

@@ -19,9 +19,9 @@ std::size_t AppendToPage(const char* data, std::size_t /*size*/, std::size_t cou
 }
 
 // libcurl leaves it open how long a body is that has a transfer coding which it does not know, or "identity".
-bool IsWhole(CURL* handle, const QByteArray& body) {
-  const std::optional<std::int64_t> announced = AnnouncedLength(handle);
-  return announced && (*announced < 0 || *announced == body.size()) && !HasUnknownTransferCoding(handle);
+bool IsWhole(const ResponseHead& head, const QByteArray& body) {
+  const std::optional<std::int64_t> announced = AnnouncedLength(head);
+  return announced && (*announced < 0 || *announced == body.size()) && !HasUnknownTransferCoding(head);
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ std::optional<QByteArray> CurlPageLoader::resourceData(const URL& url) {
   curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &body);
   const std::lock_guard lock(mutex_);
   if (!transfer_.begin(std::move(easy))) return std::nullopt;
-  const bool complete = runTransfer(body) && IsWhole(transfer_.handle(), body);
+  const bool complete = runTransfer(body) && (IsFTP(transfer_.handle()) || IsWhole(transfer_.head(), body));
   transfer_.end();
   if (!complete) return std::nullopt;
   return body;
@@ -52,7 +52,7 @@ bool CurlPageLoader::runTransfer(const QByteArray& body) {
   Clock::time_point deadline = Clock::now() + stallLimit_;
   while (!IsInterrupted(settings_)) {
     if (const std::optional<CURLcode> result = transfer_.perform()) return *result == CURLE_OK;
-    const std::size_t receivedNow = transfer_.headerLength() + static_cast<std::size_t>(body.size());
+    const std::size_t receivedNow = transfer_.head().length() + static_cast<std::size_t>(body.size());
     if (receivedNow != received) deadline = Clock::now() + stallLimit_;
     if (Clock::now() >= deadline) return false;
     received = receivedNow;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/BoundedText.h"
 #include "platform/linux/CurlTransfer.h"
 
 namespace quillforth::platform {
@@ -120,19 +119,8 @@ std::ptrdiff_t CurlReadStream::read(std::span<std::byte> buffer) {
 }
 
 std::optional<HTTPResponseHeader> CurlReadStream::responseHeader() {
-  const char* scheme = nullptr;
-  if (transfer_.handle() == nullptr ||
-      curl_easy_getinfo(transfer_.handle(), CURLINFO_SCHEME, &scheme) != CURLE_OK || scheme == nullptr ||
-      !common::StartsWithNoCase(scheme, "http")) {
-    return std::nullopt;
-  }
-  HTTPResponseHeader header;
-  curl_header* field = nullptr;
-  constexpr int kLastRequest = -1;
-  while ((field = curl_easy_nextheader(transfer_.handle(), CURLH_HEADER, kLastRequest, field)) != nullptr) {
-    header.addField(field->name, field->value);
-  }
-  return header;
+  if (transfer_.handle() == nullptr || IsFTP(transfer_.handle())) return std::nullopt;
+  return transfer_.head().header();
 }
 
 void CurlReadStream::close() {

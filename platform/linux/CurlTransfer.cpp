@@ -3,7 +3,6 @@
 #include "platform/linux/CurlTransfer.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
 namespace quillforth::platform {
@@ -19,8 +18,7 @@ CurlEasy CurlTransfer::prepare(const TransferSettings& settings, const URL& url)
 bool CurlTransfer::begin(CurlEasy handle) {
   end();
   if (multi_ == nullptr || handle == nullptr) return false;
-  headerLength_ = 0;
-  isInsideHeader_ = false;
+  head_ = {};
   curl_easy_setopt(handle.get(), CURLOPT_HEADERFUNCTION, &CurlTransfer::receiveHeader);
   curl_easy_setopt(handle.get(), CURLOPT_HEADERDATA, this);
   if (curl_multi_add_handle(multi_.get(), handle.get()) != CURLM_OK) return false;
@@ -34,7 +32,7 @@ std::optional<CURLcode> CurlTransfer::perform() {
   int left = 0;
   const CURLMsg* message = curl_multi_info_read(multi_.get(), &left);
   if (message == nullptr || message->msg != CURLMSG_DONE) return std::nullopt;
-  if (message->data.result == CURLE_OK && isInsideHeader_) return CURLE_RECV_ERROR;
+  if (message->data.result == CURLE_OK && head_.isInside()) return CURLE_RECV_ERROR;
   return message->data.result;
 }
 
@@ -49,15 +47,11 @@ void CurlTransfer::end() {
   easy_.reset();
 }
 
-// libcurl takes a header that the server cuts off for a whole one.
 std::size_t CurlTransfer::receiveHeader(const char* data, std::size_t /*size*/, std::size_t count,
                                         void* self) {
   auto& transfer = *static_cast<CurlTransfer*>(self);
-  const std::string_view line(data, count);
-  if (line.starts_with("HTTP/")) transfer.isInsideHeader_ = true;
-  if (line == "\r\n" || line == "\n") transfer.isInsideHeader_ = false;
-  transfer.headerLength_ += count;
-  return transfer.headerLength_ <= kMaxHeaderLength ? count : 0;
+  transfer.head_.addLine({data, count});
+  return transfer.head_.isTooLong() ? 0 : count;
 }
 
 }  // namespace quillforth::platform

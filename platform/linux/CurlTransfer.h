@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "platform/linux/CurlSupport.h"
+#include "platform/linux/ResponseHead.h"
 
 namespace quillforth::platform {
 
@@ -21,9 +22,6 @@ class CurlTransfer {
  public:
   /// The longest wait of a step, so that interruptions are seen soon.
   static constexpr std::chrono::milliseconds kMaxWait{100};
-
-  /// Bytes of all response headers of one transfer, redirects included; more is an error.
-  static constexpr std::size_t kMaxHeaderLength = std::size_t{256} * 1024;
 
   CurlTransfer() : multi_(curl_multi_init()) {}
   ~CurlTransfer() { end(); }
@@ -42,8 +40,8 @@ class CurlTransfer {
   void wait(std::chrono::milliseconds limit = kMaxWait);
   /// Aborts the transfer if it is not over. Not from a callback.
   void end();
-  /// Bytes of response headers so far.
-  [[nodiscard]] std::size_t headerLength() const { return headerLength_; }
+  /// Of the transfer that was begun last.
+  [[nodiscard]] const ResponseHead& head() const { return head_; }
   /// Null before `begin` and after `end`.
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
 
@@ -56,8 +54,7 @@ class CurlTransfer {
 
   std::unique_ptr<CURLM, MultiDeleter> multi_;
   CurlEasy easy_;
-  std::size_t headerLength_ = 0;
-  bool isInsideHeader_ = false;  // between a status line and its blank line
+  ResponseHead head_;
 };
 
 [[nodiscard]] inline bool IsInterrupted(const TransferSettings& settings) {

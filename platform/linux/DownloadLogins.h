@@ -10,6 +10,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/WebDownload.h"
@@ -25,9 +26,9 @@ class DownloadLogins {
   /// A response with status 401 (407 for a proxy).
   struct Refusal {
     bool isProxy = false;
-    std::string origin;               ///< who refused, as in ProtectionSpace
-    std::string host;                 ///< to be shown
-    std::vector<std::string> fields;  ///< values of WWW-Authenticate (Proxy-Authenticate)
+    std::string origin;                    ///< who refused, as in ProtectionSpace
+    std::string host;                      ///< to be shown
+    std::vector<std::string_view> fields;  ///< values of WWW-Authenticate (Proxy-Authenticate)
   };
   enum class Next { retry, ask, giveUp };
 

@@ -5,10 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/BoundedText.h"
 #include "platform/LocalizedStrings.h"
 #include "platform/linux/FinishFile.h"
-#include "platform/linux/ResponseHead.h"
 #include "platform/linux/TransferText.h"
 
 namespace quillforth::platform {
@@ -17,8 +15,6 @@ namespace {
 
 // Received at a time; libcurl's greatest. Fewer, larger steps are what makes large files fast.
 constexpr long kReceiveBytes = 512L * 1024;
-// Of all responses to one request, redirects and interim ones included.
-constexpr std::size_t kMaxHeaderBytes = 256UL * 1024;
 // A body that nobody wants is read to its end up to this size, which keeps the connection usable.
 constexpr std::size_t kMaxDiscardedBytes = 64UL * 1024;
 // So often progress is reported at most.
@@ -61,18 +57,15 @@ void DownloadTransfer::beginRequest() {
   phase_ = Phase::requesting;
 }
 
-// libcurl takes a header that is cut off for a whole one, so the blank line is looked for here.
 std::size_t DownloadTransfer::receiveHeader(const char* data, std::size_t size, std::size_t count,
                                             void* self) {
   auto& transfer = *static_cast<DownloadTransfer*>(self);
   transfer.hasMoved_ = true;
-  const std::string_view line(data, size * count);
-  if (line.starts_with("HTTP/")) transfer.request_.isInsideHeader = true;
-  if (line == "\r\n" || line == "\n") transfer.request_.isInsideHeader = false;
-  transfer.request_.headerLength += size * count;
-  if (transfer.request_.headerLength > kMaxHeaderBytes) {
+  ResponseHead& head = transfer.request_.head;
+  head.addLine({data, size * count});
+  if (head.isTooLong()) {
     transfer.request_.failure = HeaderTooLongText();
-  } else if (IsBrokenFramingField(line)) {
+  } else if (head.hasBrokenFraming()) {
     transfer.request_.failure = TransferErrorText(CURLE_WEIRD_SERVER_REPLY, 0);
   }
   return transfer.request_.failure.isNull() ? size * count : CURL_WRITEFUNC_ERROR;
@@ -100,33 +93,45 @@ std::size_t DownloadTransfer::takeBody(std::string_view bytes) {
 // The last response has begun its body, or ended without one. FTP has no status and is good as it is.
 void DownloadTransfer::readHead() {
   request_.hasHead = true;
-  const long status = LastHTTPStatus(handle_.get());
-  if (status == 0 || (status >= 200 && status < 300 && status != 206)) return readGoodHead();
+  const long status = request_.head.status();
+  if (isFTP() || (status >= 200 && status < 300 && status != 206)) return readGoodHead();
   request_.isDiscarding = true;
   if (refusalStatus() == 0) request_.failure = HTTPStatusText(status);
 }
 
 void DownloadTransfer::readGoodHead() {
   logins_.accepted(url_.path);
-  if (IsFTPFolder(handle_.get())) return refuseBody(LOCALIZED("This is a folder, not a file."));
-  if (HasUnknownTransferCoding(handle_.get())) {
+  const std::string url = effectiveURL();
+  if (isFTP() && IsFTPFolder(url)) return refuseBody(LOCALIZED("This is a folder, not a file."));
+  if (HasUnknownTransferCoding(request_.head)) {
     return refuseBody(TransferErrorText(CURLE_WEIRD_SERVER_REPLY, 0));
   }
-  const std::optional<std::int64_t> length = AnnouncedLength(handle_.get());
+  const std::optional<std::int64_t> length = announcedLength();
   if (!length) return refuseBody(LOCALIZED("The server announced an impossible length."));
   request_.announcedLength = *length;
-  const std::string mimeType = MIMETypeOfResponse(handle_.get());
+  const std::string mimeType = MIMETypeOf(request_.head);
   response_ = ResponseReport{id_,
                              {*length, QString::fromStdString(mimeType)},
-                             FilenameOfResponse(handle_.get(), mimeType),
-                             HasContentCoding(handle_.get()),
+                             FilenameOf(request_.head, url, mimeType),
+                             HasContentCoding(request_.head),
                              std::nullopt};
 }
 
 bool DownloadTransfer::isFTP() const {
-  char* scheme = nullptr;
-  if (handle_) curl_easy_getinfo(handle_.get(), CURLINFO_SCHEME, &scheme);
-  return scheme != nullptr && common::StartsWithNoCase(scheme, "ftp");
+  return handle_ && IsFTP(handle_.get());
+}
+
+std::string DownloadTransfer::effectiveURL() const {
+  char* url = nullptr;
+  curl_easy_getinfo(handle_.get(), CURLINFO_EFFECTIVE_URL, &url);
+  return url == nullptr ? "" : url;
+}
+
+std::optional<std::int64_t> DownloadTransfer::announcedLength() const {
+  if (!isFTP()) return AnnouncedLength(request_.head);
+  curl_off_t length = -1;
+  curl_easy_getinfo(handle_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+  return std::max<std::int64_t>(length, -1);
 }
 
 void DownloadTransfer::refuseBody(const QString& why) {
@@ -140,7 +145,7 @@ QString DownloadTransfer::requestErrorText(CURLcode result) const {
   long tunnelStatus = 0;  // of a proxy that was to connect us through
   curl_easy_getinfo(handle_.get(), CURLINFO_HTTP_CONNECTCODE, &tunnelStatus);
   if (tunnelStatus >= 300) return HTTPStatusText(tunnelStatus);
-  return TransferErrorText(result, LastHTTPStatus(handle_.get()));
+  return TransferErrorText(result, request_.head.status());
 }
 
 // 401 or 407 when the last response was such, also one that refused a tunnel; else 0.
@@ -148,7 +153,7 @@ long DownloadTransfer::refusalStatus() const {
   long connectStatus = 0;
   curl_easy_getinfo(handle_.get(), CURLINFO_HTTP_CONNECTCODE, &connectStatus);
   if (connectStatus == kProxyUnauthorized) return connectStatus;
-  const long status = LastHTTPStatus(handle_.get());
+  const long status = request_.head.status();
   return status == kUnauthorized || status == kProxyUnauthorized ? status : 0;
 }
 
@@ -161,7 +166,7 @@ void DownloadTransfer::requestDone(CURLcode result) {
     return handleRefusal(refusal == kProxyUnauthorized);
   }
   if (result != CURLE_OK) return fail(requestErrorText(result));
-  if (request_.isInsideHeader) return fail(TransferErrorText(CURLE_PARTIAL_FILE, 0));
+  if (request_.head.isInside()) return fail(TransferErrorText(CURLE_PARTIAL_FILE, 0));
   if (!request_.hasHead) readHead();
   if (!request_.failure.isNull()) return fail(request_.failure);
   finishBody();
@@ -169,22 +174,21 @@ void DownloadTransfer::requestDone(CURLcode result) {
 
 void DownloadTransfer::handleRefusal(bool isProxy) {
   CURL* handle = handle_.get();
-  char* effective = nullptr;
   char* address = nullptr;
   long redirects = 0;
-  curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &effective);
   curl_easy_getinfo(handle, CURLINFO_PRIMARY_IP, &address);
   curl_easy_getinfo(handle, CURLINFO_REDIRECT_COUNT, &redirects);
-  const std::optional<RequestURL> url = RequestURL::parse(effective == nullptr ? "" : effective);
+  const std::optional<RequestURL> url = RequestURL::parse(effectiveURL());
   if (!url) return fail(TransferErrorText(CURLE_URL_MALFORMAT, 0));
   url_ = *url;
   redirectsLeft_ = std::max(0L, redirectsLeft_ - redirects);
 
-  DownloadLogins::Refusal refusal{isProxy, url_.origin, url_.host, HeaderValues(handle, "WWW-Authenticate")};
+  const char* field = isProxy ? "Proxy-Authenticate" : "WWW-Authenticate";
+  DownloadLogins::Refusal refusal{isProxy, url_.origin, url_.host,
+                                  request_.head.header().valuesOfField(field)};
   if (isProxy) {
     refusal.host = address == nullptr ? "" : address;
     refusal.origin = "proxy " + refusal.host;
-    refusal.fields = HeaderValues(handle, "Proxy-Authenticate", CURLH_HEADER | CURLH_CONNECT);
   }
   switch (logins_.refused(refusal)) {
     case DownloadLogins::Next::retry:

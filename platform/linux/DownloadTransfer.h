@@ -19,6 +19,7 @@
 #include "platform/linux/BodySink.h"
 #include "platform/linux/CurlSupport.h"
 #include "platform/linux/DownloadLogins.h"
+#include "platform/linux/ResponseHead.h"
 #include "platform/linux/TransferMessages.h"
 
 namespace quillforth::platform {
@@ -67,9 +68,8 @@ class DownloadTransfer {
  private:
   // What is known of the request that is going on.
   struct Request {
-    std::size_t headerLength = 0;
+    ResponseHead head;
     std::size_t discardedLength = 0;
-    bool isInsideHeader = false;  // between a status line and its blank line
     bool hasHead = false;
     bool isDiscarding = false;  // the body is not the file
     bool isPaused = false;
@@ -86,6 +86,8 @@ class DownloadTransfer {
   void readGoodHead();
   void refuseBody(const QString& why);
   [[nodiscard]] long refusalStatus() const;
+  [[nodiscard]] std::string effectiveURL() const;
+  [[nodiscard]] std::optional<std::int64_t> announcedLength() const;
   [[nodiscard]] QString requestErrorText(CURLcode result) const;
   void handleRefusal(bool isProxy);
   void finishBody();

@@ -15,13 +15,6 @@ namespace quillforth::platform {
 namespace {
 
 constexpr std::size_t kMaxMIMETypeLength = 255;
-constexpr std::size_t kMaxFieldsOfOneName = 100;
-
-bool IsHTTP(CURL* handle) {
-  char* scheme = nullptr;
-  curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
-  return scheme != nullptr && common::StartsWithNoCase(scheme, "http");
-}
 
 // A whole number of digits alone, or nothing.
 std::optional<std::int64_t> ParseLength(std::string_view text) {
@@ -32,18 +25,20 @@ std::optional<std::int64_t> ParseLength(std::string_view text) {
   return isNumber ? std::optional(length) : std::nullopt;
 }
 
-std::string FirstOr(const std::vector<std::string>& values, const char* fallback) {
-  return values.empty() ? fallback : values.front();
-}
-
 bool EqualsNoCase(std::string_view text, std::string_view other) {
   return text.size() == other.size() && common::StartsWithNoCase(text, other);
 }
 
+std::string_view WithoutLineEnd(std::string_view line) {
+  if (line.ends_with('\n')) line.remove_suffix(1);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
 // All but "identity", in the order in which they were applied.
-std::vector<std::string> TransferCodings(CURL* handle) {
+std::vector<std::string> TransferCodings(const ResponseHead& head) {
   std::vector<std::string> codings;
-  for (const std::string& field : HeaderValues(handle, "Transfer-Encoding")) {
+  for (const std::string_view field : head.header().valuesOfField("Transfer-Encoding")) {
     ParameterScanner scanner(field, ',');
     while (const std::optional<HeaderParameter> coding = scanner.next()) {
       if (!EqualsNoCase(coding->name, "identity")) codings.emplace_back(coding->name);
@@ -60,17 +55,8 @@ std::string_view FTPTransferType(std::string_view url) {
   return common::StartsWithNoCase(end, kType) ? end : std::string_view();
 }
 
-// Without the transfer type.
-std::string EffectiveURL(CURL* handle) {
-  char* url = nullptr;
-  curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &url);
-  std::string_view text = url == nullptr ? "" : url;
-  if (!IsHTTP(handle)) text.remove_suffix(FTPTransferType(text).size());
-  return std::string(text);
-}
-
 // The fields may be repeated, and each may list its number again; all must say the same.
-std::optional<std::int64_t> AgreedLength(const std::vector<std::string>& fields) {
+std::optional<std::int64_t> AgreedLength(const std::vector<std::string_view>& fields) {
   std::optional<std::int64_t> agreed = -1;
   for (std::string_view rest : fields) {
     for (bool more = true; more;) {
@@ -92,72 +78,82 @@ QString PreferredSuffix(std::string_view mimeType) {
 
 }  // namespace
 
-long LastHTTPStatus(CURL* handle) {
-  long status = 0;
-  if (IsHTTP(handle)) curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
-  return status;
-}
-
-std::vector<std::string> HeaderValues(CURL* handle, const char* name, unsigned origin) {
-  std::vector<std::string> values;
-  if (!IsHTTP(handle)) return values;  // what a redirect to another protocol said is not of this response
-  curl_header* header = nullptr;
-  // Each look-up goes through all fields, so a server with thousands of them is not heard out.
-  for (std::size_t i = 0; i < kMaxFieldsOfOneName; ++i) {
-    if (curl_easy_header(handle, name, i, origin, -1, &header) != CURLHE_OK) break;
-    values.emplace_back(header->value);
+void ResponseHead::addLine(std::string_view line) {
+  length_ += line.size();
+  if (isTooLong()) return;
+  const std::string_view text = WithoutLineEnd(line);
+  if (text.starts_with("HTTP/")) {
+    header_ = {};
+    isInside_ = true;
+    isFraming_ = false;
+    hasBrokenFraming_ = false;
+    status_ =
+        static_cast<int>(ParseLength(text.substr(std::min<std::size_t>(text.size(), 9), 3)).value_or(0));
+  } else if (isInside_) {
+    isInside_ = !text.empty();
+    if (isInside_) addField(text);
   }
-  return values;
 }
 
-bool IsBrokenFramingField(std::string_view line) {
-  const std::string_view name = line.substr(0, line.find(':'));
-  const std::string_view trimmed = TrimmedBlanks(name);
-  return trimmed.size() != name.size() &&
-         (EqualsNoCase(trimmed, "Content-Length") || EqualsNoCase(trimmed, "Transfer-Encoding"));
+void ResponseHead::addField(std::string_view line) {
+  const bool isContinued = line.front() == ' ' || line.front() == '\t';
+  if (isContinued) {
+    hasBrokenFraming_ = hasBrokenFraming_ || isFraming_;
+    return header_.continueField(TrimmedBlanks(line));
+  }
+  const std::size_t colon = std::min(line.find(':'), line.size());
+  const std::string_view name = TrimmedBlanks(line.substr(0, colon));
+  isFraming_ = EqualsNoCase(name, "Content-Length") || EqualsNoCase(name, "Transfer-Encoding");
+  const bool isBroken = name.size() != colon || line.find('\r') != std::string_view::npos;
+  hasBrokenFraming_ = hasBrokenFraming_ || (isFraming_ && isBroken);
+  if (colon == line.size()) return;  // libcurl refuses it
+  header_.addField(std::string(line.substr(0, colon)), std::string(TrimmedBlanks(line.substr(colon + 1))));
 }
 
-bool HasUnknownTransferCoding(CURL* handle) {
-  const std::vector<std::string> codings = TransferCodings(handle);
+std::string_view ResponseHead::firstValue(std::string_view name) const {
+  return header_.valueOfField(name).value_or(std::string_view());
+}
+
+bool HasUnknownTransferCoding(const ResponseHead& head) {
+  const std::vector<std::string> codings = TransferCodings(head);
   return !codings.empty() && !EqualsNoCase(codings.back(), "chunked");
 }
 
-std::optional<std::int64_t> AnnouncedLength(CURL* handle) {
-  if (!IsHTTP(handle)) {
-    curl_off_t length = -1;
-    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-    return length;
-  }
-  if (LastHTTPStatus(handle) == 204) return 0;
-  if (!TransferCodings(handle).empty()) return -1;
-  return AgreedLength(HeaderValues(handle, "Content-Length"));
+std::optional<std::int64_t> AnnouncedLength(const ResponseHead& head) {
+  if (head.status() == 204) return 0;
+  if (!TransferCodings(head).empty()) return -1;
+  return AgreedLength(head.header().valuesOfField("Content-Length"));
 }
 
-std::string MIMETypeOfResponse(CURL* handle) {
-  const std::string field = FirstOr(HeaderValues(handle, "Content-Type"), "");
-  const std::string_view type = TrimmedBlanks(std::string_view(field).substr(0, field.find(';')));
+std::string MIMETypeOf(const ResponseHead& head) {
+  const std::string_view field = head.firstValue("Content-Type");
+  const std::string_view type = TrimmedBlanks(field.substr(0, field.find(';')));
   std::string lower(type.substr(0, kMaxMIMETypeLength));
   std::transform(lower.begin(), lower.end(), lower.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return lower;
 }
 
-bool IsFTPFolder(CURL* handle) {
-  if (IsHTTP(handle)) return false;
-  char* url = nullptr;
-  curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &url);
-  const std::string_view type = FTPTransferType(url == nullptr ? "" : url);
-  return EffectiveURL(handle).ends_with('/') || type.ends_with('d') || type.ends_with('D');
+bool HasContentCoding(const ResponseHead& head) {
+  const std::string_view coding = head.firstValue("Content-Encoding");
+  return !coding.empty() && !common::StartsWithNoCase(coding, "identity");
 }
 
-bool HasContentCoding(CURL* handle) {
-  const std::string coding = FirstOr(HeaderValues(handle, "Content-Encoding"), "identity");
-  return !common::StartsWithNoCase(TrimmedBlanks(coding), "identity");
+bool IsFTP(CURL* handle) {
+  char* scheme = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
+  return scheme != nullptr && common::StartsWithNoCase(scheme, "ftp");
 }
 
-QString FilenameOfResponse(CURL* handle, const std::string& mimeType) {
-  const std::string disposition = FirstOr(HeaderValues(handle, "Content-Disposition"), "");
-  return SuggestedFilename({disposition, EffectiveURL(handle), mimeType}, PreferredSuffix);
+bool IsFTPFolder(std::string_view url) {
+  const std::string_view type = FTPTransferType(url);
+  url.remove_suffix(type.size());
+  return url.ends_with('/') || type.ends_with('d') || type.ends_with('D');
+}
+
+QString FilenameOf(const ResponseHead& head, std::string_view url, const std::string& mimeType) {
+  if (head.status() == 0) url.remove_suffix(FTPTransferType(url).size());
+  return SuggestedFilename({head.firstValue("Content-Disposition"), url, mimeType}, PreferredSuffix);
 }
 
 }  // namespace quillforth::platform
