@@ -8,13 +8,15 @@
 
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <vector>
 
 #include "platform/WebDownload.h"
 
 namespace quillforth::app {
 
-/// What is known of the download in flight; the URL without credentials.
+/// What is known of a download in flight; the URL without credentials.
 struct DownloadProgress {
   QString url;
   QString path;
@@ -34,44 +36,33 @@ class DownloadObserver {
   virtual void controllerMovedOn() = 0;
 };
 
-/// Knows of one download at a time, the latest that was started.
-class ObservedDownloads final : public platform::WebDownloadService, private platform::WebDownloadDelegate {
+/// Knows of all downloads that were started, also of those that the controller has lost sight of.
+class ObservedDownloads final : public platform::WebDownloadService {
  public:
-  ObservedDownloads(platform::WebDownloadService& service, DownloadObserver& observer)
-      : service_(service), observer_(observer) {}
+  ObservedDownloads(platform::WebDownloadService& service, DownloadObserver& observer);
+  ~ObservedDownloads() override;
 
   std::shared_ptr<platform::WebDownload> startDownload(const platform::URL& url,
                                                        platform::WebDownloadDelegate& delegate) override;
-  /// Started and not ended.
-  [[nodiscard]] bool isBusy() const { return download_ != nullptr; }
+  /// One or more are started, and neither ended nor cancelled.
+  [[nodiscard]] bool isBusy() const { return !inFlight_.empty(); }
+  /// One of those has not begun.
+  [[nodiscard]] bool isBeginning() const;
   /// How many have been started so far.
   [[nodiscard]] int startedCount() const { return startedCount_; }
-  /// No callback follows.
+  /// Called when one has begun, ended or been cancelled, after the observer.
+  void whenOneMovedOn(std::function<void()> hear) { oneMovedOn_ = std::move(hear); }
+  /// Cancels all. No callback follows.
   void cancel();
 
  private:
-  /// Keeps it alive until the caller has passed its end on.
-  std::shared_ptr<platform::WebDownload> forget(const platform::WebDownload& download);
-  void downloadDidBegin(platform::WebDownload& download) override;
-  void downloadDidReceiveResponse(platform::WebDownload& download,
-                                  const platform::URLResponse& response) override;
-  void downloadDecideDestinationWithSuggestedFilename(platform::WebDownload& download,
-                                                      const QString& filename) override;
-  platform::AuthenticationSheetParent* downloadWindowForAuthenticationSheet(
-      platform::WebDownload& download) override;
-  bool downloadShouldDecodeSourceDataOfMIMEType(platform::WebDownload& download,
-                                                const QString& mimeType) override;
-  void downloadDidCreateDestination(platform::WebDownload& download, const QString& path) override;
-  void downloadDidReceiveDataOfLength(platform::WebDownload& download, std::uint64_t length) override;
-  void downloadDidFinish(platform::WebDownload& download) override;
-  void downloadDidFailWithError(platform::WebDownload& download,
-                                const platform::DownloadError& error) override;
+  class Download;
+  void forget(const Download& download);
 
   platform::WebDownloadService& service_;
   DownloadObserver& observer_;
-  platform::WebDownloadDelegate* delegate_ = nullptr;
-  std::shared_ptr<platform::WebDownload> download_;
-  DownloadProgress progress_;
+  std::function<void()> oneMovedOn_ = [] {};
+  std::vector<std::shared_ptr<Download>> inFlight_;
   int startedCount_ = 0;
 };
 

@@ -20,6 +20,7 @@ Desktop::Desktop(const DesktopServices& services)
       host_(services.makeHost(application_)),
       notice_(noticeServices()),
       downloads_(*host_.downloads, notice_),
+      pacedIntake_(gate_, [this] { return downloads_.isBeginning(); }),
       pageLoader_(*host_.pageLoader, gate_),
       readStreams_(*host_.readStreams, gate_),
       scripts_(host_.scripts, gate_),
@@ -44,6 +45,7 @@ Desktop::Desktop(const DesktopServices& services)
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
       controller_(outlets(), waitingHost()) {
   gate_.whenHeldChanges(services_.holdDownloads);
+  downloads_.whenOneMovedOn([this] { pacedIntake_.moveOn(); });
   fileTable_.setDataSource(controller_);
   connectCommands();
   window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
@@ -97,7 +99,7 @@ PreferencesServices Desktop::preferencesServices() {
 CompletionNoticeServices Desktop::noticeServices() {
   return {.userDefaults = *host_.userDefaults,
           .localizedText = host_.localizedText,
-          .isWorkLeft = [this] { return downloads_.isBusy() || controller_.numberOfRows() > 0; },
+          .isWorkLeft = [this] { return hasWork(); },
           .isInFront = &IsInFront,
           .sound = [this] { return controller_.completionSound(); }};
 }
@@ -179,12 +181,6 @@ void Desktop::drop(const QMimeData& data) {
   takeDrop(MimePasteboard(data));
 }
 
-bool Desktop::takeURL(const QString& text) {
-  const MimePasteboard pasteboard(text);
-  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return false;
-  return gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
-}
-
 // The source of a drag waits until the drop has returned, so the work comes after it.
 void Desktop::takeDrop(const MimePasteboard& pasteboard) {
   if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
@@ -225,7 +221,7 @@ bool Desktop::windowShouldClose() {
 }
 
 bool Desktop::hasWork() const {
-  return controller_.isDownloading() || controller_.numberOfRows() > 0;
+  return downloads_.isBusy() || controller_.numberOfRows() > 0 || !pacedIntake_.isEmpty();
 }
 
 void Desktop::quit() {

@@ -23,6 +23,7 @@
 #include "desktop/FramePacer.h"
 #include "desktop/ImportWindow.h"
 #include "desktop/MimePasteboard.h"
+#include "desktop/PacedIntake.h"
 #include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
 #include "desktop/SelectionReader.h"
@@ -59,8 +60,6 @@ class Desktop final : private StatusWindowOwner {
   void bringForward();
   /// Other programs' windows give way, if this one is shown already.
   void activate() { application_.activateIgnoringOtherApps(); }
-  /// Takes a text as if it was dropped; false when it makes no URL.
-  bool takeURL(const QString& text);
   /// Ends the event loop, and with it whatever is waited for. Nobody is asked.
   void quit();
   /// The event loop need not be entered any more.
@@ -69,6 +68,8 @@ class Desktop final : private StatusWindowOwner {
   [[nodiscard]] StatusWindow& statusWindow() { return window_; }
   [[nodiscard]] app::MyAppController& controller() { return controller_; }
   [[nodiscard]] CommandGate& gate() { return gate_; }
+  /// For what comes in by the dozen.
+  [[nodiscard]] PacedIntake& pacedIntake() { return pacedIntake_; }
   /// Null until the controller has started.
   [[nodiscard]] app::ServicesProvider* servicesProvider() const { return application_.servicesProvider(); }
 
@@ -115,6 +116,7 @@ class Desktop final : private StatusWindowOwner {
   app::Host host_;
   CompletionNotice notice_;
   app::ObservedDownloads downloads_;
+  PacedIntake pacedIntake_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   WaitingScriptHost scripts_;

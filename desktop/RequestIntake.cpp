@@ -3,6 +3,7 @@
 #include "desktop/RequestIntake.h"
 
 #include <QFile>
+#include <numeric>
 #include <utility>
 
 #include "app/Services.h"
@@ -21,14 +22,22 @@ namespace descriptor_type = platform::descriptor_type;
 constexpr common::FourCharCode kCoreEventClass = common::FourCC("aevt");
 constexpr common::FourCharCode kOpenDocuments = common::FourCC("odoc");
 constexpr common::FourCharCode kGetURL = common::FourCC("GURL");  // class and ID
-// Commands besides one for each text: the start, the files' event, coming forward.
-constexpr std::size_t kMoreCommands = 3;
+// Commands for a request besides its items, one of which is posted at a time: the start, coming forward.
+constexpr std::size_t kMaxCommands = 3;
+
+std::size_t LengthOf(const QStringList& texts) {
+  return std::accumulate(
+      texts.begin(), texts.end(), std::size_t{0},
+      [](std::size_t sum, const QString& text) { return sum + static_cast<std::size_t>(text.size()); });
+}
 
 }  // namespace
 
 RequestHandler::Answer RequestIntake::take(const Request& request) {
   if (desktop_.isQuitting()) return Answer::isQuitting;
-  if (desktop_.gate().room() < static_cast<std::size_t>(request.texts.size()) + kMoreCommands) {
+  const auto count = static_cast<std::size_t>(request.texts.size());
+  if (desktop_.gate().room() < kMaxCommands ||
+      !desktop_.pacedIntake().hasRoom(count, LengthOf(request.texts))) {
     return Answer::tooBusy;
   }
   if (!request.activationToken.isEmpty()) RememberActivation(request.activationToken);
@@ -68,41 +77,44 @@ void RequestIntake::activate() {
 }
 
 void RequestIntake::open(const QStringList& uris) {
-  QList<QByteArray> files;
   for (const QString& uri : uris) {
-    if (IsFileURI(uri)) files.append(uri.toUtf8());
-  }
-  if (!files.isEmpty()) sendOpenDocuments(files);
-  for (const QString& uri : uris) {
-    if (!IsFileURI(uri)) desktop_.takeURL(uri);
+    if (IsFileURI(uri)) {
+      openDocument(uri.toUtf8());
+    } else {
+      add(uri.size(), [this, pasteboard = MimePasteboard(uri)] {
+        desktop_.controller().tableViewAcceptDrop(pasteboard);
+      });
+    }
   }
 }
 
 void RequestIntake::openDocuments(const QStringList& paths) {
-  QList<QByteArray> files;
   for (const QString& path : paths) {
-    files.append(platform::FileURL(platform::FileReference(QFile::encodeName(path).toStdString())));
+    openDocument(platform::FileURL(platform::FileReference(QFile::encodeName(path).toStdString())));
   }
-  sendOpenDocuments(files);
 }
 
-void RequestIntake::sendOpenDocuments(const QList<QByteArray>& fileURLs) {
+void RequestIntake::openDocument(const QByteArray& fileURL) {
   AEDescriptor files(descriptor_type::kList, {});
-  for (const QByteArray& url : fileURLs) files.append(AEDescriptor(descriptor_type::kFileURL, url));
-  send(makeEvent(kCoreEventClass, kOpenDocuments, std::move(files)));
+  files.append(AEDescriptor(descriptor_type::kFileURL, fileURL));
+  send(makeEvent(kCoreEventClass, kOpenDocuments, std::move(files)), fileURL.size());
 }
 
 void RequestIntake::getURL(const QString& url) {
-  send(makeEvent(kGetURL, kGetURL, platform::UnicodeTextDescriptor(url)));
+  send(makeEvent(kGetURL, kGetURL, platform::UnicodeTextDescriptor(url)), url.size());
 }
 
 // Blanks around a selected text are nobody's intention.
 void RequestIntake::downloadText(const QString& text) {
-  desktop_.gate().post([this, pasteboard = MimePasteboard(text.trimmed())] {
+  add(text.size(), [this, pasteboard = MimePasteboard(text.trimmed())] {
     if (app::ServicesProvider* provider = desktop_.servicesProvider()) {
       provider->downloadURLUserDataError(pasteboard, QString(), nullptr);
     }
   });
+}
+
+void RequestIntake::add(qsizetype size, PacedIntake::Item item) {
+  static_cast<void>(desktop_.pacedIntake().add(std::move(item), static_cast<std::size_t>(size)));
 }
 
 AppleEvent RequestIntake::makeEvent(common::FourCharCode eventClass, common::FourCharCode eventID,
@@ -114,8 +126,8 @@ AppleEvent RequestIntake::makeEvent(common::FourCharCode eventClass, common::Fou
 }
 
 // Within the command, so that the next one waits until the handler is done. Handlers report nothing.
-void RequestIntake::send(AppleEvent event) {
-  desktop_.gate().post([this, event = std::move(event)] {
+void RequestIntake::send(AppleEvent event, qsizetype size) {
+  add(size, [this, event = std::move(event)] {
     AppleEvent reply;
     static_cast<void>(events_.send(event, {}, reply));
   });

@@ -25,17 +25,19 @@ class RequestIntake final : public RequestHandler {
   /// The first request starts the desktop and shows the window.
   [[nodiscard]] Answer take(const Request& request) override;
   [[nodiscard]] bool hasBegun() const { return hasBegun_; }
-  /// Sends the files as one open-documents event, in its turn.
+  /// Sends an open-documents event for each file, in its turn.
   void openDocuments(const QStringList& paths);
 
  private:
   void begin();
   void activate();
   void open(const QStringList& uris);
-  void sendOpenDocuments(const QList<QByteArray>& fileURLs);
+  void openDocument(const QByteArray& fileURL);
   void getURL(const QString& url);
   void downloadText(const QString& text);
-  void send(platform::AppleEvent event);
+  /// `size`: of the text that it holds.
+  void send(platform::AppleEvent event, qsizetype size);
+  void add(qsizetype size, PacedIntake::Item item);
   [[nodiscard]] platform::AppleEvent makeEvent(common::FourCharCode eventClass, common::FourCharCode eventID,
                                                platform::AEDescriptor directObject) const;
 

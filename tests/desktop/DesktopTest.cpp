@@ -7,13 +7,17 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTextDocumentFragment>
+#include <fstream>
 
 #include "desktop/MessageSheets.h"
 #include "desktop/QueueTable.h"
+#include "desktop/RequestIntake.h"
 #include "tests/desktop/DesktopFixture.h"
 
 namespace quillforth::tests {
 namespace {
+
+constexpr auto kTaken = desktop::RequestHandler::Answer::taken;
 
 class DesktopTest : public DesktopFixture {
  protected:
@@ -93,6 +97,32 @@ TEST_F(DesktopTest, ButtonsAndMenusWorkTheQueue) {
   find<QPushButton>("stopButton").click();
   EXPECT_TRUE(waitForText("countTextField", "0 urls queued"));
   EXPECT_TRUE(desktop_.controller().isDownloading());
+}
+
+TEST_F(DesktopTest, OfManyURLsThatComeAtOnceOneIsStartedAndTheOthersAreQueued) {
+  using Kind = desktop::Request::Kind;
+  std::ofstream((QDir::homePath() + QStringLiteral("/slow.url")).toStdString())
+      << "[InternetShortcut]\nURL=" << server_.url("/slow.bin") << "\n";
+  const QString url = QString::fromStdString(server_.url("/slow.bin"));
+  const QString file = QStringLiteral("file://") + QDir::homePath() + QStringLiteral("/slow.url");
+  const struct {
+    const char* title;
+    std::vector<desktop::Request> requests;
+  } rows[] = {{"link files", {{Kind::open, {file, file, file}}}},
+              {"URLs", {{Kind::open, {url, url, url}}}},
+              {"requests", {{Kind::downloadText, {url}}, {Kind::downloadText, {url}}, {Kind::open, {file}}}}};
+  desktop::RequestIntake intake(desktop_, services_.events(), host::LinuxHost::kSignature);
+  std::size_t hits = 0;
+  for (const auto& row : rows) {
+    for (const desktop::Request& request : row.requests) EXPECT_EQ(intake.take(request), kTaken);
+    EXPECT_TRUE(waitForText("countTextField", "2 urls queued")) << row.title;
+    EXPECT_TRUE(waitForText("fileDownloadProgressText", "44 percent")) << row.title;
+    EXPECT_EQ(server_.requests().size(), ++hits) << row.title;
+    trigger("actionClear");
+    EXPECT_TRUE(waitForText("countTextField", "0 urls queued"));
+    trigger("actionCancelDownload");
+    ASSERT_TRUE(RunLoopUntil([this] { return !desktop_.controller().isDownloading(); }));
+  }
 }
 
 TEST_F(DesktopTest, WhatServersSayIsShownLiterally) {
