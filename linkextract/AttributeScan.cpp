@@ -192,6 +192,8 @@ class AttributeScanner {
       } else {
         revived = joinAcross(seam, row.name);
       }
+      // Unread names before a joined one lie in cuts, of which the last knows only its own.
+      while (revived && read < names.size() && names[read] < *revived) ++read;
     }
     const auto first = names_[row.name].ends.begin();
     names_[row.name].ends.erase(first + static_cast<std::ptrdiff_t>(kept),

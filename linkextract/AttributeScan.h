@@ -4,10 +4,7 @@
 //
 // Each pattern's matches are cut out of the text before the next search, which starts from the front again: a
 // cut can join what stood on its two sides to a new match. The result is exactly that of cutting and starting
-// over, in time linear in the text, because every begin text is an attribute name and "=", perhaps with a
-// quote. Those names are found once. What a pattern can still match is a name that was there before, or one
-// that its own last cut has joined together; nothing before that cut has changed. Pure but for the sink; any
-// thread.
+// over, in time linear in the text; docs/link-scanning.md says why. Pure but for the sink; any thread.
 #pragma once
 
 #include <string_view>
