@@ -66,8 +66,10 @@ URLNames NamesInURL(std::string_view url) {
   const std::size_t pathStart = std::min(url.find('/'), url.size());
   std::string_view host = url.substr(0, pathStart);
   host.remove_prefix(host.rfind('@') + 1);  // npos + 1 is 0
+  const bool isInBrackets = host.starts_with('[');
+  if (isInBrackets) host.remove_prefix(1);
   const std::string_view path = url.substr(pathStart);
-  return {path.substr(path.rfind('/') + 1), host.substr(0, host.find(':'))};
+  return {path.substr(path.rfind('/') + 1), host.substr(0, host.find(isInBrackets ? ']' : ':'))};
 }
 
 // Characters that cannot be seen in a name, or that change how the rest of it is seen.

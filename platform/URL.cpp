@@ -25,6 +25,23 @@ qsizetype FindAnyOf(QStringView text, QStringView delimiters, qsizetype from) {
          text.begin();
 }
 
+// Whether the text in brackets is an address (RFC 3986, section 3.2.2): of IPv6, perhaps with a zone after
+// "%25" (RFC 6874), or of a version yet to come. Its characters may stand in a URL.
+bool IsAddressLiteral(QStringView text) {
+  constexpr QStringView kZoneMark(u"%25");
+  if (text.startsWith(u'v', Qt::CaseInsensitive)) {
+    const qsizetype dot = text.indexOf(u'.');
+    return dot > 1 && dot + 1 < text.size() && !text.contains(u'%') &&
+           std::all_of(text.begin() + 1, text.begin() + dot, IsHexDigit);
+  }
+  const qsizetype zone = text.indexOf(u'%');
+  if (zone >= 0) {
+    if (!text.sliced(zone).startsWith(kZoneMark) || zone + kZoneMark.size() == text.size()) return false;
+    text.truncate(zone);
+  }
+  return QUrl(QStringLiteral("http://[%1]").arg(text), QUrl::StrictMode).isValid();
+}
+
 // Whether what looks like a port in an authority cannot be one; then it is the beginning of a password that
 // holds a delimiter.
 bool HasImpossiblePort(QStringView authority) {
@@ -66,11 +83,27 @@ Parts SplitURL(const QString& text) {
   return parts;
 }
 
+// The authority without the user, perhaps with a port.
+QStringView HostAndPort(const QString& text) {
+  const Span span = SplitURL(text).authority;
+  const QStringView authority = QStringView(text).sliced(span.start, span.length);
+  return authority.sliced(authority.lastIndexOf(u'@') + 1);
+}
+
+// Whether the only brackets of a URL are those around the address of its host.
+bool BracketsHoldAddress(const QString& text) {
+  const QStringView host = HostAndPort(text);
+  const qsizetype end = host.indexOf(u']');
+  return text.count(u'[') == 1 && text.count(u']') == 1 && host.startsWith(u'[') && end > 0 &&
+         (end + 1 == host.size() || host[end + 1] == u':') && IsAddressLiteral(host.sliced(1, end - 1));
+}
+
 }  // namespace
 
 std::optional<URL> URL::URLWithString(const QString& text) {
   if (text.isEmpty()) return std::nullopt;
   bool inFragment = false;
+  bool hasBracket = false;
   for (qsizetype i = 0; i < text.size(); ++i) {
     const QChar c = text[i];
     if (c == u'%') {
@@ -78,11 +111,13 @@ std::optional<URL> URL::URLWithString(const QString& text) {
     } else if (c == u'#') {
       if (inFragment) return std::nullopt;
       inFragment = true;
+    } else if (c == u'[' || c == u']') {
+      hasBracket = true;
     } else if (!MayStandInURL(c)) {
       return std::nullopt;
     }
   }
-  return URL(text);
+  return hasBracket && !BracketsHoldAddress(text) ? std::nullopt : std::optional(URL(text));
 }
 
 QString URL::stringWithoutCredentials() const {
@@ -95,11 +130,9 @@ QString URL::scheme() const {
 }
 
 QString URL::host() const {
-  const Span span = SplitURL(text_).authority;
-  QString host = text_.sliced(span.start, span.length);
-  host = host.sliced(host.lastIndexOf(u'@') + 1);
-  const qsizetype colon = host.indexOf(u':');
-  return colon < 0 ? host : host.first(colon);
+  const QStringView host = HostAndPort(text_);
+  if (host.startsWith(u'[')) return host.sliced(1, host.indexOf(u']') - 1).toString();
+  return host.first(FindAnyOf(host, u":", 0)).toString();
 }
 
 QString URL::path() const {
@@ -113,6 +146,12 @@ QString URL::pathExtension() const {
   const QString name = QUrl::fromPercentEncoding(escaped.toLatin1());
   const qsizetype dot = name.lastIndexOf(u'.');
   return dot <= 0 ? QString() : name.sliced(dot + 1);
+}
+
+bool HasWebScheme(QStringView text) {
+  constexpr QStringView kSchemes[] = {u"http://", u"https://", u"ftp://"};
+  return std::any_of(std::begin(kSchemes), std::end(kSchemes),
+                     [text](QStringView scheme) { return text.startsWith(scheme, Qt::CaseInsensitive); });
 }
 
 QString WithoutCredentials(const QString& text) {

@@ -2,9 +2,9 @@
 //
 // What counts as a URL, everywhere in the program.
 //
-// A text makes a URL when all its characters may stand in one (RFC 2396, section 2): nothing else is asked,
-// so that a relative text such as "site-a.test" makes one and fails later, where it is used. Pure values; any
-// thread.
+// A text makes a URL when all its characters may stand in one (RFC 2396, section 2), with brackets around the
+// address of a host (RFC 3986, section 3.2.2) and nowhere else: nothing more is asked, so that a relative
+// text such as "site-a.test" makes one and fails later, where it is used. Pure values; any thread.
 #pragma once
 
 #include <QString>
@@ -12,14 +12,15 @@
 
 namespace quillforth::platform {
 
-/// A text of RFC 2396 characters, kept exactly as it came.
+/// A text of RFC 2396 characters and, perhaps, an address in brackets, kept exactly as it came.
 ///
 /// Grammar of the parts (RFC 2396, appendix B): [scheme ":"] ["//" authority] path ["?" query] ["#"
 /// fragment].
 class URL {
  public:
   /// Nothing for an empty text, or one that holds a blank, a control, non-ASCII or excluded character, a "%"
-  /// without two hexadecimal digits after it, or a second "#".
+  /// without two hexadecimal digits after it, or a second "#". Nor for brackets that are not around the whole
+  /// host, or hold no address: IPv6, also with a zone ("fe80::1%25eth0", RFC 6874), or IPvFuture.
   [[nodiscard]] static std::optional<URL> URLWithString(const QString& text);
 
   /// The whole text, user name and password included.
@@ -28,7 +29,7 @@ class URL {
   [[nodiscard]] QString stringWithoutCredentials() const;
   /// In lower case; empty when there is none.
   [[nodiscard]] QString scheme() const;
-  /// Without user and port; empty when there is no authority. %-escapes stay.
+  /// Without user, port and the brackets of an address; empty when there is no authority. %-escapes stay.
   [[nodiscard]] QString host() const;
   /// The path as written, %-escapes included; may be empty.
   [[nodiscard]] QString path() const;
@@ -41,6 +42,10 @@ class URL {
 
   QString text_;
 };
+
+/// Whether `text` begins like what the program can download: "http://", "https://" or "ftp://", letter case
+/// apart.
+[[nodiscard]] bool HasWebScheme(QStringView text);
 
 /// `text` without "user:password@", whether or not it makes a URL.
 ///

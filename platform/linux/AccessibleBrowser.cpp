@@ -128,9 +128,7 @@ QString WebAddress(const QString& text) {
     escaped += isEscaped ? u'%' + QString::number(c.unicode(), 16).toUpper() : QString(c);
   }
   const std::optional<URL> url = URL::URLWithString(escaped);
-  if (!url || url->host().isEmpty()) return {};
-  const QString scheme = url->scheme();
-  return scheme == u"http" || scheme == u"https" || scheme == u"ftp" ? escaped : QString();
+  return url && HasWebScheme(escaped) && !url->host().isEmpty() ? escaped : QString();
 }
 
 }  // namespace quillforth::platform

@@ -5,12 +5,11 @@
 namespace quillforth::platform {
 
 bool CanBeFetched(const URL& url) {
-  const QString scheme = url.scheme();
-  return (scheme == u"http" || scheme == u"https" || scheme == u"ftp") && !url.host().isEmpty();
+  return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
 }
 
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url) {
-  // RFC 2396 characters are ASCII, so this conversion loses nothing.
+  // A URL's characters are ASCII, so this conversion loses nothing.
   ApplyCommonOptions(handle, settings, url.absoluteString().toLatin1().toStdString());
 }
 

@@ -41,7 +41,8 @@ std::optional<RequestURL> RequestURL::parse(const std::string& text) {
     if (curl_url_set(url.get(), part, nullptr, 0) != CURLUE_OK) return std::nullopt;
   }
   request.host = Part(url.get(), CURLUPART_HOST);
-  request.origin = scheme + "://" + request.host + ":" + Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  request.origin = scheme + "://" + request.host + Part(url.get(), CURLUPART_ZONEID) + ":" +
+                   Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
   request.path = Part(url.get(), CURLUPART_PATH);
   request.text = Part(url.get(), CURLUPART_URL);
   if (request.host.empty() || request.text.empty()) return std::nullopt;

@@ -19,7 +19,7 @@ struct Login {
 
 struct RequestURL {
   std::string text;    ///< absolute; no user name, password or fragment
-  std::string origin;  ///< "scheme://host:port", always with the port
+  std::string origin;  ///< "scheme://host:port", always with the port; an address has its zone after it
   std::string host;
   std::string path;  ///< begins with "/"
   std::optional<Login> login;

@@ -61,6 +61,24 @@ TEST_F(Get, EveryURLOfAMixedRunHasItsOutcome) {
   EXPECT_EQ((outcome.output + outcome.errors).find("secret"), std::string::npos);
 }
 
+TEST_F(Get, AnAddressOfIPv6IsAHostEverywhere) {
+  std::optional<RawServer> server;
+  try {
+    server.emplace(Serving({{"/g/", HtmlReply("<a href=\"a.jpg\"><a href=\"/move.zip\">")},
+                            {"/g/a.jpg", HttpReply("200 OK", "a")},
+                            {"/move.zip", HttpReply("302 Found", "", "Location: /?b\r\n")},
+                            {"/?b", HttpReply("200 OK", "b")}}),
+                   RawServer::Greeting::client, "[::1]");
+  } catch (const std::runtime_error&) {
+    GTEST_SKIP() << "no IPv6 here";
+  }
+  std::string page = server->url("/g/");
+  const Outcome outcome = get({page.insert(7, "me:secret@")});
+  EXPECT_EQ(outcome.output, "done " + server->url("/g/a.jpg") + " -> " + inFolder("a.jpg") + "\ndone " +
+                                server->url("/move.zip") + " -> " + inFolder("::1") + '\n');
+  EXPECT_EQ(outcome.errors, "");
+}
+
 TEST_F(Get, JsonTellsTheSameAnObjectALine) {
   const Outcome outcome = get({"--json", server_.url("/g/index.html")});
   std::map<std::string, int> events;

@@ -48,18 +48,23 @@ bool RawServer::Connection::waitForEnd(int milliseconds) const {
   return ::poll(&entry, 1, milliseconds) > 0;
 }
 
-RawServer::RawServer(Handler handler, Greeting greeting) : handler_(std::move(handler)), greeting_(greeting) {
-  listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  if (listener_ < 0 || ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
-      ::listen(listener_, 128) != 0 ||
-      ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+RawServer::RawServer(Handler handler, Greeting greeting, std::string host)
+    : handler_(std::move(handler)), greeting_(greeting), host_(std::move(host)) {
+  const bool isV6 = host_.starts_with('[');
+  sockaddr_in v4{};
+  v4.sin_family = AF_INET;
+  v4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  sockaddr_in6 v6{};
+  v6.sin6_family = AF_INET6;
+  v6.sin6_addr = in6addr_loopback;
+  auto* const address = isV6 ? reinterpret_cast<sockaddr*>(&v6) : reinterpret_cast<sockaddr*>(&v4);
+  socklen_t size = isV6 ? sizeof v6 : sizeof v4;
+  listener_ = ::socket(address->sa_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (listener_ < 0 || ::bind(listener_, address, size) != 0 || ::listen(listener_, 128) != 0 ||
+      ::getsockname(listener_, address, &size) != 0) {
     throw std::runtime_error("no loopback socket");
   }
-  port_ = ntohs(address.sin_port);
+  port_ = ntohs(isV6 ? v6.sin6_port : v4.sin_port);
   acceptor_ = std::thread([this] { acceptConnections(); });
 }
 
@@ -76,7 +81,7 @@ RawServer::~RawServer() {
 }
 
 std::string RawServer::url(std::string_view path) const {
-  return "http://127.0.0.1:" + std::to_string(port_) + std::string(path);
+  return "http://" + host_ + ":" + std::to_string(port_) + std::string(path);
 }
 
 std::vector<std::string> RawServer::requests() const {

@@ -45,13 +45,14 @@ class RawServer {
 
   /// `server`: for protocols in which the server speaks first (FTP); the handler gets an empty request.
   enum class Greeting { client, server };
-  explicit RawServer(Handler handler, Greeting greeting = Greeting::client);
+  /// `host`: "127.0.0.1", or "[::1]" where the machine has it.
+  explicit RawServer(Handler handler, Greeting greeting = Greeting::client, std::string host = "127.0.0.1");
   ~RawServer();
   RawServer(const RawServer&) = delete;
   RawServer& operator=(const RawServer&) = delete;
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
-  /// "http://127.0.0.1:PORT" and `path`, which begins with "/".
+  /// "http://HOST:PORT" and `path`, which begins with "/".
   [[nodiscard]] std::string url(std::string_view path) const;
   /// Request headers so far, in order of arrival.
   [[nodiscard]] std::vector<std::string> requests() const;
@@ -63,6 +64,7 @@ class RawServer {
 
   Handler handler_;
   Greeting greeting_;
+  std::string host_;
   int listener_ = -1;
   std::uint16_t port_ = 0;
   std::atomic<int> connectionCount_ = 0;
