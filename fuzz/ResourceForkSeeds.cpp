@@ -26,6 +26,10 @@ QByteArray PropertyListBytes(decltype(&plist_to_xml) write, decltype(&plist_to_x
   return copy;
 }
 
+QByteArray WideBytes(QStringView text) {
+  return {reinterpret_cast<const char*>(text.utf16()), text.size() * 2};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -38,6 +42,10 @@ int main(int argc, char** argv) {
       PropertyListBytes(&plist_to_bin, &plist_to_bin_free),
       "[InternetShortcut]\r\nURL=http://site-a.test/\r\n",
       "[Desktop Entry]\nType=Link\nURL=http://site-a.test/\\s\n",
+      "[InternetShortcut]\rURL=http://site-a.test/\r",
+      "[Desktop Entry]\nType[$i]=Link\nURL[$e]=http://site-a.test/$$\n",
+      WideBytes(u"\uFEFF[InternetShortcut]\r\nURL=http://site-a.test/\r\n"),
+      WideBytes(u"<plist><dict><key>URL</key><string>http://site-a.test/</string></dict></plist>"),
       "file://localhost/a%20b?c#d",
   };
   for (std::size_t i = 0; i < std::size(seeds); ++i) {

@@ -2,6 +2,10 @@
 
 #include "platform/linux/LinkFile.h"
 
+#include <QStringDecoder>
+#include <algorithm>
+
+#include "platform/URL.h"
 #include "platform/linux/PropertyListLink.h"
 
 namespace quillforth::platform {
@@ -13,33 +17,65 @@ enum class Kind { propertyList, internetShortcut, desktopEntry };
 constexpr QByteArrayView kShortcutGroup("[InternetShortcut]");
 constexpr QByteArrayView kDesktopGroup("[Desktop Entry]");
 
-QByteArrayView WithoutByteOrderMark(QByteArrayView bytes) {
+std::optional<QStringDecoder::Encoding> WideEncodingOf(QByteArrayView bytes) {
+  if (bytes.size() < 2) return std::nullopt;
+  // Every kind of link file begins with a character of ASCII, if not with a byte-order mark.
+  if (bytes.startsWith("\xFF\xFE") || (bytes[0] != 0 && bytes[1] == 0)) return QStringDecoder::Utf16LE;
+  if (bytes.startsWith("\xFE\xFF") || (bytes[0] == 0 && bytes[1] != 0)) return QStringDecoder::Utf16BE;
+  return std::nullopt;
+}
+
+// The text in UTF-8, without a byte-order mark.
+QByteArray Content(QByteArrayView bytes) {
   constexpr QByteArrayView kMark("\xEF\xBB\xBF");
-  return bytes.startsWith(kMark) ? bytes.sliced(kMark.size()) : bytes;
+  if (const auto encoding = WideEncodingOf(bytes)) {
+    return QString(QStringDecoder(*encoding, QStringDecoder::Flag::Stateless).decode(bytes)).toUtf8();
+  }
+  return bytes.sliced(bytes.startsWith(kMark) ? kMark.size() : 0).toByteArray();
 }
 
 // Takes the first line off `rest`, without its end and the blanks around it; nothing when all are taken.
+// Lines end in LF, CR LF, where an empty one follows, or CR.
 std::optional<QByteArrayView> TakeLine(QByteArrayView& rest) {
   if (rest.isEmpty()) return std::nullopt;
-  const qsizetype end = rest.indexOf('\n');
-  const QByteArrayView line = end < 0 ? rest : rest.first(end);
-  rest = end < 0 ? QByteArrayView() : rest.sliced(end + 1);
+  const auto end = std::find_if(rest.begin(), rest.end(), [](char c) { return c == '\n' || c == '\r'; });
+  const qsizetype length = end - rest.begin();
+  const QByteArrayView line = rest.first(length);
+  rest = rest.sliced(std::min(length + 1, rest.size()));
   return line.trimmed();
 }
 
+struct Value {
+  QByteArrayView text;
+  bool mayHoldVariables;
+};
+
+// What `line` says of `key`. The key may have flags of KDE after it: "key[$i]" is not to be changed, the
+// value of "key[$e]" may hold variables.
+std::optional<Value> ValueOf(QByteArrayView line, QByteArrayView key, Qt::CaseSensitivity letterCase) {
+  const qsizetype equals = line.indexOf('=');
+  if (equals < 0) return std::nullopt;
+  QByteArrayView name = line.first(equals).trimmed();
+  QByteArrayView flags;
+  if (const qsizetype mark = name.indexOf("[$"); mark >= 0 && name.endsWith(']')) {
+    flags = name.sliced(mark + 2).chopped(1);
+    name.truncate(mark);
+  }
+  const bool isKnown = std::all_of(flags.begin(), flags.end(), [](char c) { return c == 'e' || c == 'i'; });
+  if (!isKnown || name.compare(key, letterCase) != 0) return std::nullopt;
+  return Value{line.sliced(equals + 1).trimmed(), flags.contains('e')};
+}
+
 // The first value of `key` in the first group with the header `group`.
-std::optional<QByteArrayView> ValueInGroup(QByteArrayView text, QByteArrayView group, QByteArrayView key,
-                                           Qt::CaseSensitivity letterCase) {
+std::optional<Value> ValueInGroup(QByteArrayView text, QByteArrayView group, QByteArrayView key,
+                                  Qt::CaseSensitivity letterCase) {
   bool inGroup = false;
   while (const std::optional<QByteArrayView> line = TakeLine(text)) {
     if (line->startsWith('[')) {
       if (inGroup) return std::nullopt;
       inGroup = line->compare(group, letterCase) == 0;
-      continue;
-    }
-    const qsizetype equals = inGroup ? line->indexOf('=') : -1;
-    if (equals >= 0 && line->first(equals).trimmed().compare(key, letterCase) == 0) {
-      return line->sliced(equals + 1).trimmed();
+    } else if (inGroup) {
+      if (std::optional<Value> value = ValueOf(*line, key, letterCase)) return value;
     }
   }
   return std::nullopt;
@@ -67,15 +103,15 @@ QByteArray Unescaped(QByteArrayView value) {
 
 std::optional<QByteArray> URLInInternetShortcut(QByteArrayView text) {
   const auto url = ValueInGroup(text, kShortcutGroup, "URL", Qt::CaseInsensitive);
-  return url ? std::optional(url->toByteArray()) : std::nullopt;
+  return url ? std::optional(url->text.toByteArray()) : std::nullopt;
 }
 
 std::optional<QByteArray> URLInDesktopEntry(QByteArrayView text) {
-  if (ValueInGroup(text, kDesktopGroup, "Type", Qt::CaseSensitive) != QByteArrayView("Link")) {
-    return std::nullopt;
-  }
+  const auto type = ValueInGroup(text, kDesktopGroup, "Type", Qt::CaseSensitive);
   const auto url = ValueInGroup(text, kDesktopGroup, "URL", Qt::CaseSensitive);
-  return url ? std::optional(Unescaped(*url)) : std::nullopt;
+  if (!type || type->text != "Link" || !url) return std::nullopt;
+  const QByteArray unescaped = Unescaped(url->text);
+  return url->mayHoldVariables ? QByteArray(unescaped).replace("$$", "$") : unescaped;
 }
 
 std::optional<Kind> KindOfContent(QByteArrayView text) {
@@ -89,7 +125,7 @@ std::optional<Kind> KindOfExtension(QByteArrayView extension) {
   const auto is = [extension](QByteArrayView known) {
     return extension.compare(known, Qt::CaseInsensitive) == 0;
   };
-  if (is("webloc")) return Kind::propertyList;
+  if (is("webloc") || is("inetloc")) return Kind::propertyList;
   if (is("url")) return Kind::internetShortcut;
   return is("desktop") ? std::optional(Kind::desktopEntry) : std::nullopt;
 }
@@ -100,14 +136,8 @@ std::optional<Kind> KindOf(std::string_view name, QByteArrayView text) {
   return KindOfExtension(name.substr(dot + 1));
 }
 
-}  // namespace
-
-std::optional<QByteArray> URLInLinkFile(std::string_view name, QByteArrayView bytes) {
-  if (bytes.size() > kMaxLinkFileLength) return std::nullopt;
-  const QByteArrayView text = WithoutByteOrderMark(bytes);
-  const std::optional<Kind> kind = KindOf(name, text);
-  if (!kind) return std::nullopt;
-  switch (*kind) {
+std::optional<QByteArray> URLOfKind(Kind kind, QByteArrayView text) {
+  switch (kind) {
     case Kind::propertyList:
       return URLInPropertyList(text);
     case Kind::internetShortcut:
@@ -116,6 +146,16 @@ std::optional<QByteArray> URLInLinkFile(std::string_view name, QByteArrayView by
       return URLInDesktopEntry(text);
   }
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<QByteArray> URLInLinkFile(std::string_view name, QByteArrayView bytes) {
+  if (bytes.size() > kMaxLinkFileLength) return std::nullopt;
+  const QByteArray text = Content(bytes);
+  const std::optional<Kind> kind = KindOf(name, text);
+  std::optional<QByteArray> url = kind ? URLOfKind(*kind, text) : std::nullopt;
+  return url && HasWebScheme(QString::fromUtf8(*url)) ? url : std::nullopt;
 }
 
 }  // namespace quillforth::platform

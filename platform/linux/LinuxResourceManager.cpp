@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "platform/AppleDouble.h"
 #include "platform/ResourceMap.h"
@@ -23,6 +24,9 @@ namespace quillforth::platform {
 namespace {
 
 constexpr std::array kForkAttributes{"user.com.apple.ResourceFork", "user.org.netatalk.ResourceFork"};
+
+// Folders from the file's own up that may be the root of an unpacked archive.
+constexpr std::size_t kMostLevels = 32;
 
 // What a link file answers with.
 class LinkFork final : public ResourceFork {
@@ -84,32 +88,56 @@ std::unique_ptr<ResourceFork> ForkInAppleDouble(QByteArrayView bytes) {
   return fork ? ResourceMap::read(fork->toByteArray()) : nullptr;
 }
 
+bool HaveSameOwner(const FileDescriptor& a, const FileDescriptor& b) {
+  struct stat first {};
+  struct stat second {};
+  return ::fstat(a.get(), &first) == 0 && ::fstat(b.get(), &second) == 0 && first.st_uid == second.st_uid;
+}
+
 // The places of a file's fork, one after the other.
 class ForkSearch {
  public:
   explicit ForkSearch(const std::filesystem::path& path)
       : name_(path.filename().string()),
-        folder_(OpenFolder(AT_FDCWD, path.parent_path().c_str())),
+        folderPath_(path.parent_path()),
+        folder_(OpenFolder(AT_FDCWD, folderPath_.c_str())),
         file_(OpenRegularFile(folder_.get(), name_)) {}
 
   [[nodiscard]] std::unique_ptr<ResourceFork> run() {
     if (!file_.isOpen()) return nullptr;
-    const bool found = lookInCompanion(folder_, "._" + name_) ||
-                       lookInCompanion(OpenFolder(folder_.get(), ".AppleDouble"), name_) ||
-                       lookInCompanion(OpenFolder(folder_.get(), "__MACOSX"), "._" + name_) ||
-                       std::any_of(kForkAttributes.begin(), kForkAttributes.end(),
-                                   [this](const char* attribute) { return lookInAttribute(attribute); });
+    const bool found =
+        lookInCompanion(OpenRegularFile(folder_.get(), "._" + name_)) ||
+        lookInCompanion(OpenRegularFile(OpenFolder(folder_.get(), ".AppleDouble").get(), name_)) ||
+        lookInArchives() ||
+        std::any_of(kForkAttributes.begin(), kForkAttributes.end(),
+                    [this](const char* attribute) { return lookInAttribute(attribute); });
     if (!found) useLink();
     return std::move(fork_);
   }
 
  private:
   // Each says whether there is nothing left to look for.
-  bool lookInCompanion(const FileDescriptor& folder, const std::string& name) {
-    const FileDescriptor companion = folder.isOpen() ? OpenRegularFile(folder.get(), name) : FileDescriptor();
+  bool lookInCompanion(const FileDescriptor& companion) {
     const auto bytes =
         companion.isOpen() ? ReadFile(companion, kMaxResourceForkLength) : std::optional<QByteArray>();
     return bytes && take(ForkInAppleDouble(*bytes));
+  }
+  // One folder in an archive holds the companions of all: "a/b/name" has "__MACOSX/a/b/._name". Above the
+  // file's own folder somebody else may have made it, so there a companion has to be of the file's owner.
+  bool lookInArchives() {
+    std::vector<std::string> below;
+    for (std::filesystem::path root = folderPath_; below.size() < kMostLevels; root = root.parent_path()) {
+      FileDescriptor place = OpenFolder(AT_FDCWD, (root / "__MACOSX").c_str());
+      for (auto name = below.rbegin(); place.isOpen() && name != below.rend(); ++name) {
+        place = OpenFolder(place.get(), name->c_str());
+      }
+      const FileDescriptor companion = OpenRegularFile(place.get(), "._" + name_);
+      const bool counts = below.empty() || HaveSameOwner(companion, file_);
+      if (counts && lookInCompanion(companion)) return true;
+      if (!root.has_relative_path()) break;
+      below.push_back(root.filename().string());
+    }
+    return false;
   }
   bool lookInAttribute(const char* attribute) {
     const QByteArray value = ReadAttribute(file_, attribute);
@@ -129,6 +157,7 @@ class ForkSearch {
   }
 
   std::string name_;
+  std::filesystem::path folderPath_;
   FileDescriptor folder_;
   FileDescriptor file_;
   std::unique_ptr<ResourceFork> fork_;

@@ -3,7 +3,8 @@
 // Resource forks on Linux, where no file system has them: other places keep them, and link files stand in.
 //
 // A fork is looked for, in this order,
-//   - in AppleDouble files: "._name" beside the file, ".AppleDouble/name", "__MACOSX/._name";
+//   - in AppleDouble files: "._name" beside the file, ".AppleDouble/name", "__MACOSX/._name", and as archives
+//     are unpacked, "__MACOSX/folder/._name" beside "folder/name", where "folder" is up to 31 folders deep;
 //   - in the attributes "user.com.apple.ResourceFork" and "user.org.netatalk.ResourceFork", which hold the
 //     fork or an AppleDouble file with it.
 // The first that holds a 'url ' resource counts. Without one, a link file (LinkFile.h) answers as a fork with

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <QTemporaryDir>
 #include <filesystem>
@@ -68,8 +69,8 @@ TEST_F(OpenedFiles, NothingOutsideItsPlaceInAForkIsRead) {
 
 TEST_F(OpenedFiles, AForkIsFoundInEachOfItsPlaces) {
   const std::string name = "\xFF name.url";
-  write(name, "[InternetShortcut]\nURL=link");
-  EXPECT_EQ(open(name), "link");
+  write(name, "[InternetShortcut]\nURL=http://link");
+  EXPECT_EQ(open(name), "http://link");
   for (const std::string& place : {"__MACOSX/._" + name, ".AppleDouble/" + name, "._" + name}) {
     write(place, AppleDoubleBytes(ForkBytes("url ", {QByteArray::fromStdString(place)})));
     EXPECT_EQ(open(name), place);
@@ -78,6 +79,19 @@ TEST_F(OpenedFiles, AForkIsFoundInEachOfItsPlaces) {
   EXPECT_EQ(open(name), ".AppleDouble/" + name) << "a fork without a URL hides none";
   std::filesystem::create_symlink(name, path("link"));
   EXPECT_EQ(open("link"), ".AppleDouble/" + name);
+}
+
+TEST_F(OpenedFiles, AnArchiveKeepsTheForksOfItsFoldersBesideThem) {
+  write("one/two/file", "");
+  write("one/__MACOSX/other/._file", AppleDoubleBytes(kFork));
+  EXPECT_EQ(open("one/two/file"), "-");
+  for (const char* companion : {"__MACOSX/one/two/._file", "one/__MACOSX/two/._file"}) {
+    write(companion, AppleDoubleBytes(kFork));
+    EXPECT_EQ(open("one/two/file"), "abc") << companion;
+    const bool isGivenAway = ::chown(path(companion).c_str(), 65534, 65534) == 0;
+    EXPECT_EQ(open("one/two/file"), isGivenAway ? "-" : "abc") << companion;
+    std::filesystem::remove(path(companion));
+  }
 }
 
 TEST_F(OpenedFiles, AForkIsFoundInEachOfItsAttributes) {
