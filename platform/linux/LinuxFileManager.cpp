@@ -69,6 +69,13 @@ std::string HomeFolder() {
   return WithoutTrailingSlashes(home);
 }
 
+std::string DataFolder() {
+  std::string folder = WithoutTrailingSlashes(AbsoluteFromEnvironment("XDG_DATA_HOME"));
+  if (!folder.empty()) return folder;
+  const std::string home = HomeFolder();
+  return home.empty() ? std::string() : home + "/.local/share";
+}
+
 FileResult LinuxFileManager::makeReference(const FileReference& folder, std::string_view name) {
   FileResult item = ItemIn(folder, name);
   struct stat status {};
@@ -87,12 +94,8 @@ FileResult LinuxFileManager::createDirectory(const FileReference& folder, std::s
 }
 
 FileResult LinuxFileManager::findApplicationSupportFolder() {
-  std::string path = WithoutTrailingSlashes(AbsoluteFromEnvironment("XDG_DATA_HOME"));
-  if (path.empty()) {
-    const std::string home = HomeFolder();
-    if (home.empty()) return {common::kFileNotFound, {}};
-    path = home + "/.local/share";
-  }
+  std::string path = DataFolder();
+  if (path.empty()) return {common::kFileNotFound, {}};
   const common::Status status = MakeFolders(path);
   if (status != common::kNoError) return {status, {}};
   return {common::kNoError, FileReference(std::move(path))};

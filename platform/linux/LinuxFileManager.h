@@ -11,6 +11,10 @@ namespace quillforth::platform {
 /// The user's home folder: $HOME where it is absolute, else the user database's; empty when there is neither.
 [[nodiscard]] std::string HomeFolder();
 
+/// The user's folder for data of programs: $XDG_DATA_HOME where it is absolute, else ".local/share" in the
+/// home folder; empty without one. It need not exist.
+[[nodiscard]] std::string DataFolder();
+
 class LinuxFileManager final : public FileManager {
  public:
   [[nodiscard]] FileResult makeReference(const FileReference& folder, std::string_view name) override;

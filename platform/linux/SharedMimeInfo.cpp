@@ -9,6 +9,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/linux/LinuxFileManager.h"
+
 namespace quillforth::platform {
 
 namespace {
@@ -35,9 +37,7 @@ std::vector<std::filesystem::path> DataFolders() {
       folders.push_back(normal);
     }
   };
-  const std::string home = Environment("XDG_DATA_HOME");
-  add(home.empty() ? std::filesystem::path(Environment("HOME")) / ".local/share"
-                   : std::filesystem::path(home));
+  add(DataFolder());
   std::string others = Environment("XDG_DATA_DIRS");
   if (others.empty()) others = "/usr/local/share:/usr/share";
   for (std::string_view left = others; !left.empty();) add(TakeField(left, ':'));
@@ -67,6 +67,10 @@ bool IsType(std::string_view text) {
   const std::size_t slash = text.find('/');
   return text.size() <= 255 && slash != 0 && slash < text.size() - 1 &&
          std::all_of(text.begin(), text.end(), isVisible);
+}
+
+bool IsText(std::string_view type) {
+  return type.starts_with("text/");
 }
 
 // "weight:type:pattern" and possibly more fields, such as ":cs" for a pattern in which letter case counts;
@@ -130,11 +134,13 @@ common::Status SharedMimeInfo::getPrefHandle(std::string_view key) {
   return common::kNoError;
 }
 
-// A type with the pattern "__NOGLOBS__" hides its patterns in all folders that matter less.
+// A type with the pattern "__NOGLOBS__" hides its patterns in all folders that matter less. In one folder
+// text matters less than its equals: a file that is taken for a page is not downloaded.
 void SharedMimeInfo::readFolder(const std::filesystem::path& folder,
                                 std::set<std::string, std::less<>>& hiddenTypes) {
   const std::string text = ReadFile(folder / "mime/globs2");
   std::vector<std::string> newlyHidden;
+  const auto first = static_cast<std::ptrdiff_t>(globs_.size());
   for (std::string_view left = text; !left.empty();) {
     const std::optional<GlobLine> line = ParseLine(TakeField(left, '\n'));
     if (!line) continue;
@@ -143,6 +149,8 @@ void SharedMimeInfo::readFolder(const std::filesystem::path& folder,
     if (extension.empty() || globs_.size() >= kMaxEntries || hiddenTypes.contains(line->type)) continue;
     globs_.push_back({line->weight, std::string(extension), std::string(line->type)});
   }
+  std::stable_partition(globs_.begin() + first, globs_.end(),
+                        [](const Glob& glob) { return !IsText(glob.type); });
   hiddenTypes.insert(newlyHidden.begin(), newlyHidden.end());
 }
 
@@ -157,7 +165,7 @@ common::Status SharedMimeInfo::getIndMapEntry(std::int32_t index, ICMapEntry& en
   entry = {};
   entry.fixedLength = offsetof(ICMapEntry, extension);
   entry.version = 1;
-  entry.fileType = common::FourCC(glob.type.starts_with("text/") ? "TEXT" : "BINA");
+  entry.fileType = common::FourCC(IsText(glob.type) ? "TEXT" : "BINA");
   entry.fileCreator = common::FourCC("????");
   entry.extension = MakePascalString(glob.extension);
   entry.MIMEType = MakePascalString(glob.type);

@@ -26,7 +26,7 @@ class EndToEnd : public ::testing::Test {
     std::string name = (parent / "quillforth-XXXXXX").string();
     root_ = ::mkdtemp(name.data());
     std::filesystem::create_directories(root_ / "data/mime");
-    std::ofstream(root_ / "data/mime/globs2") << "50:text/html:*.html\n50:application/xhtml+xml:*.html\n"
+    std::ofstream(root_ / "data/mime/globs2") << "80:text/html:*.html\n50:application/xhtml+xml:*.html\n"
                                                  "80:image/jpeg:*.jpg\n50:application/zip:*.zip\n";
     environment_ = {{"HOME", root_.string()},
                     {"XDG_DATA_DIRS", (root_ / "data").string()},
