@@ -272,7 +272,8 @@ Keys with a value of yes or no (or true, false, on, off, 1, 0):
 
 Key with a folder as its value:
   DestinationDirectory                 where downloads go: an existing folder,
-                                       found again after it was moved
+                                       found again after it was moved, unless
+                                       into the Trash
 
 Examples:
   quillforth-cli settings aggregateFiles yes

@@ -8,13 +8,18 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
 
 #include "platform/linux/FolderSearch.h"
+#include "platform/linux/LinuxFileManager.h"
 
 namespace quillforth::platform {
 
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr auto kLongestResolution = 900ms;
@@ -94,6 +99,28 @@ std::optional<std::string> FindByHandle(const AliasRecord& record) {
   return path && IsThatFolder(*path, record) ? path : std::nullopt;
 }
 
+bool IsNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// Whether the folder is in a Trash (freedesktop.org, Trash specification): the user's own, or anybody's at
+// the top of a file system, ".Trash/UID" or ".Trash-UID".
+bool IsInTrash(const std::string& path) {
+  std::error_code error;
+  const fs::path folder = fs::canonical(path, error);
+  if (error) return false;
+  constexpr std::string_view kPrefix(".Trash-");
+  std::string parent;
+  for (const std::string name : folder) {
+    const bool isShared = parent == ".Trash" && IsNumber(name);
+    if (isShared || (name.starts_with(kPrefix) && IsNumber(std::string_view(name).substr(kPrefix.size()))))
+      return true;
+    parent = name;
+  }
+  const fs::path own = fs::canonical(fs::path(DataFolder()) / "Trash", error);
+  return !error && std::mismatch(own.begin(), own.end(), folder.begin(), folder.end()).first == own.end();
+}
+
 }  // namespace
 
 std::optional<QByteArray> LinuxAliasManager::newAlias(const FileReference& folder) {
@@ -117,9 +144,9 @@ std::optional<FileReference> LinuxAliasManager::resolveAlias(const QByteArray& a
   }
   if (std::optional<std::string> path = find(*record)) {
     lastFoundPath_ = *path;
-    return FileReference(std::move(*path));
+    if (!IsInTrash(*path)) return FileReference(std::move(*path));
   }
-  if (IdentityAt(record->path)) return FileReference(record->path);
+  if (IdentityAt(record->path) && !IsInTrash(record->path)) return FileReference(record->path);
   return std::nullopt;
 }
 

@@ -3,9 +3,9 @@
 // Finds a folder again by what its file system knows of it.
 //
 // Looked for, in this order: at the stored path, where it was found the last time, among its old siblings, by
-// its file handle (open_by_handle_at(2); not everybody may), and below the home folder. When it is nowhere, a
-// folder that has taken its path stands in for it, as after a restored backup. About a second at most in all.
-// Main thread.
+// its file handle (open_by_handle_at(2); not everybody may), and below the home folder. When it is nowhere,
+// or in a Trash, a folder that has taken its path stands in for it, as after a restored backup; that is not
+// in a Trash either. About a second at most in all. Main thread.
 #pragma once
 
 #include <chrono>

@@ -57,6 +57,32 @@ TEST_F(Alias, FollowsTheFolderThroughRenamesAndMoves) {
   }
 }
 
+TEST_F(Alias, AFolderInATrashIsGone) {
+  qputenv("XDG_DATA_HOME", (home / "link").c_str());
+  fs::create_directories(home / "data/Trash/files");
+  fs::create_directory_symlink("data", home / "link");
+  for (const fs::path place : {"data/Trash/files", "a/.Trash-1000/files", "a/.Trash/1000/files/c"}) {
+    fs::create_directories(home / place);
+    for (const bool hasHandle : {true, false}) {
+      const QByteArray alias = hasHandle ? aliasOf(home / "a/b") : withoutHandle(aliasOf(home / "a/b"));
+      fs::rename(home / "a/b", home / place / "b");
+      EXPECT_EQ(resolved(alias), "") << place;
+      EXPECT_EQ(resolved(aliasOf(home / place / "b")), "") << "stored while it is there";
+      fs::create_directory(home / "a/b");
+      EXPECT_EQ(resolved(alias), home / "a/b") << "another one stands in";
+      fs::remove(home / "a/b");
+      fs::rename(home / place / "b", home / "a/back");
+      EXPECT_EQ(resolved(alias), home / "a/back") << place;
+      fs::rename(home / "a/back", home / "a/b");
+    }
+  }
+  for (const char* name : {".Trash", ".Trash-", ".Trash-x", "Trash", ".Trash/x/1"}) {
+    fs::create_directories(home / name / "b");
+    EXPECT_EQ(resolved(aliasOf(home / name / "b")), home / name / "b");
+  }
+  qunsetenv("XDG_DATA_HOME");
+}
+
 TEST_F(Alias, DoesNotTakeANewFolderForTheOldOneWhoseInodeItHas) {
   const QByteArray alias = aliasOf(home / "a/b");
   const platform::FolderIdentity identity = platform::IdentityAt((home / "a/b").string()).value();
