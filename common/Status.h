@@ -25,6 +25,8 @@ inline constexpr Status kOutOfMemory = -108;
 inline constexpr Status kWrongVolumeType = -123;
 /// No application of that signature runs.
 inline constexpr Status kProcessNotFound = -600;
+/// An item cannot leave its file system.
+inline constexpr Status kDifferentVolume = -1303;
 /// Neither a file nor a folder.
 inline constexpr Status kNotAFile = -1302;
 inline constexpr Status kDataTooBig = -1309;

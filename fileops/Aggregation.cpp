@@ -43,6 +43,11 @@ void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const
                QString::fromStdString(subfolder.path())));
 }
 
+// Whether something that is missing is the item itself.
+bool IsGone(const ItemReference& item, Status status) {
+  return status == common::kFileNotFound && item.parent.findItem(item.name) == common::kFileNotFound;
+}
+
 // Moves the item and says under which name, or why not. The file system tells first that the own name is
 // taken, so that it cannot be taken between a test and the move.
 struct Moved {
@@ -69,27 +74,22 @@ class Walk {
   AggregationResult run();
 
  private:
-  enum class Outcome { passedOver, moved, left };
   [[nodiscard]] bool hasPath(const std::string& name) const;
-  Outcome sort(const FolderItem& item);
-  Outcome moveIntoSubfolder(const ItemReference& item, std::string_view extension);
+  void sort(const FolderItem& item);
+  [[nodiscard]] Status moveIntoSubfolder(const ItemReference& item, std::string_view extension);
 
   const AggregationServices& services_;
   Folder& folder_;
+  AggregationResult result_;
   HiddenNames hidden_;
   Subfolders subfolders_;
 };
 
 AggregationResult Walk::run() {
-  AggregationResult result;
   std::vector<FolderItem> items;
-  result.status = ListFolderItems(folder_, false, items);
-  for (const FolderItem& item : items) {
-    const Outcome outcome = sort(item);
-    result.moved += outcome == Outcome::moved;
-    result.left += outcome == Outcome::left;
-  }
-  return result;
+  result_.status = ListFolderItems(folder_, false, items);
+  for (const FolderItem& item : items) sort(item);
+  return result_;
 }
 
 bool Walk::hasPath(const std::string& name) const {
@@ -97,19 +97,28 @@ bool Walk::hasPath(const std::string& name) const {
          IsUtf8(name);
 }
 
-Walk::Outcome Walk::sort(const FolderItem& item) {
-  if (ShouldSkipItem(item, hidden_)) return Outcome::passedOver;
+void Walk::sort(const FolderItem& item) {
+  if (ShouldSkipItem(item, hidden_)) return;
   const std::string_view extension = PathExtension(item.name);
-  if (extension.empty()) return Outcome::passedOver;
-  return hasPath(item.name) ? moveIntoSubfolder({folder_, item.name}, extension) : Outcome::left;
+  if (extension.empty()) return;
+  const ItemReference reference{folder_, item.name};
+  const Status status = hasPath(item.name) ? moveIntoSubfolder(reference, extension) : common::kBadName;
+  if (status == common::kNoError) {
+    ++result_.moved;
+  } else if (!IsGone(reference, status)) {
+    ++result_.left;
+    if (services_.itemStays) services_.itemStays(item.name, status);
+  }
 }
 
-Walk::Outcome Walk::moveIntoSubfolder(const ItemReference& item, std::string_view extension) {
-  Subfolder* const subfolder = subfolders_.forExtension(extension);
-  if (subfolder == nullptr) return Outcome::left;
-  if (MoveItemToFolderPath(services_, item, *subfolder)) return Outcome::moved;
-  LogThatItemStays(services_.log, item, *subfolder);
-  return Outcome::left;
+Status Walk::moveIntoSubfolder(const ItemReference& item, std::string_view extension) {
+  const Subfolders::Result found = subfolders_.forExtension(extension);
+  if (found.subfolder == nullptr) return found.status;
+  const Status status = MoveItemToFolderPath(services_, item, *found.subfolder);
+  if (status != common::kNoError && !IsGone(item, status)) {
+    LogThatItemStays(services_.log, item, *found.subfolder);
+  }
+  return status;
 }
 
 }  // namespace
@@ -143,35 +152,35 @@ bool ShouldSkipItem(const FolderItem& item, const HiddenNames& hidden) {
   return (!item.isFolder && hidden.contains(item.name)) || item.name.starts_with('.');
 }
 
-bool MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
-                          Subfolder& subfolder) {
+Status MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
+                            Subfolder& subfolder) {
   Status status = subfolder.open();
   if (status == common::kNoError) {
-    if (MoveItemPreservingComment(services, item, subfolder.folder())) return true;
-    if (!subfolder.wasReplaced()) return false;
+    status = MoveItemPreservingComment(services, item, subfolder.folder());
+    if (status == common::kNoError || !subfolder.wasReplaced()) return status;
     status = subfolder.open();
     if (status == common::kNoError) return MoveItemPreservingComment(services, item, subfolder.folder());
   }
   // What is no folder can be named all the same; it is the move into it that fails.
-  if (status != common::kNotAFolder) {
+  if (status != common::kNotAFolder && !IsGone(item, status)) {
     services.log.log(
         QStringLiteral("An error occurred moving a folder or file. Error code = %1").arg(status));
   }
-  return false;
+  return status;
 }
 
-bool MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
-                               Folder& destination) {
+Status MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
+                                 Folder& destination) {
   std::optional<QString> comment;
   if (services.comments != nullptr) {
     comment = services.comments->comment(platform::FileReference(PathInFolder(item.parent, item.name)));
   }
-  if (item.parent.isSameFolder(destination)) return true;
+  if (item.parent.isSameFolder(destination)) return common::kNoError;
   const Moved moved = MoveUnderFreeName(item, destination);
   if (comment && moved.status == common::kNoError) {
     services.comments->setComment(platform::FileReference(PathInFolder(destination, moved.name)), *comment);
   }
-  return moved.status == common::kNoError;
+  return moved.status;
 }
 
 }  // namespace quillforth::fileops

@@ -9,11 +9,13 @@
 // on. The folder itself is followed when it is a link; a subfolder that is one is no subfolder.
 //
 // Hidden items, and so transfers under way, are left alone. Items whose names are not UTF-8 have no path that
-// could be written in the log, and stay, silently. Problems go to the system's log only. One thread.
+// could be written in the log, and stay, silently. What has gone since the run began is nobody's concern.
+// Problems go to the system's log only. One thread.
 #pragma once
 
 #include <QString>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,6 +44,9 @@ struct AggregationServices {
   platform::FolderAccess& folders;
   platform::SystemLog& log;
   CommentPreservation* comments = nullptr;  ///< null: moves keep comments by themselves
+  /// Hears of each item that could not be moved, and why: -37 when its name is not UTF-8 or too long, -1303
+  /// for another file system, -1407 when its subfolder is no folder.
+  std::function<void(const std::string& name, common::Status reason)> itemStays = {};
 };
 
 struct AggregationResult {
@@ -70,12 +75,13 @@ AggregationResult AggregateFolderRef(const AggregationServices& services, platfo
 /// it is a folder's.
 [[nodiscard]] bool ShouldSkipItem(const platform::FolderItem& item, const HiddenNames& hidden);
 
-/// Moves an item into a subfolder; false when that failed. Logs only that the subfolder is gone.
-[[nodiscard]] bool MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
-                                        Subfolder& subfolder);
-/// Moves an item under its own name, or a unique one where that is taken. True without a move for an item
-/// that is in `destination` already.
-[[nodiscard]] bool MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
-                                             platform::Folder& destination);
+/// Moves an item into a subfolder. Logs only that the subfolder is gone.
+[[nodiscard]] common::Status MoveItemToFolderPath(const AggregationServices& services,
+                                                  const ItemReference& item, Subfolder& subfolder);
+/// Moves an item under its own name, or a unique one where that is taken. 0 without a move for an item that
+/// is in `destination` already.
+[[nodiscard]] common::Status MoveItemPreservingComment(const AggregationServices& services,
+                                                       const ItemReference& item,
+                                                       platform::Folder& destination);
 
 }  // namespace quillforth::fileops

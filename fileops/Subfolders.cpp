@@ -33,15 +33,16 @@ bool Subfolder::wasReplaced() {
   return true;
 }
 
-Subfolder* Subfolders::forExtension(std::string_view extension) {
+Subfolders::Result Subfolders::forExtension(std::string_view extension) {
   auto found = subfolders_.find(extension);
   if (found == subfolders_.end()) {
     std::string name(extension);
-    if (FindOrCreateFolder(parent_, name) != common::kNoError) return nullptr;
+    const common::Status status = FindOrCreateFolder(parent_, name);
+    if (status != common::kNoError) return {status, nullptr};
     found = subfolders_.try_emplace(name, parent_, name).first;
   }
   holdOpen(found->second);
-  return &found->second;
+  return {common::kNoError, &found->second};
 }
 
 void Subfolders::holdOpen(Subfolder& subfolder) {

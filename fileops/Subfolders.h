@@ -52,9 +52,14 @@ class Subfolders {
   /// `parent` outlives this.
   explicit Subfolders(platform::Folder& parent) : parent_(parent) {}
 
-  /// The subfolder named exactly like the extension, found or made; valid as long as this. Null when it
-  /// cannot be made, which is tried again the next time.
-  [[nodiscard]] Subfolder* forExtension(std::string_view extension);
+  /// `subfolder` is set when `status` is 0.
+  struct Result {
+    common::Status status;
+    Subfolder* subfolder;
+  };
+  /// The subfolder named exactly like the extension, found or made; valid as long as this. When it cannot be
+  /// made, that is tried again the next time.
+  [[nodiscard]] Result forExtension(std::string_view extension);
 
  private:
   // Makes room for one more that is about to be opened.

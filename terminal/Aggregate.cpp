@@ -5,6 +5,7 @@
 #include "app/Aggregation.h"
 #include "fileops/Aggregation.h"
 #include "fileops/MovePlan.h"
+#include "platform/LosslessText.h"
 #include "platform/SystemLog.h"
 #include "terminal/Folders.h"
 #include "terminal/Reporter.h"
@@ -27,21 +28,39 @@ class NoticeLog final : public platform::SystemLog {
   Output& errors_;
 };
 
+std::string Reason(common::Status status) {
+  switch (status) {
+    case common::kFileNotFound:
+      return "its subfolder is gone";
+    case common::kNotAFolder:
+      return "its subfolder is there as a file or a link";
+    case common::kPermissionDenied:
+      return "Permission denied";
+    case common::kDifferentVolume:
+      return "it is on another file system, or its subfolder is";
+    case common::kBadName:
+      return "its name is not UTF-8, or too long";
+    case common::kDiskFull:
+      return "No space left on device";
+    default:
+      return "error " + std::to_string(status);
+  }
+}
+
 int Fail(const std::string& message, Output& errors) {
   errors.write(NoticeText(QString::fromStdString(message)));
   return kExitFailure;
 }
 
-AggregationResult Plan(const QString& folder, platform::FolderAccess& folders, Output& results,
-                       platform::SystemLog& log) {
+AggregationResult Plan(const QString& folder, const fileops::AggregationServices& services, Output& results) {
   const auto relative = [&folder](const std::string& path) {
     const QString text = QString::fromStdString(path).sliced(folder.size());
     return Printable(text.startsWith(u'/') ? text.sliced(1) : text).toUtf8();
   };
-  fileops::MovePlan plan(folders, [&](const std::string& from, const std::string& to) {
+  fileops::MovePlan plan(services.folders, [&](const std::string& from, const std::string& to) {
     results.writeLine(relative(from) + '\t' + relative(to));
   });
-  return fileops::AggregateFolder({plan, log}, folder);
+  return fileops::AggregateFolder({plan, services.log, nullptr, services.itemStays}, folder);
 }
 
 }  // namespace
@@ -61,8 +80,13 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
     if (!Confirm(prompt, app::AggregationConfirmation(folder))) return Fail("nothing was moved", errors);
   }
   NoticeLog log(errors);
-  const AggregationResult result = arguments.dryRun ? Plan(folder, folders, results, log)
-                                                    : fileops::AggregateFolder({folders, log}, folder);
+  const fileops::AggregationServices services{
+      folders, log, nullptr, [&errors](const std::string& name, common::Status reason) {
+        const QString item = Printable(platform::LosslessText(name));
+        errors.write(NoticeText(item + QStringLiteral(" stays: ") + QString::fromStdString(Reason(reason))));
+      }};
+  const AggregationResult result =
+      arguments.dryRun ? Plan(folder, services, results) : fileops::AggregateFolder(services, folder);
   if (result.status != common::kNoError) return Fail(*found.path + ": cannot be read", errors);
   if (result.left == 0) return kExitSuccess;
   return Fail("not everything could be moved; items that stay: " + std::to_string(result.left), errors);

@@ -299,6 +299,7 @@ name: "a.pdf" goes into "pdf". Subfolders are made as they are needed. Folders
 with an extension, such as "Tool.app", are moved whole; all other folders stay
 as they are. Where the name is taken, the item gets a new one: "a - UUID.pdf".
 Nothing is ever replaced. There is no way back, so the terminal is asked first.
+Each item that has to stay is named, with the reason.
 
 What stays where it is:
   names that begin with ".", files that are listed in DIR's file ".hidden", and

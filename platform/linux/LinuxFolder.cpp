@@ -160,10 +160,13 @@ common::Status LinuxFolder::checkChanges() const {
 common::Status LinuxFolder::checkMove(const std::string& name, const Folder& destination) const {
   const auto& other = static_cast<const LinuxFolder&>(destination);
   const Place place{descriptor_.get(), name.c_str()};
+  if (const common::Status status = findItem(name); status != common::kNoError) return status;
   const struct statx item = Describe(place);
   const struct statx from = Describe({descriptor_.get(), ""});
   const struct statx to = Describe({other.descriptor_.get(), ""});
-  if (item.stx_mnt_id != from.stx_mnt_id || from.stx_mnt_id != to.stx_mnt_id) return common::kIOError;
+  if (item.stx_mnt_id != from.stx_mnt_id || from.stx_mnt_id != to.stx_mnt_id) {
+    return common::kDifferentVolume;
+  }
   for (const LinuxFolder* folder : {this, &other}) {
     if (const common::Status status = folder->checkChanges(); status != common::kNoError) return status;
   }

@@ -27,6 +27,9 @@ namespace quillforth::platform {
     case ENOSPC:
     case EDQUOT:
       return common::kDiskFull;
+    case EXDEV:
+    case EBUSY:  // a mount point
+      return common::kDifferentVolume;
     case ENAMETOOLONG:
       return common::kBadName;
     case ENOMEM:

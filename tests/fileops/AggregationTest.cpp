@@ -186,7 +186,7 @@ TEST_F(Aggregation, LeavesAloneWhatIsNoFolderOrHasNoUsablePath) {
   EXPECT_EQ(log_.lines, Sorted{});
 }
 
-TEST_F(Aggregation, WhatGoesMeanwhileIsLoggedAndOnlyWhatWasMovedGetsItsCommentBack) {
+TEST_F(Aggregation, OnlyASubfolderThatGoesIsLoggedAndOnlyWhatWasMovedGetsItsCommentBack) {
   make({"1.pdf", "1.pdf.pdf", "1.pdf.pdf.pdf", "gone.txt"});
   int seen = 0;
   comments_.beforeMove = [&](const std::string& path) {
@@ -194,7 +194,7 @@ TEST_F(Aggregation, WhatGoesMeanwhileIsLoggedAndOnlyWhatWasMovedGetsItsCommentBa
     if (path.ends_with(".pdf") && ++seen == 2) fs::remove_all(root_ / "pdf");
     return QStringLiteral("from here");
   };
-  EXPECT_EQ(run(&comments_).left, 3U);
+  EXPECT_EQ(run(&comments_).left, 2U) << "an item that has gone is nobody's concern";
   const auto withoutNumber = [](const std::string& text) {
     return std::regex_replace(text, std::regex("(\\.pdf)+"), ".pdf");
   };
@@ -202,9 +202,21 @@ TEST_F(Aggregation, WhatGoesMeanwhileIsLoggedAndOnlyWhatWasMovedGetsItsCommentBa
   for (const std::string& line : log_.lines) found.insert(withoutNumber(line));
   const std::string missing = "An error occurred moving a folder or file. Error code = -43";
   const std::string pdfStays = Stays(root_ / "1.pdf", root_ / "pdf");
-  EXPECT_EQ(found, (Sorted{missing, missing, pdfStays, pdfStays, Stays(root_ / "gone.txt", root_ / "txt")}));
+  EXPECT_EQ(found, (Sorted{missing, missing, pdfStays, pdfStays}));
   ASSERT_EQ(comments_.written.size(), 1U);
   EXPECT_EQ(withoutNumber(comments_.written[0]), (root_ / "pdf/1.pdf: from here").string());
+}
+
+TEST_F(Aggregation, ADryRunPassesOverWhatGoesMeanwhile) {
+  make({"1.pdf", "2.pdf"});
+  fileops::MovePlan plan(folders_, [&](const std::string& from, const std::string&) {
+    for (const char* name : {"1.pdf", "2.pdf"}) {
+      if (from != root_ / name) fs::remove(root_ / name);
+    }
+  });
+  const auto result = fileops::AggregateFolder({plan, log_}, QString::fromStdString(root_.string()));
+  EXPECT_EQ(std::pair(result.moved, result.left), std::pair(std::size_t{1}, std::size_t{0}));
+  EXPECT_EQ(log_.lines, Sorted{});
 }
 
 TEST_F(Aggregation, ARivalThatAppearsJustBeforeTheMoveIsNotReplaced) {
