@@ -67,8 +67,8 @@ Parser::Parser()
 
   classify->add_option("URL", classifyArguments.urls)->required();
 
-  comment->add_option("FILE", commentArguments.file)->required();
-  comment->add_option("TEXT", commentArguments.text);
+  comment->add_option("--set", commentArguments.text)->allow_extra_args(false);
+  comment->add_option("FILE", commentArguments.files)->required();
 
   CLI::Option* valueOption = nullptr;
   CLI::Option* keyOption = settings->add_option("KEY", settingsArguments.key);

@@ -47,8 +47,8 @@ struct SettingsArguments {
 };
 
 struct CommentArguments {
-  std::string file;
-  std::optional<std::string> text;
+  std::vector<std::string> files;
+  std::optional<std::string> text;  ///< the new comment; empty removes it
 };
 
 struct AggregateArguments {

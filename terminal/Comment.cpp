@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <system_error>
 
 #include "fileops/FinderComment.h"
 #include "platform/LosslessText.h"
+#include "terminal/Reporter.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -49,32 +52,47 @@ std::string Reason(common::Status status) {
   }
 }
 
-void Print(const QString& comment, Output& output) {
+// `file` is null unless each line has to say which file it is about.
+void Print(const QString& comment, const std::string* file, Output& results) {
   if (comment.isEmpty()) return;
-  if (::isatty(output.descriptor()) == 1) {
-    output.writeLine(Printable(comment).toUtf8());
-  } else {
-    output.writeLine(QByteArray::fromStdString(platform::BytesOfLosslessText(comment).value_or("")));
-  }
+  const bool isTerminal = ::isatty(results.descriptor()) == 1;
+  const auto bytes = [isTerminal](const QString& text) {
+    return isTerminal ? Printable(text).toUtf8()
+                      : QByteArray::fromStdString(platform::BytesOfLosslessText(text).value_or(""));
+  };
+  const QByteArray prefix = file == nullptr ? QByteArray() : bytes(platform::LosslessText(*file)) + ": ";
+  results.writeLine(prefix + bytes(comment).replace("\n", "\n" + prefix));
 }
 
-}  // namespace
-
-std::optional<std::string> RunComment(const CommentArguments& arguments, platform::AppleEventSender& events,
-                                      Output& output) {
+// What went wrong, if something did.
+std::optional<std::string> ShowOrSet(const std::string& file, const CommentArguments& arguments,
+                                     platform::AppleEventSender& events, Output& results) {
   std::error_code error;
-  const platform::FileReference item = ItemAtPath(arguments.file, error);
-  if (error) return arguments.file + ": " + error.message();
+  const platform::FileReference item = ItemAtPath(file, error);
+  if (error) return error.message();
   common::Status status = common::kNoError;
   if (arguments.text) {
     status = fileops::SetFinderComment(events, item, platform::LosslessText(*arguments.text));
   } else {
     QString comment;
     status = fileops::CopyFinderComment(events, item, &comment, fileops::finderEventIdleFunction);
-    if (status == common::kNoError) Print(comment, output);
+    if (status == common::kNoError) Print(comment, arguments.files.size() > 1 ? &file : nullptr, results);
   }
-  if (status != common::kNoError) return arguments.file + ": " + Reason(status);
-  return std::nullopt;
+  return status == common::kNoError ? std::nullopt : std::optional(Reason(status));
+}
+
+}  // namespace
+
+int RunComment(const CommentArguments& arguments, platform::AppleEventSender& events, Output& results,
+               Output& errors) {
+  int exitStatus = kExitSuccess;
+  for (const std::string& file : arguments.files) {
+    if (const auto reason = ShowOrSet(file, arguments, events, results)) {
+      errors.write(NoticeText(QString::fromStdString(file + ": " + *reason)));
+      exitStatus = kExitFailure;
+    }
+  }
+  return exitStatus;
 }
 
 }  // namespace quillforth::terminal

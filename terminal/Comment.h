@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The command `comment`: shows or changes the comment of a file or folder. Main thread.
+// The command `comment`: shows or changes the comments of files and folders. Main thread.
 #pragma once
-
-#include <optional>
-#include <string>
 
 #include "platform/AppleEventManager.h"
 #include "terminal/CommandLine.h"
@@ -12,10 +9,11 @@
 
 namespace quillforth::terminal {
 
-/// Prints the comment, if there is one, or sets it. What went wrong, as "FILE: reason", when that failed.
+/// Prints the comments that there are, or sets them, file by file. The exit status; 1 when a file failed,
+/// which stops none of the others. Of several files each line begins with "FILE: ".
 ///
-/// On a terminal the comment is made fit for it; elsewhere its bytes are as they are.
-[[nodiscard]] std::optional<std::string> RunComment(const CommentArguments& arguments,
-                                                    platform::AppleEventSender& events, Output& output);
+/// On a terminal a comment is made fit for it; elsewhere its bytes are as they are.
+[[nodiscard]] int RunComment(const CommentArguments& arguments, platform::AppleEventSender& events,
+                             Output& results, Output& errors);
 
 }  // namespace quillforth::terminal

@@ -19,7 +19,7 @@ Commands:
   get URL...              download files, and what pages link to
   links FILE|-|URL        list the links of a page, without downloading them
   classify URL...         tell pages from files, and why
-  comment FILE [TEXT]     show or change the comment of a file
+  comment FILE...         show or change the comments of files
   extensions              list the table of file-name extensions and types
   settings [KEY [VALUE]]  show or change the settings
   aggregate DIR           sort a folder's files into subfolders by extension
@@ -185,13 +185,13 @@ Exit status:
   2  a mistake on the command line
 )";
 
-constexpr std::string_view kComment = R"(quillforth-cli comment - show or change the comment of a file
+constexpr std::string_view kComment = R"(quillforth-cli comment - show or change the comments of files
 
-Usage: quillforth-cli comment FILE
-       quillforth-cli comment FILE TEXT
+Usage: quillforth-cli comment FILE...
+       quillforth-cli comment --set TEXT FILE...
 
-Prints the comment of FILE, a file or a folder, or makes TEXT its comment. An
-empty TEXT removes it. A file that "get" has downloaded has its source URL as
+Prints the comment of each FILE, a file or a folder. Of several files, each line
+begins with "FILE: ". A file that "get" has downloaded has its source URL as
 comment, without user name and password, unless setCommentToLocationURL is no.
 
 The comment is the extended attribute user.xdg.comment, which file managers
@@ -200,16 +200,17 @@ comment is printed byte by byte, and not at all when it is empty; on a terminal
 its control characters are written as \xHH.
 
 Options:
+  --set TEXT  make TEXT the comment of each FILE; an empty TEXT removes it
   -h, --help  show this text
 
 Examples:
-  quillforth-cli comment one.zip
-  quillforth-cli comment one.zip "the first of three"
-  quillforth-cli comment -- one.zip -dashed-
+  quillforth-cli comment *.zip
+  quillforth-cli comment --set "the first of three" one.zip
+  quillforth-cli comment --set "" -- -dashed-
 
 Exit status:
   0  all well, also when there is no comment
-  1  FILE does not exist, or cannot carry the comment
+  1  a FILE does not exist, or cannot carry the comment; the others were done
   2  a mistake on the command line
 )";
 

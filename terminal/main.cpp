@@ -193,11 +193,7 @@ int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
 int Run(const CommentArguments& arguments, Output& results, Output& errors) {
   platform::AppleEventManager events;
   const platform::LinuxFinder finder(events);
-  if (const auto error = RunComment(arguments, events, results)) {
-    errors.write(NoticeText(QString::fromStdString(*error)));
-    return kExitFailure;
-  }
-  return Finish(kExitSuccess, results, errors);
+  return Finish(RunComment(arguments, events, results, errors), results, errors);
 }
 
 int Run(const ExtensionsArguments& /*arguments*/, Output& results, Output& errors) {

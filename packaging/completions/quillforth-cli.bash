@@ -11,13 +11,13 @@ _quillforth_cli() {
   case $previous in
     --to | DestinationDirectory) kind=folder ;;
     --base | --url) return ;;
-    --set) words=$keys ;;
+    --set) if [[ $command == comment ]]; then return; else words=$keys; fi ;;
     *)
       case $COMP_CWORD:$command in
         1:*) words='get links classify comment extensions settings aggregate --help --version' ;;
         *:get) words='--to --page --file --set --json --local --help' ;;
         *:links) words='--base --url --null --help' kind=file ;;
-        2:comment) words='--help' kind=file ;;
+        *:comment) words='--set --help' kind=file ;;
         *:aggregate) words='--yes --dry-run --help' kind=folder ;;
         *:settings) words="--unset --help $keys" ;;
         *) words='--help' ;;

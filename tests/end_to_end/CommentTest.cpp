@@ -53,14 +53,29 @@ TEST_F(Comments, AFinishedFileSaysWhereItCameFromUnlessThatIsSwitchedOff) {
 TEST_F(Comments, TheCommandShowsSetsAndRemovesThem) {
   EXPECT_EQ(run({"comment", file_}).output, "");
   for (const char* text : {"http://site-a.test/", "two\nlines \xE9\xFF \xC3\xA9", "-x"}) {
-    EXPECT_EQ(run({"comment", "--", file_, text}).errors, "");
+    EXPECT_EQ(run({"comment", "--set", text, file_}).errors, "");
     EXPECT_EQ(Attribute(file_, kComment), text);
     EXPECT_EQ(run({"comment", file_}).output, text + std::string("\n"));
   }
-  EXPECT_EQ(run({"comment", file_, ""}).exitStatus, 0);
+  EXPECT_EQ(run({"comment", "--set", "", file_}).exitStatus, 0);
   EXPECT_EQ(Attribute(file_, kComment), std::nullopt);
-  EXPECT_EQ(run({"comment", folder() + "/../downloads/", "of the folder"}).exitStatus, 0);
+  EXPECT_EQ(run({"comment", "--set=of the folder", folder() + "/../downloads/"}).exitStatus, 0);
   EXPECT_EQ(Attribute(folder(), kComment), "of the folder");
+}
+
+TEST_F(Comments, EveryOperandIsAFileAndAFailureStopsNoOther) {
+  const std::string second = inFolder("\xE9");
+  const std::string missing = inFolder("missing");
+  std::ofstream(second) << "x";
+  const std::string error = "quillforth-cli: " + missing + ": No such file or directory\n";
+  Outcome outcome = run({"comment", "--set", "1\n2", file_, missing, second});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_EQ(outcome.errors, error);
+  outcome = run({"comment", file_, missing, folder(), second});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_EQ(outcome.errors, error);
+  EXPECT_EQ(outcome.output, file_ + ": 1\n" + file_ + ": 2\n" + second + ": 1\n" + second + ": 2\n");
+  EXPECT_EQ(Attribute(file_, kComment), "1\n2");
 }
 
 TEST_F(Comments, WhatCannotCarryOneIsAClearError) {
@@ -73,13 +88,13 @@ TEST_F(Comments, WhatCannotCarryOneIsAClearError) {
       {"", "No such file or directory"},
   };
   for (const auto& [path, reason] : cases) {
-    for (const auto& arguments : {std::vector{"comment"s, path}, {"comment"s, path, "x"s}}) {
+    for (const auto& arguments : {std::vector{"comment"s, path}, {"comment"s, "--set"s, "x"s, path}}) {
       const Outcome outcome = run(arguments);
       EXPECT_EQ(outcome.exitStatus, 1) << path;
       EXPECT_EQ(outcome.errors, "quillforth-cli: " + std::string(path).append(": ").append(reason) + '\n');
     }
   }
-  EXPECT_EQ(run({"comment", file_, std::string(70000, 'x')}).errors,
+  EXPECT_EQ(run({"comment", "--set", std::string(70000, 'x'), file_}).errors,
             "quillforth-cli: " + file_ + ": no room for such a comment\n");
 }
 
