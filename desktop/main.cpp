@@ -25,6 +25,7 @@
 #include "desktop/LocalizedStrings.h"
 #include "desktop/RequestIntake.h"
 #include "host/AssumedNetwork.h"
+#include "host/Exhaustion.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/Interruption.h"
 #include "platform/linux/LinuxSessionAccessibility.h"
@@ -227,6 +228,7 @@ int Run(const Answer& answer, int /*argc*/, char** /*argv*/) {
 
 int main(int argc, char** argv) {
   using namespace quillforth::desktop;
+  quillforth::host::EndInALineWhenExhausted();
   std::signal(SIGPIPE, SIG_IGN);
   const auto command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
   return std::visit([&](const auto& chosen) { return Run(chosen, argc, argv); }, command);

@@ -16,6 +16,7 @@
 #include <cstring>
 
 #include "classify/InternetConfig.h"
+#include "host/Exhaustion.h"
 #include "host/LinuxHost.h"
 #include "platform/linux/CurlPageLoader.h"
 #include "platform/linux/CurlReadStream.h"
@@ -230,6 +231,7 @@ int Run(const Answer& answer, Output& results, Output& errors) {
 
 int main(int argc, char** argv) {
   using namespace quillforth::terminal;
+  quillforth::host::EndInALineWhenExhausted();
   OpenStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   Output results(STDOUT_FILENO);

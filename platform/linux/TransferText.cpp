@@ -2,12 +2,15 @@
 
 #include "platform/linux/TransferText.h"
 
+#include <sys/eventfd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
 
 #include "platform/LocalizedStrings.h"
+#include "platform/linux/FileDescriptor.h"
 
 namespace quillforth::platform {
 
@@ -134,6 +137,11 @@ QString TransferErrorText(CURLcode code, long status) {
   if (code == CURLE_UNSUPPORTED_PROTOCOL) {
     return status >= 300 ? LOCALIZED("The server redirected to something other than http, https or ftp.")
                          : LOCALIZED("The server's answer cannot be understood.");
+  }
+  // libcurl says of a socket that was not to be had only that there is no connection.
+  const bool isUnconnected = code == CURLE_COULDNT_CONNECT || code == CURLE_COULDNT_RESOLVE_HOST;
+  if (isUnconnected && !FileDescriptor(::eventfd(0, EFD_CLOEXEC)).isOpen()) {
+    return LOCALIZED("The transfer failed: %1.").arg(QString::fromLocal8Bit(strerror(errno)));
   }
   if (const char* phrase = PhraseFor(kTransferPhrases, code)) return QLatin1StringView(phrase);
   return LOCALIZED("The transfer failed: %1.").arg(QStringLiteral("libcurl %1").arg(int{code}));

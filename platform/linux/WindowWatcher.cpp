@@ -8,6 +8,8 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <system_error>
+#include <thread>
 
 #include "platform/linux/LinuxSessionAccessibility.h"
 
@@ -117,7 +119,12 @@ class Watch {
 }  // namespace
 
 WindowWatcher::WindowWatcher(WindowHistory& history) : stop_(::eventfd(0, EFD_CLOEXEC)) {
-  if (stop_.isOpen()) thread_ = std::thread([&history, stop = stop_.get()] { Watch(history, stop).run(); });
+  if (!stop_.isOpen()) return;
+  try {
+    thread_ = std::thread([&history, stop = stop_.get()] { Watch(history, stop).run(); });
+  } catch (const std::system_error&) {
+    // No thread is to be had: nothing is heard of any window.
+  }
 }
 
 WindowWatcher::~WindowWatcher() {
