@@ -113,11 +113,6 @@ bool ObservedDownloads::isBeginning() const {
                      [](const auto& download) { return !download->hasBegun(); });
 }
 
-void ObservedDownloads::cancel() {
-  const std::vector<std::shared_ptr<Download>> downloads = inFlight_;
-  for (const auto& download : downloads) download->cancel();
-}
-
 void ObservedDownloads::forget(const Download& download) {
   std::erase_if(inFlight_, [&](const auto& each) { return each.get() == &download; });
 }

@@ -52,8 +52,7 @@ class ObservedDownloads final : public platform::WebDownloadService {
   [[nodiscard]] int startedCount() const { return startedCount_; }
   /// Called when one has begun, ended or been cancelled, after the observer.
   void whenOneMovedOn(std::function<void()> hear) { oneMovedOn_ = std::move(hear); }
-  /// Cancels all. No callback follows.
-  void cancel();
+  void end() override { service_.end(); }
 
  private:
   class Download;

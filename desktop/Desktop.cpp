@@ -55,6 +55,7 @@ Desktop::Desktop(const DesktopServices& services)
 // The window goes first in what it says: nothing of it may reach the controller any more.
 Desktop::~Desktop() {
   gate_.close();
+  downloads_.end();  // nothing of the controller is going on any more
   storePlaces();
 }
 

@@ -2,12 +2,35 @@
 
 #include "host/LinuxHost.h"
 
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
 
 namespace quillforth::host {
 
+namespace {
+
+constexpr std::chrono::seconds kDurabilityPatience(10);
+
+const char* ReasonText(int error) {
+  if (error == ETIME) return "the disk is still at work after 10 seconds";
+  return error == EINTR ? "the wait for the disk was interrupted" : std::strerror(error);
+}
+
+}  // namespace
+
 LinuxHost::LinuxHost() {
   events_.registerTarget(kSignature, dispatcher_);
+}
+
+LinuxHost::~LinuxHost() {
+  downloads_.end();
+  const int error = downloads_.makeDurable(kDurabilityPatience);
+  if (error == 0) return;
+  std::fprintf(stderr, "%s: a power cut now might take files that were downloaded last: %s\n",
+               program_invocation_short_name, ReasonText(error));
 }
 
 app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagnostics& network) {

@@ -37,6 +37,11 @@ class LinuxHost {
   static constexpr common::FourCharCode kSignature = common::FourCC("Qlfh");
 
   LinuxHost();
+  /// Waits some seconds until what was downloaded survives a power cut, and says on standard error if that is
+  /// not sure.
+  ~LinuxHost();
+  LinuxHost(const LinuxHost&) = delete;
+  LinuxHost& operator=(const LinuxHost&) = delete;
   /// A host that asks this front end; texts are not translated. This outlives it.
   [[nodiscard]] app::Host host(app::Application& application) { return host(application, network_); }
   /// The same, with another idea of the network.

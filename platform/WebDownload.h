@@ -93,17 +93,21 @@ class WebDownload {
   /// `path`: absolute, of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext",
   /// "name-2.ext", ….
   virtual void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) = 0;
-  /// No callback follows, and no file, hidden or not, stays behind.
+  /// No callback follows. A file that has its final name by then stays; else none, hidden or not, stays
+  /// behind.
   virtual void cancel() = 0;
 };
 
-/// Starts downloads. Its end cancels what is still in flight and waits until no partial file is left.
+/// Starts downloads. When it goes it cancels what is still in flight and waits until no partial file is left.
 class WebDownloadService {
  public:
   virtual ~WebDownloadService() = default;
   /// Never fails here: what is wrong with the URL is reported to `delegate`, which must outlive the download.
   [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const URL& url,
                                                                    WebDownloadDelegate& delegate) = 0;
+  /// The program ends: a download whose file has its final name calls back to its end, from in here; all
+  /// others are cancelled, and those that are started from now on never begin. Not from inside a callback.
+  virtual void end() = 0;
 };
 
 }  // namespace quillforth::platform

@@ -56,8 +56,8 @@ Summary Get::run(const QStringList& urls) {
 
 void Get::stop() {
   isStopped_ = true;
-  if (downloads_.isBusy()) ++summary_.notFetched;
-  downloads_.cancel();
+  downloads_.end();
+  if (downloads_.isBusy()) ++summary_.notFetched;  // another may have been asked for
   loop_.quit();
 }
 

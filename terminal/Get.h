@@ -38,7 +38,8 @@ class Get final : private app::DownloadObserver, private app::DriverObserver {
   /// Works `urls` to the end, or until one of the two below. The exit status is 0, or 1 when something
   /// failed.
   [[nodiscard]] Summary run(const QStringList& urls);
-  /// Cancels the transfer and ends the run. From the event loop, or before `run`.
+  /// Ends the run. A file that is complete is still reported, the transfer in flight is cancelled. From the
+  /// event loop, or before `run`.
   void stop();
   /// Asked between two steps; once it is true, the run stops.
   void stopWhen(std::function<bool()> condition) { shouldStop_ = std::move(condition); }

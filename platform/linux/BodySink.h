@@ -25,8 +25,6 @@ class BodySink {
   [[nodiscard]] DestinationFile* file() { return file_.get(); }
   /// Writes what is held, and publishes the file; 0 or the error number. There is a file.
   [[nodiscard]] int finish();
-  /// After `finish`.
-  [[nodiscard]] std::unique_ptr<DestinationFile> takeFile() { return std::move(file_); }
 
   /// The error number of the first write that failed; 0: none.
   [[nodiscard]] int error() const { return error_; }

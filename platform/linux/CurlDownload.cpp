@@ -70,8 +70,11 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
-  if (report.body) return service_->store(id_, *report.body, target);
-  service_->thread_.post(DestinationCommand{id_, std::move(target)});
+  if (report.body) {
+    service_->thread_.post(StoreCommand{id_, std::move(target), *std::move(report.body)});
+  } else {
+    service_->thread_.post(DestinationCommand{id_, std::move(target)});
+  }
 }
 
 void CurlDownload::receive(DestinationReport& report) {
@@ -83,9 +86,7 @@ void CurlDownload::receive(DataReport& report) {
   delegate_.downloadDidReceiveDataOfLength(*this, report.length);
 }
 
-void CurlDownload::receive(FinishedReport& report) {
-  report.file->keep();
-  report.file.reset();
+void CurlDownload::receive(FinishedReport&) {
   service_->forget(id_);
   delegate_.downloadDidFinish(*this);
 }

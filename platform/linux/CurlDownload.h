@@ -31,7 +31,7 @@ class CurlDownload final : public WebDownload, public std::enable_shared_from_th
   void receive(ResponseReport& report);
   void receive(DestinationReport& report);
   void receive(DataReport& report);
-  void receive(FinishedReport& report);
+  void receive(FinishedReport&);
   void receive(FailedReport& report);
 
  private:

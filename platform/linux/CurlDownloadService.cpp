@@ -2,13 +2,13 @@
 
 #include "platform/linux/CurlDownloadService.h"
 
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "platform/LocalizedStrings.h"
 #include "platform/linux/CurlDownload.h"
-#include "platform/linux/FinishFile.h"
-#include "platform/linux/TransferText.h"
+#include "platform/linux/CurlTransfer.h"
 
 namespace quillforth::platform {
 
@@ -16,24 +16,66 @@ namespace {
 
 // A fraction of a frame: so long at most other events wait for their turn.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
+// So long nothing has been downloaded when the disks are made to keep what was.
+constexpr std::chrono::seconds kRest{1};
 
 }  // namespace
 
 CurlDownloadService::CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options)
-    : files_(options.files == nullptr ? kernelCalls_ : *options.files),
+    : settings_(settings),
+      files_(options.files == nullptr ? kernelCalls_ : *options.files),
       notifier_(reports_.descriptor(), QSocketNotifier::Read),
       thread_(settings, files_, folders_, options.stallTimeout, reports_) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { deliverReports(); });
+  rest_.setSingleShot(true);
+  rest_.setInterval(kRest);
+  rest_.callOnTimeout([this] { syncDisks(); });
 }
 
 CurlDownloadService::~CurlDownloadService() {
-  for (const auto& [id, download] : downloads_) download->end();
+  cancelAll();
+}
+
+void CurlDownloadService::cancelAll() {
+  for (const auto& [id, download] : std::exchange(downloads_, {})) download->end();
+}
+
+// What was posted before the thread stopped may tell of a file that is there.
+void CurlDownloadService::end() {
+  isEnding_ = true;
+  thread_.stop();
+  std::vector<Report> reports;
+  std::unordered_set<DownloadId> finished;
+  while (std::optional<Report> report = reports_.take()) {
+    if (const auto* end = std::get_if<FinishedReport>(&*report)) finished.insert(end->id);
+    reports.push_back(*std::move(report));
+  }
+  std::erase_if(downloads_, [&finished](const auto& entry) {
+    if (finished.contains(entry.first)) return false;
+    entry.second->end();
+    return true;
+  });
+  for (Report& report : reports) deliver(report);
+  cancelAll();
+}
+
+int CurlDownloadService::makeDurable(std::chrono::milliseconds limit) {
+  return folders_.disks().finish(files_, limit);
+}
+
+// As soon as nothing is being downloaded for a while, also when it is only a pause.
+void CurlDownloadService::syncDisks() {
+  if (downloads_.empty() && folders_.disks().advance(files_)) rest_.start();
 }
 
 std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
                                                                 WebDownloadDelegate& delegate) {
   const DownloadId id = ++lastId_;
   auto download = std::make_shared<CurlDownload>(id, url, delegate, *this);
+  if (isEnding_ || IsInterrupted(settings_)) {
+    download->end();
+    return download;
+  }
   downloads_.emplace(id, download);
   reports_.post(BeganReport{id});
   if (CanBeFetched(url)) {
@@ -82,18 +124,6 @@ void CurlDownloadService::deliver(Report& report) {
   std::visit(receive, report);
 }
 
-void CurlDownloadService::store(DownloadId id, BodySink& body, const DestinationFile::Target& target) {
-  std::vector<Report> reports;
-  std::unique_ptr<DestinationFile> file;
-  if (const int error = DestinationFile::create(folders_, target, files_, file); error != 0) {
-    reports.emplace_back(FailedReport{id, FileErrorText(error)});
-  } else {
-    body.setFile(std::move(file));
-    FinishFile(id, body, {}, reports);
-  }
-  reports_.postAll(reports);
-}
-
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.
 void CurlDownloadService::fail(DownloadId id, const QString& description) {
   thread_.post(CancelCommand{id});
@@ -105,6 +135,7 @@ void CurlDownloadService::forget(DownloadId id) {
   if (found == downloads_.end()) return;
   found->second->end();
   downloads_.erase(found);
+  if (downloads_.empty() && !rest_.isActive()) rest_.start();
 }
 
 }  // namespace quillforth::platform

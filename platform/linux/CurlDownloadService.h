@@ -4,13 +4,13 @@
 //
 // Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
 // the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
-// cancelled fall away, with the file that they may bring. A small file that arrives with its response is
-// stored here, and what a callback starts is waited for here, too, for a moment: most files of a page follow
-// each other without a thread having to wake. All members are called on the thread that made the service,
-// which runs a Qt event loop.
+// cancelled fall away. What a callback starts is waited for here, too, for a moment: most files of a page
+// come without a thread having to wake. All members are called on the thread that made the service, which
+// runs a Qt event loop.
 #pragma once
 
 #include <QSocketNotifier>
+#include <QTimer>
 #include <chrono>
 #include <memory>
 #include <unordered_map>
@@ -41,6 +41,10 @@ class CurlDownloadService final : public WebDownloadService {
 
   [[nodiscard]] std::shared_ptr<WebDownload> startDownload(const URL& url,
                                                            WebDownloadDelegate& delegate) override;
+  void end() override;
+  /// Waits, after `end`, until all that was stored survives a power cut. 0; or the error number that says why
+  /// that is not sure: ETIME when `limit` has passed, EINTR after a signal.
+  [[nodiscard]] int makeDurable(std::chrono::milliseconds limit);
   /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
   /// a delegate is busy.
   void setDelivering(bool isDelivering);
@@ -51,10 +55,12 @@ class CurlDownloadService final : public WebDownloadService {
   void deliverReports();
   bool deliverOne(std::chrono::steady_clock::time_point end);
   void deliver(Report& report);
-  void store(DownloadId id, BodySink& body, const DestinationFile::Target& target);
+  void syncDisks();
+  void cancelAll();
   void fail(DownloadId id, const QString& description);
   void forget(DownloadId id);
 
+  const TransferSettings& settings_;
   FileCalls kernelCalls_;
   FileCalls& files_;
   DownloadFolders folders_;
@@ -63,6 +69,8 @@ class CurlDownloadService final : public WebDownloadService {
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
   DownloadId lastId_ = 0;
   bool isDelivering_ = false;
+  bool isEnding_ = false;
+  QTimer rest_;
   TransferThread thread_;
 };
 

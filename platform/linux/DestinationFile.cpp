@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "platform/SuggestedFilename.h"
 
@@ -19,6 +20,12 @@ namespace {
 
 constexpr qsizetype kMaxFilenameBytes = 255;
 constexpr int kMaxTemporaryNames = 100;
+// So much of a file is handed to the disk at a time. Twice as much is on its way at most, so that the wait
+// before the file gets its name is short.
+constexpr std::int64_t kPieceBytes = 8L * 1024 * 1024;
+constexpr unsigned int kStart = SYNC_FILE_RANGE_WRITE;
+constexpr unsigned int kWait =
+    SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
 
 std::string NumberedName(const std::string& name, std::uint64_t number) {
   return FilenameWithInsert(QByteArray::fromStdString(name), "-" + QByteArray::number(number),
@@ -26,34 +33,17 @@ std::string NumberedName(const std::string& name, std::uint64_t number) {
       .toStdString();
 }
 
-// What a file system answers that knows no such way to name a file.
+// What a file system or a sandbox answers that knows no such call.
 bool IsUnsupported(int error) {
   return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM || error == EMLINK;
 }
 
+// Without such a call the file is only as safe as its file system makes it.
+int ErrorOfWriteBack(int result) {
+  return result == 0 || IsUnsupported(errno) ? 0 : errno;
+}
+
 }  // namespace
-
-ssize_t FileCalls::write(int file, const char* bytes, std::size_t length) {
-  return ::write(file, bytes, length);
-}
-
-int FileCalls::flush(int file) {
-  // Every close of a descriptor flushes the file, but only the last one lets go of the lock.
-  const int second = ::fcntl(file, F_DUPFD_CLOEXEC, 0);
-  return second < 0 ? -1 : ::close(second);
-}
-
-int FileCalls::rename(int folder, const char* from, const char* to) {
-  return ::renameat(folder, from, folder, to);
-}
-
-int FileCalls::renameWithoutReplacing(int folder, const char* from, const char* to) {
-  return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
-}
-
-int FileCalls::link(int folder, const char* from, const char* to) {
-  return ::linkat(folder, from, folder, to, 0);
-}
 
 DestinationFile::DestinationFile(DownloadFolder folder, const Target& target, FileCalls& calls)
     : folder_(std::move(folder)),
@@ -74,9 +64,8 @@ int DestinationFile::create(DownloadFolders& folders, const Target& target, File
 }
 
 DestinationFile::~DestinationFile() {
-  if (isKept_ || !file_.isOpen()) return;
-  const std::string& name = isPublished_ ? name_ : temporaryName_;
-  if (isOurs(name)) ::unlinkat(folder_.descriptor.get(), name.c_str(), 0);
+  if (file_.isOpen() && isOurs(temporaryName_))
+    ::unlinkat(folder_.descriptor.get(), temporaryName_.c_str(), 0);
 }
 
 // False when the user, or another program, has since put something else there.
@@ -138,6 +127,20 @@ void DestinationFile::takeNextName() {
 }
 
 int DestinationFile::write(std::string_view bytes) {
+  if (const int error = writeAll(bytes); error != 0) return error;
+  length_ += static_cast<std::int64_t>(bytes.size());
+  return length_ - startedLength_ < kPieceBytes ? 0 : writeBackPiece();
+}
+
+// Starts with the latest piece before it waits for those before, so that the disk is never idle.
+int DestinationFile::writeBackPiece() {
+  const std::int64_t offset = std::exchange(startedLength_, length_);
+  const int error = ErrorOfWriteBack(calls_.writeBack(file_.get(), offset, length_ - offset, kStart));
+  return error != 0 || offset == 0 ? error
+                                   : ErrorOfWriteBack(calls_.writeBack(file_.get(), 0, offset, kWait));
+}
+
+int DestinationFile::writeAll(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = calls_.write(file_.get(), bytes.data(), bytes.size());
     if (written > 0) {
@@ -151,8 +154,12 @@ int DestinationFile::write(std::string_view bytes) {
   return 0;
 }
 
+// A file system may bring a rename to the disk long before the bytes, or without the record that they have
+// come. Only when the disk has them can a name not outlive what it names.
 int DestinationFile::publish() {
   if (!isOurs(temporaryName_)) return isFolderGone() ? ENOENT : ESTALE;
+  if (const int error = ErrorOfWriteBack(calls_.writeBack(file_.get(), 0, 0, kWait)); error != 0)
+    return error;
   if (calls_.flush(file_.get()) != 0) return errno;
   int error = 0;
   if (allowOverwrite_) {
@@ -161,8 +168,8 @@ int DestinationFile::publish() {
   } else {
     error = publishUnderFreeName();
   }
-  isPublished_ = error == 0;
-  isKept_ = isPublished_ && allowOverwrite_;  // what it may have replaced is gone: it stays, whatever follows
+  if (error == 0)
+    folder_.disks->add(folder_.descriptor.get(), folder_.device, std::exchange(file_, FileDescriptor()));
   return error;
 }
 

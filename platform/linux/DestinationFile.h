@@ -2,9 +2,9 @@
 //
 // One file on its way into a folder: hidden and temporary while it grows, under its final name once complete.
 //
-// Nobody ever sees an incomplete file under a final name, and no file of others is ever replaced unless that
-// is allowed. Until `keep` the file is ours to take back: an object that goes before leaves nothing behind,
-// whichever name the file has by then. All results are error numbers, 0 for success. One thread at a time.
+// Nobody ever sees an incomplete file under a final name, not even after a power cut, and no file of others
+// is ever replaced unless that is allowed. An object that goes before the file is published leaves nothing
+// behind; a published file is the user's. All results are error numbers, 0 for success. One thread at a time.
 #pragma once
 
 #include <sys/types.h>
@@ -15,21 +15,9 @@
 #include <string_view>
 
 #include "platform/linux/DownloadFolder.h"
+#include "platform/linux/FileCalls.h"
 
 namespace quillforth::platform {
-
-/// The calls of the kernel that fail on a bad day. Results as the kernel's: -1 and `errno` for a failure.
-class FileCalls {
- public:
-  virtual ~FileCalls() = default;
-  virtual ssize_t write(int file, const char* bytes, std::size_t length);
-  /// Reports what closing would report, and leaves `file` open and locked.
-  virtual int flush(int file);
-  virtual int rename(int folder, const char* from, const char* to);
-  /// Fails with EEXIST where `to` exists, and with EINVAL where the file system cannot tell.
-  virtual int renameWithoutReplacing(int folder, const char* from, const char* to);
-  virtual int link(int folder, const char* from, const char* to);
-};
 
 class DestinationFile {
  public:
@@ -59,14 +47,15 @@ class DestinationFile {
   /// Gives the file its final name. Without permission to overwrite, the wanted name or the next free of
   /// "name-1.ext", "name-2.ext", …. With it, what has the name is replaced; a link itself, not what it names;
   /// a folder is never replaced (EISDIR). ESTALE when somebody has removed or replaced the temporary file.
+  /// Waits until the disk has taken the last of the bytes. Nothing more is written after a success.
   [[nodiscard]] int publish();
-  /// The file is the user's from now on.
-  void keep() { isKept_ = true; }
 
  private:
   DestinationFile(DownloadFolder folder, const Target& target, FileCalls& calls);
 
   int openTemporary();
+  [[nodiscard]] int writeAll(std::string_view bytes);
+  [[nodiscard]] int writeBackPiece();
   int publishUnderFreeName();
   int moveTo(const std::string& name);
   int moveOverReservation(const std::string& name);
@@ -85,8 +74,8 @@ class DestinationFile {
   FileDescriptor file_;
   dev_t device_ = 0;
   ino_t inode_ = 0;
-  bool isPublished_ = false;
-  bool isKept_ = false;
+  std::int64_t length_ = 0;         // written
+  std::int64_t startedLength_ = 0;  // on its way to the disk, or there
 };
 
 }  // namespace quillforth::platform

@@ -58,6 +58,7 @@ int DownloadFolders::open(const std::string& path, DownloadFolder& folder) {
   folder.descriptor = std::move(descriptor);
   folder.device = status.st_dev;
   folder.inode = status.st_ino;
+  folder.disks = &disks_;
   return 0;
 }
 

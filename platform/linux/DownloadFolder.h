@@ -18,6 +18,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/linux/DiskSync.h"
 #include "platform/linux/FileDescriptor.h"
 
 namespace quillforth::platform {
@@ -39,7 +40,9 @@ struct DownloadFolder {
   FileDescriptor descriptor;  ///< O_PATH: for the "at" calls
   dev_t device = 0;
   ino_t inode = 0;
-  NameNumbers* numbers = nullptr;  ///< lives as long as the DownloadFolders it came from
+  // These two live as long as the DownloadFolders that they came from.
+  NameNumbers* numbers = nullptr;
+  DiskSync* disks = nullptr;
 };
 
 class DownloadFolders {
@@ -47,8 +50,11 @@ class DownloadFolders {
   /// Opens the folder that `path` names now; 0 or the error number. Everything done with the result stays in
   /// that folder, even if another takes its path.
   [[nodiscard]] int open(const std::string& path, DownloadFolder& folder);
+  /// Of the files that were published in these folders.
+  [[nodiscard]] DiskSync& disks() { return disks_; }
 
  private:
+  DiskSync disks_;
   std::mutex mutex_;
   std::map<std::pair<dev_t, ino_t>, NameNumbers> known_;
 };

@@ -31,6 +31,12 @@ struct DestinationCommand {
   DownloadId id;
   DestinationFile::Target target;
 };
+/// For a body that came with its response.
+struct StoreCommand {
+  DownloadId id;
+  DestinationFile::Target target;
+  BodySink body;
+};
 struct AnswerCommand {
   DownloadId id;
   std::string user;  ///< UTF-8, as the password
@@ -40,7 +46,8 @@ struct CancelCommand {
   DownloadId id;
 };
 struct StopCommand {};
-using Command = std::variant<StartCommand, DestinationCommand, AnswerCommand, CancelCommand, StopCommand>;
+using Command =
+    std::variant<StartCommand, DestinationCommand, StoreCommand, AnswerCommand, CancelCommand, StopCommand>;
 
 // To the main thread.
 
@@ -56,8 +63,7 @@ struct ResponseReport {
   URLResponse response;
   QString filename;
   bool isEncoded;  ///< the body has a content coding
-  /// The whole body, if it is here already: then the transfer thread is done with the download, and who
-  /// decides the destination stores it, too.
+  /// The whole body, if it is here already: then the transfer is over, and a StoreCommand is to follow.
   std::optional<BodySink> body;
 };
 struct DestinationReport {
@@ -71,7 +77,6 @@ struct DataReport {
 };
 struct FinishedReport {
   DownloadId id;
-  std::unique_ptr<DestinationFile> file;  ///< published; to be kept, or else it goes
 };
 struct FailedReport {
   DownloadId id;

@@ -10,6 +10,8 @@
 #include <new>
 #include <type_traits>
 
+#include "platform/linux/FinishFile.h"
+
 namespace quillforth::platform {
 
 namespace {
@@ -37,7 +39,8 @@ TransferThread::TransferThread(const TransferSettings& settings, FileCalls& file
   thread_ = std::thread([this] { run(); });
 }
 
-TransferThread::~TransferThread() {
+void TransferThread::stop() {
+  if (!thread_.joinable()) return;
   post(StopCommand{});
   thread_.join();
 }
@@ -56,6 +59,7 @@ void TransferThread::run() {
     }
   }
   while (!entries_.empty()) release(entries_.begin());
+  reports_.postAll(context_.outbox);
 }
 
 void TransferThread::postStart(StartCommand command) {
@@ -92,14 +96,18 @@ std::pair<TransferThread::Clock::time_point, bool> TransferThread::step() {
 }
 
 bool TransferThread::obeyCommands() {
-  while (const std::optional<Command> command = commands_.take()) {
+  while (std::optional<Command> command = commands_.take()) {
     if (!obey(*command)) return false;
   }
   return true;
 }
 
-bool TransferThread::obey(const Command& command) {
+bool TransferThread::obey(Command& command) {
   if (std::holds_alternative<StopCommand>(command)) return false;
+  if (auto* store = std::get_if<StoreCommand>(&command)) {
+    StoreFile(*store, context_.folders, context_.files, context_.outbox);
+    return true;
+  }
   if (const auto* start = std::get_if<StartCommand>(&command)) {
     obeyStart(*start);
     return true;

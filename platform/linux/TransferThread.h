@@ -27,10 +27,12 @@ class TransferThread {
   /// All outlive the thread.
   TransferThread(const TransferSettings& settings, FileCalls& files, DownloadFolders& folders,
                  std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports);
-  /// Ends what is in flight, and waits until no file of it is left.
-  ~TransferThread();
+  ~TransferThread() { stop(); }
   TransferThread(const TransferThread&) = delete;
   TransferThread& operator=(const TransferThread&) = delete;
+
+  /// Ends what is in flight, and waits until all that it had to report is posted and no partial file is left.
+  void stop();
 
   /// Any thread.
   void post(Command command) { commands_.post(std::move(command)); }
@@ -57,7 +59,7 @@ class TransferThread {
   // Lets libcurl work; returns when to look again at the latest, and whether there was something to report.
   std::pair<Clock::time_point, bool> step();
   bool obeyCommands();
-  bool obey(const Command& command);
+  bool obey(Command& command);
   void obeyStart(const StartCommand& command);
   void drive();
   [[nodiscard]] bool mayBlock() const;

@@ -62,11 +62,12 @@ class DesktopFixture : public ::testing::Test {
     data.setText(QString::fromStdString(server_.url(path)));
     return drop(data);
   }
-  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `answer_`; "locked" wants user:word.
+  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `answer_`, in the
+  /// middle if it is "slow" too; "locked" wants user:word.
   RawServer::After serve(RawServer::Connection& connection, const std::string& request) {
     const auto has = [&request](const char* text) { return request.find(text) != std::string::npos; };
     if (has("/slow")) connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
-    if (has("/slow")) static_cast<void>(connection.waitForEnd(20'000));
+    if (has("/slow") && !has("gated")) static_cast<void>(connection.waitForEnd(20'000));
     while (has("gated") && mayAnswer_.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       if (connection.waitForEnd(5)) return RawServer::After::close;
     }

@@ -2,6 +2,8 @@
 //
 // While a page is loaded, or a server asked, nothing enters the controller, and everything comes in its turn.
 
+#include <sys/xattr.h>
+
 #include <QElapsedTimer>
 
 #include "tests/desktop/DesktopFixture.h"
@@ -9,7 +11,19 @@
 namespace quillforth::tests {
 namespace {
 
-class WaitingTest : public DesktopFixture {
+/// Looks at what is left once the program in windows has gone.
+struct AfterTheEnd {
+  ~AfterTheEnd() {
+    if (stays.isEmpty()) return;
+    char found[1000] = {};
+    EXPECT_GT(::getxattr(QFile::encodeName(stays).constData(), "user.xdg.comment", found, sizeof found), 0);
+    EXPECT_EQ(found, comment);
+  }
+  QString stays;
+  std::string comment;
+};
+
+class WaitingTest : protected AfterTheEnd, public DesktopFixture {
  protected:
   /// Does this from the event loop that runs while the program waits for its first answer.
   void whileWaiting(std::function<void()> action) {
@@ -75,6 +89,20 @@ TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {
   QApplication::exec();
   EXPECT_LT(since.elapsed(), 3000);
   EXPECT_EQ(files(), QString());
+}
+
+TEST_F(WaitingTest, AFileThatIsThereWhenTheProgramQuitsStaysWithItsComment) {
+  ASSERT_TRUE(drop("/slow-gated.bin"));
+  ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
+  desktop_.controller().queueURL(QString::fromStdString(server_.url("/later.bin")));
+  {
+    const desktop::CommandGate::Hold hold(desktop_.gate());
+    answer_.set_value();
+    EXPECT_TRUE(RunLoopUntil([this] { return files() == u"slow-gated.bin"; }));
+    desktop_.quit();
+  }
+  stays = folder() + QStringLiteral("/slow-gated.bin");
+  comment = server_.url("/slow-gated.bin");
 }
 
 }  // namespace

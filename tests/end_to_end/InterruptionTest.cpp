@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <future>
 #include <random>
 
 #include "tests/end_to_end/EndToEnd.h"
@@ -52,6 +53,38 @@ TEST_F(Interruption, ASignalEndsEveryKindOfWaiting) {
     EXPECT_TRUE(files().empty());
     EXPECT_EQ(server.requests().size(), requests);
   }
+}
+
+TEST_F(Interruption, AFileThatIsThereWhileAPageIsLoadedStaysAndIsTold) {
+  std::promise<void> pageIsAsked;
+  const std::shared_future<void> mayEnd = pageIsAsked.get_future().share();
+  const RawServer server([&](RawServer::Connection& connection, const std::string& request) {
+    if (request.find("/file.zip") != std::string::npos) {
+      connection.send("HTTP/1.1 200 OK\r\nContent-Length: 400000\r\n\r\n" + std::string(300'000, 'x'));
+      mayEnd.wait_for(std::chrono::seconds(20));
+      connection.send(std::string(100'000, 'x'));
+    } else if (files().empty()) {  // its destination is decided between two pages
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      connection.send(HttpReply("200 OK", ""));
+      return After::close;
+    } else {
+      pageIsAsked.set_value();
+    }
+    static_cast<void>(connection.waitForEnd(20'000));
+    return After::close;
+  });
+  std::vector<std::string> arguments = getArguments({server.url("/file.zip")});
+  arguments.resize(1000, server.url("/page.html"));
+  arguments.push_back(server.url("/no.zip"));
+  Program program(setup(arguments));
+  ASSERT_TRUE(WaitFor([&] { return files().contains("file.zip"); }));
+  program.signal(SIGINT);
+  const Outcome outcome = program.wait();
+  EXPECT_EQ(outcome.exitStatus, 130);
+  EXPECT_NE(outcome.output.find("done "), std::string::npos) << outcome.output;
+  EXPECT_EQ(files().size(), 1U);
+  EXPECT_EQ(files()["file.zip"].size(), 400'000U);
+  for (const std::string& request : server.requests()) EXPECT_EQ(request.find("/no.zip"), std::string::npos);
 }
 
 TEST_F(Interruption, AReaderThatGoesEndsTheRunQuietly) {

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -25,19 +26,38 @@ namespace fs = std::filesystem;
 class FaultyCalls : public FileCalls {
  public:
   int failingWrite = -1, flushError = 0, moveError = 0, linkError = 0, renameError = 0;
+  int writeBackError = 0, syncError = 0;
+  bool isDiskSlow = false;
   std::size_t largestWrite = SIZE_MAX;
   int moves = 0;
+  std::int64_t unsafeBytes = 0, mostUnsafeBytes = 0;  // given to the kernel and not known to be on the disk
 
   ssize_t write(int file, const char* bytes, std::size_t length) override {
     if (writes_++ == failingWrite) return fail(ENOSPC);
-    return writes_ % 2 == 0 ? fail(EINTR) : FileCalls::write(file, bytes, std::min(length, largestWrite));
+    if (writes_ % 2 == 0) return fail(EINTR);
+    const ssize_t written = FileCalls::write(file, bytes, std::min(length, largestWrite));
+    mostUnsafeBytes = std::max(mostUnsafeBytes, unsafeBytes += written);
+    return written;
+  }
+  int writeBack(int file, std::int64_t offset, std::int64_t length, unsigned int flags) override {
+    if (writeBackError != 0) return fail(writeBackError);
+    if ((flags & SYNC_FILE_RANGE_WAIT_AFTER) != 0) {
+      unsafeBytes = length == 0 ? 0 : ::lseek(file, 0, SEEK_END) - offset - length;
+    }
+    return FileCalls::writeBack(file, offset, length, flags);
+  }
+  int syncFileSystem(int item) override {
+    if (isDiskSlow) ::poll(nullptr, 0, 1500);
+    return syncError != 0 ? fail(syncError) : FileCalls::syncFileSystem(item);
   }
   int flush(int file) override { return flushError != 0 ? fail(flushError) : FileCalls::flush(file); }
   int rename(int folder, const char* from, const char* to) override {
+    EXPECT_EQ(unsafeBytes, 0) << to;
     return renameError != 0 ? fail(renameError) : FileCalls::rename(folder, from, to);
   }
   int renameWithoutReplacing(int folder, const char* from, const char* to) override {
     ++moves;
+    EXPECT_EQ(unsafeBytes, 0) << to;
     return moveError != 0 ? fail(moveError) : FileCalls::renameWithoutReplacing(folder, from, to);
   }
   int link(int folder, const char* from, const char* to) override {
@@ -75,7 +95,6 @@ class DestinationFileTest : public testing::Test {
     int error = create(name, allowOverwrite);
     if (error == 0) error = file->write(text);
     if (error == 0) error = file->publish();
-    if (error == 0) file->keep();
     file.reset();
     return error;
   }
@@ -115,9 +134,10 @@ TEST_F(DestinationFileTest, ANameTakenWhileWritingIsNotReplacedWhateverTheFileSy
     ASSERT_EQ(file->publish(), 0);
     EXPECT_EQ(content("n.x") + content(file->name()), "theirsmine");
     EXPECT_EQ(names(), (Names{"n.x", file->name()}));
-    file.reset();  // not kept
-    EXPECT_EQ(names(), Names{"n.x"});
-    fs::remove(folder / "n.x");
+    const std::string published = file->name();
+    file.reset();
+    EXPECT_EQ(names(), (Names{"n.x", published}));
+    for (const std::string& name : names()) fs::remove(folder / name);
   }
 }
 
@@ -147,6 +167,7 @@ TEST_F(DestinationFileTest, EveryFaultIsReportedAndLeavesNothing) {
   };
   EXPECT_EQ(storeWith([](FaultyCalls& c) { c.failingWrite = 0; }), ENOSPC);
   EXPECT_EQ(storeWith([](FaultyCalls& c) { c.largestWrite = 300, c.failingWrite = 4; }), ENOSPC);
+  EXPECT_EQ(storeWith([](FaultyCalls& c) { c.writeBackError = EIO; }), EIO);
   EXPECT_EQ(storeWith([](FaultyCalls& c) { c.flushError = EIO; }), EIO);
   EXPECT_EQ(storeWith([](FaultyCalls& c) { c.moveError = EACCES; }), EACCES);
   EXPECT_EQ(storeWith([](FaultyCalls& c) { c.moveError = EINVAL, c.linkError = ENOSPC; }), ENOSPC);
@@ -156,6 +177,37 @@ TEST_F(DestinationFileTest, EveryFaultIsReportedAndLeavesNothing) {
   calls.largestWrite = 7;  // short and interrupted writes are no faults
   EXPECT_EQ(store("n", text), 0);
   EXPECT_EQ(content("n"), text);
+}
+
+TEST_F(DestinationFileTest, ANameIsGivenOnlyToWhatTheDiskHas) {
+  ASSERT_EQ(create("large"), 0);
+  const std::string piece(3'000'000, 'x');
+  for (int i = 0; i < 20; ++i) ASSERT_EQ(file->write(piece), 0);
+  EXPECT_LT(calls.mostUnsafeBytes, 20'000'000);  // so that the wait for the last is short
+  ASSERT_EQ(file->publish(), 0);
+  calls = FaultyCalls();
+  calls.writeBackError = ENOSYS;  // where nothing can be asked of the disk
+  calls.unsafeBytes = -4;
+  EXPECT_EQ(store("n", "text"), 0);
+}
+
+TEST_F(DestinationFileTest, TheDisksAreWaitedForAndTheirFaultsAndSlownessTold) {
+  DiskSync& disks = folders.disks();
+  constexpr std::chrono::seconds kLong(30);
+  EXPECT_FALSE(disks.advance(calls));
+  EXPECT_EQ(disks.finish(calls, kLong), 0);
+  ASSERT_EQ(store("a", "text"), 0);
+  EXPECT_TRUE(disks.advance(calls));
+  EXPECT_EQ(disks.finish(calls, kLong), 0);
+  EXPECT_FALSE(disks.advance(calls));
+
+  calls.isDiskSlow = true;
+  for (const char* name : {"b", "c"}) ASSERT_EQ(store(name, "text"), 0);
+  EXPECT_EQ(disks.finish(calls, std::chrono::milliseconds(10)), ETIME);
+  EXPECT_EQ(disks.finish(calls, kLong), 0);
+  calls.syncError = EIO;
+  ASSERT_EQ(store("d", "text"), 0);
+  EXPECT_EQ(disks.finish(calls, kLong), EIO);
 }
 
 TEST_F(DestinationFileTest, RemovesWhatAKilledProcessLeftAndNothingElse) {

@@ -258,20 +258,32 @@ TEST_F(DownloadTest, CancellingAtAnyCallbackIsTheLastOfItAndLeavesNothing) {
   }
 }
 
-TEST_F(DownloadTest, AFinishedFileThatNobodyHasHeardOfGoesWhenCancelled) {
+TEST_F(DownloadTest, AFinishedFileThatNobodyHasHeardOfStaysAndAtTheEndItIsTold) {
   RawServer server([](Connection& connection, const std::string&) {
-    connection.send(HttpReply("200 OK", "abc"));
+    connection.send(HttpReply("200 OK", std::string(400'000, 'x')));
     return After::close;
   });
-  DownloadRecorder result = recorder();
-  result.hook = [&](char call, WebDownload& download) {
-    EXPECT_TRUE(call != 'L' && call != 'F');
-    if (call != 'C') return;
-    EXPECT_EQ(content(result), "abc");  // it was made while the callback was on its way
-    download.cancel();
-  };
-  start(server.url("/f"), result);
-  EXPECT_TRUE(RunLoopUntil([&] { return !result.path.isNull() && names().isEmpty(); }));
+  enum class Then { cancelled, serviceGone, ended };
+  for (const Then then : {Then::cancelled, Then::serviceGone, Then::ended}) {
+    DownloadRecorder next = recorder();
+    DownloadRecorder result = recorder();
+    result.name = QStringLiteral("f");
+    result.hook = [&](char call, WebDownload&) {
+      if (call == 'D') service->setDelivering(false);
+      if (call == 'F') start(server.url("/next"), next);
+    };
+    const std::shared_ptr<WebDownload> download = start(server.url("/f"), result);
+    ASSERT_TRUE(RunLoopUntil([&] { return names() == QStringList(result.name); })) << result.calls;
+    const std::size_t requestCount = server.requests().size();
+    if (then == Then::cancelled) download->cancel();
+    if (then == Then::ended) service->end();
+    restart();
+    EXPECT_EQ(result.isOver(), then == Then::ended) << result.calls;
+    EXPECT_EQ(next.calls, "");
+    EXPECT_EQ(server.requests().size(), requestCount);
+    EXPECT_EQ(QFile(directory.filePath(result.name)).size(), 400'000);
+    QFile::remove(directory.filePath(result.name));
+  }
 }
 
 TEST_F(DownloadTest, ManyCountsOfAFastTransferBecomeFew) {

@@ -68,6 +68,7 @@ class FakeDownloads final : public platform::WebDownloadService {
     log_.add("start " + url.absoluteString().toStdString());
     return started.emplace_back(std::make_shared<FakeDownload>(log_, url, delegate));
   }
+  void end() override {}
 
  private:
   CallLog& log_;
