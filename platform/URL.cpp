@@ -154,6 +154,10 @@ bool HasWebScheme(QStringView text) {
                      [text](QStringView scheme) { return text.startsWith(scheme, Qt::CaseInsensitive); });
 }
 
+bool CanBeFetched(const URL& url) {
+  return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
+}
+
 QString WithoutCredentials(const QString& text) {
   const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
   const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';

@@ -46,6 +46,8 @@ class URL {
 /// Whether `text` begins like what the program can download: "http://", "https://" or "ftp://", letter case
 /// apart.
 [[nodiscard]] bool HasWebScheme(QStringView text);
+/// Whether `url` is absolute and http, https or ftp, so that the program can download from there.
+[[nodiscard]] bool CanBeFetched(const URL& url);
 
 /// `text` without "user:password@", whether or not it makes a URL.
 ///

@@ -40,7 +40,8 @@ Examples:
 Exit status:
   0    all well
   1    something failed: a page, a file, the connection, the output
-  2    a mistake on the command line; nothing was done
+  2    a mistake on the command line; nothing was done, but for the URLs
+       that "get" was given beside a text that is none
   130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
 
 Environment:
@@ -121,7 +122,8 @@ Examples:
 Exit status:
   0    every page and file was fetched
   1    something failed, was not fetched, or could not be written
-  2    a mistake on the command line; nothing was done
+  2    a mistake on the command line; nothing was done, but for the URLs
+       beside a text that is none
   130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
 )";
 

@@ -18,6 +18,7 @@
 #include "classify/InternetConfig.h"
 #include "host/Exhaustion.h"
 #include "host/LinuxHost.h"
+#include "platform/URL.h"
 #include "platform/linux/CurlPageLoader.h"
 #include "platform/linux/CurlReadStream.h"
 #include "platform/linux/CurlSupport.h"
@@ -77,6 +78,20 @@ QStringList StringList(const std::vector<std::string>& texts) {
   QStringList list;
   for (const std::string& text : texts) list.append(QString::fromStdString(text));
   return list;
+}
+
+// Those that can be downloaded from. The others are reported and left out.
+QStringList UsableURLs(const std::vector<std::string>& arguments, Output& errors) {
+  QStringList urls = StringList(arguments);
+  urls.removeIf([&errors](const QString& text) {
+    const std::optional<platform::URL> url = platform::URL::URLWithString(text);
+    const bool isUsable = url && platform::CanBeFetched(*url);
+    if (!isUsable)
+      errors.write(
+          NoticeText(platform::WithoutCredentials(text) + QStringLiteral(": no http, https or ftp URL")));
+    return !isUsable;
+  });
+  return urls;
 }
 
 int Finish(int exitStatus, const Output& results, Output& errors) {
@@ -146,6 +161,8 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   if (const auto error = TakeOptions(arguments, options)) return Complain(*error, "get", errors);
 
   UseUTF8Locale();
+  const QStringList urls = UsableURLs(arguments.urls, errors);
+  if (urls.isEmpty()) return kExitUsage;
   int argumentCount = 1;
   char name[] = "quillforth-cli";
   char* names[] = {name, nullptr};
@@ -163,7 +180,8 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
     get.stop();
   });
 
-  Summary summary = get.run(StringList(arguments.urls));
+  Summary summary = get.run(urls);
+  if (static_cast<std::size_t>(urls.size()) < arguments.urls.size()) summary.exitStatus = kExitUsage;
   if (interruption.happened()) summary.exitStatus = interruption.exitStatus();
   reporter->end(summary);
   return Finish(summary.exitStatus, results, errors);

@@ -4,10 +4,6 @@
 
 namespace quillforth::platform {
 
-bool CanBeFetched(const URL& url) {
-  return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
-}
-
 void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url) {
   // A URL's characters are ASCII, so this conversion loses nothing.
   ApplyCommonOptions(handle, settings, url.absoluteString().toLatin1().toStdString());

@@ -46,10 +46,6 @@ struct CurlEasyDeleter {
 };
 using CurlEasy = std::unique_ptr<CURL, CurlEasyDeleter>;
 
-/// Whether `url` is absolute and http, https or ftp. libcurl guesses a scheme and a host where there are
-/// none, so no other text may reach it.
-[[nodiscard]] bool CanBeFetched(const URL& url);
-
 /// Sets URL, user agent, http/https/ftp only (redirects too), at most 20 redirects, never to another host
 /// with credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's
 /// default.

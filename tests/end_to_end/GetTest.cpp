@@ -38,9 +38,13 @@ class Get : public EndToEnd {
 TEST_F(Get, EveryURLOfAMixedRunHasItsOutcome) {
   std::string withCredentials = server_.url("/e.jpg");
   withCredentials.insert(7, "me:secret@");
-  const Outcome outcome = get({server_.url("/g/index.html"), server_.url("/none.html"), "not a url",
-                               server_.url("/dir/"), server_.url("/d.zip"), withCredentials});
-  EXPECT_EQ(outcome.exitStatus, 1);
+  const Outcome outcome =
+      get({server_.url("/g/index.html"), server_.url("/none.html"), "not a url", "mailto://me:secret@h/",
+           server_.url("/dir/"), server_.url("/d.zip"), withCredentials});
+  EXPECT_EQ(outcome.exitStatus, 2);
+  EXPECT_EQ(outcome.errors.substr(0, outcome.errors.find("URL\n", 50) + 4),
+            "quillforth-cli: not a url: no http, https or ftp URL\n"
+            "quillforth-cli: mailto://h/: no http, https or ftp URL\n");
   std::multiset<std::string> lines;
   std::istringstream stream(outcome.output);
   for (std::string line; std::getline(stream, line);) lines.insert(line + '\n');
@@ -53,7 +57,6 @@ TEST_F(Get, EveryURLOfAMixedRunHasItsOutcome) {
       "failed " + server_.url("/g/bad url/") + ": This is not a valid URL.\n",
       "failed " + server_.url("/g/missing.jpg") + ": The server answered 404 Not Found.\n",
       "failed " + server_.url("/none.html") + ": The page could not be loaded.\n",
-      "failed not a url: This is not a valid URL.\n",
   };
   EXPECT_EQ(lines, expected);
   EXPECT_EQ(files(), (std::map<std::string, std::string>{
