@@ -5,6 +5,7 @@
 // What is no URL, no file or no file with a URL is passed over in silence. A handler never fails: whoever
 // sent the event learns no more than that it came.
 
+#include "app/LinkFile.h"
 #include "app/MyAppController.h"
 #include "classify/NSStringExtensions.h"
 #include "platform/AppleEventManager.h"
@@ -28,15 +29,14 @@ std::optional<platform::FileReference> FileOfItem(const platform::AEDescriptor& 
   return references.fileOf(coerced.descriptor.data());
 }
 
-// The file's first 'url ' resource, up to its first NUL byte; nothing when it is empty or not UTF-8.
+}  // namespace
+
 std::optional<QString> URLInFile(const platform::FileReference& file, platform::ResourceManager& resources) {
   const std::unique_ptr<platform::ResourceFork> fork = resources.openResourceFork(file);
   if (fork == nullptr || fork->countResources(platform::kURLResourceType) == 0) return std::nullopt;
   const std::optional<QByteArrayView> bytes = fork->resource(platform::kURLResourceType, 1);
   return bytes && !bytes->isEmpty() ? classify::stringWithUTF8String(*bytes) : std::nullopt;
 }
-
-}  // namespace
 
 void MyAppController::registerMyApp() {
   if (host_.events == nullptr) return;

@@ -31,13 +31,12 @@ std::vector<QString> LinksOfPage(const QByteArray& page, const QString& pageURL,
   return urls;
 }
 
-// The string type first, else the URL type; null without either.
+}  // namespace
+
 QString DraggedString(const Pasteboard& pasteboard) {
   const QString string = pasteboard.stringForType(kStringPasteboardType);
   return string.isNull() ? pasteboard.stringForType(kURLPasteboardType) : string;
 }
-
-}  // namespace
 
 void MyAppController::importURL(Window& sender) {
   QString url = outlets_.urlTextField.stringValue();

@@ -25,6 +25,9 @@ class Pasteboard {
   [[nodiscard]] virtual QString stringForType(const char* type) const = 0;
 };
 
+/// The string type first, else the URL type; null without either.
+[[nodiscard]] QString DraggedString(const Pasteboard& pasteboard);
+
 /// What the source of a drag may do with what it drags.
 enum class DragOperation { none, every };
 

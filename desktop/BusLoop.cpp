@@ -4,10 +4,13 @@
 
 #include <poll.h>
 
+#include <utility>
+
 namespace quillforth::desktop {
 
-BusLoop::BusLoop(sd_bus& bus)
+BusLoop::BusLoop(sd_bus& bus, std::function<void()> lost)
     : bus_(bus),
+      lost_(std::move(lost)),
       readable_(sd_bus_get_fd(&bus), QSocketNotifier::Read),
       writable_(sd_bus_get_fd(&bus), QSocketNotifier::Write) {
   next_.setSingleShot(true);
@@ -25,6 +28,7 @@ void BusLoop::processOne() {
   writable_.setEnabled(mustWrite);
   readable_.setEnabled(events > 0 && !mustWrite);
   if (done > 0 && !mustWrite) next_.start();
+  if (done < 0) lost_();
 }
 
 }  // namespace quillforth::desktop

@@ -10,13 +10,14 @@
 
 #include <QSocketNotifier>
 #include <QTimer>
+#include <functional>
 
 namespace quillforth::desktop {
 
 class BusLoop final {
  public:
-  /// `bus` outlives this. Once the bus is gone, nothing happens any more.
-  explicit BusLoop(sd_bus& bus);
+  /// `bus` outlives this. Calls `lost`, which leaves this alone, once the bus is gone.
+  BusLoop(sd_bus& bus, std::function<void()> lost);
   BusLoop(const BusLoop&) = delete;
   BusLoop& operator=(const BusLoop&) = delete;
 
@@ -24,6 +25,7 @@ class BusLoop final {
   void processOne();
 
   sd_bus& bus_;
+  std::function<void()> lost_;
   QSocketNotifier readable_;
   QSocketNotifier writable_;
   QTimer next_;  // zero seconds: a message may have been read already

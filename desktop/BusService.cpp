@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "platform/URL.h"
 
@@ -17,10 +18,15 @@ namespace {
 constexpr const char* kName = "com.tessarysoftware.Quillforth";
 constexpr const char* kPath = "/com/tessarysoftware/Quillforth";
 constexpr const char* kApplication = "org.freedesktop.Application";
+constexpr const char* kBus = "org.freedesktop.DBus";
 constexpr const char* kTokenKey = "activation-token";
+constexpr const char* kIdentityKey = "x-quillforth-identity";
+constexpr const char* kDeadlineKey = "x-quillforth-deadline";
 constexpr const char* kDownloadSelection = "download-selection";
 constexpr std::uint64_t kMicrosecondsToAnswer = 5'000'000;
 constexpr int kMaxPlatformData = 100;
+constexpr std::chrono::seconds kFirstPause(1);  // before the bus is looked for again
+constexpr std::chrono::milliseconds kLongestPause = std::chrono::minutes(1);
 
 /// What KRunner shows is typed by hand.
 constexpr qsizetype kMaxMatchLength = 2048;
@@ -38,32 +44,41 @@ QString TakeText(sd_bus_message* call) {
   return TextOf(text);
 }
 
-// Of too many texts only one too many.
+// Of too much text only as much as shows that it is.
 QStringList TakeTexts(sd_bus_message* call) {
   QStringList texts;
   const char* text = nullptr;
   if (sd_bus_message_enter_container(call, 'a', "s") < 0) return texts;
-  while (texts.size() <= Request::kMaxTexts && sd_bus_message_read(call, "s", &text) > 0) {
+  for (qsizetype size = 0; size <= Request::kMaxSize && sd_bus_message_read(call, "s", &text) > 0;) {
     texts.append(TextOf(text));
+    size += Request::kTextSize + texts.constLast().size();
   }
   sd_bus_message_exit_container(call);
   return texts;
 }
 
-QString TakeActivationToken(sd_bus_message* call) {
+// The rest of `request`.
+void TakePlatformData(sd_bus_message* call, Request& request) {
   QVariantMap data;
   const char* key = nullptr;
-  if (sd_bus_message_enter_container(call, 'a', "{sv}") < 0) return {};
-  while (data.size() < kMaxPlatformData && sd_bus_message_enter_container(call, 'e', "sv") > 0) {
+  if (sd_bus_message_enter_container(call, 'a', "{sv}") < 0) return;
+  for (int count = 0; count < kMaxPlatformData; ++count) {
+    if (sd_bus_message_enter_container(call, 'e', "sv") <= 0) break;
     const char* text = nullptr;
-    const bool isText = sd_bus_message_read(call, "s", &key) > 0 &&
-                        sd_bus_message_verify_type(call, 'v', "s") > 0 &&
-                        sd_bus_message_read(call, "v", "s", &text) > 0;
-    if (!isText && sd_bus_message_skip(call, "v") < 0) return {};
-    data.insert(TextOf(key), isText ? TextOf(text) : QString());
+    std::int64_t number = 0;
+    if (sd_bus_message_read(call, "s", &key) <= 0) break;
+    if (sd_bus_message_verify_type(call, 'v', "s") > 0) {
+      if (sd_bus_message_read(call, "v", "s", &text) > 0) data.insert(TextOf(key), TextOf(text));
+    } else if (sd_bus_message_verify_type(call, 'v', "x") > 0) {
+      if (sd_bus_message_read(call, "v", "x", &number) > 0) data.insert(TextOf(key), qint64{number});
+    } else if (sd_bus_message_skip(call, "v") < 0) {
+      break;
+    }
     sd_bus_message_exit_container(call);
   }
-  return ActivationTokenIn(data);
+  request.activationToken = ActivationTokenIn(data);
+  request.handOver = {data.value(QLatin1StringView(kIdentityKey)).toString(),
+                      data.value(QLatin1StringView(kDeadlineKey)).toLongLong()};
 }
 
 int Take(void* handler, const Request& request, sd_bus_message* call, sd_bus_error* error) {
@@ -75,6 +90,8 @@ int Take(void* handler, const Request& request, sd_bus_message* call, sd_bus_err
       return sd_bus_reply_method_return(call, "");
     case RequestHandler::Answer::tooBusy:
       return sd_bus_error_set(error, SD_BUS_ERROR_LIMITS_EXCEEDED, "too much waits already");
+    case RequestHandler::Answer::isLate:
+      return sd_bus_error_set(error, SD_BUS_ERROR_TIMEOUT, "the deadline of the request is over");
     case RequestHandler::Answer::isQuitting:
       break;
   }
@@ -82,12 +99,14 @@ int Take(void* handler, const Request& request, sd_bus_message* call, sd_bus_err
 }
 
 int Activate(sd_bus_message* call, void* handler, sd_bus_error* error) {
-  return Take(handler, {Request::Kind::activate, {}, TakeActivationToken(call)}, call, error);
+  Request request{Request::Kind::activate};
+  TakePlatformData(call, request);
+  return Take(handler, request, call, error);
 }
 
 int Open(sd_bus_message* call, void* handler, sd_bus_error* error) {
   Request request{Request::Kind::open, TakeTexts(call)};
-  if (Fault(request).isNull()) request.activationToken = TakeActivationToken(call);
+  if (Fault(request).isNull()) TakePlatformData(call, request);
   return Take(handler, request, call, error);
 }
 
@@ -96,7 +115,9 @@ int ActivateAction(sd_bus_message* call, void* handler, sd_bus_error* error) {
     return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "there is no such action");
   }
   static_cast<void>(sd_bus_message_skip(call, "av"));
-  return Take(handler, {Request::Kind::downloadSelection, {}, TakeActivationToken(call)}, call, error);
+  Request request{Request::Kind::downloadSelection};
+  TakePlatformData(call, request);
+  return Take(handler, request, call, error);
 }
 
 int GetURL(sd_bus_message* call, void* handler, sd_bus_error* error) {
@@ -111,12 +132,7 @@ int DownloadText(sd_bus_message* call, void* handler, sd_bus_error* error) {
 QString DownloadableURL(const QString& text) {
   if (text.size() > kMaxMatchLength) return {};
   const std::optional<platform::URL> url = platform::URL::URLWithString(text.trimmed());
-  if (!url || url->host().isEmpty()) return {};
-  const QString scheme = url->scheme();
-  for (const char* known : {"http", "https", "ftp"}) {
-    if (scheme == QLatin1StringView(known)) return url->absoluteString();
-  }
-  return {};
+  return url && platform::CanBeFetched(*url) ? url->absoluteString() : QString();
 }
 
 // Of a match: identifier, text, icon, category, relevance from 0 to 1, properties.
@@ -156,6 +172,14 @@ const sd_bus_vtable kRunnerMethods[] = {SD_BUS_VTABLE_START(0), Method("Match", 
                                         Method("Actions", "", "a(sss)", &Actions),
                                         Method("Run", "ss", "", &Run), SD_BUS_VTABLE_END};
 
+int NameLost(sd_bus_message* signal, void* lost, sd_bus_error* /*error*/) {
+  const char* name = "";
+  static_cast<void>(sd_bus_message_read(signal, "s", &name));
+  const auto& call = *static_cast<std::function<void()>*>(lost);
+  if (std::strcmp(name, kName) == 0 && call) call();
+  return 0;
+}
+
 using BusMessage = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 const char* MethodFor(Request::Kind kind) {
@@ -183,36 +207,93 @@ BusMessage CallFor(sd_bus& bus, const Request& request) {
     isWhole = isWhole && sd_bus_message_append(made, "sav", kDownloadSelection, 0) >= 0;
   }
   const QByteArray token = request.activationToken.toUtf8();
-  isWhole = isWhole && sd_bus_message_append(made, "a{sv}", 1, kTokenKey, "s", token.constData()) >= 0;
+  const QByteArray identity = request.handOver.identity.toUtf8();
+  isWhole = isWhole &&
+            sd_bus_message_append(made, "a{sv}", 3, kTokenKey, "s", token.constData(), kIdentityKey, "s",
+                                  identity.constData(), kDeadlineKey, "x", request.handOver.deadline) >= 0;
   return isWhole ? std::move(call) : BusMessage(nullptr, &sd_bus_message_unref);
 }
 
 }  // namespace
 
-BusService::BusService(RequestHandler& handler) : bus_(nullptr, &sd_bus_flush_close_unref) {
+BusService::BusService(RequestHandler& handler, std::function<void()> lost)
+    : handler_(handler), lost_(std::move(lost)), pause_(kFirstPause) {
+  retry_.setSingleShot(true);
+  retry_.callOnTimeout([this] { comeBack(); });
+}
+
+// Flushing waits for a bus that has not let this process in.
+void BusService::CloseBus::operator()(sd_bus* bus) const {
+  if (sd_bus_is_ready(bus) > 0) sd_bus_flush(bus);
+  sd_bus_close_unref(bus);
+}
+
+bool BusService::open() {
+  loop_.reset();
+  bus_.reset();
   sd_bus* bus = nullptr;
-  if (sd_bus_open_user(&bus) < 0) return;
+  if (sd_bus_open_user(&bus) < 0) return false;
   bus_.reset(bus);
   const bool isShown =
       sd_bus_set_method_call_timeout(bus, kMicrosecondsToAnswer) >= 0 &&
-      sd_bus_add_object_vtable(bus, nullptr, kPath, kApplication, kApplicationMethods, &handler) >= 0 &&
-      sd_bus_add_object_vtable(bus, nullptr, kPath, kName, kDownloadMethods, &handler) >= 0 &&
-      sd_bus_add_object_vtable(bus, nullptr, "/KRunner", "org.kde.krunner1", kRunnerMethods, &handler) >= 0;
+      sd_bus_add_object_vtable(bus, nullptr, kPath, kApplication, kApplicationMethods, &handler_) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, kPath, kName, kDownloadMethods, &handler_) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, "/KRunner", "org.kde.krunner1", kRunnerMethods, &handler_) >= 0;
   if (!isShown) bus_.reset();
+  return isShown;
 }
 
 BusService::Outcome BusService::begin() {
-  if (!bus_) return Outcome::noBus;
-  const int result = sd_bus_request_name(bus_.get(), kName, 0);
+  const bool isStandIn = lost_ != nullptr;
+  int result = bus_ || open() ? 0 : -ENOTCONN;
+  if (result >= 0 && isStandIn) {
+    result = sd_bus_match_signal(bus_.get(), nullptr, kBus, nullptr, kBus, "NameLost", &NameLost, &lost_);
+  }
+  if (result >= 0) {
+    result = sd_bus_request_name(bus_.get(), kName,
+                                 isStandIn ? SD_BUS_NAME_ALLOW_REPLACEMENT : SD_BUS_NAME_REPLACE_EXISTING);
+  }
   if (result == -EEXIST) return Outcome::isNameTaken;
-  if (result < 0) return Outcome::noBus;
-  loop_.emplace(*bus_);
+  if (result < 0) {
+    comeBackLater();
+    return Outcome::noBus;
+  }
+  serve();
   return Outcome::isNamed;
 }
 
-bool BusService::handOver(const Request& request) {
+void BusService::serve() {
+  loop_.emplace(*bus_, [this] { lost_ ? lost_() : comeBackLater(); });
+}
+
+void BusService::stay() {
+  lost_ = nullptr;
+  static_cast<void>(sd_bus_request_name_async(bus_.get(), nullptr, kName, 0, nullptr, nullptr));
+}
+
+void BusService::comeBackLater() {
+  retry_.start(pause_);
+  pause_ = std::min(2 * pause_, kLongestPause);
+}
+
+// Nobody is waited for: the name is asked for as soon as the bus has let this process in, and comes when it
+// is free.
+void BusService::comeBack() {
+  const auto answered = [](sd_bus_message* /*reply*/, void* service, sd_bus_error* /*error*/) {
+    static_cast<BusService*>(service)->pause_ = kFirstPause;
+    return 0;
+  };
+  constexpr std::uint64_t kFlags = SD_BUS_NAME_REPLACE_EXISTING | SD_BUS_NAME_QUEUE;
+  if (!open() || sd_bus_request_name_async(bus_.get(), nullptr, kName, kFlags, answered, this) < 0) {
+    return comeBackLater();
+  }
+  serve();
+}
+
+bool BusService::handOver(const Request& request, std::chrono::microseconds patience) {
   const BusMessage call = CallFor(*bus_, request);
-  return call && sd_bus_call(bus_.get(), call.get(), kMicrosecondsToAnswer, nullptr, nullptr) >= 0;
+  const auto left = static_cast<std::uint64_t>(std::max<std::int64_t>(patience.count(), 1));
+  return call && sd_bus_call(bus_.get(), call.get(), left, nullptr, nullptr) >= 0;
 }
 
 }  // namespace quillforth::desktop

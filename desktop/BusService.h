@@ -6,14 +6,17 @@
 //                                     com.tessarysoftware.Quillforth: GetURL, DownloadText
 //   /KRunner                          org.kde.krunner1: a typed URL can be downloaded
 //
-// Every call is answered at once, while its work waits for its turn. Calls with texts that are too long, too
-// many or no URIs get org.freedesktop.DBus.Error.InvalidArgs; when too much waits they get
+// Every call is answered at once, while its work waits for its turn. Calls with too much text, or nothing
+// that can be taken, get org.freedesktop.DBus.Error.InvalidArgs; when too much waits they get
 // org.freedesktop.DBus.Error.LimitsExceeded. It stands on sd-bus, which holds one message at a time: Qt reads
 // all that comes, and stays silent after its socket has once been full. Main thread.
 #pragma once
 
 #include <systemd/sd-bus.h>
 
+#include <QTimer>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -24,8 +27,10 @@ namespace quillforth::desktop {
 
 class BusService final {
  public:
-  /// `handler` outlives this.
-  explicit BusService(RequestHandler& handler);
+  /// `handler` outlives this. Without `lost` it keeps the name, and takes it again when the bus comes back,
+  /// or comes at all. With it, it stands in for an instance that does not have the name: it gives the name to
+  /// one that asks for it, and then, or when the bus goes, calls `lost`.
+  explicit BusService(RequestHandler& handler, std::function<void()> lost = nullptr);
   BusService(const BusService&) = delete;
   BusService& operator=(const BusService&) = delete;
 
@@ -36,13 +41,27 @@ class BusService final {
   };
   /// Takes the name; may be called again as long as that is taken.
   [[nodiscard]] Outcome begin();
-  /// Asks the instance that has the name. True when it has taken `request`, which is one that a command line
-  /// can make; false also when it does not answer within seconds.
-  [[nodiscard]] bool handOver(const Request& request);
+  /// Asks the instance that has the name, once `begin` has said that there is one. True when it has taken
+  /// `request`, which is one that a command line can make; false also when it does not answer in this time.
+  [[nodiscard]] bool handOver(const Request& request, std::chrono::microseconds patience);
+  /// Stands in for nobody any more.
+  void stay();
 
  private:
-  std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)> bus_;  // null: there is none
+  [[nodiscard]] bool open();
+  void serve();
+  void comeBackLater();
+  void comeBack();
+
+  RequestHandler& handler_;
+  std::function<void()> lost_;  // null: this is the instance
+  struct CloseBus {
+    void operator()(sd_bus* bus) const;
+  };
+  std::unique_ptr<sd_bus, CloseBus> bus_;  // null: there is none
   std::optional<BusLoop> loop_;
+  QTimer retry_;
+  std::chrono::milliseconds pause_;  // before the next try; doubles up to a minute
 };
 
 }  // namespace quillforth::desktop

@@ -4,11 +4,17 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QFile>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <algorithm>
 #include <utility>
 
+#include "app/LinkFile.h"
 #include "desktop/MessageSheets.h"
+#include "desktop/Request.h"
+#include "desktop/ShownText.h"
+#include "platform/FileURL.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -160,15 +166,36 @@ void Desktop::connectCommands() {
                    });
 }
 
-void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command) {
+void Desktop::tellOfUnusable(const QStringList& texts) {
+  constexpr qsizetype kMaxLogged = 100;
+  constexpr qsizetype kMaxShown = 15;
+  constexpr qsizetype kLongest = 200;
+  QStringList lines;
+  for (const QString& text : texts.first(std::min(texts.size(), kMaxLogged))) {
+    lines.append(ShownText(platform::WithoutCredentials(text), kLongest));
+    host_.log->log(
+        QStringLiteral("Quillforth takes %1: %2").arg(QLatin1StringView(kUnusableURI), lines.constLast()));
+  }
+  if (lines.size() > kMaxShown) lines = lines.first(kMaxShown) << QStringLiteral("…");
+  controller_.statusWindow().beginAlertSheet(
+      StatusWindow::tr("Not everything could be taken."),
+      StatusWindow::tr("Neither a file nor an http, https or ftp URL:") + u'\n' + lines.join(u'\n'));
+}
+
+void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& fileURIs)> command) {
+  openDocuments_ = std::move(command);
   QAction* action = window_.ui().actionOpenLinkFile;
-  QObject::connect(action, &QAction::triggered, &window_, [this, command = std::move(command)] {
+  QObject::connect(action, &QAction::triggered, &window_, [this] {
     auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Open Link File"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    QObject::connect(
-        dialog, &QFileDialog::filesSelected, &window_,
-        [this, command](const QStringList& paths) { gate_.post([command, paths] { command(paths); }); });
+    QObject::connect(dialog, &QFileDialog::filesSelected, &window_, [this](QStringList files) {
+      for (QString& file : files) {
+        const platform::FileReference reference(QFile::encodeName(file).toStdString());
+        file = QString::fromLatin1(platform::FileURL(reference));
+      }
+      openDocuments_(files);
+    });
     dialog->open();
   });
   action->setVisible(true);
@@ -184,8 +211,16 @@ void Desktop::drop(const QMimeData& data) {
 
 // The source of a drag waits until the drop has returned, so the work comes after it.
 void Desktop::takeDrop(const MimePasteboard& pasteboard) {
+  const QString string = app::DraggedString(pasteboard);
+  if (namesLinkFile(string)) return openDocuments_({string});
   if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
   gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+bool Desktop::namesLinkFile(const QString& url) const {
+  if (!IsFileURI(url) || !IsUsableURI(url) || host_.events == nullptr) return false;
+  const std::optional<platform::FileReference> file = platform::FileAtURL(url.toUtf8());
+  return file && app::URLInFile(*file, host_.events->resources).has_value();
 }
 
 // Only on X11 does the toolkit wait as long as a clipboard's owner hangs.

@@ -73,8 +73,11 @@ class Desktop final : private StatusWindowOwner {
   /// Null until the controller has started.
   [[nodiscard]] app::ServicesProvider* servicesProvider() const { return application_.servicesProvider(); }
 
-  /// What takes the paths that "Open Link File…" has picked; the command is there from then on.
-  void setOpenDocumentsCommand(std::function<void(const QStringList& paths)> command);
+  /// Says, in the log and in a sheet that nobody waits for, which texts of other programs are no usable URIs.
+  void tellOfUnusable(const QStringList& texts);
+  /// What takes the files that "Open Link File…" has picked, and link files that are dropped; the command is
+  /// there from then on.
+  void setOpenDocumentsCommand(std::function<void(const QStringList& fileURIs)> command);
 
  private:
   using Command = void (app::MyAppController::*)();
@@ -88,6 +91,8 @@ class Desktop final : private StatusWindowOwner {
   /// Posts the command whenever one of these is triggered.
   void bind(QAction* action, QAbstractButton* button, Command command);
   void takeDrop(const MimePasteboard& pasteboard);
+  /// A file URL of a file that an open-documents event takes a URL from.
+  [[nodiscard]] bool namesLinkFile(const QString& url) const;
   /// Takes what is in the clipboard as if it was dropped.
   void paste();
   [[nodiscard]] PreferencesServices preferencesServices();
@@ -140,6 +145,7 @@ class Desktop final : private StatusWindowOwner {
   TableOutlet fileTable_;
   app::MyAppController controller_;
   SelectionReader clipboard_;
+  std::function<void(const QStringList&)> openDocuments_ = [](const QStringList&) {};
 };
 
 }  // namespace quillforth::desktop

@@ -3,7 +3,8 @@
 // Takes what further starts of the program hand over on a local socket.
 //
 // Each connection brings one request as a line. It is answered with a line when the request is taken, and
-// otherwise closed: who sent it tries again. Main thread.
+// otherwise closed: who sent it tries again. Whoever hangs up before the answer withdraws the request. Main
+// thread.
 #pragma once
 
 #include <QLocalServer>
@@ -25,7 +26,9 @@ class InstanceServer final {
 
  private:
   void serve(QLocalSocket& connection);
-  void read(QLocalSocket& connection);
+  /// `line`: what has come so far.
+  void read(QLocalSocket& connection, QByteArray& line);
+  void answer(QLocalSocket& connection, const QByteArray& line);
 
   RequestHandler& handler_;
   QLocalServer server_;

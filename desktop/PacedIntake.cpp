@@ -20,15 +20,14 @@ PacedIntake::PacedIntake(CommandGate& gate, std::function<bool()> mustWait)
   retry_.callOnTimeout([this] { moveOn(); });
 }
 
-bool PacedIntake::hasRoom(std::size_t count, std::size_t size) const {
-  const std::size_t left = kMaxSize - size_;
-  return !gate_.isClosed() && size <= left && count <= (left - size) / kItemSize;
+bool PacedIntake::hasRoom(std::size_t size) const {
+  return !gate_.isClosed() && size <= kMaxSize - size_;
 }
 
 bool PacedIntake::add(Item item, std::size_t size) {
-  if (!hasRoom(1, size)) return false;
-  waiting_.push_back({std::move(item), size + kItemSize});
-  size_ += waiting_.back().size;
+  if (!hasRoom(size)) return false;
+  waiting_.push_back({std::move(item), size});
+  size_ += size;
   moveOn();
   return true;
 }

@@ -19,18 +19,16 @@ namespace quillforth::desktop {
 class PacedIntake final {
  public:
   using Item = CommandGate::Command;
-  /// Of all items that wait, in UTF-16 units of what they hold.
+  /// Of all items that wait, in UTF-16 units; nothing costs nothing, so that their number is bounded.
   static constexpr std::size_t kMaxSize = 16U << 20U;
-  /// What an item costs besides, and so more than how many never wait.
-  static constexpr std::size_t kItemSize = 64;
 
   /// `mustWait`: a download was asked for, and has not begun. `gate` outlives this.
   PacedIntake(CommandGate& gate, std::function<bool()> mustWait);
 
-  /// Whether `count` more items that hold `size` in all may be added now.
-  [[nodiscard]] bool hasRoom(std::size_t count, std::size_t size) const;
-  /// Has `item` done from the gate after all that were added before. False when there is no room for it, or
-  /// the program ends; then it is never done.
+  /// Whether more items of `size` in all may be added now.
+  [[nodiscard]] bool hasRoom(std::size_t size) const;
+  /// Has `item`, of a size above 0, done from the gate after all that were added before. False when there is
+  /// no room for it, or the program ends; then it is never done.
   [[nodiscard]] bool add(Item item, std::size_t size);
   /// To be called whenever a download has begun or ended.
   void moveOn();

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QUuid>
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -28,15 +29,14 @@ constexpr std::array kKindNames = {
     KindName{Request::Kind::getURL, "get-url"}, KindName{Request::Kind::downloadText, "download-text"},
     KindName{Request::Kind::downloadSelection, "download-selection"}};
 
-bool IsURI(const QString& text) {
-  return IsFileURI(text) ? platform::FileAtURL(text.toUtf8()).has_value()
-                         : platform::URL::URLWithString(text).has_value();
+bool IsTooLong(const QString& text) {
+  return text.size() > Request::kMaxTextLength;
 }
 
 bool HasRightCount(const Request& request) {
   switch (request.kind) {
     case Request::Kind::open:
-      return request.texts.size() <= Request::kMaxTexts;
+      return true;
     case Request::Kind::getURL:
     case Request::Kind::downloadText:
       return request.texts.size() == 1;
@@ -45,10 +45,42 @@ bool HasRightCount(const Request& request) {
   }
 }
 
+// The steady clock is CLOCK_MONOTONIC.
+std::int64_t Now() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+bool Exists(const platform::FileReference& file) {
+  std::error_code error;
+  return std::filesystem::exists(file.path(), error);
+}
+
 }  // namespace
 
 bool IsFileURI(const QString& uri) {
   return uri.startsWith(QStringLiteral("file:"), Qt::CaseInsensitive);
+}
+
+bool IsUsableURI(const QString& uri) {
+  if (IsTooLong(uri)) return false;
+  if (IsFileURI(uri)) return platform::FileAtURL(uri.toUtf8()).has_value();
+  const std::optional<platform::URL> url = platform::URL::URLWithString(uri);
+  return url && platform::CanBeFetched(*url);
+}
+
+qsizetype SizeOf(const QStringList& texts) {
+  return std::accumulate(texts.begin(), texts.end(), qsizetype{0}, [](qsizetype sum, const QString& text) {
+    return sum + Request::kTextSize + text.size();
+  });
+}
+
+Request::HandOver NewHandOver(std::chrono::milliseconds patience) {
+  return {QUuid::createUuid().toString(QUuid::WithoutBraces), Now() + patience.count()};
+}
+
+bool IsLate(const Request::HandOver& handOver) {
+  return !handOver.identity.isEmpty() && Now() > handOver.deadline;
 }
 
 QString ActivationTokenIn(const QVariantMap& platformData) {
@@ -60,20 +92,14 @@ QString ActivationTokenIn(const QVariantMap& platformData) {
 }
 
 QString Fault(const Request& request) {
-  if (!HasRightCount(request)) return QStringLiteral("too many files and URLs at a time, or none");
-  const auto isTooLong = [](const QString& text) { return text.size() > Request::kMaxTextLength; };
-  if (std::any_of(request.texts.begin(), request.texts.end(), isTooLong)) {
-    return QStringLiteral("too long");
+  const QStringList& texts = request.texts;
+  if (!HasRightCount(request)) return QStringLiteral("nothing to download");
+  if (SizeOf(texts) > Request::kMaxSize) return QStringLiteral("too much at a time");
+  if (request.kind != Request::Kind::open) {
+    return std::any_of(texts.begin(), texts.end(), IsTooLong) ? QStringLiteral("too long") : QString();
   }
-  const qsizetype length =
-      std::accumulate(request.texts.begin(), request.texts.end(), qsizetype{0},
-                      [](qsizetype sum, const QString& text) { return sum + text.size(); });
-  if (length > Request::kMaxLength) return QStringLiteral("too much at a time");
-  if (request.kind == Request::Kind::open &&
-      !std::all_of(request.texts.begin(), request.texts.end(), IsURI)) {
-    return QStringLiteral("neither a file nor a URL");
-  }
-  return {};
+  const bool hasUsable = texts.isEmpty() || std::any_of(texts.begin(), texts.end(), IsUsableURI);
+  return hasUsable ? QString() : QString::fromLatin1(kUnusableURI);
 }
 
 QByteArray LineOfRequest(const Request& request) {
@@ -81,7 +107,9 @@ QByteArray LineOfRequest(const Request& request) {
                                   [&](const KindName& row) { return row.kind == request.kind; });
   const QJsonObject object{{QStringLiteral("kind"), QLatin1StringView(kind->name)},
                            {QStringLiteral("texts"), QJsonArray::fromStringList(request.texts)},
-                           {QStringLiteral("activation-token"), request.activationToken}};
+                           {QStringLiteral("activation-token"), request.activationToken},
+                           {QStringLiteral("identity"), request.handOver.identity},
+                           {QStringLiteral("deadline"), static_cast<qint64>(request.handOver.deadline)}};
   return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -92,6 +120,8 @@ std::optional<Request> RequestInLine(const QByteArray& line) {
                                   [&](const KindName& row) { return name == QLatin1StringView(row.name); });
   if (kind == kKindNames.end()) return std::nullopt;
   Request request{.kind = kind->kind, .activationToken = ActivationTokenIn(object.toVariantMap())};
+  request.handOver = {object.value(QStringLiteral("identity")).toString().left(kMaxTokenLength),
+                      object.value(QStringLiteral("deadline")).toInteger()};
   for (const auto& text : object.value(QStringLiteral("texts")).toArray()) {
     request.texts.append(text.toString());
   }
@@ -100,13 +130,11 @@ std::optional<Request> RequestInLine(const QByteArray& line) {
 
 std::optional<QString> URIOfArgument(const std::string& argument) {
   std::error_code error;
-  const std::filesystem::path path = std::filesystem::absolute(argument, error);
-  if (!error && std::filesystem::exists(path, error)) {
-    const platform::FileReference file(path.string());
-    return QString::fromLatin1(platform::FileURL(file));
-  }
-  const QString text = QString::fromStdString(argument);
-  return IsURI(text) ? std::optional(text) : std::nullopt;
+  const platform::FileReference file(std::filesystem::absolute(argument, error).string());
+  if (!error && Exists(file)) return QString::fromLatin1(platform::FileURL(file));
+  QString text = QString::fromStdString(argument);
+  const bool isMissing = IsFileURI(text) && !Exists(platform::FileAtURL(argument).value_or(file));
+  return isMissing || !IsUsableURI(text) ? std::nullopt : std::optional(std::move(text));
 }
 
 }  // namespace quillforth::desktop

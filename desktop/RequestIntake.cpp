@@ -2,14 +2,12 @@
 
 #include "desktop/RequestIntake.h"
 
-#include <QFile>
-#include <numeric>
+#include <algorithm>
 #include <utility>
 
 #include "app/Services.h"
 #include "desktop/Activation.h"
 #include "desktop/MimePasteboard.h"
-#include "platform/FileURL.h"
 
 namespace quillforth::desktop {
 
@@ -22,24 +20,19 @@ namespace descriptor_type = platform::descriptor_type;
 constexpr common::FourCharCode kCoreEventClass = common::FourCC("aevt");
 constexpr common::FourCharCode kOpenDocuments = common::FourCC("odoc");
 constexpr common::FourCharCode kGetURL = common::FourCC("GURL");  // class and ID
-// Commands for a request besides its items, one of which is posted at a time: the start, coming forward.
-constexpr std::size_t kMaxCommands = 3;
-
-std::size_t LengthOf(const QStringList& texts) {
-  return std::accumulate(
-      texts.begin(), texts.end(), std::size_t{0},
-      [](std::size_t sum, const QString& text) { return sum + static_cast<std::size_t>(text.size()); });
-}
+// Commands for a request: the start, coming forward, what cannot be taken, and one of its items at a time.
+constexpr std::size_t kMaxCommands = 4;
 
 }  // namespace
 
 RequestHandler::Answer RequestIntake::take(const Request& request) {
   if (desktop_.isQuitting()) return Answer::isQuitting;
-  const auto count = static_cast<std::size_t>(request.texts.size());
-  if (desktop_.gate().room() < kMaxCommands ||
-      !desktop_.pacedIntake().hasRoom(count, LengthOf(request.texts))) {
-    return Answer::tooBusy;
-  }
+  const QString& identity = request.handOver.identity;
+  if (std::find(taken_.begin(), taken_.end(), identity) != taken_.end()) return Answer::taken;
+  if (IsLate(request.handOver)) return Answer::isLate;
+  const bool hasRoom = desktop_.pacedIntake().hasRoom(static_cast<std::size_t>(SizeOf(request.texts)));
+  if (desktop_.gate().room() < kMaxCommands || !hasRoom) return Answer::tooBusy;
+  if (!identity.isEmpty()) remember(identity);
   if (!request.activationToken.isEmpty()) RememberActivation(request.activationToken);
   begin();
   switch (request.kind) {
@@ -63,6 +56,12 @@ RequestHandler::Answer RequestIntake::take(const Request& request) {
   return Answer::taken;
 }
 
+void RequestIntake::remember(const QString& identity) {
+  constexpr std::size_t kMaxTaken = 64;
+  taken_.push_back(identity);
+  if (taken_.size() > kMaxTaken) taken_.pop_front();
+}
+
 void RequestIntake::begin() {
   if (std::exchange(hasBegun_, true)) return;
   desktop_.gate().post([this] {
@@ -77,8 +76,11 @@ void RequestIntake::activate() {
 }
 
 void RequestIntake::open(const QStringList& uris) {
+  QStringList unusable;
   for (const QString& uri : uris) {
-    if (IsFileURI(uri)) {
+    if (!IsUsableURI(uri)) {
+      unusable.append(uri);
+    } else if (IsFileURI(uri)) {
       openDocument(uri.toUtf8());
     } else {
       add(uri.size(), [this, pasteboard = MimePasteboard(uri)] {
@@ -86,12 +88,12 @@ void RequestIntake::open(const QStringList& uris) {
       });
     }
   }
+  if (unusable.isEmpty()) return;
+  desktop_.gate().post([this, unusable] { desktop_.tellOfUnusable(unusable); });
 }
 
-void RequestIntake::openDocuments(const QStringList& paths) {
-  for (const QString& path : paths) {
-    openDocument(platform::FileURL(platform::FileReference(QFile::encodeName(path).toStdString())));
-  }
+void RequestIntake::openDocuments(const QStringList& fileURIs) {
+  for (const QString& uri : fileURIs) openDocument(uri.toUtf8());
 }
 
 void RequestIntake::openDocument(const QByteArray& fileURL) {
@@ -114,7 +116,8 @@ void RequestIntake::downloadText(const QString& text) {
 }
 
 void RequestIntake::add(qsizetype size, PacedIntake::Item item) {
-  static_cast<void>(desktop_.pacedIntake().add(std::move(item), static_cast<std::size_t>(size)));
+  static_cast<void>(
+      desktop_.pacedIntake().add(std::move(item), static_cast<std::size_t>(Request::kTextSize + size)));
 }
 
 AppleEvent RequestIntake::makeEvent(common::FourCharCode eventClass, common::FourCharCode eventID,

@@ -7,6 +7,8 @@
 // order of the requests. Only coming forward does not wait. Main thread.
 #pragma once
 
+#include <deque>
+
 #include "common/FourCharCode.h"
 #include "desktop/Desktop.h"
 #include "desktop/Request.h"
@@ -26,9 +28,10 @@ class RequestIntake final : public RequestHandler {
   [[nodiscard]] Answer take(const Request& request) override;
   [[nodiscard]] bool hasBegun() const { return hasBegun_; }
   /// Sends an open-documents event for each file, in its turn.
-  void openDocuments(const QStringList& paths);
+  void openDocuments(const QStringList& fileURIs);
 
  private:
+  void remember(const QString& identity);
   void begin();
   void activate();
   void open(const QStringList& uris);
@@ -45,6 +48,7 @@ class RequestIntake final : public RequestHandler {
   platform::AppleEventSender& events_;
   common::FourCharCode signature_;
   SelectionReader selection_;
+  std::deque<QString> taken_;  // identities of the latest requests
   bool hasBegun_ = false;
   bool hasStarted_ = false;
 };

@@ -43,13 +43,6 @@ QStringList HelperOptions(SelectionSource source) {
   }
 }
 
-QString DraggedText(const QMimeData* data) {
-  if (data == nullptr) return {};
-  const MimePasteboard pasteboard(*data);
-  const QString text = pasteboard.stringForType(app::kStringPasteboardType);
-  return text.isNull() ? pasteboard.stringForType(app::kURLPasteboardType) : text;
-}
-
 // What a helper that has ended has printed.
 std::optional<QString> TextOf(QProcess& helper) {
   QString text = QString::fromUtf8(helper.readAllStandardOutput());
@@ -106,7 +99,8 @@ void PrintSelection(SelectionSource source) {
       source == SelectionSource::selectionOrClipboard && clipboard.supportsSelection();
   QString text = isSelectionAsked ? clipboard.text(QClipboard::Selection) : QString();
   if (source == SelectionSource::pasteboard) {
-    text = DraggedText(clipboard.mimeData());
+    const QMimeData* data = clipboard.mimeData();
+    text = data == nullptr ? QString() : app::DraggedString(MimePasteboard(*data));
   } else if (text.isEmpty()) {
     text = clipboard.text(QClipboard::Clipboard);
   }

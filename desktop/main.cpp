@@ -11,9 +11,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "desktop/Activation.h"
 #include "desktop/Appearance.h"
@@ -37,7 +39,12 @@ namespace quillforth::desktop {
 
 namespace {
 
+constexpr int kExitUsage = 2;
 constexpr std::chrono::seconds kHandOverPatience(20);
+// Callers on the bus wait for 25 seconds.
+constexpr std::chrono::seconds kStandInPatience(10);
+// The answer to a request that was taken in the last moment is on its way.
+constexpr std::chrono::seconds kAnswerTime(1);
 constexpr std::chrono::milliseconds kHandOverPause(100);
 constexpr std::chrono::seconds kBusPatience(5);  // a session that begins is slow
 // How long a start by the bus waits without a window for something to do.
@@ -76,18 +83,19 @@ bool HasDisplay() {
                      [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); });
 }
 
-// What the command line asks for. Arguments that are neither files nor URLs are reported and left out.
+// What the command line asks for. Arguments that cannot be taken are reported and left out.
 Request RequestOf(const Arguments& arguments) {
   const QString token = TakeActivationTokenOfStart();
-  if (arguments.isSelectionWanted) return {Request::Kind::downloadSelection, {}, token};
+  const auto handOver = NewHandOver(kHandOverPatience);
+  if (arguments.isSelectionWanted) return {Request::Kind::downloadSelection, {}, token, handOver};
   const bool isActivation = arguments.filesAndURLs.empty() && !arguments.isService;
-  Request request{isActivation ? Request::Kind::activate : Request::Kind::open, {}, token};
+  Request request{isActivation ? Request::Kind::activate : Request::Kind::open, {}, token, handOver};
   for (const std::string& argument : arguments.filesAndURLs) {
     if (const std::optional<QString> uri = URIOfArgument(argument)) {
       request.texts.append(*uri);
     } else {
-      std::fprintf(stderr, "quillforth: %s: neither a file nor a URL\n",
-                   platform::WithoutCredentials(QString::fromStdString(argument)).toLocal8Bit().constData());
+      const QString shown = platform::WithoutCredentials(QString::fromStdString(argument));
+      std::fprintf(stderr, "quillforth: %s: %s\n", shown.toLocal8Bit().constData(), kUnusableURI);
     }
   }
   return request;
@@ -101,7 +109,7 @@ int EndWithoutAnswer() {
 // What the process is to end with, when another instance has the request or shall have it.
 std::optional<int> HandOver(const Request& request, platform::SingleInstance& instance, bool isWaiting) {
   using Outcome = platform::SingleInstance::Outcome;
-  switch (instance.begin(LineOfRequest(request).toStdString(), kHandOverPatience)) {
+  switch (instance.begin(LineOfRequest(request).toStdString(), kHandOverPatience + kAnswerTime)) {
     case Outcome::isFirst:
       return std::nullopt;
     case Outcome::handedOver:
@@ -117,6 +125,44 @@ std::optional<int> HandOver(const Request& request, platform::SingleInstance& in
   }
   return EndWithoutAnswer();
 }
+
+enum class Role {
+  window,   ///< is the instance, and shows its window
+  service,  ///< is the instance, and waits for a request
+  standIn,  ///< waits for a request, while another process is the instance
+};
+
+/// Has the name on the bus while an instance runs without it: hands over to that one what is asked for, and
+/// becomes the instance when there is none any more.
+class StandIn final : public RequestHandler {
+ public:
+  StandIn(RequestHandler& own, platform::SingleInstance& instance, std::function<void()> becomeInstance)
+      : own_(own), instance_(instance), becomeInstance_(std::move(becomeInstance)) {}
+
+  [[nodiscard]] Answer take(const Request& request) override {
+    if (isInstance_) return own_.take(request);
+    Request handedOver = request;
+    handedOver.handOver = NewHandOver(kStandInPatience);
+    using Outcome = platform::SingleInstance::Outcome;
+    switch (instance_.begin(LineOfRequest(handedOver).toStdString(), kStandInPatience + kAnswerTime)) {
+      case Outcome::handedOver:
+        return Answer::taken;
+      case Outcome::noAnswer:
+        return Answer::tooBusy;
+      default:
+        break;
+    }
+    isInstance_ = true;
+    becomeInstance_();
+    return own_.take(request);
+  }
+
+ private:
+  RequestHandler& own_;
+  platform::SingleInstance& instance_;
+  std::function<void()> becomeInstance_;
+  bool isInstance_ = false;
+};
 
 int RunSelectionHelper(SelectionSource source, int argc, char** argv) {
   const QGuiApplication application(argc, argv);
@@ -134,31 +180,49 @@ void DescribeApplication() {
 
 // Whoever has the name on the bus is the instance, also when it has met nobody in this one's folder. What the
 // process is to end with, unless it is this one.
-std::optional<int> TakeName(BusService& bus, const Request& request, bool isService) {
+std::optional<int> TakeName(BusService& bus, Request request, bool isService) {
   using Outcome = BusService::Outcome;
-  const QDeadlineTimer end(kHandOverPatience);
+  request.handOver = NewHandOver(kHandOverPatience);
+  const QDeadlineTimer end(kHandOverPatience + kAnswerTime);
   while (true) {
     const Outcome outcome = bus.begin();
     if (isService && outcome != Outcome::isNamed) return EXIT_FAILURE;
     if (outcome != Outcome::isNameTaken) return std::nullopt;
-    if (bus.handOver(request)) return EXIT_SUCCESS;
+    if (bus.handOver(request, std::chrono::ceil<std::chrono::microseconds>(end.remainingTimeAsDuration())))
+      return EXIT_SUCCESS;
     if (end.hasExpired()) return EndWithoutAnswer();
     std::this_thread::sleep_for(kHandOverPause);
   }
 }
 
-// The ways in for other programs are open before the first window asks anything of the user.
-int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
-                const platform::SingleInstance& instance, bool isService) {
-  InstanceServer server(intake);
+void Listen(InstanceServer& server, const platform::SingleInstance& instance) {
   const std::string& path = instance.socketPath();
   if (!path.empty() && !server.listen(QString::fromLocal8Bit(path))) {
     std::fprintf(stderr, "quillforth: %s: cannot listen for further starts\n", path.c_str());
   }
-  BusService bus(intake);
-  if (const std::optional<int> status = TakeName(bus, request, isService)) return *status;
-  desktop.setOpenDocumentsCommand([&intake](const QStringList& paths) { intake.openDocuments(paths); });
-  if (!isService && intake.take(request) != RequestHandler::Answer::taken) return EXIT_FAILURE;
+}
+
+// The ways in for other programs are open before the first window asks anything of the user.
+int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
+                platform::SingleInstance& instance, Role role) {
+  InstanceServer server(intake);
+  std::optional<BusService> bus;
+  StandIn standIn(intake, instance, [&] {
+    Listen(server, instance);
+    bus->stay();
+  });
+  if (role == Role::standIn) {
+    bus.emplace(standIn, [&desktop] { desktop.quit(); });
+  } else {
+    Listen(server, instance);
+    bus.emplace(intake);
+  }
+  const bool isService = role != Role::window;
+  if (const std::optional<int> status = TakeName(*bus, request, isService)) return *status;
+  desktop.setOpenDocumentsCommand([&intake](const QStringList& files) { intake.openDocuments(files); });
+  Request own = request;
+  own.handOver = {};  // however long the start has taken
+  if (!isService && intake.take(own) != RequestHandler::Answer::taken) return EXIT_FAILURE;
   QTimer idle;
   idle.setSingleShot(true);
   idle.callOnTimeout([&] {
@@ -173,17 +237,27 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
   if (arguments.printed) return RunSelectionHelper(*arguments.printed, argc, argv);
   const Request request = RequestOf(arguments);
+  const bool isIncomplete = static_cast<std::size_t>(request.texts.size()) < arguments.filesAndURLs.size() &&
+                            !arguments.isSelectionWanted;
+  if (isIncomplete && request.texts.isEmpty()) return kExitUsage;
+  const int success = isIncomplete ? kExitUsage : EXIT_SUCCESS;
   if (const QString fault = Fault(request); !fault.isNull()) {
     std::fprintf(stderr, "quillforth: %s\n", qPrintable(fault));
     return EXIT_FAILURE;
   }
   platform::SingleInstance instance;
-  if (const std::optional<int> status = HandOver(request, instance, arguments.isWaiting)) {
-    return *status;
+  Role role = Role::window;
+  if (arguments.isService) {
+    const bool isAlone = instance.beginAlone() != platform::SingleInstance::Outcome::noAnswer;
+    role = isAlone ? Role::service : Role::standIn;
+  } else if (const std::optional<int> status = HandOver(request, instance, arguments.isWaiting)) {
+    return *status == EXIT_SUCCESS ? success : *status;
   }
   LeaveHungBuses();
   const platform::Interruption interruption;
   const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
+  // The desktop's own place for menus is on the bus, where whoever has it can keep the toolkit waiting.
+  QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
   QApplication application(argc, argv);
   qInstallMessageHandler(usual);
   DescribeApplication();
@@ -213,8 +287,9 @@ int Run(const Arguments& arguments, int argc, char** argv) {
     desktop.quit();
   });
   RequestIntake intake(desktop, services.events(), host::LinuxHost::kSignature);
-  const int status = RunInstance(desktop, intake, request, instance, arguments.isService);
-  return status == EXIT_SUCCESS ? interruption.exitStatus() : status;
+  const int status = RunInstance(desktop, intake, request, instance, role);
+  if (status != EXIT_SUCCESS) return status;
+  return interruption.happened() ? interruption.exitStatus() : success;
 }
 
 int Run(const Answer& answer, int /*argc*/, char** /*argv*/) {

@@ -744,6 +744,14 @@
 <context>
     <name>quillforth::desktop::StatusWindow</name>
     <message>
+        <source>Not everything could be taken.</source>
+        <translation>Nicht alles konnte übernommen werden.</translation>
+    </message>
+    <message>
+        <source>Neither a file nor an http, https or ftp URL:</source>
+        <translation>Weder eine Datei noch eine Adresse mit http, https oder ftp:</translation>
+    </message>
+    <message>
         <source>Open Link File</source>
         <translation>Linkdatei öffnen</translation>
     </message>

@@ -744,6 +744,14 @@
 <context>
     <name>quillforth::desktop::StatusWindow</name>
     <message>
+        <source>Not everything could be taken.</source>
+        <translation>Tout n’a pas pu être pris.</translation>
+    </message>
+    <message>
+        <source>Neither a file nor an http, https or ftp URL:</source>
+        <translation>Ni un fichier ni une adresse http, https ou ftp :</translation>
+    </message>
+    <message>
         <source>Open Link File</source>
         <translation>Ouvrir un fichier de lien</translation>
     </message>

@@ -23,9 +23,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPause(20);  // between two looks at an instance that starts or ends
 
-struct Place {
+struct Folder {
   std::string path;
-  FileDescriptor folder;
+  FileDescriptor descriptor;
 };
 
 bool IsOwnFolder(int descriptor, mode_t forbidden) {
@@ -45,20 +45,20 @@ FileDescriptor MakePrivateFolder(const std::string& path) {
                                                                          : FileDescriptor();
 }
 
-std::optional<Place> MeetingPlace() {
+std::optional<Folder> MeetingFolder() {
   const char* runtime = std::getenv("XDG_RUNTIME_DIR");
   if (runtime != nullptr && *runtime == '/') {
     const FileDescriptor parent = OpenFolder(runtime);
     std::string path = std::string(runtime) + "/quillforth";
     if (parent.isOpen() && IsOwnFolder(parent.get(), S_IWGRP | S_IWOTH)) {
       FileDescriptor folder = MakePrivateFolder(path);
-      if (folder.isOpen()) return Place{std::move(path), std::move(folder)};
+      if (folder.isOpen()) return Folder{std::move(path), std::move(folder)};
     }
   }
   std::string path = "/tmp/quillforth-" + std::to_string(::geteuid());
   FileDescriptor folder = MakePrivateFolder(path);
   if (!folder.isOpen()) return std::nullopt;
-  return Place{std::move(path), std::move(folder)};
+  return Folder{std::move(path), std::move(folder)};
 }
 
 // Waits for `events` until `end`.
@@ -114,22 +114,43 @@ bool IsAnswered(const std::string& socketPath, std::string_view line, Clock::tim
 
 }  // namespace
 
-SingleInstance::Outcome SingleInstance::begin(std::string_view line, std::chrono::milliseconds patience) {
-  std::optional<Place> place = MeetingPlace();
-  if (!place) return Outcome::noFolder;
-  const std::string socketPath = place->path + "/socket";
+struct SingleInstance::Place {
+  FileDescriptor folder;
+  FileDescriptor lock;
+  std::string socketPath;
+};
+
+std::optional<SingleInstance::Place> SingleInstance::meetingPlace() {
+  std::optional<Folder> folder = MeetingFolder();
+  if (!folder) return std::nullopt;
   constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  FileDescriptor lock(::openat(place->folder.get(), "lock", kFlags, S_IRUSR | S_IWUSR));
-  if (!lock.isOpen() || socketPath.size() >= sizeof(sockaddr_un::sun_path)) return Outcome::noFolder;
+  FileDescriptor lock(::openat(folder->descriptor.get(), "lock", kFlags, S_IRUSR | S_IWUSR));
+  std::string socketPath = folder->path + "/socket";
+  if (!lock.isOpen() || socketPath.size() >= sizeof(sockaddr_un::sun_path)) return std::nullopt;
+  return Place{std::move(folder->descriptor), std::move(lock), std::move(socketPath)};
+}
+
+bool SingleInstance::takeLock(Place& place) {
+  if (::flock(place.lock.get(), LOCK_EX | LOCK_NB) != 0) return false;
+  ::unlinkat(place.folder.get(), "socket", 0);
+  lock_ = std::move(place.lock);
+  socketPath_ = std::move(place.socketPath);
+  return true;
+}
+
+SingleInstance::Outcome SingleInstance::beginAlone() {
+  std::optional<Place> place = meetingPlace();
+  if (!place) return Outcome::noFolder;
+  return takeLock(*place) ? Outcome::isFirst : Outcome::noAnswer;
+}
+
+SingleInstance::Outcome SingleInstance::begin(std::string_view line, std::chrono::milliseconds patience) {
+  std::optional<Place> place = meetingPlace();
+  if (!place) return Outcome::noFolder;
   for (const auto end = Clock::now() + patience; Clock::now() < end; std::this_thread::sleep_for(kPause)) {
-    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
-      ::unlinkat(place->folder.get(), "socket", 0);
-      lock_ = std::move(lock);
-      socketPath_ = socketPath;
-      return Outcome::isFirst;
-    }
-    if (IsAnswered(socketPath, line, end)) {
-      lock_ = std::move(lock);
+    if (takeLock(*place)) return Outcome::isFirst;
+    if (IsAnswered(place->socketPath, line, end)) {
+      lock_ = std::move(place->lock);
       return Outcome::handedOver;
     }
   }

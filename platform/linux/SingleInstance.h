@@ -12,6 +12,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,7 @@ class SingleInstance {
   enum class Outcome {
     isFirst,     ///< this process is the instance from now on
     handedOver,  ///< the running instance has answered the line: it has taken it
-    noAnswer,    ///< there is a running instance, but it hangs, or had no room for the line in all the time
+    noAnswer,    ///< there is a running instance, which was not asked, hangs, or had no room in all the time
     noFolder,    ///< there is no safe place to meet; nobody knows of other instances
   };
 
@@ -32,6 +33,8 @@ class SingleInstance {
   /// when the running one ends meanwhile. Gives up after `patience`. A line may be handed over twice when an
   /// instance dies over it, but is never lost.
   [[nodiscard]] Outcome begin(std::string_view line, std::chrono::milliseconds patience);
+  /// Becomes the instance where there is none, and is content with `noAnswer` where there is one.
+  [[nodiscard]] Outcome beginAlone();
   /// After a line was handed over: returns when the instance that has it, and all that took its place at
   /// once, have ended.
   void waitForEnd() const;
@@ -39,6 +42,10 @@ class SingleInstance {
   [[nodiscard]] const std::string& socketPath() const { return socketPath_; }
 
  private:
+  struct Place;
+  [[nodiscard]] static std::optional<Place> meetingPlace();
+  [[nodiscard]] bool takeLock(Place& place);
+
   FileDescriptor lock_;  // held by the first instance, only open in the others
   std::string socketPath_;
 };

@@ -112,6 +112,11 @@ TEST_F(DesktopTest, OfManyURLsThatComeAtOnceOneIsStartedAndTheOthersAreQueued) {
               {"URLs", {{Kind::open, {url, url, url}}}},
               {"requests", {{Kind::downloadText, {url}}, {Kind::downloadText, {url}}, {Kind::open, {file}}}}};
   desktop::RequestIntake intake(desktop_, services_.events(), host::LinuxHost::kSignature);
+  const QString odd = QStringLiteral("mailto:a@b");
+  EXPECT_EQ(intake.take({Kind::open, {QStringLiteral("http://me:secret@a b/"), odd}}), kTaken);
+  ASSERT_TRUE(RunLoopUntil([this] { return window().findChild<QMessageBox*>() != nullptr; }));
+  const QString told = window().findChild<QMessageBox*>()->informativeText();
+  EXPECT_TRUE(told.contains(odd) && !told.contains(QStringLiteral("secret"))) << told.toStdString();
   std::size_t hits = 0;
   for (const auto& row : rows) {
     for (const desktop::Request& request : row.requests) EXPECT_EQ(intake.take(request), kTaken);
@@ -123,6 +128,24 @@ TEST_F(DesktopTest, OfManyURLsThatComeAtOnceOneIsStartedAndTheOthersAreQueued) {
     trigger("actionCancelDownload");
     ASSERT_TRUE(RunLoopUntil([this] { return !desktop_.controller().isDownloading(); }));
   }
+}
+
+TEST_F(DesktopTest, ALinkFileIsOpenedWhereItIsDroppedAndOtherFilesFail) {
+  const QString home = QStringLiteral("file://") + QDir::homePath();
+  std::ofstream((QDir::homePath() + QStringLiteral("/dropped.url")).toStdString())
+      << "[InternetShortcut]\nURL=" << server_.url("/linked.bin") << "\n";
+  desktop::RequestIntake intake(desktop_, services_.events(), host::LinuxHost::kSignature);
+  desktop_.setOpenDocumentsCommand([&](const QStringList& files) { intake.openDocuments(files); });
+  QMimeData data;
+  data.setData(QStringLiteral("text/uri-list"), (home + QStringLiteral("/dropped.url")).toUtf8());
+  EXPECT_TRUE(drop(data));
+  ASSERT_TRUE(waitForText("fileDownloadProgressText", "Done!"));
+  EXPECT_EQ(files(), QStringLiteral("linked.bin"));
+  services_.userDefaults().setObject(QStringLiteral("showAlertsWhenErrorsOccur"), true);
+  data.setData(QStringLiteral("text/uri-list"), (home + QStringLiteral("/none.url")).toUtf8());
+  EXPECT_TRUE(drop(data));
+  EXPECT_TRUE(RunLoopUntil([this] { return window().findChild<QMessageBox*>() != nullptr; }));
+  services_.userDefaults().removeObject(QStringLiteral("showAlertsWhenErrorsOccur"));
 }
 
 TEST_F(DesktopTest, WhatServersSayIsShownLiterally) {

@@ -61,7 +61,9 @@ class OtherProgramsTest : public ::testing::Test {
     environment_.insert(variable, prefix + QString::fromUtf8(daemon.readLine().trimmed()));
   }
   void startBus() {
-    serve("dbus-daemon", {"--session", "--nofork", "--print-address=1"}, "DBUS_SESSION_BUS_ADDRESS", "");
+    const QString address = "--address=unix:path=" + root_.filePath("bus");
+    serve("dbus-daemon", {"--session", "--nofork", "--print-address=1", address}, "DBUS_SESSION_BUS_ADDRESS",
+          "");
   }
   /// The answer, errors too. "LINK" in arguments stands for a link file, "WEB" for the server.
   QString call(const QString& method, QStringList arguments) {
@@ -125,9 +127,18 @@ TEST_F(OtherProgramsTest, EachWayInOnTheBusLeadsToTheFile) {
       {application + "ActivateAction", {"download-selection", "[]", "{}"}, "()", "selected.zip"},
       {runner + "Run", {"WEB/m.zip", ""}, "()", "m.zip"},
       {runner + "Run", {"file:///etc/passwd", ""}, "InvalidArgs", ""},
-      {application + "Open", {"['WEB/c.zip', 'two words']", "{}"}, "InvalidArgs", ""},
-      {application + "Open", {"['file://elsewhere/a']", "{}"}, "InvalidArgs", ""},
-      {application + "Open", {"['a'" + QString(",'a'").repeated(1000) + "]", "{}"}, "InvalidArgs", ""},
+      {application + "Open", {"['WEB/c.zip', 'two words', 'mailto:a@b']", "{}"}, "()", "c.zip"},
+      {application + "Open",
+       {"['a'" + QString(",'a'").repeated(1000) + ",'WEB/d.zip']", "{}"},
+       "()",
+       "d.zip"},
+      {application + "Open", {"['file://elsewhere/a', 'mailto:a@b']", "{}"}, "InvalidArgs", ""},
+      {application + "Open",
+       {"['WEB/e.zip']",
+        "{'x-quillforth-identity': <'i'>, 'x-quillforth-deadline': "
+        "<int64 1>}"},
+       "Timeout",
+       ""},
       {application + "ActivateAction", {"nonsense", "[]", "{}"}, "InvalidArgs", ""},
       {own + "GetURL", {QString(65'537, 'a')}, "InvalidArgs", ""},
   };
@@ -168,6 +179,47 @@ TEST_F(OtherProgramsTest, WorkWaitsForThePageThatIsBeingLoaded) {
   const std::vector<std::string> requests = server_.requests();
   ASSERT_EQ(requests.size(), 4u);
   EXPECT_TRUE(requests[1].starts_with("GET /a.bin") && requests[2].starts_with("GET /1.bin"));
+}
+
+TEST_F(OtherProgramsTest, TheBusMayComeLateAndGoAndComeBack) {
+  environment_.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + root_.filePath("bus"));
+  startWith("/first.zip");
+  EXPECT_TRUE(arrives("first.zip"));
+  for (const QString& name : {QString("late.zip"), QString("again.zip")}) {
+    startBus();  // a call starts the service, which stands in until the instance has the name
+    EXPECT_EQ(call("com.tessarysoftware.Quillforth.DownloadText", {"WEB/" + name}), "()\n");
+    EXPECT_TRUE(arrives(name));
+    const QString owner = "org.freedesktop.DBus.GetConnectionUnixProcessID";
+    const QString instance = QString::number(started_.front()->processId());
+    EXPECT_TRUE(RunLoopUntil([&] {
+      QProcess& client = start("gdbus", {"call", "--session", "-d", "org.freedesktop.DBus", "-o", "/", "-m",
+                                         owner, "com.tessarysoftware.Quillforth"});
+      client.waitForFinished();
+      const bool isInstance = client.readAllStandardOutput().contains(instance.toUtf8());
+      started_.pop_back();
+      return isInstance;
+    })) << qPrintable(name);
+    ::kill(-pid_t(started_.back()->processId()), SIGTERM);
+    EXPECT_TRUE(started_.back()->waitForFinished(20'000));
+    started_.pop_back();
+    QFile::remove(root_.filePath("bus"));
+  }
+}
+
+TEST_F(OtherProgramsTest, AStartWhoseUserWasToldOfNoAnswerIsNotObeyedLater) {
+  QProcess& instance = startWith("/first.zip");
+  EXPECT_TRUE(arrives("first.zip"));
+  ::kill(pid_t(instance.processId()), SIGSTOP);
+  QProcess& late = startWith("/late.zip");
+  EXPECT_TRUE(late.waitForFinished(40'000));
+  EXPECT_EQ(late.exitCode(), 1);
+  ::kill(pid_t(instance.processId()), SIGCONT);
+  QProcess& next = start(QUILLFORTH, {"--local", "mailto:a@b", root_.filePath("missing.url"),
+                                      QString::fromStdString(server_.url("/next.zip"))});
+  EXPECT_TRUE(arrives("next.zip"));
+  EXPECT_TRUE(next.waitForFinished(20'000));
+  EXPECT_EQ(next.exitCode(), 2);
+  EXPECT_EQ(server_.requests().size(), 2U);
 }
 
 TEST_F(OtherProgramsTest, ManyStartsLeaveOneInstanceAndLoseNothing) {
