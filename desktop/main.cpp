@@ -47,6 +47,7 @@ constexpr std::chrono::seconds kStandInPatience(10);
 constexpr std::chrono::seconds kAnswerTime(1);
 constexpr std::chrono::milliseconds kHandOverPause(100);
 constexpr std::chrono::seconds kBusPatience(5);  // a session that begins is slow
+constexpr std::chrono::seconds kPeerPatience(2);
 // How long a start by the bus waits without a window for something to do.
 constexpr std::chrono::seconds kServicePatience(60);
 
@@ -55,10 +56,22 @@ void GoOnWithout(const char* bus, const char* addressVariable) {
   qputenv(addressVariable, "disabled:");
 }
 
+// The toolkit would wait 25 seconds for the portal of the input method, which it asks where this is set.
+void LeaveHungInputMethod(sd_bus& session, const QDeadlineTimer& deadline) {
+  if (qEnvironmentVariable("QT_IM_MODULE") != u"ibus" || !qEnvironmentVariableIsSet("IBUS_USE_PORTAL"))
+    return;
+  const platform::BusObject portal{"org.freedesktop.portal.IBus", "/org/freedesktop/IBus"};
+  const platform::BusMessage ping = platform::NewCall(session, portal, "org.freedesktop.DBus.Peer", "Ping");
+  if (!platform::Send(session, ping, "", deadline).isSilent) return;
+  std::fputs("quillforth: the input method does not answer; going on without it\n", stderr);
+  qputenv("QT_IM_MODULE", "compose");
+}
+
 // The toolkit would wait without an end for a bus that lets nobody in.
 void LeaveHungBuses() {
   const QDeadlineTimer deadline(kBusPatience);
   const platform::Bus session = platform::OpenSessionBus(deadline);
+  if (session) LeaveHungInputMethod(*session, QDeadlineTimer(kPeerPatience));
   const bool isMore = session && platform::IsAccessibilityOn(*session, deadline);
   const platform::Bus accessibility = isMore ? platform::OpenAccessibilityBus(*session, deadline) : nullptr;
   if (accessibility || !deadline.hasExpired()) return;
