@@ -63,8 +63,9 @@ struct EventIntake {
   platform::ResourceManager& resources;
 };
 
-/// Runs a long calculation that touches nothing else, and returns when it is done.
-using Calculate = std::function<void(const std::function<void()>& calculation)>;
+/// Runs a long calculation that touches nothing else, and returns when it is done: false when the user has
+/// given up meanwhile, so that nobody wants its result.
+using Calculate = std::function<bool(const std::function<void()>& calculation)>;
 
 /// All outlive the controller, and none is null where it is not told what null means. Pointers, so that a
 /// front end can take a copy and put its own service in the place of one.
@@ -89,7 +90,7 @@ struct Host {
   const EventIntake* events = nullptr;              ///< null: no events come in
   platform::RunningProcesses* processes = nullptr;  ///< null: no browser ever runs
   platform::ScriptHost* scripts = nullptr;          ///< null: no script compiles
-  Calculate calculate = [](const std::function<void()>& calculation) { calculation(); };
+  Calculate calculate = [](const std::function<void()>& calculation) { return calculation(), true; };
 };
 
 }  // namespace quillforth::app

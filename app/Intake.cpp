@@ -84,7 +84,7 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
   const std::optional<QByteArray> page = host_.pageLoader->resourceData(*url);
   if (!page) return;
   std::vector<QString> urls;
-  host_.calculate([&] { urls = LinksOfPage(*page, pageURL, extensionMap_); });
+  if (!host_.calculate([&] { urls = LinksOfPage(*page, pageURL, extensionMap_); })) return;
   for (const QString& link : urls) urlList_.append(link);
 }
 

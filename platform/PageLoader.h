@@ -17,6 +17,9 @@ class PageLoader {
   /// way or the body is longer. Follows redirects. Blocks until the end; any thread.
   [[nodiscard]] virtual std::optional<QByteArray> resourceData(const URL& url) = 0;
 
+  /// As long as it is true, every load fails soon, also the one that runs. Any thread.
+  virtual void setGivenUp(bool /*isGivenUp*/) {}
+
   /// Room for some 300,000 ordinary links; a hostile page of this length still makes a link table that a
   /// machine can hold.
   static constexpr qsizetype kMaxPageLength = qsizetype{32} * 1024 * 1024;

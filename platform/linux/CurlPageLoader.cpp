@@ -50,7 +50,7 @@ bool CurlPageLoader::runTransfer(const QByteArray& body) {
   using Clock = std::chrono::steady_clock;
   std::size_t received = 0;
   Clock::time_point deadline = Clock::now() + stallLimit_;
-  while (!IsInterrupted(settings_)) {
+  while (!IsInterrupted(settings_) && !isGivenUp_) {
     if (const std::optional<CURLcode> result = transfer_.perform()) return *result == CURLE_OK;
     const std::size_t receivedNow = transfer_.head().length() + static_cast<std::size_t>(body.size());
     if (receivedNow != received) deadline = Clock::now() + stallLimit_;

@@ -5,6 +5,7 @@
 // Calls from several threads take turns.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -27,11 +28,15 @@ class CurlPageLoader final : public PageLoader {
   /// encoded stays so. A user name and password in `url` answer Basic and Digest challenges of its host.
   [[nodiscard]] std::optional<QByteArray> resourceData(const URL& url) override;
 
+  /// Within a fifth of a second.
+  void setGivenUp(bool isGivenUp) override { isGivenUp_ = isGivenUp; }
+
  private:
   [[nodiscard]] bool runTransfer(const QByteArray& body);
 
   const TransferSettings& settings_;
   std::chrono::seconds stallLimit_;
+  std::atomic<bool> isGivenUp_ = false;
   std::mutex mutex_;  // guards transfer_
   CurlTransfer transfer_;
 };
