@@ -68,9 +68,14 @@ QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {
 }
 
 ChosenFolder DestinationFolder::chooseFolderDialog() {
+  return host_.application->runChooseFolderDialog(chooseFolderPanel());
+}
+
+FolderPanel DestinationFolder::chooseFolderPanel() {
   const QString choose = localizedString(LOCALIZED("Choose"));
   const QString message = localizedString(LOCALIZED("Choose destination folder"));
-  return host_.application->runChooseFolderDialog({choose, choose, message, QString()});
+  const std::optional<platform::FileReference> folder = storedDestinationFolder();
+  return {choose, choose, message, folder ? FolderPath(*folder, kLongestUsedPath) : QString()};
 }
 
 QString DestinationFolder::localizedString(const QString& key) {

@@ -57,6 +57,8 @@ class DestinationFolder {
   QString chooseAndStoreDestinationFolder(const QString& key);
   /// A cancel is success without a folder.
   [[nodiscard]] ChosenFolder chooseFolderDialog();
+  /// What that dialog shows; it opens at the stored folder.
+  [[nodiscard]] FolderPanel chooseFolderPanel();
   /// Looked up once; the key itself when it has no translation.
   [[nodiscard]] QString localizedString(const QString& key);
 
