@@ -35,11 +35,14 @@ void CommandGate::scheduleNext() {
   if (!isRunning_ && holds_ == 0 && !waiting_.empty()) next_.start();
 }
 
-void CommandGate::changeHolds(int change) {
-  const bool wasHeld = holds_ > 0;
+void CommandGate::changeHolds(Held held, int change) {
   holds_ += change;
-  const bool isHeld = holds_ > 0;
-  if (wasHeld != isHeld) heldChanged_(isHeld);
+  if (held == Held::commandsAndDownloads) {
+    const bool wereHeld = downloadHolds_ > 0;
+    downloadHolds_ += change;
+    const bool areHeld = downloadHolds_ > 0;
+    if (wereHeld != areHeld) downloadsAreHeld_(areHeld);
+  }
   scheduleNext();
 }
 

@@ -6,7 +6,8 @@
 // may enter it. The window, however, goes on being drawn, so events come. Everything that enters the
 // controller from outside, but for the callbacks of downloads, is therefore a command that is posted here; it
 // is done from the event loop, after the ones before it, and not while a Hold exists. Download callbacks are
-// held back at their source. Main thread.
+// held back at their source while the controller is in the middle of something; a dialog that it does not
+// wait for, which may stand open for a night, holds commands only. Main thread.
 #pragma once
 
 #include <QTimer>
@@ -36,30 +37,38 @@ class CommandGate {
   [[nodiscard]] bool isClosed() const { return isClosed_; }
   /// A command runs or is waited for.
   [[nodiscard]] bool isBusy() const { return isRunning_ || holds_ > 0 || !waiting_.empty(); }
-  /// Called with true when the first Hold begins, and with false when the last one ends.
-  void whenHeldChanges(std::function<void(bool isHeld)> hear) { heldChanged_ = std::move(hear); }
+  /// Called with true when downloads may not call back any more, and with false when they may again.
+  void whenDownloadsAreHeld(std::function<void(bool isHeld)> hear) { downloadsAreHeld_ = std::move(hear); }
 
-  /// While it lives, no command begins and no download calls back.
+  enum class Held {
+    commandsAndDownloads,  ///< the controller is in the middle of something
+    commands,              ///< the user is asked something that the controller does not wait for
+  };
+  /// While it lives, no command begins, and where it says so, no download calls back.
   class Hold {
    public:
-    explicit Hold(CommandGate& gate) : gate_(gate) { gate_.changeHolds(1); }
-    ~Hold() { gate_.changeHolds(-1); }
+    explicit Hold(CommandGate& gate, Held held = Held::commandsAndDownloads) : gate_(gate), held_(held) {
+      gate_.changeHolds(held_, 1);
+    }
+    ~Hold() { gate_.changeHolds(held_, -1); }
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
 
    private:
     CommandGate& gate_;
+    Held held_;
   };
 
  private:
   void runNext();
   void scheduleNext();
-  void changeHolds(int change);
+  void changeHolds(Held held, int change);
 
   std::deque<Command> waiting_;
-  std::function<void(bool)> heldChanged_ = [](bool) {};
-  QTimer next_;  // zero seconds: fires when no descriptor has anything to say
-  int holds_ = 0;
+  std::function<void(bool)> downloadsAreHeld_ = [](bool) {};
+  QTimer next_;            // zero seconds: fires when no descriptor has anything to say
+  int holds_ = 0;          // of both kinds
+  int downloadHolds_ = 0;  // of these
   bool isRunning_ = false;
   bool isClosed_ = false;
 };

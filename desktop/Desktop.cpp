@@ -19,6 +19,24 @@
 
 namespace quillforth::desktop {
 
+namespace {
+
+QString ShownURL(const QString& text) {
+  constexpr qsizetype kLongestShown = 200;
+  return ShownText(platform::WithoutCredentials(text), kLongestShown);
+}
+
+// A line each. The texts may be anything, and as many.
+QString ShownURLs(const QStringList& texts) {
+  constexpr qsizetype kMostShown = 15;
+  QStringList lines;
+  for (const QString& text : texts.first(std::min(texts.size(), kMostShown))) lines.append(ShownURL(text));
+  if (texts.size() > kMostShown) lines.append(QStringLiteral("…"));
+  return lines.join(u'\n');
+}
+
+}  // namespace
+
 Desktop::Desktop(const DesktopServices& services)
     : services_(services),
       window_(*this),
@@ -34,15 +52,15 @@ Desktop::Desktop(const DesktopServices& services)
       importWindow_(&window_),
       preferencesWindow_(preferencesServices(), &window_),
       statusOutlet_(window_, gate_),
-      importOutlet_(importWindow_, gate_),
+      importOutlet_(importWindow_, gate_, pageLoader_, [this] { importPage(); }),
       preferencesOutlet_(preferencesWindow_, gate_),
       downloadDestinationTextField_(pacer_, *window_.ui().downloadDestinationTextField),
-      urlTextField_(importWindow_.urlTextField()),
       countTextField_(pacer_, *window_.ui().countTextField),
       spinner_(pacer_, *window_.ui().spinner),
       fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
       fileDownloadProgressText_(pacer_, *window_.ui().fileDownloadProgressText),
-      currentURLTextField_(pacer_, *window_.ui().currentURLTextField),
+      currentURLTextField_(pacer_, *window_.ui().currentURLTextField,
+                           [this] { shownDownload_ = downloads_.startedCount(); }),
       fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
       deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
@@ -50,7 +68,7 @@ Desktop::Desktop(const DesktopServices& services)
       openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton, *window_.ui().fileTable),
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
       controller_(outlets(), waitingHost()) {
-  gate_.whenHeldChanges(services_.holdDownloads);
+  gate_.whenDownloadsAreHeld(services_.holdDownloads);
   downloads_.whenOneMovedOn([this] { pacedIntake_.moveOn(); });
   fileTable_.setDataSource(controller_);
   connectCommands();
@@ -67,7 +85,7 @@ Desktop::~Desktop() {
 
 app::Outlets Desktop::outlets() {
   return {.downloadDestinationTextField = downloadDestinationTextField_,
-          .urlTextField = urlTextField_,
+          .urlTextField = importOutlet_,
           .countTextField = countTextField_,
           .preferencesWindow = preferencesOutlet_,
           .statusWindow = statusOutlet_,
@@ -89,7 +107,10 @@ app::Host Desktop::waitingHost() {
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;
   host.aggregation = &aggregation_;
-  host.calculate = [this](const std::function<void()>& calculation) { WaitFor(gate_, calculation); };
+  host.calculate = [this](const std::function<void()>& calculation) {
+    WaitFor(gate_, calculation);
+    return !importOutlet_.isGivenUp();
+  };
   return host;
 }
 
@@ -98,7 +119,7 @@ PreferencesServices Desktop::preferencesServices() {
           .settingsFile = services_.settingsFile,
           .isStored = services_.isStored,
           .destinationPath = [this] { return storedDestinationPath(); },
-          .chooseDestination = [this] { gate_.post([this] { controller_.selectDestinationDirectory(); }); },
+          .chooseDestination = [this] { window_.ui().actionChooseDestination->trigger(); },
           .localizedText = host_.localizedText,
           .accessibility = services_.accessibility};
 }
@@ -127,67 +148,135 @@ void Desktop::bringForward() {
   application_.activateIgnoringOtherApps();
 }
 
+void Desktop::bind(QAction* action, QAbstractButton* button, const std::function<void()>& give) {
+  if (action != nullptr) QObject::connect(action, &QAction::triggered, &window_, give);
+  if (button != nullptr) QObject::connect(button, &QAbstractButton::clicked, &window_, give);
+}
+
 void Desktop::bind(QAction* action, QAbstractButton* button, Command command) {
-  const auto post = [this, command] { gate_.post([this, command] { (controller_.*command)(); }); };
-  if (action != nullptr) QObject::connect(action, &QAction::triggered, &window_, post);
-  if (button != nullptr) QObject::connect(button, &QAbstractButton::clicked, &window_, post);
+  bind(action, button, [this, purpose = action->objectName(), command] {
+    giveOnce(purpose, [this, command] { (controller_.*command)(); });
+  });
+}
+
+void Desktop::give(CommandGate::Command command) {
+  giveOnce(QString(), std::move(command));
+}
+
+void Desktop::giveOnce(const QString& purpose, CommandGate::Command command) {
+  const std::shared_ptr<const QString> given = begin(purpose);
+  if (given && !gate_.post([given, command = std::move(command)] { command(); })) application_.beep();
+}
+
+std::shared_ptr<const QString> Desktop::begin(const QString& purpose) {
+  const std::shared_ptr<const QString> latest = latestPurpose_.lock();
+  if (latest && !purpose.isEmpty() && *latest == purpose) return nullptr;
+  auto given = std::make_shared<const QString>(purpose);
+  latestPurpose_ = given;
+  return given;
+}
+
+void Desktop::keepUpToDate(bool& isPosted, Command command) {
+  if (isPosted) return;
+  isPosted = gate_.post([this, &isPosted, command] {
+    isPosted = false;
+    (controller_.*command)();
+  });
 }
 
 void Desktop::connectCommands() {
   Ui::StatusWindow& ui = window_.ui();
   using Controller = app::MyAppController;
-  const auto showImport = [this] { importOutlet_.makeKeyAndOrderFront(); };
-  QObject::connect(ui.actionImportURL, &QAction::triggered, &window_, showImport);
-  QObject::connect(ui.importButton, &QPushButton::clicked, &window_, showImport);
-  QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_,
-                   [this] { gate_.post([this] { controller_.importURL(importOutlet_); }); });
-  QObject::connect(&notice_, &CompletionNotice::activationRequested, &window_,
-                   [this](const QString& token) { BringForward(window_, token); });
+  bind(ui.actionImportURL, ui.importButton, [this] { importOutlet_.makeKeyAndOrderFront(); });
   bind(ui.actionGetBrowserURL, nullptr, &Controller::processCurrentBrowserURL);
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
-  bind(ui.actionChooseDestination, ui.chooseFolderButton, &Controller::selectDestinationDirectory);
+  bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
-  bind(ui.actionDelete, ui.deleteButton, &Controller::deleteButtonClicked);
-  bind(ui.actionClear, nullptr, &Controller::clearQueue);
-  bind(ui.actionStop, ui.stopButton, &Controller::stop);
-  bind(ui.actionTryAgain, ui.tryAgainButton, &Controller::tryAgain);
-  bind(ui.actionCancelDownload, ui.fileDownloadCancelButton, &Controller::cancelDownloadFile);
-  QObject::connect(ui.actionPaste, &QAction::triggered, &window_, [this] { paste(); });
-  QObject::connect(ui.actionCopy, &QAction::triggered, &window_, [this] {
-    if (const QString urls = fileTable_.selectedURLs(); !urls.isEmpty())
-      QApplication::clipboard()->setText(urls);
+  bind(ui.actionDelete, ui.deleteButton,
+       [this] { give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); }); });
+  bind(ui.actionClear, nullptr, [this] { giveToAll(&Controller::clearQueue); });
+  bind(ui.actionStop, ui.stopButton, [this] { giveToAll(&Controller::stop); });
+  QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_, [this] {
+    addedBeforeImport_ = pacedIntake_.addedCount();
+    give(importOutlet_.begin());
   });
-  QObject::connect(ui.actionAbout, &QAction::triggered, &window_, [this] { showAbout(); });
+  bind(ui.actionTryAgain, ui.tryAgainButton, [this, purpose = ui.actionTryAgain->objectName()] {
+    giveOnce(purpose, [this, head = fileTable_.firstEntry()] { tryAgain(head); });
+  });
+  bind(ui.actionCancelDownload, nullptr,
+       [this] { give([this, download = shownDownload_] { cancelDownload(download); }); });
+  QObject::connect(ui.fileDownloadCancelButton, &QPushButton::pressed, &window_,
+                   [this] { pressedDownload_ = shownDownload_; });
+  bind(nullptr, ui.fileDownloadCancelButton,
+       [this] { give([this, download = pressedDownload_] { cancelDownload(download); }); });
+  bind(ui.actionPaste, nullptr, [this] { paste(); });
+  bind(ui.actionCopy, nullptr, [this] { copy(); });
+  bind(ui.actionAbout, nullptr, [this] { showAbout(); });
+  QObject::connect(&notice_, &CompletionNotice::activationRequested, &window_,
+                   [this](const QString& token) { BringForward(window_, token); });
   QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &window_,
                    [this](Qt::ApplicationState state) {
                      if (state != Qt::ApplicationActive) return;
-                     gate_.post([this] { controller_.applicationWillBecomeActive(); });
+                     keepUpToDate(isBecomingActive_, &Controller::applicationWillBecomeActive);
                    });
+}
+
+// What was asked for before is emptied out with the queue, also where it has not come that far.
+void Desktop::giveToAll(Command command) {
+  give([this, command, count = pacedIntake_.addedCount()] {
+    pacedIntake_.dropFirst(count);
+    (controller_.*command)();
+  });
+}
+
+void Desktop::importPage() {
+  if (!importOutlet_.stringValue().isEmpty()) pacedIntake_.dropFirst(addedBeforeImport_);
+  controller_.importURL(importOutlet_);
+}
+
+// Given with nothing selected it means all of them, also when something is selected by now.
+void Desktop::deleteEntries(const Entries& entries) {
+  if (!entries.empty() && !fileTable_.isAnyQueued(entries)) return;
+  fileTable_.runFor(entries, [this] { controller_.deleteButtonClicked(); });
+}
+
+void Desktop::tryAgain(const Entries& head) {
+  if (head.empty() || fileTable_.isAnyQueued(head)) controller_.tryAgain();
+}
+
+void Desktop::cancelDownload(int download) {
+  if (download == downloads_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
+}
+
+void Desktop::chooseDestination() {
+  giveOnce(window_.ui().actionChooseDestination->objectName(), [this] {
+    application_.pickFolder(controller_.destinationFolder().chooseFolderPanel());
+    controller_.selectDestinationDirectory();
+  });
 }
 
 void Desktop::tellOfUnusable(const QStringList& texts) {
   constexpr qsizetype kMaxLogged = 100;
-  constexpr qsizetype kMaxShown = 15;
-  constexpr qsizetype kLongest = 200;
-  QStringList lines;
   for (const QString& text : texts.first(std::min(texts.size(), kMaxLogged))) {
-    lines.append(ShownText(platform::WithoutCredentials(text), kLongest));
     host_.log->log(
-        QStringLiteral("Quillforth takes %1: %2").arg(QLatin1StringView(kUnusableURI), lines.constLast()));
+        QStringLiteral("Quillforth takes %1: %2").arg(QLatin1StringView(kUnusableURI), ShownURL(text)));
   }
-  if (lines.size() > kMaxShown) lines = lines.first(kMaxShown) << QStringLiteral("…");
-  controller_.statusWindow().beginAlertSheet(
-      StatusWindow::tr("Not everything could be taken."),
-      StatusWindow::tr("Neither a file nor an http, https or ftp URL:") + u'\n' + lines.join(u'\n'));
+  tellLater(StatusWindow::tr("Not everything could be taken."),
+            StatusWindow::tr("Neither a file nor an http, https or ftp URL:") + u'\n' + ShownURLs(texts));
+}
+
+// What was asked for before comes first: the sheet holds commands up.
+void Desktop::tellLater(const QString& title, const QString& message) {
+  const auto tell = [this, title, message] { statusOutlet_.beginAlertSheet(title, message); };
+  if (!pacedIntake_.add(tell, static_cast<std::size_t>(SizeOf({message})))) tell();
 }
 
 void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& fileURIs)> command) {
   openDocuments_ = std::move(command);
   QAction* action = window_.ui().actionOpenLinkFile;
-  QObject::connect(action, &QAction::triggered, &window_, [this] {
+  const auto makeDialog = [this] {
     auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Open Link File"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     QObject::connect(dialog, &QFileDialog::filesSelected, &window_, [this](QStringList files) {
       for (QString& file : files) {
@@ -196,8 +285,10 @@ void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& file
       }
       openDocuments_(files);
     });
-    dialog->open();
-  });
+    return dialog;
+  };
+  QObject::connect(action, &QAction::triggered, &window_,
+                   [this, makeDialog] { statusOutlet_.beginSheet(makeDialog); });
   action->setVisible(true);
 }
 
@@ -205,16 +296,17 @@ bool Desktop::mayDrop(const QMimeData& data) {
   return controller_.tableViewValidateDrop(MimePasteboard(data)) == app::DragOperation::every;
 }
 
-void Desktop::drop(const QMimeData& data) {
-  takeDrop(MimePasteboard(data));
-}
-
 // The source of a drag waits until the drop has returned, so the work comes after it.
-void Desktop::takeDrop(const MimePasteboard& pasteboard) {
+void Desktop::drop(const QMimeData& data) {
+  const MimePasteboard pasteboard(data);
   const QString string = app::DraggedString(pasteboard);
   if (namesLinkFile(string)) return openDocuments_({string});
-  if (controller_.tableViewValidateDrop(pasteboard) == app::DragOperation::none) return application_.beep();
   gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+void Desktop::copy() {
+  const QStringList urls = fileTable_.selectedURLs();
+  if (!urls.isEmpty()) QApplication::clipboard()->setMimeData(CopiedEntries(urls).release());
 }
 
 bool Desktop::namesLinkFile(const QString& url) const {
@@ -227,15 +319,53 @@ bool Desktop::namesLinkFile(const QString& url) const {
 void Desktop::paste() {
   const QClipboard& clipboard = *QApplication::clipboard();
   if (QGuiApplication::platformName() == u"xcb" && !clipboard.ownsClipboard()) {
-    clipboard_.read(SelectionSource::pasteboard,
-                    [this](const QString& text) { takeDrop(MimePasteboard(text)); });
-  } else if (const QMimeData* data = clipboard.mimeData()) {
-    takeDrop(MimePasteboard(*data));
+    clipboard_.read(SelectionSource::pasteboard, [this](const QString& text) { take(PastedURLs::in(text)); });
+  } else {
+    const QMimeData* data = clipboard.mimeData();
+    take(PastedURLs::in(data == nullptr ? QString() : PasteboardText(*data)));
   }
 }
 
+void Desktop::take(const PastedURLs& pasted) {
+  const auto isLinkFile = [this](const QString& line) { return namesLinkFile(line); };
+  QStringList refused = pasted.refused;
+  const auto firstRefused = std::stable_partition(refused.begin(), refused.end(), isLinkFile);
+  const QStringList linkFiles(refused.begin(), firstRefused);
+  refused.erase(refused.begin(), firstRefused);
+
+  const QStringList taken = pasted.entries + pasted.urls + linkFiles;
+  const std::shared_ptr<const QString> given = begin(QStringLiteral("paste ") + taken.join(u'\n'));
+  if (!given) return;
+  if (taken.isEmpty() || !pacedIntake_.hasRoom(static_cast<std::size_t>(SizeOf(taken)))) {
+    return tellRefused(refused + taken);
+  }
+  const auto add = [this, given](const QStringList& texts, const PacedIntake::Item& item) {
+    if (texts.isEmpty()) return;
+    static_cast<void>(pacedIntake_.add([given, item] { item(); }, static_cast<std::size_t>(SizeOf(texts))));
+  };
+  add(pasted.entries, [this, entries = pasted.entries] { queueEntries(entries); });
+  for (const QString& url : pasted.urls) {
+    add({url}, [this, pasteboard = MimePasteboard(url)] { controller_.tableViewAcceptDrop(pasteboard); });
+  }
+  add(linkFiles, [this, linkFiles] { openDocuments_(linkFiles); });
+  if (!refused.isEmpty()) tellRefused(refused);
+}
+
+// They were judged when they were queued first. Where nothing runs, the first one sets the queue going.
+void Desktop::queueEntries(const QStringList& entries) {
+  const bool isIdle = !downloads_.isBusy();
+  if (isIdle) controller_.startURL(entries.constFirst(), true);
+  for (const QString& url : entries.sliced(isIdle ? 1 : 0)) controller_.queueURL(url);
+}
+
+void Desktop::tellRefused(const QStringList& lines) {
+  tellLater(StatusWindow::tr("Paste takes http, https and ftp URLs, one a line."),
+            lines.isEmpty() ? StatusWindow::tr("The clipboard holds none.")
+                            : StatusWindow::tr("Not taken:") + u'\n' + ShownURLs(lines));
+}
+
 void Desktop::windowDidBecomeKey() {
-  gate_.post([this] { controller_.windowDidBecomeKey(); });
+  keepUpToDate(isBecomingKey_, &app::MyAppController::windowDidBecomeKey);
 }
 
 bool Desktop::windowShouldClose() {
@@ -244,15 +374,16 @@ bool Desktop::windowShouldClose() {
     quit();
     return true;
   }
-  auto* box = MakeMessageBox({StatusWindow::tr("Quit Quillforth?"),
-                              StatusWindow::tr("The download in progress and the queue will be lost."),
-                              StatusWindow::tr("Quit"), StatusWindow::tr("Cancel")},
-                             QMessageBox::Question, &window_);
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
-    if (IsAccepted(*box)) quit();
+  statusOutlet_.beginSheet([this] {
+    auto* box = MakeMessageBox({StatusWindow::tr("Quit Quillforth?"),
+                                StatusWindow::tr("The download in progress and the queue will be lost."),
+                                StatusWindow::tr("Quit"), StatusWindow::tr("Cancel")},
+                               QMessageBox::Question, &window_);
+    QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
+      if (IsAccepted(*box)) quit();
+    });
+    return box;
   });
-  box->open();
   return false;
 }
 
@@ -268,12 +399,12 @@ void Desktop::quit() {
 }
 
 void Desktop::showAbout() {
-  auto* box = MakeMessageBox(
-      {StatusWindow::tr("Quillforth %1").arg(QStringLiteral(QUILLFORTH_VERSION)),
-       StatusWindow::tr("Downloads files from the web in batches."), QDialog::tr("OK"), QString()},
-      QMessageBox::Information, &window_);
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  box->open();
+  statusOutlet_.beginSheet([this] {
+    return MakeMessageBox(
+        {StatusWindow::tr("Quillforth %1").arg(QStringLiteral(QUILLFORTH_VERSION)),
+         StatusWindow::tr("Downloads files from the web in batches."), QDialog::tr("OK"), QString()},
+        QMessageBox::Information, &window_);
+  });
 }
 
 std::array<Desktop::Place, 3> Desktop::places() {

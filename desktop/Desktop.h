@@ -3,8 +3,10 @@
 // The program in windows: one controller with its outlets, and what leads from menus, buttons, drops and the
 // desktop's events to its commands.
 //
-// Every command goes through the gate, so that it begins from the event loop and never inside another one.
-// Main thread; a QApplication exists.
+// Every command goes through the gate, so that it begins from the event loop and never inside another one. It
+// is for what the user saw when it was given: the entries that were selected, the download that was shown,
+// the text in the field or in the clipboard. What has gone when its turn comes is left alone, and so is what
+// has come in its place. Main thread; a QApplication exists.
 #pragma once
 
 #include <QString>
@@ -21,9 +23,11 @@
 #include "desktop/DesktopApplication.h"
 #include "desktop/DesktopWindow.h"
 #include "desktop/FramePacer.h"
+#include "desktop/ImportOutlet.h"
 #include "desktop/ImportWindow.h"
 #include "desktop/MimePasteboard.h"
 #include "desktop/PacedIntake.h"
+#include "desktop/PastedURLs.h"
 #include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
 #include "desktop/SelectionReader.h"
@@ -88,13 +92,35 @@ class Desktop final : private StatusWindowOwner {
   bool windowShouldClose() override;
 
   void connectCommands();
-  /// Posts the command whenever one of these is triggered.
+  /// Calls `give` whenever one of these is triggered.
+  void bind(QAction* action, QAbstractButton* button, const std::function<void()>& give);
+  /// The same for a command without a target, which is one as long as it waits or runs, however often it is
+  /// given.
   void bind(QAction* action, QAbstractButton* button, Command command);
-  void takeDrop(const MimePasteboard& pasteboard);
   /// A file URL of a file that an open-documents event takes a URL from.
   [[nodiscard]] bool namesLinkFile(const QString& url) const;
-  /// Takes what is in the clipboard as if it was dropped.
+  void give(CommandGate::Command command);
+  /// Nothing when the command that was given last has the same purpose and is still to be done: it is pressed
+  /// again because nothing has happened yet. Else that command is to be done as long as the result lives.
+  [[nodiscard]] std::shared_ptr<const QString> begin(const QString& purpose);
+  void giveOnce(const QString& purpose, CommandGate::Command command);
+  /// Posts the command unless it is posted already.
+  void keepUpToDate(bool& isPosted, Command command);
+  /// For one that empties the queue.
+  void giveToAll(Command command);
+  void importPage();
+  void deleteEntries(const Entries& entries);
+  void tryAgain(const Entries& head);
+  /// `download`: by how many had been started.
+  void cancelDownload(int download);
+  void chooseDestination();
+  void copy();
   void paste();
+  void take(const PastedURLs& pasted);
+  void queueEntries(const QStringList& entries);
+  void tellRefused(const QStringList& lines);
+  /// In a sheet, after all that is in the paced intake.
+  void tellLater(const QString& title, const QString& message);
   [[nodiscard]] PreferencesServices preferencesServices();
   [[nodiscard]] QString storedDestinationPath();
   [[nodiscard]] CompletionNoticeServices noticeServices();
@@ -129,10 +155,9 @@ class Desktop final : private StatusWindowOwner {
   ImportWindow importWindow_;
   PreferencesWindow preferencesWindow_;
   DesktopWindow statusOutlet_;
-  DesktopWindow importOutlet_;
+  ImportOutlet importOutlet_;
   DesktopWindow preferencesOutlet_;
   LabelOutlet downloadDestinationTextField_;
-  LineEditOutlet urlTextField_;
   LabelOutlet countTextField_;
   SpinnerOutlet spinner_;
   ProgressBarOutlet fileDownloadProgressBar_;
@@ -146,6 +171,12 @@ class Desktop final : private StatusWindowOwner {
   app::MyAppController controller_;
   SelectionReader clipboard_;
   std::function<void(const QStringList&)> openDocuments_ = [](const QStringList&) {};
+  std::weak_ptr<const QString> latestPurpose_;
+  std::uint64_t addedBeforeImport_ = 0;  // to the paced intake
+  int shownDownload_ = 0;                // by how many had been started
+  int pressedDownload_ = 0;              // the one that was shown when the button to cancel it went down
+  bool isBecomingKey_ = false;
+  bool isBecomingActive_ = false;
 };
 
 }  // namespace quillforth::desktop

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QScopedPointer>
 #include <QUrl>
+#include <utility>
 
 #include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
@@ -56,8 +57,12 @@ app::AlertResult DesktopApplication::runModalAlert(const app::Alert& alert) {
 }
 
 std::optional<QString> DesktopApplication::runOpenPanel(const app::FolderPanel& panel) {
-  if (gate_.isClosed()) return std::nullopt;
   const CommandGate::Hold hold(gate_);
+  return runPanel(panel);
+}
+
+std::optional<QString> DesktopApplication::runPanel(const app::FolderPanel& panel) {
+  if (gate_.isClosed()) return std::nullopt;
   QFileDialog dialog(&window_, panel.title, panel.directory);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
@@ -67,10 +72,15 @@ std::optional<QString> DesktopApplication::runOpenPanel(const app::FolderPanel& 
   return dialog.selectedFiles().constFirst();
 }
 
-app::ChosenFolder DesktopApplication::runChooseFolderDialog(const app::FolderPanel& panel) {
-  const std::optional<QString> path = runOpenPanel(panel);
-  if (!path) return {};
-  return {0, platform::FileReference(QFile::encodeName(*path).toStdString())};
+void DesktopApplication::pickFolder(const app::FolderPanel& panel) {
+  const CommandGate::Hold hold(gate_, CommandGate::Held::commands);
+  const std::optional<QString> path = runPanel(panel);
+  picked_ = app::ChosenFolder();
+  if (path) picked_.folder.emplace(QFile::encodeName(*path).toStdString());
+}
+
+app::ChosenFolder DesktopApplication::runChooseFolderDialog(const app::FolderPanel& /*panel*/) {
+  return std::exchange(picked_, app::ChosenFolder());
 }
 
 void DesktopApplication::openFile(const QString& path) {

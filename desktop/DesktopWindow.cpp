@@ -26,14 +26,14 @@ void DesktopWindow::makeKeyAndOrderFront() {
 
 void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {
   if (waiting_.size() >= kMaxWaitingAlerts) return;
-  begin([this, title, message] {
+  beginSheet([this, title, message] {
     const app::Alert alert{title, message, QDialog::tr("OK"), QString()};
     return MakeMessageBox(alert, QMessageBox::Warning, &window_);
   });
 }
 
 void DesktopWindow::beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) {
-  begin([this, alert, didEnd = std::move(didEnd)] {
+  beginSheet([this, alert, didEnd = std::move(didEnd)] {
     QMessageBox* box = MakeMessageBox(alert, QMessageBox::Warning, &window_);
     QObject::connect(box, &QDialog::finished, [this, box, didEnd] {
       const int code = IsAccepted(*box) ? app::kAlertFirstButtonReturn : app::kAlertSecondButtonReturn;
@@ -46,7 +46,7 @@ void DesktopWindow::beginSheetModal(const app::Alert& alert, std::function<void(
 void DesktopWindow::beginAuthenticationSheet(
     const platform::AuthenticationChallenge& challenge,
     std::function<void(std::optional<platform::Credential>)> answer) {
-  begin([this, challenge, answer = std::move(answer)] {
+  beginSheet([this, challenge, answer = std::move(answer)] {
     auto* sheet = new AuthenticationSheet(challenge, &window_);
     QObject::connect(sheet, &QDialog::finished, [this, sheet, answer](int result) {
       if (gate_.isClosed()) return;
@@ -56,7 +56,7 @@ void DesktopWindow::beginAuthenticationSheet(
   });
 }
 
-void DesktopWindow::begin(MakeSheet makeSheet) {
+void DesktopWindow::beginSheet(MakeSheet makeSheet) {
   waiting_.push_back(std::move(makeSheet));
   if (!shown_) showNext();
 }
@@ -65,10 +65,12 @@ void DesktopWindow::showNext() {
   if (waiting_.empty() || gate_.isClosed()) return;
   shown_ = waiting_.front()();
   waiting_.pop_front();
+  hold_.emplace(gate_, CommandGate::Held::commands);
   shown_->setWindowModality(Qt::WindowModal);
   QObject::connect(shown_, &QDialog::finished, &window_, [this, sheet = shown_.data()] {
     sheet->deleteLater();
     shown_.clear();
+    hold_.reset();
     showNext();
   });
   if (!window_.isVisible()) window_.show();

@@ -2,19 +2,21 @@
 //
 // A window as the controller's outlet: how it comes forward, and its sheets.
 //
-// Sheets block their window only, and come one after the other; nobody waits for them. Main thread.
+// Sheets block their window only, and come one after the other; nobody waits for them. While one is open
+// commands wait and downloads go on. Main thread.
 #pragma once
 
 #include <QDialog>
 #include <QPointer>
 #include <deque>
+#include <optional>
 
 #include "app/Outlets.h"
 #include "desktop/CommandGate.h"
 
 namespace quillforth::desktop {
 
-class DesktopWindow final : public app::Window {
+class DesktopWindow : public app::Window {
  public:
   /// Alert sheets that wait for the one that is shown; the rest is dropped. The log has what they say.
   static constexpr std::size_t kMaxWaitingAlerts = 100;
@@ -36,17 +38,19 @@ class DesktopWindow final : public app::Window {
   void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
                                 std::function<void(std::optional<platform::Credential>)> answer) override;
 
- private:
   /// A dialog, not shown yet, that its window owns.
   using MakeSheet = std::function<QDialog*()>;
+  /// Called when the sheets before it have gone; the dialog is deleted when it is finished.
+  void beginSheet(MakeSheet makeSheet);
 
-  void begin(MakeSheet makeSheet);
+ private:
   void showNext();
 
   QWidget& window_;
   CommandGate& gate_;
   std::deque<MakeSheet> waiting_;
   QPointer<QDialog> shown_;
+  std::optional<CommandGate::Hold> hold_;  // as long as one is shown
 };
 
 /// The largest size that a window has room for on its screen, with what a window manager puts around it.

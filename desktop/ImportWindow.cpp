@@ -8,6 +8,7 @@ namespace quillforth::desktop {
 
 ImportWindow::ImportWindow(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::ImportWindow>()) {
   ui_->setupUi(this);
+  ui_->importLabel->hide();
   connect(ui_->importButton, &QPushButton::clicked, this, &ImportWindow::importRequested);
   connect(ui_->cancelButton, &QPushButton::clicked, this, &QDialog::reject);
 }
@@ -16,6 +17,12 @@ ImportWindow::~ImportWindow() = default;
 
 QLineEdit& ImportWindow::urlTextField() {
   return *ui_->urlTextField;
+}
+
+void ImportWindow::showImport(Import import) {
+  ui_->importButton->setEnabled(import == Import::none);
+  ui_->importLabel->setText(import == Import::waits ? tr("Waiting for its turn…") : tr("Loading the page…"));
+  ui_->importLabel->setHidden(import == Import::none);
 }
 
 void ImportWindow::showEvent(QShowEvent* event) {

@@ -2,7 +2,8 @@
 //
 // The import window: a field for the URL of a page whose links are to be fetched.
 //
-// It does not close itself on "Import": whoever imports orders it out. Main thread.
+// It does not close itself on "Import": whoever imports orders it out, and says meanwhile how far it is.
+// "Cancel", Escape and its frame close it, as QDialog::rejected tells. Main thread.
 #pragma once
 
 #include <QDialog>
@@ -22,6 +23,9 @@ class ImportWindow final : public QDialog {
   explicit ImportWindow(QWidget* parent = nullptr);
   ~ImportWindow() override;
 
+  enum class Import { none, waits, loads };
+  /// There is one import at a time: until it is over, there is no other to be asked for.
+  void showImport(Import import);
   [[nodiscard]] QLineEdit& urlTextField();
 
  signals:

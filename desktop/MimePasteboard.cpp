@@ -10,22 +10,27 @@ namespace quillforth::desktop {
 namespace {
 
 constexpr qsizetype kBytesOfUnit = 2;
+constexpr QLatin1StringView kPlain("text/plain");
+constexpr QLatin1StringView kList("text/uri-list");
+constexpr QLatin1StringView kMoz("text/x-moz-url");
 
 // Empty when it is longer than any URL, so that it makes none; but it is there.
 QString Limited(QString text) {
   return text.size() > app::Pasteboard::kMaxStringLength ? QStringLiteral("") : std::move(text);
 }
 
-QString FirstOfURIList(const QByteArray& list) {
+// Without comments; `most`: how many are wanted.
+QStringList URIsOf(const QByteArray& list, qsizetype most) {
+  QStringList uris;
   qsizetype start = 0;
-  while (start < list.size()) {
+  while (start < list.size() && uris.size() < most) {
     const qsizetype newline = list.indexOf('\n', start);
     const qsizetype end = newline < 0 ? list.size() : newline;
     const QByteArray line = list.mid(start, end - start).trimmed();
-    if (!line.isEmpty() && !line.startsWith('#')) return QString::fromUtf8(line);
+    if (!line.isEmpty() && !line.startsWith('#')) uris.append(QString::fromUtf8(line));
     start = end + 1;
   }
-  return {};
+  return uris;
 }
 
 QString FirstOfMozURL(const QByteArray& data) {
@@ -35,18 +40,23 @@ QString FirstOfMozURL(const QByteArray& data) {
   return newline < 0 ? text : text.first(newline);
 }
 
+// Where a type is not offered, Qt would make one out of another.
+bool OffersText(const QMimeData& data) {
+  return data.hasFormat(kPlain) || data.hasFormat(kPlain + QLatin1StringView(";charset=utf-8"));
+}
+
 }  // namespace
 
+QString LinesOf(const QMimeData& data) {
+  if (data.hasFormat(kList)) return URIsOf(data.data(kList), data.data(kList).size()).join(u'\n');
+  if (OffersText(data)) return data.text();
+  return data.hasFormat(kMoz) ? FirstOfMozURL(data.data(kMoz)) : QString();
+}
+
 MimePasteboard::MimePasteboard(const QMimeData& data) {
-  // Where a type is not offered, Qt would make one out of another.
-  const QString plain = QStringLiteral("text/plain");
-  const QString list = QStringLiteral("text/uri-list");
-  const QString moz = QStringLiteral("text/x-moz-url");
-  if (data.hasFormat(plain) || data.hasFormat(plain + QStringLiteral(";charset=utf-8"))) {
-    string_ = Limited(data.text());
-  }
-  if (data.hasFormat(list)) url_ = Limited(FirstOfURIList(data.data(list)));
-  if (url_.isNull() && data.hasFormat(moz)) url_ = Limited(FirstOfMozURL(data.data(moz)));
+  if (OffersText(data)) string_ = Limited(data.text());
+  if (data.hasFormat(kList)) url_ = Limited(URIsOf(data.data(kList), 1).value(0));
+  if (url_.isNull() && data.hasFormat(kMoz)) url_ = Limited(FirstOfMozURL(data.data(kMoz)));
 }
 
 QString MimePasteboard::stringForType(const char* type) const {

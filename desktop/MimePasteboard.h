@@ -13,6 +13,10 @@
 
 namespace quillforth::desktop {
 
+/// All that `data` offers, a URL or a text a line: the list of URLs where there is one, which file managers
+/// mean, else the text, else the browser's URL. Null when there is none.
+[[nodiscard]] QString LinesOf(const QMimeData& data);
+
 class MimePasteboard final : public app::Pasteboard {
  public:
   explicit MimePasteboard(const QMimeData& data);

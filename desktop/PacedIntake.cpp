@@ -28,6 +28,7 @@ bool PacedIntake::add(Item item, std::size_t size) {
   if (!hasRoom(size)) return false;
   waiting_.push_back({std::move(item), size});
   size_ += size;
+  ++addedCount_;
   moveOn();
   return true;
 }
@@ -38,15 +39,23 @@ void PacedIntake::moveOn() {
   if (!isPosted_ && !gate_.isClosed()) retry_.start();
 }
 
-// Another command may have started a download before this one came to its turn.
+void PacedIntake::dropFirst(std::uint64_t count) {
+  while (!isEmpty() && addedCount_ - waiting_.size() < count) static_cast<void>(takeFirst());
+}
+
+// Another command may have started a download before this one came to its turn, or dropped what waited.
 void PacedIntake::giveNext() {
   isPosted_ = false;
-  if (mustWait_()) return;
-  const Waiting next = std::move(waiting_.front());
-  waiting_.pop_front();
-  size_ -= next.size;
-  next.item();
+  if (isEmpty() || mustWait_()) return;
+  takeFirst().item();
   moveOn();
+}
+
+PacedIntake::Waiting PacedIntake::takeFirst() {
+  Waiting first = std::move(waiting_.front());
+  waiting_.pop_front();
+  size_ -= first.size;
+  return first;
 }
 
 }  // namespace quillforth::desktop

@@ -9,6 +9,7 @@
 
 #include <QTimer>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 
@@ -30,6 +31,10 @@ class PacedIntake final {
   /// Has `item`, of a size above 0, done from the gate after all that were added before. False when there is
   /// no room for it, or the program ends; then it is never done.
   [[nodiscard]] bool add(Item item, std::size_t size);
+  /// How many have been added so far.
+  [[nodiscard]] std::uint64_t addedCount() const { return addedCount_; }
+  /// Drops those of the first `count` that were ever added which wait still.
+  void dropFirst(std::uint64_t count);
   /// To be called whenever a download has begun or ended.
   void moveOn();
   /// No item waits. One that is being done waits no more.
@@ -41,11 +46,13 @@ class PacedIntake final {
     std::size_t size;
   };
   void giveNext();
+  Waiting takeFirst();
 
   CommandGate& gate_;
   std::function<bool()> mustWait_;
   std::deque<Waiting> waiting_;
   std::size_t size_ = 0;
+  std::uint64_t addedCount_ = 0;
   bool isPosted_ = false;
   QTimer retry_;  // the gate was full
 };

@@ -89,6 +89,10 @@ void QueueModel::reset() {
   endResetModel();
 }
 
+bool QueueModel::isAnyQueued(std::uint64_t first, std::uint64_t last) const {
+  return queueRowFrom(first) < queueRowFrom(last + 1);
+}
+
 QString QueueModel::url(int row) const {
   const std::uint64_t wanted = identifier(row);
   const std::size_t queued = queueRowFrom(wanted);

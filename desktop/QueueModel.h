@@ -35,6 +35,8 @@ class QueueModel final : public QAbstractTableModel {
   [[nodiscard]] std::uint64_t identifier(int row) const { return shown_[static_cast<std::size_t>(row)]; }
   /// The first row of the model whose identifier is not below this one.
   [[nodiscard]] int firstRowFrom(std::uint64_t identifier) const;
+  /// Whether any entry of these identifiers is in the queue now.
+  [[nodiscard]] bool isAnyQueued(std::uint64_t first, std::uint64_t last) const;
   /// The whole URL of a row; null when it has left the queue meanwhile.
   [[nodiscard]] QString url(int row) const;
 

@@ -70,17 +70,12 @@ void QueueTable::paintInvitation() {
 }
 
 TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)
-    : table_(table),
-      reload_(pacer, [this] { model_.catchUp(); }),
-      selection_(pacer, std::move(selectionDidChange)) {
+    : table_(table), reload_(pacer, [this] { catchUp(); }), selection_(pacer, std::move(selectionDidChange)) {
   table_.setModel(&model_);
   QObject::connect(table_.selectionModel(), &QItemSelectionModel::selectionChanged, &table_,
-                   [this] { selection_.request(); });
-  QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_, [this] {
-    for (const QItemSelectionRange& range : selectedRanges()) {
-      selectionOverReset_.push_back({model_.identifier(range.top()), model_.identifier(range.bottom())});
-    }
-  });
+                   [this] { selectionChanged(); });
+  QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_,
+                   [this] { selectionOverReset_ = selectedEntries(); });
   QObject::connect(&model_, &QueueModel::modelReset, &table_, [this] { restoreSelection(); });
 }
 
@@ -101,19 +96,68 @@ std::vector<QItemSelectionRange> TableOutlet::selectedRanges() const {
   return ranges;
 }
 
+// A selection of which nothing waits any more is gone at once, so that no command can be given for it.
+void TableOutlet::reloadData() {
+  reload_.request();
+  const Entries selected = selectedEntries();
+  if (!selected.empty() && !isAnyQueued(selected)) table_.clearSelection();
+}
+
+void TableOutlet::catchUp() {
+  isCatchingUp_ = true;
+  model_.catchUp();
+  isCatchingUp_ = false;
+}
+
+void TableOutlet::selectionChanged() {
+  selection_.request();
+  if (!isCatchingUp_) selection_.flush();
+}
+
 std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
+  const Entries entries = target_ ? *std::exchange(target_, std::nullopt) : selectedEntries();
+  if (entries.empty()) return {};
   reload_.flush();  // rows as the queue has them now
   std::vector<std::size_t> rows;
-  for (const QItemSelectionRange& range : selectedRanges()) {
-    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(static_cast<std::size_t>(row));
+  for (const IdentifierRange& range : entries) {
+    const int end = model_.firstRowFrom(range.last + 1);
+    for (int row = model_.firstRowFrom(range.first); row < end; ++row) {
+      rows.push_back(static_cast<std::size_t>(row));
+    }
   }
   return rows;
 }
 
-QString TableOutlet::selectedURLs() const {
+Entries TableOutlet::selectedEntries() const {
+  Entries entries;
+  for (const QItemSelectionRange& range : selectedRanges()) {
+    entries.push_back({model_.identifier(range.top()), model_.identifier(range.bottom())});
+  }
+  return entries;
+}
+
+Entries TableOutlet::firstEntry() const {
+  if (model_.rowCount() == 0) return {};
+  return {{model_.identifier(0), model_.identifier(0)}};
+}
+
+// The last ones wait longest.
+bool TableOutlet::isAnyQueued(const Entries& entries) const {
+  return std::any_of(entries.rbegin(), entries.rend(), [this](const IdentifierRange& range) {
+    return model_.isAnyQueued(range.first, range.last);
+  });
+}
+
+void TableOutlet::runFor(const Entries& entries, const std::function<void()>& command) {
+  target_ = entries;
+  command();
+  target_.reset();
+}
+
+QStringList TableOutlet::selectedURLs() const {
   QStringList urls;
   for (const std::size_t row : selectedRowIndexes()) urls.append(model_.url(static_cast<int>(row)));
-  return urls.join(u'\n');
+  return urls;
 }
 
 void TableOutlet::restoreSelection() {

@@ -6,7 +6,10 @@
 #pragma once
 
 #include <QTableView>
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <vector>
 
 #include "app/Outlets.h"
 #include "desktop/FramePacer.h"
@@ -37,9 +40,18 @@ class QueueTable final : public QTableView {
   bool isDropHighlighted_ = false;
 };
 
+/// Entries of the queue by their identifiers, ascending: all that wait from the first to the last of each
+/// pair.
+struct IdentifierRange {
+  std::uint64_t first;
+  std::uint64_t last;
+};
+using Entries = std::vector<IdentifierRange>;
+
 class TableOutlet final : public app::TableView {
  public:
-  /// `table` outlives this. `selectionDidChange` is called once a frame at most.
+  /// `table` outlives this. `selectionDidChange` is called at once when the user changes the selection, or
+  /// nothing is left of it, and otherwise once a frame at most.
   TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange);
   ~TableOutlet() override;
   TableOutlet(const TableOutlet&) = delete;
@@ -47,23 +59,30 @@ class TableOutlet final : public app::TableView {
 
   void setDataSource(const app::TableViewDataSource& source) { model_.setDataSource(source); }
   void registerForDraggedTypes(const QStringList& types) override;
-  void reloadData() override { reload_.request(); }
+  void reloadData() override;
   [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override;
-  /// The selected URLs, a line each.
-  [[nodiscard]] QString selectedURLs() const;
+  /// What the user sees selected.
+  [[nodiscard]] Entries selectedEntries() const;
+  /// What the user sees at the head; none when the table is empty.
+  [[nodiscard]] Entries firstEntry() const;
+  /// Whether any of them waits still.
+  [[nodiscard]] bool isAnyQueued(const Entries& entries) const;
+  /// Does `command` for these: it finds what is left of them selected when it asks, once, and else nothing.
+  void runFor(const Entries& entries, const std::function<void()>& command);
+  /// Of what is selected and waits still.
+  [[nodiscard]] QStringList selectedURLs() const;
 
  private:
-  struct IdentifierRange {
-    std::uint64_t first;
-    std::uint64_t last;
-  };
-
   [[nodiscard]] std::vector<QItemSelectionRange> selectedRanges() const;
+  void selectionChanged();
+  void catchUp();
   void restoreSelection();
 
   QueueTable& table_;
   QueueModel model_;
-  std::vector<IdentifierRange> selectionOverReset_;
+  Entries selectionOverReset_;
+  mutable std::optional<Entries> target_;  // of the command that runs, until it asks
+  bool isCatchingUp_ = false;
   mutable FramePacer::Update reload_;
   FramePacer::Update selection_;
 };

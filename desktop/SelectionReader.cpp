@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "app/Pasteboard.h"
-#include "desktop/MimePasteboard.h"
+#include "desktop/PastedURLs.h"
 
 namespace quillforth::desktop {
 
@@ -47,7 +47,7 @@ QStringList HelperOptions(SelectionSource source) {
 std::optional<QString> TextOf(QProcess& helper) {
   QString text = QString::fromUtf8(helper.readAllStandardOutput());
   const bool isWhole = helper.exitStatus() == QProcess::NormalExit && helper.exitCode() == 0;
-  if (!isWhole || text.isEmpty() || text.size() > app::Pasteboard::kMaxStringLength) return std::nullopt;
+  if (!isWhole || text.isEmpty()) return std::nullopt;
   return text;
 }
 
@@ -100,11 +100,11 @@ void PrintSelection(SelectionSource source) {
   QString text = isSelectionAsked ? clipboard.text(QClipboard::Selection) : QString();
   if (source == SelectionSource::pasteboard) {
     const QMimeData* data = clipboard.mimeData();
-    text = data == nullptr ? QString() : app::DraggedString(MimePasteboard(*data));
+    text = data == nullptr ? QString() : PasteboardText(*data);
   } else if (text.isEmpty()) {
     text = clipboard.text(QClipboard::Clipboard);
   }
-  if (text.size() > app::Pasteboard::kMaxStringLength) return;
+  if (source != SelectionSource::pasteboard && text.size() > app::Pasteboard::kMaxStringLength) return;
   const QByteArray bytes = text.toUtf8();
   std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
 }

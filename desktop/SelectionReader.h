@@ -17,7 +17,7 @@ namespace quillforth::desktop {
 enum class SelectionSource {
   selectionOrClipboard,
   clipboard,
-  pasteboard,  ///< the clipboard, taken as a drag is: the text, or else the URL
+  pasteboard,  ///< the clipboard as PasteboardText gives it
 };
 
 class SelectionReader final {
@@ -30,8 +30,9 @@ class SelectionReader final {
   SelectionReader(const SelectionReader&) = delete;
   SelectionReader& operator=(const SelectionReader&) = delete;
 
-  /// Calls `take` with the text, later; with null when there is none, or it is longer than any URL, or its
-  /// owner hangs. While one text is being read, another wish for it is the same wish.
+  /// Calls `take` with the text, later; with null when there is none, or it is longer than any URL (what is
+  /// pasted: than PastedURLs takes), or its owner hangs. While one text is being read, another wish for it is
+  /// the same wish.
   void read(SelectionSource source, std::function<void(const QString& text)> take);
 
  private:

@@ -37,6 +37,8 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   ui_->fileTable->setContextMenuPolicy(Qt::ActionsContextMenu);
   ui_->fileTable->addActions({ui_->actionCopy, ui_->actionDelete});
   ui_->fileTable->setFocus();
+  for (QPushButton* button : findChildren<QPushButton*>()) button->installEventFilter(this);
+  for (QAction* action : findChildren<QAction*>()) action->setAutoRepeat(false);  // a key held down is one
   connect(ui_->actionSelectAll, &QAction::triggered, ui_->fileTable, &QTableView::selectAll);
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
 }
@@ -70,6 +72,10 @@ void StatusWindow::dropEvent(QDropEvent* event) {
   if (!owner_.mayDrop(*event->mimeData())) return event->ignore();
   Accept(*event);
   owner_.drop(*event->mimeData());
+}
+
+bool StatusWindow::eventFilter(QObject* button, QEvent* event) {
+  return event->type() == QEvent::MouseButtonDblClick || QMainWindow::eventFilter(button, event);
 }
 
 void StatusWindow::changeEvent(QEvent* event) {

@@ -41,6 +41,8 @@ class StatusWindow final : public QMainWindow {
   void dragMoveEvent(QDragMoveEvent* event) override;
   void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  /// The second press of a double click is none: what it would hit came under the pointer with the first.
+  bool eventFilter(QObject* button, QEvent* event) override;
   void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 

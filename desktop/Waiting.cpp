@@ -41,7 +41,12 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block) {
 std::optional<QByteArray> WaitingPageLoader::resourceData(const platform::URL& url) {
   std::optional<QByteArray> page;
   WaitFor(gate_, [this, &url, &page] { page = loader_.resourceData(url); });
-  return page;
+  return isGivenUp_ ? std::nullopt : page;
+}
+
+void WaitingPageLoader::setGivenUp(bool isGivenUp) {
+  isGivenUp_ = isGivenUp;
+  loader_.setGivenUp(isGivenUp);
 }
 
 void WaitingReadStreams::join(std::thread& worker) {

@@ -26,10 +26,13 @@ class WaitingPageLoader final : public platform::PageLoader {
   /// Both outlive this. `loader` may be called from any thread.
   WaitingPageLoader(platform::PageLoader& loader, CommandGate& gate) : loader_(loader), gate_(gate) {}
   [[nodiscard]] std::optional<QByteArray> resourceData(const platform::URL& url) override;
+  /// Main thread.
+  void setGivenUp(bool isGivenUp) override;
 
  private:
   platform::PageLoader& loader_;
   CommandGate& gate_;
+  bool isGivenUp_ = false;
 };
 
 class WaitingReadStreams final : public platform::HTTPReadStreamFactory {

@@ -5,6 +5,7 @@
 #include <QSizePolicy>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "desktop/ShownText.h"
 
@@ -16,8 +17,12 @@ void RetainSizeWhenHidden(QWidget& widget) {
   widget.setSizePolicy(policy);
 }
 
-LabelOutlet::LabelOutlet(FramePacer& pacer, QLabel& label)
-    : label_(label), text_(label.text()), isHidden_(label.isHidden()), update_(pacer, [this] { show(); }) {
+LabelOutlet::LabelOutlet(FramePacer& pacer, QLabel& label, std::function<void()> wasShown)
+    : label_(label),
+      text_(label.text()),
+      isHidden_(label.isHidden()),
+      wasShown_(std::move(wasShown)),
+      update_(pacer, [this] { show(); }) {
   RetainSizeWhenHidden(label);
 }
 
@@ -38,6 +43,7 @@ void LabelOutlet::show() {
     label_.setText(text_);
   }
   label_.setHidden(isHidden_);
+  wasShown_();
 }
 
 ButtonOutlet::ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QWidget& keyboardHeir, QAction* action)
@@ -54,6 +60,7 @@ ButtonOutlet::ButtonOutlet(FramePacer& pacer, QAbstractButton& button, QWidget& 
 void ButtonOutlet::setEnabled(bool enabled) {
   isEnabled_ = enabled;
   update_.request();
+  if (!enabled) update_.flush();
 }
 
 void ButtonOutlet::setHidden(bool hidden) {

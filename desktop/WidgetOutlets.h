@@ -2,15 +2,16 @@
 //
 // The controller's small outlets as Qt widgets.
 //
-// What the controller says is kept, and reaches the widget with the next frame. Hidden widgets keep their
-// room, so that nothing jumps. Main thread; the widgets outlive these.
+// What the controller says is kept, and reaches the widget with the next frame; only what can no longer be
+// pressed cannot at once. Hidden widgets keep their room, so that nothing jumps. Main thread; the widgets
+// outlive these.
 #pragma once
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QLabel>
-#include <QLineEdit>
 #include <QProgressBar>
+#include <functional>
 
 #include "app/Outlets.h"
 #include "desktop/ElidedLabel.h"
@@ -25,7 +26,9 @@ void RetainSizeWhenHidden(QWidget& widget);
 /// A text that is only shown.
 class LabelOutlet final : public app::TextField {
  public:
-  LabelOutlet(FramePacer& pacer, QLabel& label);
+  /// `wasShown` is called whenever the label has been brought up to date.
+  LabelOutlet(
+      FramePacer& pacer, QLabel& label, std::function<void()> wasShown = [] {});
   [[nodiscard]] QString stringValue() const override { return text_; }
   void setStringValue(const QString& text) override;
   void setHidden(bool hidden) override;
@@ -36,19 +39,8 @@ class LabelOutlet final : public app::TextField {
   QLabel& label_;
   QString text_;
   bool isHidden_;
+  std::function<void()> wasShown_;
   FramePacer::Update update_;
-};
-
-/// A text that the user types. Not paced: what is typed is what is read.
-class LineEditOutlet final : public app::TextField {
- public:
-  explicit LineEditOutlet(QLineEdit& field) : field_(field) {}
-  [[nodiscard]] QString stringValue() const override { return field_.text(); }
-  void setStringValue(const QString& text) override { field_.setText(text); }
-  void setHidden(bool hidden) override { field_.setHidden(hidden); }
-
- private:
-  QLineEdit& field_;
 };
 
 class ButtonOutlet final : public app::Button {

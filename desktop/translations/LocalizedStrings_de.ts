@@ -600,10 +600,6 @@
         <translation>URL &amp;einfügen</translation>
     </message>
     <message>
-        <source>Take the URL from the clipboard</source>
-        <translation>Die URL aus der Zwischenablage nehmen</translation>
-    </message>
-    <message>
         <source>&amp;Copy URL</source>
         <translation>URL &amp;kopieren</translation>
     </message>
@@ -634,6 +630,10 @@
     <message>
         <source>&amp;About Quillforth</source>
         <translation>Ü&amp;ber Quillforth</translation>
+    </message>
+    <message>
+        <source>Take the URLs from the clipboard, one a line</source>
+        <translation>Die URLs aus der Zwischenablage nehmen, eine je Zeile</translation>
     </message>
 </context>
 <context>
@@ -702,6 +702,17 @@
     <message>
         <source>Show</source>
         <translation>Anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::ImportWindow</name>
+    <message>
+        <source>Waiting for its turn…</source>
+        <translation>Der Import wartet, bis er an der Reihe ist …</translation>
+    </message>
+    <message>
+        <source>Loading the page…</source>
+        <translation>Die Seite wird geladen …</translation>
     </message>
 </context>
 <context>
@@ -778,6 +789,18 @@
     <message>
         <source>Downloads files from the web in batches.</source>
         <translation>Lädt Dateien stapelweise aus dem Web herunter.</translation>
+    </message>
+    <message>
+        <source>Paste takes http, https and ftp URLs, one a line.</source>
+        <translation>Eingefügt werden URLs mit http, https und ftp, eine je Zeile.</translation>
+    </message>
+    <message>
+        <source>The clipboard holds none.</source>
+        <translation>Die Zwischenablage enthält keine.</translation>
+    </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Nicht übernommen:</translation>
     </message>
 </context>
 </TS>

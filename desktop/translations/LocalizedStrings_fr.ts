@@ -600,10 +600,6 @@
         <translation>Co&amp;ller l’URL</translation>
     </message>
     <message>
-        <source>Take the URL from the clipboard</source>
-        <translation>Prendre l’URL du presse-papiers</translation>
-    </message>
-    <message>
         <source>&amp;Copy URL</source>
         <translation>&amp;Copier l’URL</translation>
     </message>
@@ -634,6 +630,10 @@
     <message>
         <source>&amp;About Quillforth</source>
         <translation>À &amp;propos de Quillforth</translation>
+    </message>
+    <message>
+        <source>Take the URLs from the clipboard, one a line</source>
+        <translation>Prendre les URL du presse-papiers, une par ligne</translation>
     </message>
 </context>
 <context>
@@ -702,6 +702,17 @@
     <message>
         <source>Show</source>
         <translation>Afficher</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::ImportWindow</name>
+    <message>
+        <source>Waiting for its turn…</source>
+        <translation>En attente de son tour…</translation>
+    </message>
+    <message>
+        <source>Loading the page…</source>
+        <translation>Chargement de la page…</translation>
     </message>
 </context>
 <context>
@@ -778,6 +789,18 @@
     <message>
         <source>Downloads files from the web in batches.</source>
         <translation>Télécharge des fichiers du web par lots.</translation>
+    </message>
+    <message>
+        <source>Paste takes http, https and ftp URLs, one a line.</source>
+        <translation>Le collage accepte les URL http, https et ftp, une par ligne.</translation>
+    </message>
+    <message>
+        <source>The clipboard holds none.</source>
+        <translation>Le presse-papiers n’en contient aucune.</translation>
+    </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Non acceptées :</translation>
     </message>
 </context>
 </TS>

@@ -10,7 +10,7 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
-#include <future>
+#include <atomic>
 
 #include "desktop/Desktop.h"
 #include "host/AssumedNetwork.h"
@@ -62,13 +62,14 @@ class DesktopFixture : public ::testing::Test {
     data.setText(QString::fromStdString(server_.url(path)));
     return drop(data);
   }
-  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `answer_`, in the
-  /// middle if it is "slow" too; "locked" wants user:word.
+  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `mayAnswer_`, after the first half
+  /// if it is "half" too; "locked" wants user:word.
   RawServer::After serve(RawServer::Connection& connection, const std::string& request) {
     const auto has = [&request](const char* text) { return request.find(text) != std::string::npos; };
-    if (has("/slow")) connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
-    if (has("/slow") && !has("gated")) static_cast<void>(connection.waitForEnd(20'000));
-    while (has("gated") && mayAnswer_.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const bool isSlow = has("/slow") && !has("HEAD ");
+    if (isSlow || has("/half")) connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
+    if (isSlow) static_cast<void>(connection.waitForEnd(20'000));
+    while (has("gated") && !mayAnswer_) {
       if (connection.waitForEnd(5)) return RawServer::After::close;
     }
     const bool isLocked = has("locked") && !has("Basic dXNlcjp3b3Jk");
@@ -78,8 +79,7 @@ class DesktopFixture : public ::testing::Test {
     return RawServer::After::close;
   }
 
-  std::promise<void> answer_;
-  std::shared_future<void> mayAnswer_ = answer_.get_future().share();
+  std::atomic<bool> mayAnswer_ = false;
   RawServer server_{[this](auto& connection, const auto& request) { return serve(connection, request); }};
   platform::Interruption interruption_;
   host::LinuxHost services_;

@@ -66,7 +66,7 @@ TEST(QueueTable, SelectionFollowsEntriesAndReloadsCostWhatIsVisible) {
   std::erase_if(queue.identifiers, [](std::uint64_t identifier) { return identifier % 1000 == 7; });
   table.reloadData();
   EXPECT_EQ(table.selectedRowIndexes(), std::vector<std::size_t>{89'811});
-  EXPECT_EQ(table.selectedURLs(), QStringLiteral("http://site-a.test/90000"));
+  EXPECT_EQ(table.selectedURLs(), QStringList(QStringLiteral("http://site-a.test/90000")));
   queue.identifiers.clear();
   table.reloadData();
   EXPECT_TRUE(table.selectedRowIndexes().empty());
