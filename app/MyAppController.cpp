@@ -52,7 +52,7 @@ void MyAppController::windowDidBecomeKey() {
 
 void MyAppController::showStatusAndActivate() {
   if (preferences_.bringApplicationToFront()) host_.application->activateIgnoringOtherApps();
-  if (preferences_.showStatusWindow()) outlets_.statusWindow.makeKeyAndOrderFront();
+  if (preferences_.showStatusWindow()) outlets_.statusWindow.orderFrontForNewWork();
 }
 
 void MyAppController::showPreferencesWindow() {

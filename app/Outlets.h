@@ -88,6 +88,9 @@ inline constexpr int kAlertSecondButtonReturn = 1001;
 class Window : public platform::AuthenticationSheetParent {
  public:
   virtual void makeKeyAndOrderFront() = 0;
+  /// The same because work has come in, not in the middle of it: a window that the user has put away may come
+  /// back.
+  virtual void orderFrontForNewWork() { makeKeyAndOrderFront(); }
   /// Takes the window off the screen; nothing when it is not there.
   virtual void orderOut() = 0;
   /// A sheet with the default button only, which nobody waits for.

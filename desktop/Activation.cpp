@@ -149,6 +149,25 @@ void ActivateWindow(QWidget& window) {
   window.activateWindow();
 }
 
+// A window manager gives the keyboard to a window that is only restored. So this one is withdrawn
+// (Inter-Client Communication Conventions, section 4.1.4), and comes back as one that nobody has asked for:
+// "_NET_WM_USER_TIME" of the Extended Window Manager Hints is 0.
+void RestoreWithoutKeyboard(QWidget& window) {
+  if (const std::optional<Screen> screen = X11Screen()) {
+    xcb_unmap_notify_event_t message{};
+    message.response_type = XCB_UNMAP_NOTIFY;
+    message.event = screen->root;
+    message.window = static_cast<xcb_window_t>(window.winId());
+    xcb_send_event(screen->connection, 0, screen->root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    constexpr std::uint32_t kNobody = 0;
+    xcb_change_property(screen->connection, XCB_PROP_MODE_REPLACE, message.window,
+                        Atom(*screen, "_NET_WM_USER_TIME"), XCB_ATOM_CARDINAL, 32, 1, &kNobody);
+  }
+  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+}
+
 void ActivateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) {
   const std::optional<Screen> screen = X11Screen();
   const auto window = screen ? WindowOf(*screen, processIDs, title.toUtf8()) : std::nullopt;

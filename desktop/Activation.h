@@ -23,6 +23,10 @@ void RememberActivation(const QString& token);
 /// Activates a window that is shown.
 void ActivateWindow(QWidget& window);
 
+/// Shows a minimised window again, and leaves the keyboard where it is as far as the window system lets a
+/// program do this.
+void RestoreWithoutKeyboard(QWidget& window);
+
 /// Asks for a window of other programs to come forward because the user wants it: of the windows of these
 /// processes the one with this title, else the one on top. Nothing happens on another platform than X11, nor
 /// when there is none.

@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <utility>
 
+#include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
 
 namespace quillforth::desktop {
@@ -22,6 +23,13 @@ void DesktopWindow::makeKeyAndOrderFront() {
   if (!isNew && (window_.isMinimized() || active == nullptr)) return;
   window_.raise();
   if (active == nullptr || active->parentWidget() != &window_) window_.activateWindow();
+}
+
+void DesktopWindow::orderFrontForNewWork() {
+  const bool isInFront = QApplication::activeWindow() != nullptr && !window_.isMinimized();
+  if (isInFront || !window_.isVisible()) return makeKeyAndOrderFront();
+  if (window_.isMinimized()) RestoreWithoutKeyboard(window_);
+  window_.raise();
 }
 
 void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {

@@ -31,6 +31,9 @@ class DesktopWindow : public app::Window {
   /// nor from a dialog of this one, and one that the user has minimised stays so: this comes with every
   /// file. Whoever wants more activates the application first.
   void makeKeyAndOrderFront() override;
+  /// Shows the window above the others, also when it was minimised, and leaves the keyboard where it is: as
+  /// far as the window system lets a program do this.
+  void orderFrontForNewWork() override;
   void orderOut() override { window_.hide(); }
   void beginAlertSheet(const QString& title, const QString& message) override;
   void beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) override;
