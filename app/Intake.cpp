@@ -2,7 +2,7 @@
 //
 // How URLs come in, and how a page gives its links to the queue.
 
-#include <QStringDecoder>
+#include <utility>
 
 #include "app/MyAppController.h"
 #include "classify/PageOrFile.h"
@@ -13,20 +13,14 @@ namespace quillforth::app {
 
 namespace {
 
-// `text` is UTF-8; unlike QString::fromUtf8, this keeps a byte-order mark.
-QString StringFromUTF8(std::string_view text) {
-  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-  return decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
-}
-
 // A value that was cut inside a character makes no string.
-std::vector<QString> LinksOfPage(const QByteArray& page, const QString& pageURL,
-                                 const classify::CExtensionMap& extensions) {
+UrlQueue LinksOfPage(const QByteArray& page, const QString& pageURL,
+                     const classify::CExtensionMap& extensions) {
   const linkextract::LinkTable links = linkextract::ExtractPageLinks(
       {page.constData(), static_cast<std::size_t>(page.size())}, pageURL.toStdString(), extensions);
-  std::vector<QString> urls;
+  UrlQueue urls;
   for (const linkextract::LinkEntry& link : links) {
-    if (linkextract::IsValidUTF8(link.value())) urls.push_back(StringFromUTF8(link.value()));
+    if (linkextract::IsValidUTF8(link.value().view())) urls.append(link);
   }
   return urls;
 }
@@ -83,9 +77,9 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
   if (!url) return;
   const std::optional<QByteArray> page = host_.pageLoader->resourceData(*url);
   if (!page) return;
-  std::vector<QString> urls;
+  UrlQueue urls;
   if (!host_.calculate([&] { urls = LinksOfPage(*page, pageURL, extensionMap_); })) return;
-  for (const QString& link : urls) urlList_.append(link);
+  urlList_.append(std::move(urls));
 }
 
 bool MyAppController::isWebPageURL(const QString& url) {

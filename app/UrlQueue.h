@@ -2,8 +2,11 @@
 //
 // The URLs that wait, first in, first out.
 //
-// Entries are kept exactly as they came; nothing is merged. Taking the head and appending are constant time,
-// removing any set of rows is one pass. Main thread only.
+// Entries are kept exactly as they came; nothing is merged. They are kept as bytes, which for nearly all URLs
+// are half of the text, and a page's links as they stand in the page, beside the base that they share: a page
+// of millions of links under a long base then takes memory in proportion to the page. Taking the head,
+// reading a row and appending are constant time, removing any set of rows is one pass. Main thread only, but
+// for a queue that nobody else has yet.
 #pragma once
 
 #include <QString>
@@ -11,6 +14,9 @@
 #include <cstdint>
 #include <deque>
 #include <span>
+#include <string>
+
+#include "linkextract/LinkTable.h"
 
 namespace quillforth::app {
 
@@ -19,11 +25,16 @@ class UrlQueue {
   [[nodiscard]] std::size_t size() const { return entries_.size(); }
   [[nodiscard]] bool empty() const { return entries_.empty(); }
   /// `index` < size().
-  [[nodiscard]] const QString& at(std::size_t index) const { return entries_[index].url; }
+  [[nodiscard]] QString at(std::size_t index) const { return TextOf(entries_[index]); }
   /// Unique for the queue's life, ascending from head to end. `index` < size().
   [[nodiscard]] std::uint64_t identifierAt(std::size_t index) const { return entries_[index].identifier; }
 
-  void append(QString url);
+  /// Any UTF-16, lone surrogates included.
+  void append(const QString& url);
+  /// A link by its absolute URL, which is UTF-8.
+  void append(const linkextract::LinkEntry& link);
+  /// All of `urls`, in their order, under new identifiers.
+  void append(UrlQueue urls);
   /// The queue is not empty.
   [[nodiscard]] QString takeFirst();
   /// `indexes`: ascending; those beyond the end are ignored.
@@ -31,10 +42,16 @@ class UrlQueue {
   void clear() { entries_.clear(); }
 
  private:
+  enum class Encoding : std::uint8_t { utf8, utf16 };
   struct Entry {
-    QString url;
+    linkextract::SharedBase base;  // null: `bytes` are the URL, and not a link under a base
+    std::string bytes;
+    Encoding encoding;
     std::uint64_t identifier;
   };
+  [[nodiscard]] static QString TextOf(const Entry& entry);
+  void append(linkextract::SharedBase base, std::string bytes, Encoding encoding);
+
   std::deque<Entry> entries_;
   std::uint64_t nextIdentifier_ = 0;
 };

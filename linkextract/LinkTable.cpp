@@ -33,10 +33,6 @@ std::uint64_t Mixed(std::uint64_t a, std::uint64_t b) noexcept {
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-char* TextsOf(LinkEntry& entry) {
-  return reinterpret_cast<char*>(&entry + 1);
-}
-
 std::string_view Bounded(std::string_view text) {
   return text.substr(0, BoundedText::kMaxLength);
 }
@@ -65,12 +61,20 @@ void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
   __builtin_prefetch(entry + 2);  // the end of a key of usual length, often in the next cache line
 }
 
-LinkTable::Insertion LinkTable::insert(std::string_view key, std::uint32_t hash) {
+void LinkTable::setBase(const BoundedText& base) {
+  bases_.push_front(std::make_shared<const LinkResolver>(base));
+}
+
+const LinkEntry& LinkTable::insert(std::string_view key, std::uint32_t hash) {
   key = Bounded(key);
-  if (LinkEntry* const entry = find(key, hash); entry != nullptr) return {*entry, false};
-  if (4 * size_ >= 3 * slots_.size()) growSlots(2 * slots_.size());
-  takeSlot({hash, append(key)});
-  return {*tail_, true};
+  LinkEntry* entry = find(key, hash);
+  if (entry == nullptr) {
+    if (4 * size_ >= 3 * slots_.size()) growSlots(2 * slots_.size());
+    takeSlot({hash, append(key)});
+    entry = tail_;
+  }
+  if (!bases_.empty()) entry->base_ = &bases_.front();
+  return *entry;
 }
 
 LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexcept {
@@ -83,33 +87,11 @@ LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexc
   return nullptr;
 }
 
-void LinkTable::setValue(LinkEntry& entry, std::string_view value) {
-  value = Bounded(value);
-  if (embedKey(entry, value)) return;
-  const bool holdsKey = entry.value_ == TextsOf(entry);
-  if (value.size() > entry.valueLength_ || holdsKey) entry.value_ = allocate(value.size(), 1);
-  std::copy(value.begin(), value.end(), entry.value_);
-  entry.valueLength_ = static_cast<std::uint8_t>(value.size());
-}
-
-/// Puts the value where the key is, when that is the end of it and nothing lies behind.
-bool LinkTable::embedKey(LinkEntry& entry, std::string_view value) noexcept {
-  const std::string_view key = entry.key();
-  if (blocks_.back()->bytes + used_ != key.data() + key.size() || !value.ends_with(key)) return false;
-  const std::size_t added = value.size() - key.size();
-  if (entry.keyBegin_ > 0 || used_ + added > sizeof(Block::bytes)) return false;
-  entry.value_ = TextsOf(entry);
-  std::memmove(entry.value_, value.data(), value.size());
-  entry.valueLength_ = static_cast<std::uint8_t>(value.size());
-  entry.keyBegin_ = static_cast<std::uint8_t>(added);
-  used_ += added;
-  return true;
-}
-
 void LinkTable::clear() noexcept {
   if (!blocks_.empty()) common::RecordPool<Block>::release(blocks_.back(), blocks_.front());
   slots_.clear();
   blocks_.clear();
+  bases_.clear();
   head_ = tail_ = nullptr;
   size_ = 0;
   used_ = sizeof(Block::bytes);
@@ -136,7 +118,7 @@ void LinkTable::takeSlot(Slot taken) noexcept {
 }
 
 LinkTable::Place LinkTable::append(std::string_view key) {
-  char* const bytes = allocate(sizeof(LinkEntry) + key.size(), alignof(LinkEntry));
+  char* const bytes = allocate(sizeof(LinkEntry) + key.size());
   auto* const entry = new (bytes) LinkEntry;
   std::copy(key.begin(), key.end(), reinterpret_cast<char*>(entry + 1));
   entry->keyLength_ = static_cast<std::uint8_t>(key.size());
@@ -152,8 +134,8 @@ LinkEntry* LinkTable::entryAt(Place place) const noexcept {
   return reinterpret_cast<LinkEntry*>(block + place % kPlacesInBlock * alignof(LinkEntry));
 }
 
-char* LinkTable::allocate(std::size_t size, std::size_t alignment) {
-  std::size_t begin = (used_ + alignment - 1) / alignment * alignment;
+char* LinkTable::allocate(std::size_t size) {
+  std::size_t begin = (used_ + alignof(LinkEntry) - 1) / alignof(LinkEntry) * alignof(LinkEntry);
   if (begin + size > sizeof(Block::bytes)) {
     addBlock();
     begin = 0;
@@ -174,6 +156,7 @@ void LinkTable::swap(LinkTable& other) noexcept {
   std::swap(head_, other.head_);
   std::swap(tail_, other.tail_);
   std::swap(size_, other.size_);
+  std::swap(bases_, other.bases_);
   std::swap(blocks_, other.blocks_);
   std::swap(used_, other.used_);
 }

@@ -4,26 +4,32 @@
 //
 // Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. The hashes stand close
 // together, apart from the entries: a new key is told from all others without a look at these. An entry and
-// its texts lie together at their length, not in full-width fields, and a key that ends its value, as most
-// do, is kept once: a page of 200,000 links then fills a sixth of the memory, and filling fresh memory is
-// what most of the time for such a page would go into. The blocks for them come from a process-wide pool.
+// its key lie together at their length, not in full-width fields, and its URL is made of the key and the base
+// whenever it is asked for: under a long base the URLs of a page could fill thirty times the page. The blocks
+// for entries come from a process-wide pool.
 //
 //     slots     | hash, place | free | hash, place | free | free | hash, place | ...   by hash
-//     blocks    | entry value | entry key value | entry value | ...                    in order of insertion
-//                         key                             key
+//     blocks    | entry key | entry key | entry key | ...                              in order of insertion
 //
 // Any thread as long as no table is shared.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <forward_list>
 #include <iterator>
+#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "common/BoundedText.h"
 #include "common/ScratchMemory.h"
+#include "linkextract/ResolveLink.h"
 
 namespace quillforth::linkextract {
+
+/// What links resolve against, for all who keep some of them.
+using SharedBase = std::shared_ptr<const LinkResolver>;
 
 /// One link; lives until its table is cleared.
 class LinkEntry {
@@ -33,20 +39,24 @@ class LinkEntry {
 
   /// The link exactly as it stands in the page, cut at 255 bytes.
   [[nodiscard]] std::string_view key() const noexcept {
-    return {reinterpret_cast<const char*>(this + 1) + keyBegin_, keyLength_};
+    return {reinterpret_cast<const char*>(this + 1), keyLength_};
   }
-  /// Its absolute URL, cut at 255 bytes, possibly inside a character; empty until one is set.
-  [[nodiscard]] std::string_view value() const noexcept { return {value_, valueLength_}; }
+  /// The base that it was entered under last; null when there was none.
+  [[nodiscard]] SharedBase base() const noexcept { return base_ == nullptr ? nullptr : *base_; }
+  /// Its absolute URL, cut at 255 bytes, possibly inside a character; empty without a base.
+  [[nodiscard]] common::BoundedText value() const {
+    common::BoundedText url;
+    if (base_ != nullptr) (*base_)->resolve(key(), url);
+    return url;
+  }
 
  private:
   friend class LinkTable;  // its iterator, too
   LinkEntry() = default;
 
   LinkEntry* next_ = nullptr;
-  char* value_ = nullptr;
-  std::uint8_t keyBegin_ = 0;  // the key's first byte, counted from the entry's end
+  const SharedBase* base_ = nullptr;  // one of the table's, or null
   std::uint8_t keyLength_ = 0;
-  std::uint8_t valueLength_ = 0;
 };
 
 class LinkTable {
@@ -59,15 +69,11 @@ class LinkTable {
     return *this;
   }
 
-  struct Insertion {
-    LinkEntry& entry;
-    bool isNew;
-  };
-  /// The entry under exactly the first 255 bytes of `key`: the one that is there, unchanged, or a new one at
-  /// the end of the order with an empty value.
-  Insertion insert(std::string_view key) { return insert(key, hashOf(key)); }
-  /// Replaces the value of an entry of this table; cut at 255 bytes.
-  void setValue(LinkEntry& entry, std::string_view value);
+  /// The base of the links that are inserted from now on.
+  void setBase(const common::BoundedText& base);
+  /// The entry under exactly the first 255 bytes of `key`: the one that is there, or a new one at the end of
+  /// the order. It is under the present base from now on.
+  const LinkEntry& insert(std::string_view key) { return insert(key, hashOf(key)); }
   void clear() noexcept;
   /// Makes the slots for `count` links at once, which is cheaper than by and by.
   void reserve(std::size_t count);
@@ -77,7 +83,7 @@ class LinkTable {
   [[nodiscard]] static std::uint32_t hashOf(std::string_view key) noexcept;
   void expect(std::uint32_t hash) const noexcept;
   void expectEntry(std::uint32_t hash) const noexcept;
-  Insertion insert(std::string_view key, std::uint32_t hash);
+  const LinkEntry& insert(std::string_view key, std::uint32_t hash);
 
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
@@ -138,8 +144,7 @@ class LinkTable {
   void takeSlot(Slot taken) noexcept;
   [[nodiscard]] Place append(std::string_view key);
   [[nodiscard]] LinkEntry* entryAt(Place place) const noexcept;
-  [[nodiscard]] bool embedKey(LinkEntry& entry, std::string_view value) noexcept;
-  [[nodiscard]] char* allocate(std::size_t size, std::size_t alignment);
+  [[nodiscard]] char* allocate(std::size_t size);
   void addBlock();
   void swap(LinkTable& other) noexcept;
 
@@ -147,6 +152,7 @@ class LinkTable {
   LinkEntry* head_ = nullptr;
   LinkEntry* tail_ = nullptr;
   std::size_t size_ = 0;
+  std::forward_list<SharedBase> bases_;      // the present one first; entries point at them
   std::vector<Block*> blocks_;               // `next` leads to older ones
   std::size_t used_ = sizeof(Block::bytes);  // of the newest block
 };

@@ -15,7 +15,6 @@
 #include "linkextract/AttributeScan.h"
 #include "linkextract/BareLinks.h"
 #include "linkextract/LinkSink.h"
-#include "linkextract/ResolveLink.h"
 #include "linkextract/TextSearch.h"
 
 namespace quillforth::linkextract {
@@ -69,8 +68,7 @@ class QuotedWords {
 /// arrive. Most links of the second pass need not be looked up, nor do those that a page just repeats.
 class LinkCollector final : public LinkSink {
  public:
-  LinkCollector(std::string_view page, const common::BoundedText& base, LinkTable& table)
-      : words_(page), resolver_(base), table_(table), overwrites_(!table.empty()) {}
+  LinkCollector(std::string_view page, LinkTable& table) : words_(page), table_(table) {}
 
   void beginSecondPass() noexcept { isFirstPass_ = false; }
 
@@ -85,7 +83,7 @@ class LinkCollector final : public LinkSink {
 
   void finish() {
     for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) {
-      enter(waiting_[i % kWaiting].key, waiting_[i % kWaiting].hash);
+      table_.insert(waiting_[i % kWaiting].key, waiting_[i % kWaiting].hash);
     }
     added_ = 0;
   }
@@ -116,11 +114,11 @@ class LinkCollector final : public LinkSink {
   void collect(std::string_view link, Kept kept) {
     const std::uint32_t hash = LinkTable::hashOf(link);
     if (table_.size() < kNearby) {
-      enter(link, hash);
+      table_.insert(link, hash);
       return;
     }
     Waiting& last = waiting_[added_ % kWaiting];
-    if (added_ >= kWaiting) enter(last.key, last.hash);
+    if (added_ >= kWaiting) table_.insert(last.key, last.hash);
     last.hash = hash;
     last.key = kept == Kept::yes
                    ? link
@@ -130,20 +128,10 @@ class LinkCollector final : public LinkSink {
     ++added_;
   }
 
-  void enter(std::string_view key, std::uint32_t hash) {
-    const LinkTable::Insertion insertion = table_.insert(key, hash);
-    if (!insertion.isNew && !overwrites_) return;  // the same base gave it the same value before
-    resolver_.resolve(key, absolute_);
-    table_.setValue(insertion.entry, absolute_.view());
-  }
-
   bool isFirstPass_ = true;
   QuotedWords words_;
   std::array<std::optional<std::string_view>, 2> recent_;  // two, because pages alternate
-  LinkResolver resolver_;
   LinkTable& table_;
-  bool overwrites_;  // entries of another page, perhaps of another base, are in the table
-  common::BoundedText absolute_;
   std::array<Waiting, kWaiting> waiting_;
   std::size_t added_ = 0;
 };
@@ -154,7 +142,8 @@ void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable&
               const classify::CExtensionMap& extensions) {
   page = UpToNul(page);
   if (page.size() > std::numeric_limits<std::int32_t>::max()) return;
-  LinkCollector collector(page, base, table);
+  table.setBase(base);
+  LinkCollector collector(page, table);
   constexpr std::size_t kBytesForEachLink = 256;  // of an ordinary page
   table.reserve(page.size() / kBytesForEachLink);
   FindBareLinks(page, KnownSuffixes(extensions), collector);

@@ -74,14 +74,14 @@ linkextract::LinkTable LinksOf(const QByteArray& bytes, const LinksArguments& ar
   return table;
 }
 
-void AppendRecord(QByteArray& portion, const linkextract::LinkEntry& entry) {
-  portion.append(entry.key()).append('\0').append(entry.value()).append('\0');
+void AppendField(QByteArray& portion, std::string_view field) {
+  portion.append(field).append('\0');
 }
 
-void AppendLine(QByteArray& portion, const linkextract::LinkEntry& entry) {
-  if (!linkextract::IsValidUTF8(entry.value())) return;
-  const auto length = static_cast<qsizetype>(entry.value().size());
-  portion.append(PercentEncodedControls(QByteArray::fromRawData(entry.value().data(), length))).append('\n');
+void AppendLine(QByteArray& portion, std::string_view url) {
+  if (!linkextract::IsValidUTF8(url)) return;
+  AppendPercentEncoded(portion, url);
+  portion.append('\n');
 }
 
 }  // namespace
@@ -98,14 +98,16 @@ std::optional<QString> PrintLinks(const LinksArguments& arguments, const classif
   if (!page.error.isNull()) return page.error;
   QByteArray portion;
   for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, arguments, extensions)) {
+    const common::BoundedText url = entry.value();
     if (arguments.null) {
-      AppendRecord(portion, entry);
+      AppendField(portion, entry.key());
+      AppendField(portion, url.view());
     } else {
-      AppendLine(portion, entry);
+      AppendLine(portion, url.view());
     }
     if (portion.size() < kPortion) continue;
     if (!output.write(portion)) return std::nullopt;
-    portion.clear();
+    portion.resize(0);
   }
   output.write(portion);
   return std::nullopt;

@@ -56,14 +56,18 @@ QString ElideMiddle(const QString& text, int columns) {
          text.last(UnitsInWidth(characters.rbegin(), characters.rend(), rest));
 }
 
-QByteArray PercentEncodedControls(const QByteArray& bytes) {
+void AppendPercentEncoded(QByteArray& text, std::string_view bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
-  QByteArray result;
-  result.reserve(bytes.size());
-  const auto appendEscape = [&result](unsigned char byte) {
-    result.append('%').append(kDigits[byte >> 4]).append(kDigits[byte & 15]);
+  const auto appendEscape = [&text](unsigned char byte) {
+    text.append('%').append(kDigits[byte >> 4]).append(kDigits[byte & 15]);
   };
-  for (qsizetype i = 0; i < bytes.size(); ++i) {
+  bool isPlain = true;  // as nearly all links are
+  for (const char c : bytes) isPlain &= static_cast<unsigned char>(c) >= 0x20 && c != '\x7f' && c != '\xc2';
+  if (isPlain) {
+    text.append(bytes);
+    return;
+  }
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
     const auto byte = static_cast<unsigned char>(bytes[i]);
     const auto next = static_cast<unsigned char>(i + 1 < bytes.size() ? bytes[i + 1] : '\0');
     if (byte < 0x20 || byte == 0x7f) {
@@ -73,10 +77,9 @@ QByteArray PercentEncodedControls(const QByteArray& bytes) {
       appendEscape(next);
       ++i;
     } else {
-      result.append(bytes[i]);
+      text.append(bytes[i]);
     }
   }
-  return result;
 }
 
 }  // namespace quillforth::terminal

@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <string_view>
 
 #include "platform/PrintableText.h"
 
@@ -24,7 +25,8 @@ using platform::Printable;
 /// host and its file name both stay.
 [[nodiscard]] QString ElideMiddle(const QString& text, int columns);
 
-/// `bytes` with every control character, in ASCII or in UTF-8 (U+0080 to U+009F), as %-escapes: one line.
-[[nodiscard]] QByteArray PercentEncodedControls(const QByteArray& bytes);
+/// Appends `bytes` to `text`, with every control character, in ASCII or in UTF-8 (U+0080 to U+009F), as
+/// %-escapes: one line.
+void AppendPercentEncoded(QByteArray& text, std::string_view bytes);
 
 }  // namespace quillforth::terminal

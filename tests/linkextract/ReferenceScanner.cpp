@@ -137,7 +137,7 @@ Links FastScan(const std::string& page, const std::string& base, const classify:
   linkextract::LinkTable table;
   linkextract::ScanPage(page, common::BoundedText(base), table, extensions);
   Links links;
-  for (const linkextract::LinkEntry& entry : table) links.emplace_back(entry.key(), entry.value());
+  for (const linkextract::LinkEntry& entry : table) links.emplace_back(entry.key(), entry.value().view());
   return links;
 }
 

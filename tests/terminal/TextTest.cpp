@@ -16,8 +16,10 @@ TEST(Text, WhatCouldSteerATerminalBecomesAnEscape) {
   for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/printable.tsv", 2))
     EXPECT_EQ(Printable(QString::fromStdString(row[0])).toStdString(), row[1]);
   EXPECT_EQ(Printable(QString(QChar(0xd800))).toStdString(), "\ufffd");
-  EXPECT_EQ(PercentEncodedControls("http://h/a\r\nb\x1b\x7f\xc2\x9b\xc3\xa9\xc2"),
-            "http://h/a%0D%0Ab%1B%7F%C2%9B\xc3\xa9\xc2");
+  QByteArray line = "<";
+  for (const char* const text : {"http://h/a\r\nb\x1b", "\xc3\xa9~", "\x7f\xc2\x9b\xc3\xa9\xc2\xa0\xc2"})
+    AppendPercentEncoded(line, text);
+  EXPECT_EQ(line, "<http://h/a%0D%0Ab%1B\xc3\xa9~%7F%C2%9B\xc3\xa9\xc2\xa0\xc2");
 }
 
 TEST(Text, CuttingCountsColumnsAndNotCharacters) {
