@@ -62,8 +62,9 @@ Parser::Parser()
 
   CLI::Option* baseOption = links->add_option("--base", linksArguments.base);
   links->add_option("--url", linksArguments.url)->excludes(baseOption);
-  links->add_flag("--null", linksArguments.null);
-  links->add_option("SOURCE", linksArguments.source)->required();
+  CLI::Option* nullFlag = links->add_flag("--null", linksArguments.null);
+  links->add_flag("--with-filename", linksArguments.withFilename)->needs(nullFlag);
+  links->add_option("SOURCE", linksArguments.sources)->required();
 
   classify->add_option("URL", classifyArguments.urls)->required();
 

@@ -28,10 +28,11 @@ struct GetArguments {
 };
 
 struct LinksArguments {
-  std::string source;  ///< a file, "-" or a URL
+  std::vector<std::string> sources;  ///< files, "-" or URLs
   std::optional<std::string> base;
   std::optional<std::string> url;
   bool null = false;
+  bool withFilename = false;  ///< with `null` only
 };
 
 struct ClassifyArguments {

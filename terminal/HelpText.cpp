@@ -17,7 +17,7 @@ that file is downloaded.
 
 Commands:
   get URL...              download files, and what pages link to
-  links FILE|-|URL        list the links of a page, without downloading them
+  links FILE|-|URL...     list the links of pages, without downloading them
   classify URL...         tell pages from files, and why
   comment FILE...         show or change the comments of files
   extensions              list the table of file-name extensions and types
@@ -128,22 +128,26 @@ Exit status:
 )";
 
 constexpr std::string_view kLinks =
-    R"(quillforth-cli links - list the links of a page, in the order of the queue
+    R"(quillforth-cli links - list the links of pages, in the order of the queue
 
-Usage: quillforth-cli links [--base URL | --url URL] [--null] FILE|-|URL
+Usage: quillforth-cli links [--base URL | --url URL] [--null [--with-filename]]
+                            FILE|-|URL...
 
-Reads a page from FILE, from standard input (-), or from the web (a text that
+Reads pages from files, from standard input (-), or from the web (a text that
 begins with http://, https:// or ftp://), and prints each link as an absolute
 URL. A file does not say where it came from, so one of --base and --url must;
-for a page from the web, its own URL is the default for --url.
+for a page from the web, its own URL is the default for --url. A page that
+cannot be read is named on standard error, and the others go on.
 
 Options:
-  --base URL  resolve all links against URL, whatever the page says
-  --url URL   the page's own URL: links are resolved against it, unless the page
-              names another base in its head
-  --null      for every link the text as it stands in the page, a NUL byte, the
-              absolute URL, a NUL byte; the bytes as they are, for programs
-  -h, --help  show this text
+  --base URL       resolve all links against URL, whatever the page says
+  --url URL        the page's own URL: links are resolved against it, unless the
+                   page names another base in its head
+  --null           for every link the text as it stands in the page, a NUL byte,
+                   the absolute URL, a NUL byte; the bytes as they are, for
+                   programs
+  --with-filename  before each link its FILE, - or URL and a NUL byte
+  -h, --help       show this text
 
 Without --null each link is one line: control characters are written as
 %-escapes, and a link that is not valid UTF-8 is left out, as the queue does.
@@ -153,10 +157,12 @@ Examples:
   quillforth-cli links http://www.example.org/gallery/
   quillforth-cli links --url http://www.example.org/gallery/ saved.html
   curl -s URL | quillforth-cli links --url URL --null - | xargs -0 -n 2 echo
+  quillforth-cli links --url URL --null --with-filename *.html |
+    xargs -0 -n 3 echo
 
 Exit status:
-  0  the page was read, whether or not it has links
-  1  the page could not be read, or the links not be written
+  0  all pages were read, whether or not they have links
+  1  a page could not be read, or the links not be written
   2  a mistake on the command line
 )";
 

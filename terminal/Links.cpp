@@ -61,11 +61,11 @@ Page LoadPage(const std::string& source, platform::PageLoader& pages) {
   return {std::move(*bytes), {}};
 }
 
-linkextract::LinkTable LinksOf(const QByteArray& bytes, const LinksArguments& arguments,
-                               const classify::CExtensionMap& extensions) {
+linkextract::LinkTable LinksOf(const QByteArray& bytes, const std::string& source,
+                               const LinksArguments& arguments, const classify::CExtensionMap& extensions) {
   const std::string_view page(bytes.constData(), static_cast<std::size_t>(bytes.size()));
   if (!arguments.base) {
-    return linkextract::ExtractPageLinks(page, arguments.url.value_or(arguments.source), extensions);
+    return linkextract::ExtractPageLinks(page, arguments.url.value_or(source), extensions);
   }
   linkextract::LinkTable table;
   const common::BoundedText base(*arguments.base);
@@ -91,14 +91,15 @@ bool IsWebSource(const std::string& source) {
          common::StartsWithNoCase(source, "ftp://");
 }
 
-std::optional<QString> PrintLinks(const LinksArguments& arguments, const classify::CExtensionMap& extensions,
-                                  platform::PageLoader& pages, Output& output) {
-  const Page page =
-      IsWebSource(arguments.source) ? LoadPage(arguments.source, pages) : ReadFile(arguments.source);
+std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
+                                  const classify::CExtensionMap& extensions, platform::PageLoader& pages,
+                                  Output& output) {
+  const Page page = IsWebSource(source) ? LoadPage(source, pages) : ReadFile(source);
   if (!page.error.isNull()) return page.error;
   QByteArray portion;
-  for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, arguments, extensions)) {
+  for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, source, arguments, extensions)) {
     const common::BoundedText url = entry.value();
+    if (arguments.withFilename) AppendField(portion, source);
     if (arguments.null) {
       AppendField(portion, entry.key());
       AppendField(portion, url.view());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The command `links`: a page in, its links out, by the same steps that fill the queue. Main thread.
+// The command `links`: pages in, their links out, by the same steps that fill the queue. Main thread.
 #pragma once
 
 #include <QString>
@@ -16,9 +16,9 @@ namespace quillforth::terminal {
 /// Whether a source of `links` is loaded from the web: it begins with "http://", "https://" or "ftp://".
 [[nodiscard]] bool IsWebSource(const std::string& source);
 
-/// Prints the links; what went wrong when the page could not be read. A source that is not on the web comes
-/// with a base or a URL.
-[[nodiscard]] std::optional<QString> PrintLinks(const LinksArguments& arguments,
+/// Prints the links of one of the sources; what went wrong when the page could not be read. A source that is
+/// not on the web comes with a base or a URL.
+[[nodiscard]] std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
                                                 const classify::CExtensionMap& extensions,
                                                 platform::PageLoader& pages, Output& output);
 

@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -188,17 +189,23 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
 }
 
 int Run(const LinksArguments& arguments, Output& results, Output& errors) {
-  if (!IsWebSource(arguments.source) && !arguments.base && !arguments.url) {
+  const bool hasBase = arguments.base || arguments.url;
+  if (!hasBase && !std::all_of(arguments.sources.begin(), arguments.sources.end(), IsWebSource)) {
     return Complain(UsageError("links", "a file needs --base or --url"), errors);
   }
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers;
   platform::CurlPageLoader pages(transfers);
-  if (const auto error = PrintLinks(arguments, LoadExtensionMap(), pages, results)) {
-    errors.write(NoticeText(*error));
-    return kExitFailure;
+  const classify::CExtensionMap extensions = LoadExtensionMap();
+  int exitStatus = kExitSuccess;
+  for (const std::string& source : arguments.sources) {
+    if (const auto error = PrintLinks(source, arguments, extensions, pages, results)) {
+      errors.write(NoticeText(*error));
+      exitStatus = kExitFailure;
+    }
+    if (results.failed()) break;
   }
-  return Finish(kExitSuccess, results, errors);
+  return Finish(exitStatus, results, errors);
 }
 
 int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {

@@ -16,7 +16,7 @@ _quillforth_cli() {
       case $COMP_CWORD:$command in
         1:*) words='get links classify comment extensions settings aggregate --help --version' ;;
         *:get) words='--to --page --file --set --json --local --help' ;;
-        *:links) words='--base --url --null --help' kind=file ;;
+        *:links) words='--base --url --null --with-filename --help' kind=file ;;
         *:comment) words='--set --help' kind=file ;;
         *:aggregate) words='--yes --dry-run --help' kind=folder ;;
         *:settings) words="--unset --help $keys" ;;

@@ -33,12 +33,22 @@ TEST_F(Commands, LinksComeInQueueOrderFromFileInputAndServer) {
       {{"links", "--null", "--base", "http://h/", "-"},
        "<a href=\"\x1b\n\u6f22\">",
        {"\x1b\n\u6f22\0http://h/\x1b\n\u6f22\0", 21}},
+      {{"links", "--url", "http://own.test/x", file, url},
+       "",
+       links("http://base.test") + links("http://base.test")},
+      {{"links", "--null", "--with-filename", "--base", "http://h/", "-", "-"},
+       "src=\"a\"src=\"b\"",
+       {"-\0a\0http://h/a\0-\0b\0http://h/b\0", 30}},
   };
   for (const auto& [arguments, input, output] : cases) {
     const Outcome outcome = run(arguments, input);
     EXPECT_EQ(outcome.output, output) << ::testing::PrintToString(arguments) << outcome.errors;
     EXPECT_EQ(outcome.exitStatus, 0);
   }
+  const Outcome some = run({"links", "--url", "http://own.test/x", inRoot("missing"), file});
+  EXPECT_EQ(some.output, links("http://base.test"));
+  EXPECT_EQ(some.errors, "quillforth-cli: " + inRoot("missing") + ": No such file or directory\n");
+  EXPECT_EQ(some.exitStatus, 1);
 }
 
 TEST_F(Commands, WhatCannotBeReadIsAClearError) {
@@ -47,6 +57,7 @@ TEST_F(Commands, WhatCannotBeReadIsAClearError) {
   const std::pair<std::vector<std::string>, int> cases[] = {
       {{"links", "--url", "http://h/", inRoot("missing")}, 1},
       {{"links", "--url", "http://h/", root_.string()}, 1},
+      {{"links", "--base", "http://h/", "--with-filename", "/dev/null"}, 2},
       {{"links", broken.url("/")}, 1},
       {{"links", "http://h/a b"}, 1},
       {{"links", "page.html"}, 2},

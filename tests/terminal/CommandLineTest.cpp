@@ -25,8 +25,9 @@ TEST(CommandLine, TakesEveryOptionInItsPlace) {
 TEST(CommandLine, MistakesAreStatusTwoWithAWordOfHelp) {
   for (const char* line :
        {"fetch", "--nonsense", "get", "get --page --file u", "get --to", "get --nonsense u", "links",
-        "links a b", "links --base b --url u -", "comment", "comment --set x", "classify", "extensions x",
-        "settings k v w", "settings --unset", "settings --unset k v", "aggregate --yes", "aggregate a b"}) {
+        "links --with-filename --url u a", "links --base b --url u -", "comment", "comment --set x",
+        "classify", "extensions x", "settings k v w", "settings --unset", "settings --unset k v",
+        "aggregate --yes", "aggregate a b"}) {
     std::vector<std::string> arguments;
     for (const QString& word : QString::fromLatin1(line).split(u' ')) arguments.push_back(word.toStdString());
     const Command command = ParseCommandLine(arguments);
