@@ -262,14 +262,9 @@ void Desktop::tellOfUnusable(const QStringList& texts) {
     host_.log->log(
         QStringLiteral("Quillforth takes %1: %2").arg(QLatin1StringView(kUnusableURI), ShownURL(text)));
   }
-  tellLater(StatusWindow::tr("Not everything could be taken."),
-            StatusWindow::tr("Neither a file nor an http, https or ftp URL:") + u'\n' + ShownURLs(texts));
-}
-
-// What was asked for before comes first: the sheet holds commands up.
-void Desktop::tellLater(const QString& title, const QString& message) {
-  const auto tell = [this, title, message] { statusOutlet_.beginAlertSheet(title, message); };
-  if (!pacedIntake_.add(tell, static_cast<std::size_t>(SizeOf({message})))) tell();
+  statusOutlet_.beginAlertSheet(
+      StatusWindow::tr("Not everything could be taken."),
+      StatusWindow::tr("Neither a file nor an http, https or ftp URL:") + u'\n' + ShownURLs(texts));
 }
 
 void Desktop::setOpenDocumentsCommand(std::function<void(const QStringList& fileURIs)> command) {
@@ -359,9 +354,9 @@ void Desktop::queueEntries(const QStringList& entries) {
 }
 
 void Desktop::tellRefused(const QStringList& lines) {
-  tellLater(StatusWindow::tr("Paste takes http, https and ftp URLs, one a line."),
-            lines.isEmpty() ? StatusWindow::tr("The clipboard holds none.")
-                            : StatusWindow::tr("Not taken:") + u'\n' + ShownURLs(lines));
+  statusOutlet_.beginAlertSheet(StatusWindow::tr("Paste takes http, https and ftp URLs, one a line."),
+                                lines.isEmpty() ? StatusWindow::tr("The clipboard holds none.")
+                                                : StatusWindow::tr("Not taken:") + u'\n' + ShownURLs(lines));
 }
 
 void Desktop::windowDidBecomeKey() {

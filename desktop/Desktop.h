@@ -119,8 +119,6 @@ class Desktop final : private StatusWindowOwner {
   void take(const PastedURLs& pasted);
   void queueEntries(const QStringList& entries);
   void tellRefused(const QStringList& lines);
-  /// In a sheet, after all that is in the paced intake.
-  void tellLater(const QString& title, const QString& message);
   [[nodiscard]] PreferencesServices preferencesServices();
   [[nodiscard]] QString storedDestinationPath();
   [[nodiscard]] CompletionNoticeServices noticeServices();

@@ -34,14 +34,14 @@ void DesktopWindow::orderFrontForNewWork() {
 
 void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {
   if (waiting_.size() >= kMaxWaitingAlerts) return;
-  beginSheet([this, title, message] {
+  begin([this, title, message] {
     const app::Alert alert{title, message, QDialog::tr("OK"), QString()};
     return MakeMessageBox(alert, QMessageBox::Warning, &window_);
   });
 }
 
 void DesktopWindow::beginSheetModal(const app::Alert& alert, std::function<void(int returnCode)> didEnd) {
-  beginSheet([this, alert, didEnd = std::move(didEnd)] {
+  begin([this, alert, didEnd = std::move(didEnd)] {
     QMessageBox* box = MakeMessageBox(alert, QMessageBox::Warning, &window_);
     QObject::connect(box, &QDialog::finished, [this, box, didEnd] {
       const int code = IsAccepted(*box) ? app::kAlertFirstButtonReturn : app::kAlertSecondButtonReturn;
@@ -54,7 +54,7 @@ void DesktopWindow::beginSheetModal(const app::Alert& alert, std::function<void(
 void DesktopWindow::beginAuthenticationSheet(
     const platform::AuthenticationChallenge& challenge,
     std::function<void(std::optional<platform::Credential>)> answer) {
-  beginSheet([this, challenge, answer = std::move(answer)] {
+  begin([this, challenge, answer = std::move(answer)] {
     auto* sheet = new AuthenticationSheet(challenge, &window_);
     QObject::connect(sheet, &QDialog::finished, [this, sheet, answer](int result) {
       if (gate_.isClosed()) return;
@@ -65,15 +65,20 @@ void DesktopWindow::beginAuthenticationSheet(
 }
 
 void DesktopWindow::beginSheet(MakeSheet makeSheet) {
-  waiting_.push_back(std::move(makeSheet));
+  begin(std::move(makeSheet), CommandGate::Held::commands);
+}
+
+void DesktopWindow::begin(MakeSheet makeSheet, std::optional<CommandGate::Held> held) {
+  waiting_.push_back({std::move(makeSheet), held});
   if (!shown_) showNext();
 }
 
 void DesktopWindow::showNext() {
   if (waiting_.empty() || gate_.isClosed()) return;
-  shown_ = waiting_.front()();
+  const Waiting next = std::move(waiting_.front());
   waiting_.pop_front();
-  hold_.emplace(gate_, CommandGate::Held::commands);
+  shown_ = next.makeSheet();
+  if (next.held) hold_.emplace(gate_, *next.held);
   shown_->setWindowModality(Qt::WindowModal);
   QObject::connect(shown_, &QDialog::finished, &window_, [this, sheet = shown_.data()] {
     sheet->deleteLater();

@@ -43,17 +43,25 @@ class DesktopWindow : public app::Window {
 
   /// A dialog, not shown yet, that its window owns.
   using MakeSheet = std::function<QDialog*()>;
-  /// Called when the sheets before it have gone; the dialog is deleted when it is finished.
+  /// For a sheet that the user has opened: commands wait for it, unlike for those above, which come by
+  /// themselves and may find nobody. Called when the sheets before it have gone; the dialog is deleted when
+  /// it is finished.
   void beginSheet(MakeSheet makeSheet);
 
  private:
+  struct Waiting {
+    MakeSheet makeSheet;
+    std::optional<CommandGate::Held> held;
+  };
+
+  void begin(MakeSheet makeSheet, std::optional<CommandGate::Held> held = std::nullopt);
   void showNext();
 
   QWidget& window_;
   CommandGate& gate_;
-  std::deque<MakeSheet> waiting_;
+  std::deque<Waiting> waiting_;
   QPointer<QDialog> shown_;
-  std::optional<CommandGate::Hold> hold_;  // as long as one is shown
+  std::optional<CommandGate::Hold> hold_;  // as long as the one is shown that has it
 };
 
 /// The largest size that a window has room for on its screen, with what a window manager puts around it.

@@ -217,7 +217,7 @@ TEST_F(OtherProgramsTest, AStartWhoseUserWasToldOfNoAnswerIsNotObeyedLater) {
   QProcess& next = start(QUILLFORTH, {"--local", "mailto:a@b", root_.filePath("missing.url"),
                                       QString::fromStdString(server_.url("/next.zip"))});
   EXPECT_TRUE(arrives("next.zip"));
-  EXPECT_TRUE(next.waitForFinished(20'000));
+  EXPECT_TRUE(next.state() == QProcess::NotRunning || next.waitForFinished(20'000));
   EXPECT_EQ(next.exitCode(), 2);
   EXPECT_EQ(server_.requests().size(), 2U);
 }
