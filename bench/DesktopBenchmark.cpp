@@ -157,7 +157,8 @@ void Download(desktop::Desktop& program, const char* url) {
   const Heart heart;
   QElapsedTimer timer;
   timer.start();
-  program.takeURL(QString::fromLatin1(url));
+  const desktop::MimePasteboard pasteboard(QString::fromLatin1(url));
+  program.gate().post([&] { program.controller().tableViewAcceptDrop(pasteboard); });
   bool hasBegun = false;
   RunUntil([&] {
     hasBegun = hasBegun || program.controller().isDownloading();

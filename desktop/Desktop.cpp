@@ -45,7 +45,7 @@ Desktop::Desktop(const DesktopServices& services)
       notice_(noticeServices()),
       downloads_(*host_.downloads, notice_),
       pacedIntake_(gate_, [this] { return downloads_.isBeginning(); }),
-      pageLoader_(*host_.pageLoader, gate_),
+      pageLoader_(*host_.pageLoader, *host_.log, gate_),
       readStreams_(*host_.readStreams, gate_),
       scripts_(host_.scripts, gate_),
       aggregation_(host_.aggregation, gate_),

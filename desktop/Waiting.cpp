@@ -38,10 +38,15 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block) {
   worker.join();
 }
 
-std::optional<QByteArray> WaitingPageLoader::resourceData(const platform::URL& url) {
-  std::optional<QByteArray> page;
-  WaitFor(gate_, [this, &url, &page] { page = loader_.resourceData(url); });
-  return isGivenUp_ ? std::nullopt : page;
+platform::PageLoad WaitingPageLoader::load(const platform::URL& url) {
+  platform::PageLoad load;
+  WaitFor(gate_, [this, &url, &load] { load = loader_.load(url); });
+  if (isGivenUp_) return {};
+  if (!load.failure.isNull()) {
+    log_.log(QStringLiteral("Quillforth page failed. Error - %1 %2")
+                 .arg(load.failure, url.stringWithoutCredentials()));
+  }
+  return load;
 }
 
 void WaitingPageLoader::setGivenUp(bool isGivenUp) {

@@ -14,6 +14,7 @@
 #include "desktop/CommandGate.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/PageLoader.h"
+#include "platform/SystemLog.h"
 
 namespace quillforth::desktop {
 
@@ -23,14 +24,16 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block);
 
 class WaitingPageLoader final : public platform::PageLoader {
  public:
-  /// Both outlive this. `loader` may be called from any thread.
-  WaitingPageLoader(platform::PageLoader& loader, CommandGate& gate) : loader_(loader), gate_(gate) {}
-  [[nodiscard]] std::optional<QByteArray> resourceData(const platform::URL& url) override;
+  /// All outlive this. `loader` may be called from any thread. What fails is logged.
+  WaitingPageLoader(platform::PageLoader& loader, platform::SystemLog& log, CommandGate& gate)
+      : loader_(loader), log_(log), gate_(gate) {}
+  [[nodiscard]] platform::PageLoad load(const platform::URL& url) override;
   /// Main thread.
   void setGivenUp(bool isGivenUp) override;
 
  private:
   platform::PageLoader& loader_;
+  platform::SystemLog& log_;
   CommandGate& gate_;
   bool isGivenUp_ = false;
 };

@@ -59,9 +59,9 @@ class LinuxHost {
                                         .interrupted = &platform::Interruption::flag()};
   platform::SettingsUserDefaults defaults_;
   platform::CurlDownloadService downloads_{transfers_};
-  platform::CurlPageLoader pages_{transfers_};
+  platform::CurlPageLoader pages_{downloads_.thread()};
   platform::LinuxNetworkDiagnostics network_;
-  platform::CurlReadStreamFactory streams_{transfers_};
+  platform::CurlReadStreamFactory streams_{downloads_.thread()};
   platform::SharedMimeInfo types_;
   platform::LinuxAliasManager aliases_{platform::HomeFolder()};
   platform::LinuxFileManager files_;

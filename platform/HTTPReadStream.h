@@ -38,7 +38,9 @@ class HTTPResponseHeader {
   }
   /// Appends the next line of a value that was folded; without any field, nothing.
   void continueField(std::string_view text) {
-    if (!fields_.empty()) fields_.back().second.append(" ").append(text);
+    if (fields_.empty()) return;
+    std::string& value = fields_.back().second;
+    value.append(value.empty() ? "" : " ").append(text);
   }
   /// The value of the first field called `name` (letter case apart), without blanks around it; bytes as sent.
   [[nodiscard]] std::optional<std::string_view> valueOfField(std::string_view name) const;

@@ -30,7 +30,7 @@ namespace quillforth::platform {
 
 /// What a server (401) or proxy (407) wants to be told (RFC 9110, section 11).
 struct AuthenticationChallenge {
-  QString host;
+  QString host;    ///< with its port
   QString realm;   ///< as the server spells it; may be empty
   QString scheme;  ///< "Basic" or "Digest"
   bool isProxy = false;

@@ -126,7 +126,7 @@ void Get::workPage(const QString& url) {
         ++summary_.notFetched;
         return;
       }
-      return fail(url, QStringLiteral("The page could not be loaded."));
+      return fail(url, pageLoader_.failure());
     case ObservedPageLoader::Outcome::notAsked:
       return fail(url, InvalidURLReason());
   }

@@ -56,9 +56,9 @@ Page LoadPage(const std::string& source, platform::PageLoader& pages) {
   const QString shown = platform::WithoutCredentials(QString::fromStdString(source));
   const std::optional<platform::URL> url = platform::URL::URLWithString(QString::fromStdString(source));
   if (!url) return {{}, shown + QStringLiteral(": not a valid URL")};
-  std::optional<QByteArray> bytes = pages.resourceData(*url);
-  if (!bytes) return {{}, shown + QStringLiteral(": the page could not be loaded")};
-  return {std::move(*bytes), {}};
+  platform::PageLoad load = pages.load(*url);
+  if (!load.data) return {{}, shown + QStringLiteral(": ") + load.failure};
+  return {*std::move(load.data), {}};
 }
 
 linkextract::LinkTable LinksOf(const QByteArray& bytes, const std::string& source,

@@ -4,10 +4,11 @@
 
 namespace quillforth::terminal {
 
-std::optional<QByteArray> ObservedPageLoader::resourceData(const platform::URL& url) {
-  std::optional<QByteArray> data = loader_.resourceData(url);
-  outcome_ = data ? Outcome::loaded : Outcome::failed;
-  return data;
+platform::PageLoad ObservedPageLoader::load(const platform::URL& url) {
+  platform::PageLoad load = loader_.load(url);
+  outcome_ = load.data ? Outcome::loaded : Outcome::failed;
+  failure_ = load.failure;
+  return load;
 }
 
 platform::NetworkStatus ObservedNetwork::copyNetworkStatusPassively() {

@@ -22,13 +22,16 @@ class ObservedPageLoader final : public platform::PageLoader {
   explicit ObservedPageLoader(platform::PageLoader& loader) : loader_(loader) {}
 
   enum class Outcome { notAsked, failed, loaded };
-  std::optional<QByteArray> resourceData(const platform::URL& url) override;
+  [[nodiscard]] platform::PageLoad load(const platform::URL& url) override;
   [[nodiscard]] Outcome outcome() const { return outcome_; }
+  /// Of the latest load.
+  [[nodiscard]] const QString& failure() const { return failure_; }
   void forgetOutcome() { outcome_ = Outcome::notAsked; }
 
  private:
   platform::PageLoader& loader_;
   Outcome outcome_ = Outcome::notAsked;
+  QString failure_;
 };
 
 /// Counts the refusals, each of which costs the controller a URL.

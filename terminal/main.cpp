@@ -195,7 +195,8 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
   }
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers;
-  platform::CurlPageLoader pages(transfers);
+  platform::TransferThread thread(transfers);
+  platform::CurlPageLoader pages(thread);
   const classify::CExtensionMap extensions = LoadExtensionMap();
   int exitStatus = kExitSuccess;
   for (const std::string& source : arguments.sources) {
@@ -211,7 +212,8 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
 int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers;
-  platform::CurlReadStreamFactory streams(transfers);
+  platform::TransferThread thread(transfers);
+  platform::CurlReadStreamFactory streams(thread);
   PrintClassifications(StringList(arguments.urls), LoadExtensionMap(), streams, results);
   return Finish(kExitSuccess, results, errors);
 }

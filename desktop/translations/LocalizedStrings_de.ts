@@ -306,6 +306,30 @@
         <source>Either your browser is not running, doesn&apos;t have an open window, or it isn&apos;t supported by this feature.</source>
         <translation>Entweder läuft Ihr Browser nicht, er hat kein offenes Fenster, oder diese Funktion unterstützt ihn nicht.</translation>
     </message>
+    <message>
+        <source>The server took too long to send the header of its answer.</source>
+        <translation>Der Server hat zu lange gebraucht, um den Kopf seiner Antwort zu senden.</translation>
+    </message>
+    <message>
+        <source>The server sent the page in a coding that is not known.</source>
+        <translation>Der Server hat die Seite in einer unbekannten Kodierung gesendet.</translation>
+    </message>
+    <message>
+        <source>The page is too long.</source>
+        <translation>Die Seite ist zu lang.</translation>
+    </message>
+    <message>
+        <source>The proxy server asks for a user name and a password.</source>
+        <translation>Der Proxyserver verlangt einen Benutzernamen und ein Passwort.</translation>
+    </message>
+    <message>
+        <source>The proxy server refused the user name or the password.</source>
+        <translation>Der Proxyserver hat den Benutzernamen oder das Passwort abgelehnt.</translation>
+    </message>
+    <message>
+        <source>The proxy server answered %1.</source>
+        <translation>Der Proxyserver hat mit „%1“ geantwortet.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>

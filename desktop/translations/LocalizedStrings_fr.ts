@@ -306,6 +306,30 @@
         <source>Either your browser is not running, doesn&apos;t have an open window, or it isn&apos;t supported by this feature.</source>
         <translation>Votre navigateur n’est pas ouvert, n’a pas de fenêtre ouverte, ou n’est pas pris en charge par cette fonction.</translation>
     </message>
+    <message>
+        <source>The server took too long to send the header of its answer.</source>
+        <translation>Le serveur a mis trop de temps à envoyer l’en-tête de sa réponse.</translation>
+    </message>
+    <message>
+        <source>The server sent the page in a coding that is not known.</source>
+        <translation>Le serveur a envoyé la page dans un codage inconnu.</translation>
+    </message>
+    <message>
+        <source>The page is too long.</source>
+        <translation>La page est trop longue.</translation>
+    </message>
+    <message>
+        <source>The proxy server asks for a user name and a password.</source>
+        <translation>Le serveur mandataire demande un nom d’utilisateur et un mot de passe.</translation>
+    </message>
+    <message>
+        <source>The proxy server refused the user name or the password.</source>
+        <translation>Le serveur mandataire a refusé le nom d’utilisateur ou le mot de passe.</translation>
+    </message>
+    <message>
+        <source>The proxy server answered %1.</source>
+        <translation>Le serveur mandataire a répondu «&#xa0;%1&#xa0;».</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>

@@ -30,7 +30,7 @@ void CurlDownload::receive(BeganReport&) {
 void CurlDownload::receive(ChallengeReport& report) {
   AuthenticationSheetParent* window = delegate_.downloadWindowForAuthenticationSheet(*this);
   if (service_ == nullptr) return;
-  isAsking_ = true;
+  asked_ = report.challenge;
   if (window == nullptr) return answer(std::nullopt);
   const auto answerIfAlive = [weak = weak_from_this()](const std::optional<Credential>& credential) {
     if (const std::shared_ptr<CurlDownload> download = weak.lock()) download->answer(credential);
@@ -39,11 +39,9 @@ void CurlDownload::receive(ChallengeReport& report) {
 }
 
 void CurlDownload::answer(const std::optional<Credential>& credential) {
-  if (service_ == nullptr || !std::exchange(isAsking_, false)) return;
-  if (!credential) {
-    service_->fail(id_, LOCALIZED("The server asks for a user name and a password."));
-    return;
-  }
+  const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
+  if (service_ == nullptr || !asked) return;
+  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked).sentence());
   service_->thread_.post(
       AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
 }
@@ -70,11 +68,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
-  if (report.body) {
-    service_->thread_.post(StoreCommand{id_, std::move(target), *std::move(report.body)});
-  } else {
-    service_->thread_.post(DestinationCommand{id_, std::move(target)});
-  }
+  service_->thread_.post(DestinationCommand{id_, std::move(target)});
 }
 
 void CurlDownload::receive(DestinationReport& report) {

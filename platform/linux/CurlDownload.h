@@ -50,7 +50,7 @@ class CurlDownload final : public WebDownload, public std::enable_shared_from_th
   CurlDownloadService* service_;  // null: over
   std::optional<Destination> destination_;
   bool isDeciding_ = false;
-  bool isAsking_ = false;
+  std::optional<AuthenticationChallenge> asked_;  // and not answered
 };
 
 }  // namespace quillforth::platform

@@ -8,7 +8,6 @@
 
 #include "platform/LocalizedStrings.h"
 #include "platform/linux/CurlDownload.h"
-#include "platform/linux/CurlTransfer.h"
 
 namespace quillforth::platform {
 
@@ -24,8 +23,9 @@ constexpr std::chrono::seconds kRest{1};
 CurlDownloadService::CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options)
     : settings_(settings),
       files_(options.files == nullptr ? kernelCalls_ : *options.files),
+      stallTimeout_(options.stallTimeout),
       notifier_(reports_.descriptor(), QSocketNotifier::Read),
-      thread_(settings, files_, folders_, options.stallTimeout, reports_) {
+      thread_(settings) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { deliverReports(); });
   rest_.setSingleShot(true);
   rest_.setInterval(kRest);
@@ -70,7 +70,7 @@ void CurlDownloadService::syncDisks() {
 
 std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
                                                                 WebDownloadDelegate& delegate) {
-  const DownloadId id = ++lastId_;
+  const DownloadId id = thread_.newId();
   auto download = std::make_shared<CurlDownload>(id, url, delegate, *this);
   if (isEnding_ || IsInterrupted(settings_)) {
     download->end();
@@ -79,10 +79,11 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const URL& url,
   downloads_.emplace(id, download);
   reports_.post(BeganReport{id});
   if (CanBeFetched(url)) {
-    thread_.postStart(StartCommand{id, url.absoluteString().toStdString()});
+    TransferRequest request{.url = url.absoluteString().toStdString(), .stallTimeout = stallTimeout_};
+    thread_.postStart({std::make_unique<DownloadTransfer>(id, std::move(request), context_)});
     if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
-    fail(id, LOCALIZED("Only http, https and ftp URLs can be downloaded."));
+    fail(id, TransferOutcome{OutcomeKind::unsupportedURL}.sentence());
   }
   return download;
 }
@@ -107,7 +108,7 @@ void CurlDownloadService::deliverReports() {
 bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) {
   std::optional<Report> report = reports_.take();
   if (!report) {
-    thread_.work(end);
+    thread_.work(end, [this] { return !reports_.isEmpty(); });
     report = reports_.take();
   }
   if (report) deliver(*report);

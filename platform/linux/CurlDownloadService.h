@@ -17,6 +17,7 @@
 
 #include "platform/WebDownload.h"
 #include "platform/linux/CurlSupport.h"
+#include "platform/linux/DownloadTransfer.h"
 #include "platform/linux/Mailbox.h"
 #include "platform/linux/TransferThread.h"
 
@@ -48,6 +49,8 @@ class CurlDownloadService final : public WebDownloadService {
   /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
   /// a delegate is busy.
   void setDelivering(bool isDelivering);
+  /// For pages and probes, which then share connections with the files.
+  [[nodiscard]] TransferThread& thread() { return thread_; }
 
  private:
   friend class CurlDownload;
@@ -65,9 +68,10 @@ class CurlDownloadService final : public WebDownloadService {
   FileCalls& files_;
   DownloadFolders folders_;
   Mailbox<Report> reports_;
+  const DownloadContext context_{files_, folders_, reports_};
+  const std::chrono::milliseconds stallTimeout_;
   QSocketNotifier notifier_;
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
-  DownloadId lastId_ = 0;
   bool isDelivering_ = false;
   bool isEnding_ = false;
   QTimer rest_;

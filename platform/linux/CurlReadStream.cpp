@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/linux/CurlTransfer.h"
+#include "platform/linux/Fetch.h"
 
 namespace quillforth::platform {
 
@@ -27,56 +27,54 @@ bool MayStandInHeader(std::string_view text) {
 
 class CurlReadStream final : public HTTPReadStream {
  public:
-  CurlReadStream(const TransferSettings& settings, CurlEasy easy)
-      : settings_(settings), prepared_(std::move(easy)) {}
+  CurlReadStream(TransferThread& thread, TransferRequest request)
+      : thread_(thread), request_(std::move(request)) {}
 
-  bool open(HTTPReadStreamClient& client) override;
+  bool open(HTTPReadStreamClient& client) override {
+    client_ = &client;
+    fetch_.emplace(thread_, request_);
+    return true;
+  }
   void setDeadline(std::optional<Clock::time_point> deadline) override { deadline_ = deadline; }
   void run() override;
   std::ptrdiff_t read(std::span<std::byte> buffer) override;
-  std::optional<HTTPResponseHeader> responseHeader() override;
-  void close() override;
+  std::optional<HTTPResponseHeader> responseHeader() override {
+    return fetch_ ? fetch_->header() : std::nullopt;
+  }
+  void close() override { fetch_.reset(); }
 
  private:
-  // Body bytes held back when the client is slow.
-  static constexpr std::size_t kMaxPending = std::size_t{1024} * 1024;
-
-  static std::size_t receiveBody(const char* data, std::size_t size, std::size_t count, void* self);
-  void passDeadline();
   void deliverBytes();
+  void passDeadline();
   void signalLast(StreamEvent event);
-  void waitForMore();
 
-  const TransferSettings& settings_;
-  CurlEasy prepared_;
-  CurlTransfer transfer_;
+  TransferThread& thread_;
+  const TransferRequest request_;
   HTTPReadStreamClient* client_ = nullptr;
   std::optional<Clock::time_point> deadline_;
-  std::vector<std::byte> pending_;
-  std::size_t taken_ = 0;  // bytes of pending_ that were read
-  bool paused_ = false;
-  bool closed_ = false;
+  std::optional<Fetch> fetch_;  // nothing: closed
+  std::string bytes_;
+  std::size_t readLength_ = 0;  // of `bytes_`
 };
-
-bool CurlReadStream::open(HTTPReadStreamClient& client) {
-  client_ = &client;
-  curl_easy_setopt(prepared_.get(), CURLOPT_WRITEFUNCTION, &CurlReadStream::receiveBody);
-  curl_easy_setopt(prepared_.get(), CURLOPT_WRITEDATA, this);
-  return transfer_.begin(std::move(prepared_));
-}
 
 void CurlReadStream::run() {
   client_->streamEvent(StreamEvent::openCompleted);
-  while (!closed_) {
-    if (IsInterrupted(settings_)) return signalLast(StreamEvent::errorOccurred);
-    const std::optional<CURLcode> result = transfer_.perform();
-    deliverBytes();
-    if (closed_) return;
-    if (result)
-      return signalLast(*result == CURLE_OK ? StreamEvent::endEncountered : StreamEvent::errorOccurred);
-    passDeadline();
-    if (!closed_) waitForMore();
+  while (fetch_) {
+    if (fetch_->wait(deadline_.value_or(Clock::time_point::max()))) {
+      deliverBytes();
+      const std::optional<TransferOutcome> outcome = fetch_ ? fetch_->outcome() : std::nullopt;
+      if (outcome) signalLast(outcome->isWhole() ? StreamEvent::endEncountered : StreamEvent::errorOccurred);
+    } else if (thread_.isGivingUp()) {
+      signalLast(StreamEvent::errorOccurred);
+    }
+    if (fetch_) passDeadline();
   }
+}
+
+void CurlReadStream::deliverBytes() {
+  bytes_ = fetch_->takeBytes();
+  readLength_ = 0;
+  while (fetch_ && readLength_ < bytes_.size()) client_->streamEvent(StreamEvent::hasBytesAvailable);
 }
 
 void CurlReadStream::passDeadline() {
@@ -85,75 +83,16 @@ void CurlReadStream::passDeadline() {
   client_->streamDeadlinePassed();
 }
 
-void CurlReadStream::deliverBytes() {
-  while (!closed_ && taken_ < pending_.size()) client_->streamEvent(StreamEvent::hasBytesAvailable);
-  if (closed_) return;
-  pending_.clear();
-  taken_ = 0;
-}
-
 void CurlReadStream::signalLast(StreamEvent event) {
   client_->streamEvent(event);
   close();
 }
 
-void CurlReadStream::waitForMore() {
-  if (paused_) {
-    paused_ = false;
-    curl_easy_pause(transfer_.handle(), CURLPAUSE_CONT);
-    return;
-  }
-  auto limit = CurlTransfer::kMaxWait;
-  if (deadline_) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline_ - Clock::now());
-    limit = std::min(limit, left);
-  }
-  transfer_.wait(limit);
-}
-
 std::ptrdiff_t CurlReadStream::read(std::span<std::byte> buffer) {
-  const std::size_t count = std::min(buffer.size(), pending_.size() - taken_);
-  if (count > 0) std::memcpy(buffer.data(), pending_.data() + taken_, count);
-  taken_ += count;
+  const std::size_t count = std::min(buffer.size(), bytes_.size() - readLength_);
+  std::memcpy(buffer.data(), bytes_.data() + readLength_, count);
+  readLength_ += count;
   return static_cast<std::ptrdiff_t>(count);
-}
-
-std::optional<HTTPResponseHeader> CurlReadStream::responseHeader() {
-  if (transfer_.handle() == nullptr || IsFTP(transfer_.handle())) return std::nullopt;
-  return transfer_.head().header();
-}
-
-void CurlReadStream::close() {
-  closed_ = true;
-  transfer_.end();
-}
-
-std::size_t CurlReadStream::receiveBody(const char* data, std::size_t /*size*/, std::size_t count,
-                                        void* self) {
-  auto& stream = *static_cast<CurlReadStream*>(self);
-  if (stream.pending_.size() >= kMaxPending) {
-    stream.paused_ = true;
-    return CURL_WRITEFUNC_PAUSE;
-  }
-  const auto* bytes = reinterpret_cast<const std::byte*>(data);
-  stream.pending_.insert(stream.pending_.end(), bytes, bytes + count);
-  return count;
-}
-
-// "HEAD" and "GET" as libcurl knows them; any other method asks like "GET".
-void SetMethod(CURL* handle, const std::string& method) {
-  if (method == "HEAD") {
-    curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
-  } else if (method != "GET") {
-    curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, method.c_str());
-  }
-}
-
-void SetCredentials(CURL* handle, const HTTPRequest& request) {
-  if (request.userName.empty() || request.password.empty()) return;
-  curl_easy_setopt(handle, CURLOPT_HTTPAUTH, CURLAUTH_BASIC);
-  curl_easy_setopt(handle, CURLOPT_USERNAME, request.userName.c_str());
-  curl_easy_setopt(handle, CURLOPT_PASSWORD, request.password.c_str());
 }
 
 }  // namespace
@@ -161,14 +100,15 @@ void SetCredentials(CURL* handle, const HTTPRequest& request) {
 std::unique_ptr<HTTPReadStream> CurlReadStreamFactory::createStream(const HTTPRequest& request) {
   if (!IsToken(request.method) || !MayStandInHeader(request.userAgent)) return nullptr;
   const std::optional<URL> url = URL::URLWithString(request.url.stringWithoutCredentials());
-  if (!url) return nullptr;
-  CurlEasy easy = CurlTransfer::prepare(settings_, *url);
-  if (easy == nullptr) return nullptr;
-  SetMethod(easy.get(), request.method);
-  SetCredentials(easy.get(), request);
-  curl_easy_setopt(easy.get(), CURLOPT_USERAGENT, request.userAgent.c_str());
-  curl_easy_setopt(easy.get(), CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
-  return std::make_unique<CurlReadStream>(settings_, std::move(easy));
+  if (!url || !CanBeFetched(*url)) return nullptr;
+  TransferRequest probe{.purpose = Purpose::probe,
+                        .url = url->absoluteString().toStdString(),
+                        .method = request.method,
+                        .userAgent = request.userAgent};
+  if (!request.userName.empty() && !request.password.empty()) {
+    probe.login = Login{request.userName, request.password, CURLAUTH_BASIC};
+  }
+  return std::make_unique<CurlReadStream>(thread_, std::move(probe));
 }
 
 }  // namespace quillforth::platform

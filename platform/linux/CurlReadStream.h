@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: MIT
 //
-// Makes read streams that fetch over HTTP/1.1, HTTPS and FTP with libcurl.
+// Makes read streams whose requests go through a transfer thread.
 //
-// Each stream has handles of its own, so streams on different threads never meet. A redirected "HEAD" stays
-// one.
+// A redirected "HEAD" stays one.
 #pragma once
 
 #include <memory>
 
 #include "platform/HTTPReadStream.h"
-#include "platform/linux/CurlSupport.h"
+#include "platform/linux/TransferThread.h"
 
 namespace quillforth::platform {
 
 class CurlReadStreamFactory final : public HTTPReadStreamFactory {
  public:
-  /// `settings` outlives the factory and its streams. While `settings.interrupted` is true, streams fail
-  /// within a fifth of a second.
-  explicit CurlReadStreamFactory(const TransferSettings& settings) : settings_(settings) {}
+  /// `thread` outlives the factory and its streams. Once that gives up, streams fail within a fifth of
+  /// a second.
+  explicit CurlReadStreamFactory(TransferThread& thread) : thread_(thread) {}
 
   [[nodiscard]] std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) override;
 
  private:
-  const TransferSettings& settings_;
+  TransferThread& thread_;
 };
 
 }  // namespace quillforth::platform

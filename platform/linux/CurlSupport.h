@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What every libcurl transfer of the program has in common: which protocols, how redirects go, whom to trust.
+// What every transfer of the program has in common.
 //
 // An easy handle belongs to one thread at a time. `CurlGlobal` lives in main(), before any thread.
 #pragma once
@@ -37,7 +37,7 @@ struct TransferSettings {
 };
 
 inline constexpr const char* kUserAgent = "Quillforth/1.0";
-inline constexpr long kMaxRedirects = 20;
+inline constexpr int kMaxRedirects = 20;
 /// Seconds without a byte after which a transfer counts as stalled.
 inline constexpr long kStallSeconds = 60;
 
@@ -46,11 +46,8 @@ struct CurlEasyDeleter {
 };
 using CurlEasy = std::unique_ptr<CURL, CurlEasyDeleter>;
 
-/// Sets URL, user agent, http/https/ftp only (redirects too), at most 20 redirects, never to another host
-/// with credentials, verified TLS, no signals, no transparent decompression. Everything else is libcurl's
-/// default.
-void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const URL& url);
-/// The same for the text of a URL that can be fetched.
-void ApplyCommonOptions(CURL* handle, const TransferSettings& settings, const std::string& url);
+[[nodiscard]] inline bool IsInterrupted(const TransferSettings& settings) {
+  return settings.interrupted != nullptr && *settings.interrupted;
+}
 
 }  // namespace quillforth::platform

@@ -2,22 +2,22 @@
 
 #include "platform/linux/DownloadLogins.h"
 
+#include <utility>
+
 #include "platform/HeaderText.h"
 
 namespace quillforth::platform {
 
-void DownloadLogins::begin(const RequestURL& url) {
-  server_.login = url.login;
+void DownloadLogins::goTo(const RequestURL& url) {
+  if (!url.login && server_.origin == url.origin) return;
+  const auto known = url.login || !isShared_ ? std::nullopt : store_.findForURL(url);
+  server_.login = known ? known->second : url.login;
+  server_.space = known ? std::optional(known->first) : std::nullopt;
   server_.origin = url.origin;
-  if (url.login) return;
-  if (const auto known = store_.findForURL(url)) {
-    server_.space = known->first;
-    server_.login = known->second;
-  }
 }
 
-void DownloadLogins::apply(CURL* handle) const {
-  if (server_.login) {
+void DownloadLogins::apply(CURL* handle, const std::string& origin) const {
+  if (server_.login && server_.origin == origin) {
     curl_easy_setopt(handle, CURLOPT_USERNAME, server_.login->user.c_str());
     curl_easy_setopt(handle, CURLOPT_PASSWORD, server_.login->password.c_str());
     curl_easy_setopt(handle, CURLOPT_HTTPAUTH, static_cast<long>(server_.login->methods));
@@ -31,7 +31,7 @@ void DownloadLogins::apply(CURL* handle) const {
 
 DownloadLogins::Next DownloadLogins::refused(const Refusal& refusal) {
   const std::optional<OfferedScheme> offered = StrongestScheme(refusal.fields);
-  if (!offered) return Next::giveUp;
+  if (!offered) return Next::cannot;
   Use& use = useFor(refusal.isProxy);
   const ProtectionSpace space(refusal.origin, offered->realm);
   if (use.login && use.origin == refusal.origin) {
@@ -49,14 +49,22 @@ DownloadLogins::Next DownloadLogins::refused(const Refusal& refusal) {
   return Next::ask;
 }
 
-void DownloadLogins::answer(const std::string& user, const std::string& password) {
-  useFor(challenge_.isProxy).login = Login{user, password, challengedMethod_};
+bool DownloadLogins::answer(const std::string& user, const std::string& password) {
+  if (challengedMethod_ == 0) return false;
+  useFor(challenge_.isProxy).login = Login{user, password, std::exchange(challengedMethod_, 0)};
+  return true;
 }
 
 void DownloadLogins::accepted(const std::string& path) {
   for (const Use* use : {&server_, &proxy_}) {
-    if (use->login && use->space) store_.remember(*use->space, *use->login, path);
+    if (isShared_ && use->login && use->space) store_.remember(*use->space, *use->login, path);
   }
+}
+
+TransferOutcome OutcomeWithoutLogin(const AuthenticationChallenge& challenge) {
+  const bool isRefused = challenge.previousFailureCount > 0;
+  if (challenge.isProxy) return {isRefused ? OutcomeKind::proxyLoginRefused : OutcomeKind::proxyLoginWanted};
+  return {isRefused ? OutcomeKind::loginRefused : OutcomeKind::loginWanted};
 }
 
 }  // namespace quillforth::platform

@@ -2,8 +2,7 @@
 //
 // Which logins the requests of one download carry, and what comes of a refusal.
 //
-// A login is bound to the origin that asked for it; libcurl keeps it from every other. The transfer thread
-// only.
+// A login is bound to the origin that asked for it, and goes to no other. The transfer thread only.
 #pragma once
 
 #include <curl/curl.h>
@@ -15,6 +14,7 @@
 
 #include "platform/WebDownload.h"
 #include "platform/linux/Authentication.h"
+#include "platform/linux/TransferText.h"
 
 namespace quillforth::platform {
 
@@ -30,18 +30,26 @@ class DownloadLogins {
     std::string host;                      ///< to be shown
     std::vector<std::string_view> fields;  ///< values of WWW-Authenticate (Proxy-Authenticate)
   };
-  enum class Next { retry, ask, giveUp };
+  enum class Next {
+    retry,
+    ask,
+    giveUp,  ///< too many answers were refused
+    cannot   ///< none of the schemes can be done here
+  };
 
-  explicit DownloadLogins(CredentialStore& store) : store_(store) {}
+  /// `isShared`: logins that were taken before go along, and those that are taken now are kept.
+  DownloadLogins(CredentialStore& store, bool isShared) : store_(store), isShared_(isShared) {}
 
-  /// Takes the login that stands in `url`, or one that its origin has taken before.
-  void begin(const RequestURL& url);
-  void apply(CURL* handle) const;
+  /// The next request is for `url`: takes the login that stands in it, or one that its origin has taken
+  /// before.
+  void goTo(const RequestURL& url);
+  /// `origin`: of the request.
+  void apply(CURL* handle, const std::string& origin) const;
   /// `retry`: there is a login that has not been tried. `ask`: `challenge` says for what.
   [[nodiscard]] Next refused(const Refusal& refusal);
   [[nodiscard]] const AuthenticationChallenge& challenge() const { return challenge_; }
-  /// The answer to `challenge`.
-  void answer(const std::string& user, const std::string& password);
+  /// The answer to `challenge`; false when nothing was asked.
+  [[nodiscard]] bool answer(const std::string& user, const std::string& password);
   /// The request for `path` was not refused.
   void accepted(const std::string& path);
 
@@ -56,10 +64,14 @@ class DownloadLogins {
   Use& useFor(bool isProxy) { return isProxy ? proxy_ : server_; }
 
   CredentialStore& store_;
+  const bool isShared_;
   Use server_;
   Use proxy_;
   AuthenticationChallenge challenge_;
-  unsigned long challengedMethod_ = 0;
+  unsigned long challengedMethod_ = 0;  // 0: nothing is asked
 };
+
+/// What has come of a transfer that got no answer to `challenge`.
+[[nodiscard]] TransferOutcome OutcomeWithoutLogin(const AuthenticationChallenge& challenge);
 
 }  // namespace quillforth::platform

@@ -76,6 +76,11 @@ class Mailbox {
     return message;
   }
 
+  [[nodiscard]] bool isEmpty() {
+    const std::lock_guard lock(mutex_);
+    return messages_.empty();
+  }
+
   [[nodiscard]] int descriptor() const { return signal_.get(); }
 
  private:

@@ -23,11 +23,7 @@ std::string Part(CURLU* url, CURLUPart part, unsigned flags = 0) {
   return copy;
 }
 
-}  // namespace
-
-std::optional<RequestURL> RequestURL::parse(const std::string& text) {
-  const CurlURL url(curl_url());
-  if (!url || curl_url_set(url.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK) return std::nullopt;
+std::optional<RequestURL> TakeApart(const CurlURL& url) {
   RequestURL request;
   const std::string scheme = Part(url.get(), CURLUPART_SCHEME);
   if (scheme != "http" && scheme != "https" && scheme != "ftp") return std::nullopt;
@@ -41,12 +37,28 @@ std::optional<RequestURL> RequestURL::parse(const std::string& text) {
     if (curl_url_set(url.get(), part, nullptr, 0) != CURLUE_OK) return std::nullopt;
   }
   request.host = Part(url.get(), CURLUPART_HOST);
-  request.origin = scheme + "://" + request.host + Part(url.get(), CURLUPART_ZONEID) + ":" +
-                   Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  request.port = Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  request.origin = scheme + "://" + request.host + Part(url.get(), CURLUPART_ZONEID) + ":" + request.port;
   request.path = Part(url.get(), CURLUPART_PATH);
   request.text = Part(url.get(), CURLUPART_URL);
   if (request.host.empty() || request.text.empty()) return std::nullopt;
   return request;
+}
+
+}  // namespace
+
+std::optional<RequestURL> RequestURL::parse(const std::string& text) {
+  const CurlURL url(curl_url());
+  if (!url || curl_url_set(url.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK) return std::nullopt;
+  return TakeApart(url);
+}
+
+std::optional<RequestURL> RequestURL::redirectedTo(const std::string& location) const {
+  const CurlURL url(curl_url());
+  if (!url || curl_url_set(url.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK) return std::nullopt;
+  constexpr unsigned kFlags = CURLU_URLENCODE | CURLU_ALLOW_SPACE;
+  if (curl_url_set(url.get(), CURLUPART_URL, location.c_str(), kFlags) != CURLUE_OK) return std::nullopt;
+  return TakeApart(url);
 }
 
 }  // namespace quillforth::platform

@@ -21,11 +21,15 @@ struct RequestURL {
   std::string text;    ///< absolute; no user name, password or fragment
   std::string origin;  ///< "scheme://host:port", always with the port; an address has its zone after it
   std::string host;
+  std::string port;  ///< always there
   std::string path;  ///< begins with "/"
   std::optional<Login> login;
 
   /// Nothing when `text` is no absolute URL of http, https or ftp.
   [[nodiscard]] static std::optional<RequestURL> parse(const std::string& text);
+  /// Where a redirect to `location` goes from here. Nothing as above; blanks and bytes above ASCII are
+  /// escaped.
+  [[nodiscard]] std::optional<RequestURL> redirectedTo(const std::string& location) const;
 };
 
 }  // namespace quillforth::platform

@@ -5,6 +5,7 @@
 #include <QMimeDatabase>
 #include <algorithm>
 #include <charconv>
+#include <vector>
 
 #include "common/BoundedText.h"
 #include "platform/HeaderText.h"
@@ -35,16 +36,20 @@ std::string_view WithoutLineEnd(std::string_view line) {
   return line;
 }
 
-// All but "identity", in the order in which they were applied.
-std::vector<std::string> TransferCodings(const ResponseHead& head) {
-  std::vector<std::string> codings;
-  for (const std::string_view field : head.header().valuesOfField("Transfer-Encoding")) {
-    ParameterScanner scanner(field, ',');
-    while (const std::optional<HeaderParameter> coding = scanner.next()) {
-      if (!EqualsNoCase(coding->name, "identity")) codings.emplace_back(coding->name);
-    }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// The status of "HTTP/1.1 200 OK" (RFC 9112, section 4); nothing when the line is no such. Reasons may be
+// absent.
+std::optional<int> StatusOf(std::string_view line) {
+  constexpr std::string_view kForm = "HTTP/0.0 000";
+  if (line.size() < kForm.size() || (line.size() > kForm.size() && IsDigit(line[kForm.size()]))) return {};
+  for (std::size_t i = 0; i < kForm.size(); ++i) {
+    if (kForm[i] == '0' ? !IsDigit(line[i]) : line[i] != kForm[i]) return std::nullopt;
   }
-  return codings;
+  const int status = (line[9] - '0') * 100 + (line[10] - '0') * 10 + line[11] - '0';
+  return status >= 100 ? std::optional(status) : std::nullopt;
 }
 
 // RFC 1738, section 3.2.2: ";type=" and "a", "i" or "d" behind the path.
@@ -80,19 +85,23 @@ QString PreferredSuffix(std::string_view mimeType) {
 
 void ResponseHead::addLine(std::string_view line) {
   length_ += line.size();
-  if (isTooLong()) return;
+  if (length_ > kMaxLength) return;
   const std::string_view text = WithoutLineEnd(line);
-  if (text.starts_with("HTTP/")) {
-    header_ = {};
-    isInside_ = true;
-    isFraming_ = false;
-    hasBrokenFraming_ = false;
-    status_ =
-        static_cast<int>(ParseLength(text.substr(std::min<std::size_t>(text.size(), 9), 3)).value_or(0));
-  } else if (isInside_) {
-    isInside_ = !text.empty();
-    if (isInside_) addField(text);
+  if (!isInside_) {
+    if (status_ < 200 || text.starts_with("HTTP/")) begin(text);
+  } else if (text.empty()) {
+    isInside_ = false;
+  } else {
+    addField(text);
   }
+}
+
+void ResponseHead::begin(std::string_view line) {
+  const std::optional<int> status = StatusOf(line);
+  *this = ResponseHead(length_);
+  isInside_ = true;
+  isMalformed_ = !status;
+  status_ = status.value_or(0);
 }
 
 void ResponseHead::addField(std::string_view line) {
@@ -110,19 +119,48 @@ void ResponseHead::addField(std::string_view line) {
   header_.addField(std::string(line.substr(0, colon)), std::string(TrimmedBlanks(line.substr(colon + 1))));
 }
 
+OutcomeKind ResponseHead::lineFault() const {
+  if (length_ > kMaxLength) return OutcomeKind::headTooLong;
+  return isMalformed_ ? OutcomeKind::malformedAnswer : OutcomeKind::whole;
+}
+
+OutcomeKind ResponseHead::fault(bool hasBody) const {
+  if (const OutcomeKind fault = lineFault(); fault != OutcomeKind::whole) return fault;
+  if (hasTwoLocations() || (hasBody && !hasPlainFraming())) return OutcomeKind::malformedAnswer;
+  return hasBody && !announcedLength() ? OutcomeKind::impossibleLength : OutcomeKind::whole;
+}
+
+bool ResponseHead::hasTwoLocations() const {
+  if (location().empty()) return false;
+  const std::vector<std::string_view> all = header_.valuesOfField("Location");
+  return std::any_of(all.begin(), all.end(), [&all](std::string_view other) { return other != all[0]; });
+}
+
+// A field that is folded, or has a blank before its colon or a carriage return in it, is read by some and not
+// by others (RFC 9112, sections 2.2, 5.1 and 5.2).
+bool ResponseHead::hasPlainFraming() const {
+  const std::vector<std::string_view> codings = header_.valuesOfField("Transfer-Encoding");
+  const bool isPlain = codings.empty() || (codings.size() == 1 && EqualsNoCase(codings[0], "chunked"));
+  return isPlain && !hasBrokenFraming_;
+}
+
 std::string_view ResponseHead::firstValue(std::string_view name) const {
   return header_.valueOfField(name).value_or(std::string_view());
 }
 
-bool HasUnknownTransferCoding(const ResponseHead& head) {
-  const std::vector<std::string> codings = TransferCodings(head);
-  return !codings.empty() && !EqualsNoCase(codings.back(), "chunked");
+std::string_view ResponseHead::location() const {
+  return status_ >= 300 && status_ < 400 ? firstValue("Location") : std::string_view();
 }
 
-std::optional<std::int64_t> AnnouncedLength(const ResponseHead& head) {
-  if (head.status() == 204) return 0;
-  if (!TransferCodings(head).empty()) return -1;
-  return AgreedLength(head.header().valuesOfField("Content-Length"));
+std::optional<std::int64_t> ResponseHead::announcedLength() const {
+  if (status_ == 204) return 0;
+  if (header_.valueOfField("Transfer-Encoding")) return -1;
+  return AgreedLength(header_.valuesOfField("Content-Length"));
+}
+
+bool ResponseHead::endsWithConnection() const {
+  const bool hasBody = status_ != 204 && status_ != 304;
+  return hasBody && !header_.valueOfField("Transfer-Encoding") && !header_.valueOfField("Content-Length");
 }
 
 std::string MIMETypeOf(const ResponseHead& head) {
@@ -139,10 +177,18 @@ bool HasContentCoding(const ResponseHead& head) {
   return !coding.empty() && !common::StartsWithNoCase(coding, "identity");
 }
 
-bool IsFTP(CURL* handle) {
-  char* scheme = nullptr;
-  curl_easy_getinfo(handle, CURLINFO_SCHEME, &scheme);
-  return scheme != nullptr && common::StartsWithNoCase(scheme, "ftp");
+bool HasUnknownContentCoding(const ResponseHead& head) {
+  constexpr std::string_view kKnown[] = {"identity", "gzip", "x-gzip", "deflate", "br", "zstd"};
+  for (const std::string_view field : head.header().valuesOfField("Content-Encoding")) {
+    ParameterScanner scanner(field, ',');
+    while (const std::optional<HeaderParameter> coding = scanner.next()) {
+      if (std::none_of(std::begin(kKnown), std::end(kKnown),
+                       [&coding](std::string_view known) { return EqualsNoCase(coding->name, known); })) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 bool IsFTPFolder(std::string_view url) {

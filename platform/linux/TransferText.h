@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What people read when a download fails. Sentences of our own: nothing of what a server sent, no
-// credentials. Pure; any thread.
+// What came of a transfer, and what people read of it. Sentences of our own: nothing of what a server sent,
+// no credentials. Pure; any thread.
 #pragma once
 
 #include <curl/curl.h>
@@ -10,11 +10,58 @@
 
 namespace quillforth::platform {
 
-/// "The server answered 404 Not Found."; codes without a registered phrase (RFC 9110, section 15) stand
-/// alone.
-[[nodiscard]] QString HTTPStatusText(long status);
-/// `status`: of the last HTTP response, 0 when there was none.
-[[nodiscard]] QString TransferErrorText(CURLcode code, long status);
+enum class OutcomeKind {
+  whole,  ///< all is here
+  status,
+  malformedURL,
+  unsupportedURL,
+  proxyNotFound,
+  hostNotFound,
+  unreachable,
+  noSecureConnection,
+  untrustedCertificate,
+  unreadableCertificates,
+  silence,
+  slowHead,
+  timeout,
+  noAnswer,
+  connectionLost,
+  brokenOff,
+  incomplete,
+  malformedAnswer,
+  impossibleLength,
+  headTooLong,
+  unknownCoding,
+  tooLong,
+  folder,
+  accessDenied,
+  fileRefused,
+  noSuchFile,
+  tooManyRedirects,
+  forbiddenRedirect,
+  loginWanted,
+  loginRefused,
+  proxyLoginWanted,
+  proxyLoginRefused,
+  outOfMemory,
+  system,
+  file,
+  other
+};
+
+struct TransferOutcome {
+  OutcomeKind kind = OutcomeKind::whole;
+  /// The status for `status`, an error number for `system` and `file`, libcurl's code for `other`.
+  long detail = 0;
+
+  [[nodiscard]] bool isWhole() const { return kind == OutcomeKind::whole; }
+  /// "The server answered 404 Not Found."; codes without a registered phrase (RFC 9110, section 15) stand
+  /// alone. Null when all is here.
+  [[nodiscard]] QString sentence() const;
+};
+
+[[nodiscard]] TransferOutcome OutcomeOf(CURLcode code);
+
 /// `error`: an error number of writing a file.
 [[nodiscard]] QString FileErrorText(int error);
 

@@ -10,8 +10,6 @@
 #include <new>
 #include <type_traits>
 
-#include "platform/linux/FinishFile.h"
-
 namespace quillforth::platform {
 
 namespace {
@@ -29,18 +27,15 @@ void BlockAllSignals() {
 
 }  // namespace
 
-TransferThread::TransferThread(const TransferSettings& settings, FileCalls& files, DownloadFolders& folders,
-                               std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports)
-    : context_{.settings = settings, .files = files, .folders = folders, .stallTimeout = stallTimeout},
-      reports_(reports),
-      multi_(curl_multi_init()) {
+TransferThread::TransferThread(const TransferSettings& settings)
+    : context_{.settings = settings}, multi_(curl_multi_init()) {
   if (!multi_) throw std::bad_alloc();
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
   thread_ = std::thread([this] { run(); });
 }
 
 void TransferThread::stop() {
-  if (!thread_.joinable()) return;
+  if (isStopped_.exchange(true)) return;
   post(StopCommand{});
   thread_.join();
 }
@@ -49,7 +44,7 @@ void TransferThread::run() {
   BlockAllSignals();
   std::unique_lock turn(turn_);
   while (obeyCommands()) {
-    const Clock::time_point next = step().first;
+    const Clock::time_point next = step();
     if (!entries_.empty()) {
       wait(next);
     } else {
@@ -59,7 +54,6 @@ void TransferThread::run() {
     }
   }
   while (!entries_.empty()) release(entries_.begin());
-  reports_.postAll(context_.outbox);
 }
 
 void TransferThread::postStart(StartCommand command) {
@@ -67,13 +61,17 @@ void TransferThread::postStart(StartCommand command) {
   hasQuietStart_ = true;
 }
 
-void TransferThread::work(Clock::time_point until) {
+void TransferThread::work(Clock::time_point until, const std::function<bool()>& isDone) {
   if (!hasQuietStart_) return;
   const std::unique_lock turn(turn_, std::try_to_lock);
   if (!turn || hasHadFTP_) return handOver();
   hasQuietStart_ = false;
   obeyCommands();
-  while (!mayBlock() && !step().second && !entries_.empty() && Clock::now() < until) wait(until);
+  while (!mayBlock() && !entries_.empty() && Clock::now() < until) {
+    step();
+    if (isDone() || entries_.empty()) break;
+    wait(until);
+  }
   if (!entries_.empty()) commands_.signal();
 }
 
@@ -87,12 +85,9 @@ void TransferThread::handOver() {
   if (std::exchange(hasQuietStart_, false)) commands_.signal();
 }
 
-std::pair<TransferThread::Clock::time_point, bool> TransferThread::step() {
+TransferThread::Clock::time_point TransferThread::step() {
   drive();
-  const Clock::time_point next = lookAtClock();
-  const bool hasReport = !context_.outbox.empty();
-  reports_.postAll(context_.outbox);
-  return {next, hasReport};
+  return lookAtClock();
 }
 
 bool TransferThread::obeyCommands() {
@@ -104,23 +99,21 @@ bool TransferThread::obeyCommands() {
 
 bool TransferThread::obey(Command& command) {
   if (std::holds_alternative<StopCommand>(command)) return false;
-  if (auto* store = std::get_if<StoreCommand>(&command)) {
-    StoreFile(*store, context_.folders, context_.files, context_.outbox);
-    return true;
-  }
-  if (const auto* start = std::get_if<StartCommand>(&command)) {
+  if (auto* start = std::get_if<StartCommand>(&command)) {
     obeyStart(*start);
     return true;
   }
   const auto toTransfer = [this](const auto& specific) {
     using Specific = std::decay_t<decltype(specific)>;
-    if constexpr (!std::is_same_v<Specific, StopCommand>) {
+    if constexpr (!std::is_same_v<Specific, StopCommand> && !std::is_same_v<Specific, StartCommand>) {
       const auto entry = entries_.find(specific.id);
       if (entry == entries_.end()) return;
       if constexpr (std::is_same_v<Specific, DestinationCommand>) {
         entry->second.transfer->setDestination(specific.target);
       } else if constexpr (std::is_same_v<Specific, AnswerCommand>) {
         entry->second.transfer->answer(specific.user, specific.password);
+      } else if constexpr (std::is_same_v<Specific, ResumeCommand>) {
+        entry->second.transfer->resume();
       } else if constexpr (std::is_same_v<Specific, CancelCommand>) {
         return release(entry);
       }
@@ -131,10 +124,10 @@ bool TransferThread::obey(Command& command) {
   return true;
 }
 
-void TransferThread::obeyStart(const StartCommand& command) {
-  auto transfer = std::make_unique<DownloadTransfer>(command.id, context_);
-  transfer->start(command.url);
-  settle(entries_.emplace(command.id, Entry{std::move(transfer)}).first);
+void TransferThread::obeyStart(StartCommand& command) {
+  const TransferId id = command.transfer->id();
+  command.transfer->start(context_);
+  settle(entries_.emplace(id, Entry{std::move(command.transfer)}).first);
 }
 
 void TransferThread::drive() {
@@ -144,7 +137,7 @@ void TransferThread::drive() {
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &waiting)) {
     const CURLcode result = message->data.result;
     CURL* handle = message->easy_handle;
-    DownloadTransfer* transfer = nullptr;
+    Transfer* transfer = nullptr;
     curl_easy_getinfo(handle, CURLINFO_PRIVATE, &transfer);
     curl_multi_remove_handle(multi_.get(), handle);
     const auto entry = entries_.find(transfer->id());
@@ -180,8 +173,8 @@ void TransferThread::waitForCommand() {
 
 void TransferThread::settle(Entries::iterator entry) {
   Entry& settled = entry->second;
-  if (settled.transfer->phase() == DownloadTransfer::Phase::ended) return release(entry);
-  if (settled.transfer->phase() != DownloadTransfer::Phase::requesting || settled.isDriven) return;
+  if (settled.transfer->phase() == Transfer::Phase::ended) return release(entry);
+  if (settled.transfer->phase() != Transfer::Phase::requesting || settled.isDriven) return;
   settled.isDriven = true;
   curl_multi_add_handle(multi_.get(), settled.transfer->handle());
 }

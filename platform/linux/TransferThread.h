@@ -1,47 +1,74 @@
 // SPDX-License-Identifier: MIT
 //
-// The thread that all downloads of a service go through, for as long as the service lives.
+// The thread that all transfers of a program go through, for as long as it runs.
 //
-// One libcurl multi handle drives them, so that connections are kept between files. Commands come in through
-// a mailbox and reports go out through another, several at a time where they arise together.
+// One libcurl multi handle drives them, so that a page, its probe and its files share connections. Commands
+// come in through a mailbox; who is told what comes of them is the transfer's own business.
 //
 // What a small file costs is mostly the waking of threads. While no transfer is under way this thread sleeps,
-// and the service's own thread may take its place for a moment: a file that comes at once wakes nobody.
+// and the one that starts files may take its place for a moment: a file that comes at once wakes nobody.
 #pragma once
 
 #include <curl/curl.h>
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <unordered_map>
-#include <utility>
+#include <variant>
 
-#include "platform/linux/DownloadTransfer.h"
 #include "platform/linux/Mailbox.h"
+#include "platform/linux/Transfer.h"
 
 namespace quillforth::platform {
 
+struct StartCommand {
+  std::unique_ptr<Transfer> transfer;
+};
+// The others mean nothing to a transfer that has ended.
+struct DestinationCommand {
+  TransferId id;
+  DestinationFile::Target target;
+};
+struct AnswerCommand {
+  TransferId id;
+  std::string user;  ///< UTF-8, as the password
+  std::string password;
+};
+struct ResumeCommand {
+  TransferId id;
+};
+struct CancelCommand {
+  TransferId id;
+};
+struct StopCommand {};
+using Command =
+    std::variant<StartCommand, DestinationCommand, AnswerCommand, ResumeCommand, CancelCommand, StopCommand>;
+
 class TransferThread {
  public:
-  /// All outlive the thread.
-  TransferThread(const TransferSettings& settings, FileCalls& files, DownloadFolders& folders,
-                 std::chrono::milliseconds stallTimeout, Mailbox<Report>& reports);
+  /// `settings` outlives the thread.
+  explicit TransferThread(const TransferSettings& settings);
   ~TransferThread() { stop(); }
   TransferThread(const TransferThread&) = delete;
   TransferThread& operator=(const TransferThread&) = delete;
 
-  /// Ends what is in flight, and waits until all that it had to report is posted and no partial file is left.
+  /// Ends what is in flight, and waits until no partial file of it is left.
   void stop();
 
-  /// Any thread.
+  /// These three on any thread. A number is given once.
+  [[nodiscard]] TransferId newId() { return ++lastId_; }
   void post(Command command) { commands_.post(std::move(command)); }
-  /// On the service's thread, as all below: `work` or `handOver` is to follow, and until then nothing is
-  /// sent.
+  /// The program is interrupted, or this thread has stopped: nothing comes any more.
+  [[nodiscard]] bool isGivingUp() const { return isStopped_ || IsInterrupted(context_.settings); }
+  /// On one thread only, as all below: `work` or `handOver` is to follow, and until then nothing is sent.
   void postStart(StartCommand command);
-  /// Sends what `postStart` was given, and does this thread's work on the calling one until there is a
-  /// report, but not past `until`. What is under way then is this thread's.
-  void work(std::chrono::steady_clock::time_point until);
+  /// Sends what `postStart` was given, and does this thread's work on the calling one until `isDone`, but not
+  /// past `until`. What is under way then is this thread's.
+  void work(std::chrono::steady_clock::time_point until, const std::function<bool()>& isDone);
   void handOver();
 
  private:
@@ -49,18 +76,18 @@ class TransferThread {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
   };
   struct Entry {
-    std::unique_ptr<DownloadTransfer> transfer;
+    std::unique_ptr<Transfer> transfer;
     bool isDriven = false;  // its handle is in the multi handle
   };
-  using Entries = std::unordered_map<DownloadId, Entry>;
-  using Clock = DownloadTransfer::Clock;
+  using Entries = std::unordered_map<TransferId, Entry>;
+  using Clock = Transfer::Clock;
 
   void run();
-  // Lets libcurl work; returns when to look again at the latest, and whether there was something to report.
-  std::pair<Clock::time_point, bool> step();
+  // Lets libcurl work; returns when to look again at the latest.
+  Clock::time_point step();
   bool obeyCommands();
   bool obey(Command& command);
-  void obeyStart(const StartCommand& command);
+  void obeyStart(StartCommand& command);
   void drive();
   [[nodiscard]] bool mayBlock() const;
   Clock::time_point lookAtClock();
@@ -70,10 +97,11 @@ class TransferThread {
   void settle(Entries::iterator entry);
   void release(Entries::iterator entry);
 
+  std::atomic<TransferId> lastId_ = 0;
+  std::atomic<bool> isStopped_ = false;
   TransferContext context_;
-  Mailbox<Report>& reports_;
   Mailbox<Command> commands_;
-  bool hasQuietStart_ = false;  // of the service's thread
+  bool hasQuietStart_ = false;  // of the thread that starts files
   std::mutex turn_;             // for all that follows; the thread lets go of it when it has no transfer
   std::unique_ptr<CURLM, MultiDeleter> multi_;
   Entries entries_;

@@ -154,7 +154,8 @@ class HTTPProbeOverSockets : public ::testing::Test {
 
   std::atomic<bool> interrupted = false;
   platform::TransferSettings settings{{}, &interrupted};
-  platform::CurlReadStreamFactory streams{settings};
+  platform::TransferThread thread{settings};
+  platform::CurlReadStreamFactory streams{thread};
 };
 
 TEST_F(HTTPProbeOverSockets, SilenceCountsFromTheLastBodyByteOnly) {

@@ -56,7 +56,7 @@ TEST_F(Get, EveryURLOfAMixedRunHasItsOutcome) {
       done("/e.jpg", "e.jpg"),
       "failed " + server_.url("/g/bad url/") + ": This is not a valid URL.\n",
       "failed " + server_.url("/g/missing.jpg") + ": The server answered 404 Not Found.\n",
-      "failed " + server_.url("/none.html") + ": The page could not be loaded.\n",
+      "failed " + server_.url("/none.html") + ": The server answered 404 Not Found.\n",
   };
   EXPECT_EQ(lines, expected);
   EXPECT_EQ(files(), (std::map<std::string, std::string>{

@@ -114,7 +114,7 @@ TEST_F(Terminal, CtrlCCleansUp) {
 
 TEST_F(Terminal, NameAndPasswordAreAskedAndThePasswordIsNotShown) {
   Program program(onTerminal({server_.url("/locked.zip")}));
-  ASSERT_TRUE(program.waitForOutput("User name for \"Ga\\x1bllery\" at 127.0.0.1: "));
+  ASSERT_TRUE(program.waitForOutput("User name for \"Ga\\x1bllery\" at " + server_.url("").substr(7) + ": "));
   program.type("me\n");
   ASSERT_TRUE(program.waitForOutput("Password: "));
   program.type("secret\n");

@@ -2,7 +2,7 @@
 //
 // Reads the tables of cases in tests/data: a row a line, cells between tabs, "#" begins a comment line.
 //
-// Escapes in cells: \r \n \t \0 \\ \xHH, and \*COUNT; for the next character COUNT times.
+// Escapes in cells: \r \n \t \0 \\ \xHH, and \*COUNT; for the next character, or \xHH, COUNT times.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,8 +26,10 @@ inline std::string Unescaped(const std::string& cell) {
       i += 2;
     } else if (kind == '*') {
       const std::size_t end = cell.find(';', i);
-      text.append(std::strtoul(cell.c_str() + i + 1, nullptr, 10), cell.at(end + 1));
-      i = end + 1;
+      const std::size_t last = cell.compare(end + 1, 2, "\\x") == 0 ? end + 4 : end + 1;
+      const std::string repeated = Unescaped(cell.substr(end + 1, last - end));
+      text.append(std::strtoul(cell.c_str() + i + 1, nullptr, 10), repeated.at(0));
+      i = last;
     } else {
       text += cell[i];
     }

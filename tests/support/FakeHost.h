@@ -126,9 +126,10 @@ class FakeServices final : public platform::NetworkDiagnostics,
 
   platform::NetworkStatus copyNetworkStatusPassively() override { return network; }
   void diagnoseProblemInteractively() override { note("diagnose"); }
-  std::optional<QByteArray> resourceData(const platform::URL& url) override {
+  platform::PageLoad load(const platform::URL& url) override {
     const auto found = pages.find(url.absoluteString());
-    return found == pages.end() ? std::nullopt : std::optional(found->second);
+    if (found == pages.end()) return {};
+    return {found->second, {}};
   }
   std::unique_ptr<platform::HTTPReadStream> createStream(const platform::HTTPRequest& /*request*/) override {
     return nullptr;

@@ -33,6 +33,7 @@ class RawServer {
     void reset() const;
     /// Waits until the client or the server ends, at most `milliseconds`. True when one has ended.
     [[nodiscard]] bool waitForEnd(int milliseconds) const;
+    [[nodiscard]] int descriptor() const { return descriptor_; }
 
    private:
     int descriptor_;
