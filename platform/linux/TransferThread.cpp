@@ -45,7 +45,7 @@ void TransferThread::run() {
   std::unique_lock turn(turn_);
   while (obeyCommands()) {
     const Clock::time_point next = step();
-    if (!entries_.empty()) {
+    if (isRequesting()) {
       wait(next);
     } else {
       turn.unlock();
@@ -67,12 +67,17 @@ void TransferThread::work(Clock::time_point until, const std::function<bool()>& 
   if (!turn || hasHadFTP_) return handOver();
   hasQuietStart_ = false;
   obeyCommands();
-  while (!mayBlock() && !entries_.empty() && Clock::now() < until) {
+  while (!mayBlock() && isRequesting() && Clock::now() < until) {
     step();
-    if (isDone() || entries_.empty()) break;
+    if (isDone()) break;
     wait(until);
   }
-  if (!entries_.empty()) commands_.signal();
+  if (isRequesting()) commands_.signal();
+}
+
+bool TransferThread::isRequesting() const {
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [](const auto& entry) { return entry.second.isDriven; });
 }
 
 // libcurl waits for a server's last words on an FTP connection, at the end of a file and of the connection.

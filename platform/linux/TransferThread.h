@@ -89,6 +89,7 @@ class TransferThread {
   bool obey(Command& command);
   void obeyStart(StartCommand& command);
   void drive();
+  [[nodiscard]] bool isRequesting() const;
   [[nodiscard]] bool mayBlock() const;
   Clock::time_point lookAtClock();
   void wait(Clock::time_point until);
