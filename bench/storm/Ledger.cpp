@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: MIT
+
+#include "bench/storm/Ledger.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace quillforth::bench {
+
+namespace {
+
+constexpr qsizetype kRecentCommands = 12;
+constexpr std::size_t kShownOfAKind = 3;
+
+}  // namespace
+
+QString Ledger::now() const {
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start_;
+  return QString::number(passed.count(), 'f', 3);
+}
+
+void Ledger::remember(const QString& command) {
+  recent_.append(now() + u' ' + command);
+  if (recent_.size() > kRecentCommands) recent_.removeFirst();
+}
+
+void Ledger::note(const QString& url, const QString& text) {
+  entries_[url].history.append(now() + u' ' + text);
+}
+
+void Ledger::fault(const QString& what, const QString& url) {
+  QString text = url;
+  if (const auto found = entries_.constFind(url); found != entries_.cend()) {
+    if (found->isDoubled) return;
+    text += QStringLiteral("\n      it: ") + found->history.join(QStringLiteral("; "));
+  }
+  faults_[what].push_back(text + QStringLiteral("\n      commands: ") + recent_.join(QStringLiteral("; ")));
+}
+
+void Ledger::enter(const QString& url, const QString& by, int command, bool isOptional) {
+  Entry& entry = entries_[url];
+  note(url, by);
+  if (entry.history.size() > 1) return fault(QStringLiteral("came in a second time"), url);
+  entry.command = command;
+  entry.isOptional = isOptional;
+  count(QStringLiteral("in: ") + by);
+}
+
+int Ledger::removalGiven(Removal removal) {
+  sample();
+  remember(removal.name + QStringLiteral(" (given)"));
+  removals_.emplace(++lastCommand_, std::move(removal));
+  return lastCommand_;
+}
+
+// What is in limbo and was neither started nor queued again by the time that the command is over is what the
+// command took out.
+void Ledger::removalDone(int number) {
+  sample();
+  removals_.erase(number);
+  if (!removals_.empty()) return;
+  const QHash<QString, QString> explained = std::exchange(explained_, {});
+  for (auto each = explained.cbegin(); each != explained.cend(); ++each) {
+    if (entries_[each.key()].state == State::limbo) settle(each.key(), each.value());
+  }
+}
+
+void Ledger::cancelGiven(const QString& shown) {
+  remember(QStringLiteral("Cancel ") + shown);
+  if (!shown.isNull()) named_.insert(shown);
+  unseen_ += underWay_;
+}
+
+void Ledger::vanish(const QString& url) {
+  Entry& entry = entries_[url];
+  if (entry.state != State::queued) return;
+  entry.state = State::limbo;
+  note(url, "left the queue");
+  justVanished_.append(url);
+  for (const auto& [number, removal] : removals_) {
+    if (!removal.named.contains(url) && !removal.isAll) continue;
+    explained_.insert(url, removal.name);
+    if (!removal.isAll) break;  // whoever named it counts first
+  }
+}
+
+void Ledger::sample() {
+  takePages();
+  if (queue_ == nullptr) return;
+  QSet<QString> queue;
+  const std::size_t count = queue_->numberOfRows();
+  for (std::size_t row = 0; row < count; ++row) {
+    const QString url = queue_->objectValueForRow(row);
+    if (queue.contains(url)) fault(QStringLiteral("waits twice"), url);
+    queue.insert(url);
+    Entry& entry = entries_[url];
+    if (entry.state == State::queued) continue;
+    if (entry.history.isEmpty()) {
+      fault(QStringLiteral("waits, and nobody brought it in"), url);
+    } else if (entry.state == State::settled || entry.state == State::started) {
+      fault(QStringLiteral("waits again after its end"), url);
+    }
+    note(url, "waits");
+    entry.state = State::queued;
+    explained_.remove(url);
+  }
+  justVanished_.clear();
+  for (const QString& url : lastQueue_ - queue) vanish(url);
+  lastQueue_ = std::move(queue);
+}
+
+void Ledger::settle(const QString& url, const QString& as) {
+  Entry& entry = entries_[url];
+  underWay_.remove(url);
+  note(url, as);
+  entry.state = State::settled;
+  if (!entry.fate.isEmpty()) return fault(QStringLiteral("came to a second end: ") + as, url);
+  entry.fate = as;
+  count(as);
+}
+
+void Ledger::started(const QString& url) {
+  sample();
+  Entry& entry = entries_[url];
+  if (entry.history.isEmpty()) fault(QStringLiteral("is asked for, and nobody brought it in"), url);
+  if (entry.state == State::settled || entry.state == State::started) {
+    fault(QStringLiteral("is asked for a second time"), url);
+  }
+  note(url, "is asked for");
+  for (const QString& other : std::as_const(underWay_)) {
+    Entry& before = entries_[other];
+    if (!before.isOverlapping) note(other, "another one is asked for meanwhile");
+    before.isOverlapping = entry.isOverlapping = true;
+    if (before.hasBegun) continue;
+    count(QStringLiteral("info: asked for in the gap before another one began"));
+    if (entry.command != 0 && before.command == entry.command) {
+      fault(QStringLiteral("one request's URLs were asked for before the last one began"), url);
+    }
+  }
+  entry.state = State::started;
+  entry.hasBegun = false;
+  explained_.remove(url);
+  underWay_.insert(url);
+}
+
+void Ledger::began(const QString& url) {
+  entries_[url].hasBegun = true;
+  note(url, "began");
+}
+
+void Ledger::finished(const QString& url, const QString& path) {
+  note(url, QStringLiteral("finished as ") + path);
+  if (entries_[url].state != State::started) fault(QStringLiteral("finished without being under way"), url);
+  settle(url, QStringLiteral("done"));
+}
+
+void Ledger::failed(const QString& url, const QString& reason) {
+  note(url, reason);
+  const bool isFolderMissing = reason.startsWith(QStringLiteral("There is no destination folder"));
+  settle(url, isFolderMissing ? QStringLiteral("failed: no folder was chosen") : QStringLiteral("failed"));
+}
+
+void Ledger::cancelled(const QString& url) {
+  if (entries_[url].state != State::started) return;
+  if (isQuitting_) return settle(url, QStringLiteral("lost at the end: under way"));
+  if (named_.contains(url)) return settle(url, QStringLiteral("cancelled by a command that named it"));
+  const bool wasUnderWay = unseen_.contains(url);
+  const QString what = wasUnderWay ? QStringLiteral("cancelled before it was on the screen")
+                                   : QStringLiteral("cancelled by a command that was given before it came");
+  settle(url, what);
+  fault(what, url);
+}
+
+// The check comes when the URL has left the queue, or was never in it.
+void Ledger::notConnected() {
+  if (justVanished_.size() == 1) {
+    explained_.remove(justVanished_.first());
+    return settle(justVanished_.first(), QStringLiteral("lost by rule: not connected"));
+  }
+  ++unnamedLosses_;
+}
+
+void Ledger::pageLoading(const QString& url) {
+  const std::lock_guard lock(mutex_);
+  fromThreads_.emplace_back([this, url] {
+    Entry& entry = entries_[url];
+    note(url, "loads");
+    if (entry.history.size() == 1) fault(QStringLiteral("a page is loaded that nobody brought in"), url);
+    if (entry.state != State::entered) {
+      fault(QStringLiteral("a page is loaded a second time"), url);
+      entry.isDoubled = true;
+    }
+    entry.state = State::loading;
+  });
+}
+
+void Ledger::pageEnded(const QString& url, bool isRead, const QStringList& links) {
+  const std::lock_guard lock(mutex_);
+  fromThreads_.emplace_back([this, url, isRead, links] {
+    for (const QString& link : links) {
+      entries_[link].isLink = true;
+      entries_[link].isDoubled = entries_[url].isDoubled;
+      enter(link, QStringLiteral("links of pages"), 0, givenUp_.contains(url));
+    }
+    if (isRead) return settle(url, QStringLiteral("done: page read"));
+    if (isQuitting_) return settle(url, QStringLiteral("lost at the end: page loading"));
+    settle(url, givenUp_.contains(url) ? QStringLiteral("import given up") : QStringLiteral("failed: page"));
+  });
+}
+
+void Ledger::enteredByBrowser(const QString& url) {
+  const std::lock_guard lock(mutex_);
+  fromThreads_.emplace_back([this, url] { enter(url, QStringLiteral("browser"), newCommand()); });
+}
+
+void Ledger::takePages() {
+  std::vector<std::function<void()>> pages;
+  {
+    const std::lock_guard lock(mutex_);
+    pages.swap(fromThreads_);
+  }
+  for (const std::function<void()>& page : pages) page();
+}
+
+void Ledger::quitBegins() {
+  sample();
+  remember(QStringLiteral("the program ends"));
+  isQuitting_ = true;
+}
+
+bool Ledger::isAtRest() const {
+  return underWay_.empty() && lastQueue_.empty();
+}
+
+bool Ledger::isFileGrowing() const {
+  return std::any_of(underWay_.cbegin(), underWay_.cend(),
+                     [this](const QString& url) { return entries_[url].isGrowing; });
+}
+
+int Ledger::unfinished() const {
+  const auto waits = [](const Entry& entry) {
+    return entry.state == State::queued || entry.state == State::started || entry.state == State::loading;
+  };
+  return static_cast<int>(std::count_if(entries_.cbegin(), entries_.cend(), waits));
+}
+
+void Ledger::settleAtRest() {
+  sample();
+  for (const QString& url : entries_.keys()) {
+    const Entry& entry = entries_[url];
+    if (entry.state == State::settled) continue;
+    if (entry.state == State::entered && givenUp_.contains(url)) {
+      settle(url, QStringLiteral("import given up before it began"));
+    } else if (entry.state == State::entered && entry.isOptional) {
+      settle(url, QStringLiteral("refused where it was given"));
+    } else if (entry.state == State::entered && unnamedLosses_ > 0) {
+      --unnamedLosses_;
+      settle(url, QStringLiteral("lost by rule: not connected"));
+    } else {
+      const bool isWiped = entry.state == State::limbo;
+      const QString what = isWiped ? QStringLiteral("left the queue by no command that named it")
+                                   : QStringLiteral("is nowhere, and nothing was told of it");
+      settle(url, what);
+      fault(what, url);
+    }
+  }
+  if (unnamedLosses_ > 0)
+    fault(QStringLiteral("more losses for want of a connection than URLs that are missing"));
+  unnamedLosses_ = 0;
+}
+
+void Ledger::settleAfterEnd() {
+  queue_ = nullptr;
+  takePages();
+  for (const QString& url : entries_.keys()) {
+    const Entry& entry = entries_[url];
+    switch (entry.state) {
+      case State::settled:
+        break;
+      case State::entered:
+        settle(url, entry.isLink ? QStringLiteral("lost at the end: on a page just read")
+                                 : QStringLiteral("lost at the end: command not done"));
+        break;
+      case State::queued:
+        settle(url, QStringLiteral("lost at the end: waiting"));
+        break;
+      case State::limbo:
+        if (explained_.contains(url)) {
+          settle(url, explained_.value(url));
+        } else {
+          settle(url, QStringLiteral("left the queue by no command that named it"));
+          fault(QStringLiteral("left the queue by no command that named it"), url);
+        }
+        break;
+      case State::loading:
+        settle(url, QStringLiteral("lost at the end: page loading"));
+        break;
+      case State::started:
+        settle(url, QStringLiteral("no end was told"));
+        fault(QStringLiteral("no end was told"), url);
+        break;
+    }
+  }
+}
+
+bool Ledger::print() const {
+  for (const auto& [what, number] : counts_) std::printf("%d\t%s\n", number, qPrintable(what));
+  for (const auto& [what, urls] : faults_) {
+    std::printf("%zu\tFAULT: %s\n", urls.size(), qPrintable(what));
+    for (std::size_t i = 0; i < std::min(urls.size(), kShownOfAKind); ++i) {
+      std::fprintf(stderr, "  %s\n    %s\n", qPrintable(what), qPrintable(urls[i]));
+    }
+  }
+  return faults_.empty();
+}
+
+}  // namespace quillforth::bench

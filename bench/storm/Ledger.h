@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+//
+// What became of each URL of the storm.
+//
+// Every URL is unique, and has one entry from the command that brought it in to the reason it is gone for:
+//
+//   entered ──► queued ◄──► limbo ──► (settled: a command took it out of the queue)
+//      │          │           │
+//      └──────────┴───────────┴────► started ──► (settled: done, failed, cancelled, …)
+//
+// The queue tells nobody why an entry goes. So the ledger compares it with how it was, at every command and
+// every callback: an entry that has gone is in limbo until it is started, waits again, or a removing command
+// that was given before and has come to its end explains it. What nothing explains is a fault. Main thread,
+// except for what says otherwise.
+#pragma once
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "app/Outlets.h"
+
+namespace quillforth::bench {
+
+/// A command that may take entries out of the queue, as it was when it was given.
+struct Removal {
+  QString name;        ///< for the ledger, such as "deleted by a command that named it"
+  bool isAll = false;  ///< whether its rule is to empty the queue
+  QSet<QString> named = {};
+};
+
+class Ledger {
+ public:
+  enum class State { entered, queued, limbo, loading, started, settled };
+  struct Entry {
+    State state = State::entered;
+    int command = 0;             ///< the one that brought it in; 0: a page did
+    bool isOptional = false;     ///< may be refused in silence
+    bool isOverlapping = false;  ///< was under way together with another one
+    bool hasBegun = false;
+    bool isGrowing = false;
+    bool isLink = false;     ///< of a page
+    bool isDoubled = false;  ///< its page was loaded again: all that comes of it is that one fault
+    QString fate;            ///< what it was settled as
+    QStringList history;
+  };
+
+  /// `queue` lives until `watchNoMore`.
+  void watch(const app::TableViewDataSource& queue) { queue_ = &queue; }
+  /// The queue goes.
+  void watchNoMore() { queue_ = nullptr; }
+
+  // Commands.
+  /// The number of a command, for the entries that it brings in.
+  int newCommand() { return ++lastCommand_; }
+  void enter(const QString& url, const QString& by, int command, bool isOptional = false);
+  /// The removal counts from now until `removalDone`.
+  int removalGiven(Removal removal);
+  void removalDone(int number);
+  /// Cancel was pressed while `shown` stood on the screen; null: nothing did.
+  void cancelGiven(const QString& shown);
+  /// An import that waits, or that runs, was given up.
+  void importGivenUp(const QString& url) {
+    note(url, "import given up");
+    givenUp_.insert(url);
+  }
+
+  // What the services see.
+  void sample();
+  void started(const QString& url);
+  void began(const QString& url);
+  /// Its file is there, though not whole.
+  void growing(const QString& url) { entries_[url].isGrowing = true; }
+  void finished(const QString& url, const QString& path);
+  void failed(const QString& url, const QString& reason);
+  void cancelled(const QString& url);
+  void refused(const QString& url) { settle(url, QStringLiteral("makes no URL")); }
+  void notConnected();
+  /// These three from any thread; they count with the next sample.
+  void pageLoading(const QString& url);
+  void pageEnded(const QString& url, bool isRead, const QStringList& links);
+  void enteredByBrowser(const QString& url);
+
+  // The program's end.
+  void quitBegins();
+  [[nodiscard]] bool isQuitting() const { return isQuitting_; }
+
+  /// Everything that was brought in is settled; what is not, is a fault.
+  void settleAtRest();
+  /// What is not settled was lost with the program.
+  void settleAfterEnd();
+  [[nodiscard]] bool isAtRest() const;
+  [[nodiscard]] bool isUnderWay() const { return !underWay_.empty(); }
+  /// A file is being written.
+  [[nodiscard]] bool isFileGrowing() const;
+  /// Entries that a user would miss: those that wait, and those under way.
+  [[nodiscard]] int unfinished() const;
+  [[nodiscard]] const QHash<QString, Entry>& entries() const { return entries_; }
+  [[nodiscard]] bool isQueued(const QString& url) const { return lastQueue_.contains(url); }
+
+  void fault(const QString& what, const QString& url = {});
+  void count(const QString& what, int number = 1) { counts_[what] += number; }
+  /// A line for the histories of the entries that a fault is about.
+  void note(const QString& url, const QString& text);
+  void note(const QString& url, const char* text) { note(url, QLatin1StringView(text)); }
+  void remember(const QString& command);
+  /// Prints counts as "COUNT<TAB>NAME", and faults; true when there was none.
+  [[nodiscard]] bool print() const;
+
+ private:
+  void takePages();
+  void settle(const QString& url, const QString& as);
+  void vanish(const QString& url);
+  [[nodiscard]] QString now() const;
+
+  const app::TableViewDataSource* queue_ = nullptr;
+  QHash<QString, Entry> entries_;
+  QSet<QString> lastQueue_;
+  QString lastHead_;
+  QStringList justVanished_;
+  std::map<int, Removal> removals_;    // those under way
+  QHash<QString, QString> explained_;  // entries in limbo, by the removal that would explain them
+  QSet<QString> underWay_, named_, unseen_, givenUp_;
+  int lastCommand_ = 0;
+  int unnamedLosses_ = 0;
+  bool isQuitting_ = false;
+  QStringList recent_;
+  std::map<QString, int> counts_;
+  std::map<QString, std::vector<QString>> faults_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  std::mutex mutex_;  // guards the one below
+  std::vector<std::function<void()>> fromThreads_;
+};
+
+}  // namespace quillforth::bench
