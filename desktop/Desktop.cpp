@@ -199,6 +199,7 @@ void Desktop::connectCommands() {
   bind(ui.actionStop, ui.stopButton, [this] { giveToAll(&Controller::stop); });
   QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_, [this] {
     addedBeforeImport_ = pacedIntake_.addedCount();
+    if (!importWindow_.urlTextField().text().isEmpty()) clipboard_.forget();
     give(importOutlet_.begin());
   });
   bind(ui.actionTryAgain, ui.tryAgainButton, [this, purpose = ui.actionTryAgain->objectName()] {
@@ -224,6 +225,7 @@ void Desktop::connectCommands() {
 
 // What was asked for before is emptied out with the queue, also where it has not come that far.
 void Desktop::giveToAll(Command command) {
+  clipboard_.forget();
   give([this, command, count = pacedIntake_.addedCount()] {
     pacedIntake_.dropFirst(count);
     (controller_.*command)();
@@ -316,6 +318,7 @@ void Desktop::paste() {
   if (QGuiApplication::platformName() == u"xcb" && !clipboard.ownsClipboard()) {
     clipboard_.read(SelectionSource::pasteboard, [this](const QString& text) { take(PastedURLs::in(text)); });
   } else {
+    clipboard_.forget();
     const QMimeData* data = clipboard.mimeData();
     take(PastedURLs::in(data == nullptr ? QString() : PasteboardText(*data)));
   }

@@ -58,6 +58,8 @@ SelectionReader::SelectionReader() {
   deadline_.setSingleShot(true);
   deadline_.callOnTimeout([this] { helper_.kill(); });
   QObject::connect(&helper_, &QProcess::finished, &deadline_, [this] { finish(); });
+  QObject::connect(QGuiApplication::clipboard(), &QClipboard::changed, &deadline_,
+                   [this] { isOutdated_ = true; });
 }
 
 SelectionReader::~SelectionReader() {
@@ -67,16 +69,24 @@ SelectionReader::~SelectionReader() {
 }
 
 void SelectionReader::read(SelectionSource source, std::function<void(const QString&)> take) {
-  if (helper_.state() != QProcess::NotRunning) return;
+  if (helper_.state() != QProcess::NotRunning && !isOutdated_) return;
+  forget();
+  isOutdated_ = false;
   take_ = std::move(take);
   helper_.start(QCoreApplication::applicationFilePath(), HelperOptions(source));
   deadline_.start(kPatienceInMilliseconds);
 }
 
+void SelectionReader::forget() {
+  take_ = nullptr;
+  helper_.kill();
+  helper_.waitForFinished();
+}
+
 void SelectionReader::finish() {
   deadline_.stop();
   const auto take = std::exchange(take_, nullptr);
-  take(TextOf(helper_).value_or(QString()));
+  if (take) take(TextOf(helper_).value_or(QString()));
 }
 
 std::optional<QString> ReadClipboard() {

@@ -32,14 +32,17 @@ class SelectionReader final {
 
   /// Calls `take` with the text, later; with null when there is none, or it is longer than any URL (what is
   /// pasted: than PastedURLs takes), or its owner hangs. While one text is being read, another wish for it is
-  /// the same wish.
+  /// the same wish, unless a text was selected or copied since: then it takes the place of the first.
   void read(SelectionSource source, std::function<void(const QString& text)> take);
+  /// Ends the helper; what was being read is not taken.
+  void forget();
 
  private:
   void finish();
 
   QProcess helper_;
   QTimer deadline_;
+  bool isOutdated_ = false;  // there is another text than the one that is being read
   std::function<void(const QString&)> take_;
 };
 
