@@ -98,6 +98,13 @@ bool BracketsHoldAddress(const QString& text) {
          (end + 1 == host.size() || host[end + 1] == u':') && IsAddressLiteral(host.sliced(1, end - 1));
 }
 
+// What stands before its "@" is no user of a server, and holds no password.
+bool IsMailAddress(QStringView text) {
+  constexpr QStringView kScheme(u"mailto:");
+  if (!text.startsWith(kScheme, Qt::CaseInsensitive)) return false;
+  return FindAnyOf(text, u":/\\", kScheme.size()) == text.size();
+}
+
 }  // namespace
 
 std::optional<URL> URL::URLWithString(const QString& text) {
@@ -159,6 +166,7 @@ bool CanBeFetched(const URL& url) {
 }
 
 QString WithoutCredentials(const QString& text) {
+  if (IsMailAddress(text)) return text;
   const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
   const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';
   const qsizetype slashes = hasScheme ? schemeEnd + 1 : 0;

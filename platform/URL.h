@@ -53,7 +53,7 @@ class URL {
 ///
 /// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host"
 /// and "user:password@host"; and so does a password that holds a "/", a "?" or a "#", where no port can be
-/// meant. Better a mangled text than a shown password.
+/// meant. Better a mangled text than a shown password. Only "mailto:user@host" stays as it is.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
 
 }  // namespace quillforth::platform
