@@ -2,8 +2,8 @@
 //
 // A window as the controller's outlet: how it comes forward, and its sheets.
 //
-// Sheets block their window only, and come one after the other; nobody waits for them. While one is open
-// commands wait and downloads go on. Main thread.
+// Sheets block their window only, and come one after the other; nobody waits for them. Downloads go on while
+// one is open; commands wait for those only that the user has opened. Main thread.
 #pragma once
 
 #include <QDialog>
