@@ -21,16 +21,19 @@ namespace quillforth::desktop {
 
 namespace {
 
-QString ShownURL(const QString& text) {
-  constexpr qsizetype kLongestShown = 200;
-  return ShownText(platform::WithoutCredentials(text), kLongestShown);
+QString ShownURL(const QString& text, qsizetype limit) {
+  return ShownText(platform::WithoutCredentials(text), limit);
 }
 
-// A line each. The texts may be anything, and as many.
+// A line each. The texts may be anything, and as many; the sheet has to fit the screen, also where most of
+// the characters are escapes.
 QString ShownURLs(const QStringList& texts) {
-  constexpr qsizetype kMostShown = 15;
+  constexpr qsizetype kMostShown = 8;
+  constexpr qsizetype kLongestShown = 80;
   QStringList lines;
-  for (const QString& text : texts.first(std::min(texts.size(), kMostShown))) lines.append(ShownURL(text));
+  for (const QString& text : texts.first(std::min(texts.size(), kMostShown))) {
+    lines.append(ShownText(ShownURL(text, kLongestShown), kLongestShown));
+  }
   if (texts.size() > kMostShown) lines.append(QStringLiteral("…"));
   return lines.join(u'\n');
 }
@@ -260,9 +263,10 @@ void Desktop::chooseDestination() {
 
 void Desktop::tellOfUnusable(const QStringList& texts) {
   constexpr qsizetype kMaxLogged = 100;
+  constexpr qsizetype kLongestLogged = 200;
   for (const QString& text : texts.first(std::min(texts.size(), kMaxLogged))) {
-    host_.log->log(
-        QStringLiteral("Quillforth takes %1: %2").arg(QLatin1StringView(kUnusableURI), ShownURL(text)));
+    host_.log->log(QStringLiteral("Quillforth takes %1: %2")
+                       .arg(QLatin1StringView(kUnusableURI), ShownURL(text, kLongestLogged)));
   }
   statusOutlet_.beginAlertSheet(
       StatusWindow::tr("Not everything could be taken."),
@@ -334,8 +338,11 @@ void Desktop::take(const PastedURLs& pasted) {
   const QStringList taken = pasted.entries + pasted.urls + linkFiles;
   const std::shared_ptr<const QString> given = begin(QStringLiteral("paste ") + taken.join(u'\n'));
   if (!given) return;
-  if (taken.isEmpty() || !pacedIntake_.hasRoom(static_cast<std::size_t>(SizeOf(taken)))) {
-    return tellRefused(refused + taken);
+  if (taken.isEmpty()) return tellRefused(refused);
+  if (!pacedIntake_.hasRoom(static_cast<std::size_t>(SizeOf(taken)))) {
+    return statusOutlet_.beginAlertSheet(
+        StatusWindow::tr("That is too much at a time."),
+        StatusWindow::tr("Nothing was taken. Paste fewer lines, or wait until those before are taken."));
   }
   const auto add = [this, given](const QStringList& texts, const PacedIntake::Item& item) {
     if (texts.isEmpty()) return;

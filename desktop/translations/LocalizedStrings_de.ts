@@ -815,6 +815,14 @@
         <translation>Lädt Dateien stapelweise aus dem Web herunter.</translation>
     </message>
     <message>
+        <source>That is too much at a time.</source>
+        <translation>Das ist zu viel auf einmal.</translation>
+    </message>
+    <message>
+        <source>Nothing was taken. Paste fewer lines, or wait until those before are taken.</source>
+        <translation>Nichts wurde übernommen. Fügen Sie weniger Zeilen ein, oder warten Sie, bis die vorigen übernommen sind.</translation>
+    </message>
+    <message>
         <source>Paste takes http, https and ftp URLs, one a line.</source>
         <translation>Eingefügt werden URLs mit http, https und ftp, eine je Zeile.</translation>
     </message>

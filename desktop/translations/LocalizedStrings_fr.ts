@@ -815,6 +815,14 @@
         <translation>Télécharge des fichiers du web par lots.</translation>
     </message>
     <message>
+        <source>That is too much at a time.</source>
+        <translation>C’est trop à la fois.</translation>
+    </message>
+    <message>
+        <source>Nothing was taken. Paste fewer lines, or wait until those before are taken.</source>
+        <translation>Rien n’a été accepté. Collez moins de lignes, ou attendez que les précédentes soient acceptées.</translation>
+    </message>
+    <message>
         <source>Paste takes http, https and ftp URLs, one a line.</source>
         <translation>Le collage accepte les URL http, https et ftp, une par ligne.</translation>
     </message>

@@ -277,6 +277,17 @@ TEST_F(CommandsTest, PasteTakesAURLALineAndSaysWhatItRefuses) {
   sheet->accept();
 }
 
+TEST_F(CommandsTest, PasteSaysWhenItIsTooMuch) {
+  QApplication::clipboard()->setText(QStringLiteral("http://a.test/\n").repeated(250'000));
+  trigger("actionPaste");
+  auto* sheet = window().findChild<QMessageBox*>();
+  ASSERT_NE(sheet, nullptr);
+  EXPECT_FALSE(sheet->text().contains(QStringLiteral("http")));
+  EXPECT_FALSE(sheet->informativeText().contains(QStringLiteral("a.test")));
+  EXPECT_EQ(work(), "|");
+  sheet->accept();
+}
+
 TEST_F(CommandsTest, WhatIsCopiedFromTheQueueComesBackAsItStood) {
   fillQueue();
   desktop_.controller().queueURL(QStringLiteral("no url"));
