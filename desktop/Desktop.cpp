@@ -265,8 +265,8 @@ void Desktop::tellOfUnusable(const QStringList& texts) {
   constexpr qsizetype kMaxLogged = 100;
   constexpr qsizetype kLongestLogged = 200;
   for (const QString& text : texts.first(std::min(texts.size(), kMaxLogged))) {
-    host_.log->log(QStringLiteral("Quillforth takes %1: %2")
-                       .arg(QLatin1StringView(kUnusableURI), ShownURL(text, kLongestLogged)));
+    host_.log->log(QStringLiteral("Quillforth cannot take %1: %2")
+                       .arg(ShownURL(text, kLongestLogged), QLatin1StringView(kUnusableURI)));
   }
   statusOutlet_.beginAlertSheet(
       StatusWindow::tr("Not everything could be taken."),
