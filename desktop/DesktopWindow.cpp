@@ -20,6 +20,7 @@ void DesktopWindow::makeKeyAndOrderFront() {
   const QWidget* active = QApplication::activeWindow();
   const bool isNew = !window_.isVisible();
   if (isNew) window_.show();
+  if (window_.parentWidget() != nullptr && window_.isMinimized()) window_.showNormal();
   if (!isNew && (window_.isMinimized() || active == nullptr)) return;
   window_.raise();
   if (active == nullptr || active->parentWidget() != &window_) window_.activateWindow();
@@ -28,8 +29,15 @@ void DesktopWindow::makeKeyAndOrderFront() {
 void DesktopWindow::orderFrontForNewWork() {
   const bool isInFront = QApplication::activeWindow() != nullptr && !window_.isMinimized();
   if (isInFront || !window_.isVisible()) return makeKeyAndOrderFront();
-  if (window_.isMinimized()) RestoreWithoutKeyboard(window_);
+  const bool wasMinimized = window_.isMinimized();
+  if (wasMinimized) RestoreWithoutKeyboard(window_);
   window_.raise();
+  if (!wasMinimized) return;
+  for (QDialog* dialog : window_.findChildren<QDialog*>(Qt::FindDirectChildrenOnly)) {
+    if (!dialog->isVisible()) continue;
+    if (dialog->isMinimized()) RestoreWithoutKeyboard(*dialog);
+    dialog->raise();
+  }
 }
 
 void DesktopWindow::beginAlertSheet(const QString& title, const QString& message) {

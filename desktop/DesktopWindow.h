@@ -28,11 +28,12 @@ class DesktopWindow : public app::Window {
   DesktopWindow& operator=(const DesktopWindow&) = delete;
 
   /// A window comes forward among those of the program. It takes the keyboard neither from another program
-  /// nor from a dialog of this one, and one that the user has minimised stays so: this comes with every
-  /// file. Whoever wants more activates the application first.
+  /// nor from a dialog of this one. The main window, when the user has minimised it, stays so: this comes
+  /// with every file, while a dialog is shown when the user asks for it. Whoever wants more activates the
+  /// application first.
   void makeKeyAndOrderFront() override;
-  /// Shows the window above the others, also when it was minimised, and leaves the keyboard where it is: as
-  /// far as the window system lets a program do this.
+  /// Shows the window above the others, also when it was minimised, then with its dialogs, and leaves the
+  /// keyboard where it is: as far as the window system lets a program do this.
   void orderFrontForNewWork() override;
   void orderOut() override { window_.hide(); }
   void beginAlertSheet(const QString& title, const QString& message) override;
