@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <QGuiApplication>
+#include <QWindow>
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -151,7 +152,8 @@ void ActivateWindow(QWidget& window) {
 
 // A window manager gives the keyboard to a window that is only restored. So this one is withdrawn
 // (Inter-Client Communication Conventions, section 4.1.4), and comes back as one that nobody has asked for:
-// "_NET_WM_USER_TIME" of the Extended Window Manager Hints is 0.
+// "_NET_WM_USER_TIME" of the Extended Window Manager Hints is 0. It asks for its old place, or it would be
+// given a new one.
 void RestoreWithoutKeyboard(QWidget& window) {
   if (const std::optional<Screen> screen = X11Screen()) {
     xcb_unmap_notify_event_t message{};
@@ -165,6 +167,7 @@ void RestoreWithoutKeyboard(QWidget& window) {
     xcb_change_property(screen->connection, XCB_PROP_MODE_REPLACE, message.window,
                         Atom(*screen, "_NET_WM_USER_TIME"), XCB_ATOM_CARDINAL, 32, 1, &kNobody);
   }
+  window.windowHandle()->setFramePosition(window.pos());
   window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
 }
 
