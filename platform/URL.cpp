@@ -45,10 +45,10 @@ bool IsAddressLiteral(QStringView text) {
 // Whether what looks like a port in an authority cannot be one; then it is the beginning of a password that
 // holds a delimiter.
 bool HasImpossiblePort(QStringView authority) {
-  if (authority.contains(u'@')) return false;
-  const qsizetype colon = authority.lastIndexOf(u':');
-  if (colon < authority.lastIndexOf(u']')) return false;
-  const QStringView port = authority.sliced(colon + 1);
+  const QStringView host = authority.sliced(authority.lastIndexOf(u'@') + 1);
+  if (host.startsWith(u'[') && host.endsWith(u']')) return false;
+  const qsizetype colon = host.lastIndexOf(u':');
+  const QStringView port = host.sliced(colon + 1);
   bool isNumber = false;
   static_cast<void>(port.toUShort(&isNumber));
   return colon >= 0 && !port.isEmpty() && !isNumber;
