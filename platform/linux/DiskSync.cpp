@@ -18,6 +18,9 @@ namespace quillforth::platform {
 
 namespace {
 
+// Between two looks at a process that there was no descriptor for.
+constexpr std::chrono::milliseconds kPause(20);
+
 // Keeps nothing of the program's open: no lock, no pipe that somebody reads to its end. `items` is sorted.
 [[noreturn]] void SyncAndExit(FileCalls& calls, const std::vector<int>& items) {
   int next = 0;
@@ -54,11 +57,13 @@ int DiskSync::finish(FileCalls& calls, std::chrono::milliseconds limit) {
   const auto deadline = std::chrono::steady_clock::now() + limit;
   while (advance(calls)) {
     const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        std::max(std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()),
+                 std::chrono::milliseconds::zero());
+    const auto pause = end_.isOpen() ? left : std::min(left, kPause);
     pollfd end{end_.get(), POLLIN, 0};
-    const int count =
-        ::poll(&end, 1, static_cast<int>(std::max(left.count(), std::chrono::milliseconds::rep{0})));
-    if (count <= 0) return count == 0 ? ETIME : errno;
+    const int count = ::poll(&end, 1, static_cast<int>(pause.count()));
+    if (count < 0) return errno;
+    if (count == 0 && pause == left) return ETIME;
   }
   return error_;
 }

@@ -42,7 +42,7 @@ class DiskSync {
   std::mutex mutex_;
   std::map<dev_t, FileDescriptor> waiting_;  // under the mutex
   pid_t process_ = 0;                        // 0: none
-  FileDescriptor end_;                       // of the process: readable then
+  FileDescriptor end_;                       // of the process: readable then; none where there were too many
   int error_ = 0;                            // the latest
 };
 

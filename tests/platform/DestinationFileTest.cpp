@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -205,6 +206,13 @@ TEST_F(DestinationFileTest, TheDisksAreWaitedForAndTheirFaultsAndSlownessTold) {
   for (const char* name : {"b", "c"}) ASSERT_EQ(store(name, "text"), 0);
   EXPECT_EQ(disks.finish(calls, std::chrono::milliseconds(10)), ETIME);
   EXPECT_EQ(disks.finish(calls, kLong), 0);
+  ASSERT_EQ(store("e", "text"), 0);
+  rlimit usual{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const rlimit full{1, usual.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &full), 0);
+  EXPECT_EQ(disks.finish(calls, kLong), 0) << "without a descriptor to wait on";
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
   calls.syncError = EIO;
   ASSERT_EQ(store("d", "text"), 0);
   EXPECT_EQ(disks.finish(calls, kLong), EIO);
