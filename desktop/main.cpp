@@ -82,8 +82,20 @@ void LeaveHungBuses() {
   }
 }
 
+// Qt goes on where it has got no thread, and waits for it without an end.
+void EndIfThreadIsMissing(const QString& message) {
+  if (message.startsWith(u"QThread::start: Thread creation error")) host::EndWithoutThread();
+}
+
+void PrintMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  EndIfThreadIsMissing(message);
+  const QString line = qFormatLogMessage(type, context, message);
+  if (!line.isNull()) std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
+}
+
 // Qt ends the program with a core dump where there is no display; this says it in a line.
-void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
+void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+  EndIfThreadIsMissing(message);
   if (type != QtFatalMsg) return;
   std::fputs("quillforth: there is no display to open a window on; quillforth-cli works in a terminal\n",
              stderr);
@@ -247,6 +259,7 @@ int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
 }
 
 int Run(const Arguments& arguments, int argc, char** argv) {
+  qInstallMessageHandler(&PrintMessage);
   if (!HasDisplay()) EndWithoutDisplay(QtFatalMsg, {}, {});
   if (arguments.printed) return RunSelectionHelper(*arguments.printed, argc, argv);
   const Request request = RequestOf(arguments);
@@ -268,11 +281,11 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   }
   LeaveHungBuses();
   const platform::Interruption interruption;
-  const QtMessageHandler usual = qInstallMessageHandler(&EndWithoutDisplay);
+  qInstallMessageHandler(&EndWithoutDisplay);
   // The desktop's own place for menus is on the bus, where whoever has it can keep the toolkit waiting.
   QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
   QApplication application(argc, argv);
-  qInstallMessageHandler(usual);
+  qInstallMessageHandler(&PrintMessage);
   DescribeApplication();
 
   const LocalizedStrings strings;

@@ -62,4 +62,8 @@ void EndInALineWhenExhausted() {
   std::set_terminate(&EndWithUncaughtException);
 }
 
+void EndWithoutThread() {
+  EndWith("the system has no further thread to give");
+}
+
 }  // namespace quillforth::host

@@ -12,4 +12,7 @@ namespace quillforth::host {
 /// First thing in main().
 void EndInALineWhenExhausted();
 
+/// For whoever learns in another way that there is no thread. Any thread.
+[[noreturn]] void EndWithoutThread();
+
 }  // namespace quillforth::host
