@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "platform/PrintableText.h"
+
 namespace quillforth::desktop {
 
 namespace {
@@ -45,7 +47,8 @@ std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> argume
     std::ostringstream errors;
     const bool isAnswer = parser.exit(error, results, errors) == 0;
     if (isAnswer) return Answer{results.str(), 0};
-    return Answer{"quillforth: " + std::string(error.what()) + "\nSee quillforth --help.\n", kExitUsage};
+    const QString fault = platform::Printable(QString::fromUtf8(error.what()));
+    return Answer{"quillforth: " + fault.toStdString() + "\nSee quillforth --help.\n", kExitUsage};
   }
   return parsed;
 }

@@ -29,6 +29,7 @@
 #include "host/AssumedNetwork.h"
 #include "host/Exhaustion.h"
 #include "host/LinuxHost.h"
+#include "platform/PrintableText.h"
 #include "platform/linux/Interruption.h"
 #include "platform/linux/LinuxSessionAccessibility.h"
 #include "platform/linux/MessageBus.h"
@@ -119,7 +120,8 @@ Request RequestOf(const Arguments& arguments) {
     if (const std::optional<QString> uri = URIOfArgument(argument)) {
       request.texts.append(*uri);
     } else {
-      const QString shown = platform::WithoutCredentials(QString::fromStdString(argument));
+      const QString shown =
+          platform::Printable(platform::WithoutCredentials(QString::fromStdString(argument)));
       std::fprintf(stderr, "quillforth: %s: %s\n", shown.toLocal8Bit().constData(), kUnusableURI);
     }
   }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/PrintableText.h"
 #include "terminal/HelpText.h"
 
 namespace quillforth::terminal {
@@ -104,8 +105,9 @@ Command TakeCommand(Parser& parser) {
 
 Answer UsageError(const std::string& command, const std::string& message) {
   const std::string program = command.empty() ? "quillforth-cli" : "quillforth-cli " + command;
+  const std::string shown = platform::Printable(QString::fromStdString(message)).toStdString();
   return {.results = {},
-          .errors = program + ": " + message + "\nTry '" + program + " --help'.\n",
+          .errors = program + ": " + shown + "\nTry '" + program + " --help'.\n",
           .exitStatus = kExitUsage};
 }
 

@@ -46,10 +46,7 @@ QByteArray FailedLine(const QString& url, const QString& reason) {
 }
 
 QByteArray NoticeText(const QString& message) {
-  QByteArray text("quillforth-cli: ");
-  const QStringList lines = message.split(u'\n');
-  for (const QString& line : lines) text.append(Printable(line).toUtf8()).append('\n');
-  return text;
+  return "quillforth-cli: " + Printable(message).toUtf8() + '\n';
 }
 
 QString SummaryNotice(const Summary& summary) {

@@ -92,7 +92,7 @@ class JsonReporter final : public Reporter {
 /// The lines of a LineReporter, without their newlines.
 [[nodiscard]] QByteArray DoneLine(const QString& url, const QString& path);
 [[nodiscard]] QByteArray FailedLine(const QString& url, const QString& reason);
-/// What standard error gets: "quillforth-cli: " and the message, line ends kept, all else made harmless.
+/// What standard error gets: "quillforth-cli: " and the message, made one harmless line.
 [[nodiscard]] QByteArray NoticeText(const QString& message);
 /// What is worth saying at the end; empty when the lines before, or the user, have said it all.
 [[nodiscard]] QString SummaryNotice(const Summary& summary);

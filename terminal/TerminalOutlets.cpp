@@ -76,7 +76,7 @@ void TerminalApplication::beep() {
 app::AlertResult TerminalApplication::runModalAlert(const app::Alert& alert) {
   const bool isQuestion = !alert.alternateButton.isNull();
   QString text = alert.messageText;
-  if (!isQuestion && !alert.informativeText.isEmpty()) text += u'\n' + alert.informativeText;
+  if (!isQuestion && !alert.informativeText.isEmpty()) text += QStringLiteral(" ") + alert.informativeText;
   reporter_.notice(text);
   return isQuestion ? app::AlertResult::alternateButton : app::AlertResult::defaultButton;
 }

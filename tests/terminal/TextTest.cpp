@@ -70,11 +70,12 @@ TEST(Reporter, LinesHoldHostileTextsHarmlessly) {
   LineReporter lines(output, output);
   lines.fileDidFinish(QStringLiteral("http://h/a"), QStringLiteral("/tmp/\u00e9\n.jpg"), 5);
   lines.didFail(QStringLiteral("bad url"), QStringLiteral("no\n\u001b]0;title\u0007 \u202e"));
+  lines.notice(QStringLiteral("no\nquillforth-cli: all is well"));
   char written[4096] = {};
   EXPECT_GT(::read(ends[0], written, sizeof written - 1), 0);
-  EXPECT_STREQ(
-      written,
-      "done http://h/a -> /tmp/\u00e9\\x0a.jpg\nfailed bad url: no\\x0a\\x1b]0;title\\x07 \\u202e\n");
+  EXPECT_STREQ(written,
+               "done http://h/a -> /tmp/\u00e9\\x0a.jpg\nfailed bad url: no\\x0a\\x1b]0;title\\x07 \\u202e\n"
+               "quillforth-cli: no\\x0aquillforth-cli: all is well\n");
   ::close(ends[0]);
   ::close(ends[1]);
 }
