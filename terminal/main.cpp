@@ -158,12 +158,12 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const platform::Interruption interruption;
   Output results(STDOUT_FILENO, interruption.descriptor());
   Output errors(STDERR_FILENO, interruption.descriptor());
+  const QStringList urls = UsableURLs(arguments.urls, errors);
+  if (urls.isEmpty()) return kExitUsage;
   GetOptions options;
   if (const auto error = TakeOptions(arguments, options)) return Complain(*error, "get", errors);
 
   UseUTF8Locale();
-  const QStringList urls = UsableURLs(arguments.urls, errors);
-  if (urls.isEmpty()) return kExitUsage;
   int argumentCount = 1;
   char name[] = "quillforth-cli";
   char* names[] = {name, nullptr};

@@ -62,6 +62,9 @@ TEST_F(Get, EveryURLOfAMixedRunHasItsOutcome) {
   EXPECT_EQ(files(), (std::map<std::string, std::string>{
                          {"a.jpg", "a"}, {"b.zip", "b"}, {"c.jpg", "c"}, {"d.zip", "d"}, {"e.jpg", "e"}}));
   EXPECT_EQ((outcome.output + outcome.errors).find("secret"), std::string::npos);
+
+  EXPECT_EQ(run({"get", "--to", inRoot("new"), "mailto:a"}).exitStatus, 2);
+  EXPECT_FALSE(std::filesystem::exists(inRoot("new")));
 }
 
 TEST_F(Get, AnAddressOfIPv6IsAHostEverywhere) {
