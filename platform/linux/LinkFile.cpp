@@ -45,25 +45,39 @@ std::optional<QByteArrayView> TakeLine(QByteArrayView& rest) {
   return line.trimmed();
 }
 
+struct Name {
+  QByteArrayView text;
+  bool mayHoldVariables = false;  // what is under it
+};
+
+// Of a key or a group, without the flags of KDE after it: what is under "name[$i]" is not to be changed, the
+// value of "name[$e]" may hold variables. Unknown flags stay.
+Name NameWithoutFlags(QByteArrayView text) {
+  Name name{text};
+  while (name.text.endsWith(']')) {
+    const qsizetype mark = name.text.lastIndexOf("[$");
+    if (mark < 0) break;
+    const QByteArrayView flags = name.text.sliced(mark + 2).chopped(1);
+    const bool isKnown = std::all_of(flags.begin(), flags.end(), [](char c) { return c == 'e' || c == 'i'; });
+    if (!isKnown) break;
+    name.mayHoldVariables |= flags.contains('e');
+    name.text.truncate(mark);
+  }
+  return name;
+}
+
 struct Value {
   QByteArrayView text;
   bool mayHoldVariables;
 };
 
-// What `line` says of `key`. The key may have flags of KDE after it: "key[$i]" is not to be changed, the
-// value of "key[$e]" may hold variables.
+// What `line` says of `key`.
 std::optional<Value> ValueOf(QByteArrayView line, QByteArrayView key, Qt::CaseSensitivity letterCase) {
   const qsizetype equals = line.indexOf('=');
   if (equals < 0) return std::nullopt;
-  QByteArrayView name = line.first(equals).trimmed();
-  QByteArrayView flags;
-  if (const qsizetype mark = name.indexOf("[$"); mark >= 0 && name.endsWith(']')) {
-    flags = name.sliced(mark + 2).chopped(1);
-    name.truncate(mark);
-  }
-  const bool isKnown = std::all_of(flags.begin(), flags.end(), [](char c) { return c == 'e' || c == 'i'; });
-  if (!isKnown || name.compare(key, letterCase) != 0) return std::nullopt;
-  return Value{line.sliced(equals + 1).trimmed(), flags.contains('e')};
+  const Name name = NameWithoutFlags(line.first(equals).trimmed());
+  if (name.text.compare(key, letterCase) != 0) return std::nullopt;
+  return Value{line.sliced(equals + 1).trimmed(), name.mayHoldVariables};
 }
 
 // The first value of `key` in the first group with the header `group`.
@@ -73,7 +87,7 @@ std::optional<Value> ValueInGroup(QByteArrayView text, QByteArrayView group, QBy
   while (const std::optional<QByteArrayView> line = TakeLine(text)) {
     if (line->startsWith('[')) {
       if (inGroup) return std::nullopt;
-      inGroup = line->compare(group, letterCase) == 0;
+      inGroup = NameWithoutFlags(*line).text.compare(group, letterCase) == 0;
     } else if (inGroup) {
       if (std::optional<Value> value = ValueOf(*line, key, letterCase)) return value;
     }
@@ -83,7 +97,8 @@ std::optional<Value> ValueInGroup(QByteArrayView text, QByteArrayView group, QBy
 
 QByteArrayView FirstGroup(QByteArrayView text) {
   while (const std::optional<QByteArrayView> line = TakeLine(text)) {
-    if (!line->isEmpty() && !line->startsWith('#') && !line->startsWith(';')) return *line;
+    const QByteArrayView name = NameWithoutFlags(*line).text;  // none where the flags are the whole file's
+    if (!name.isEmpty() && !name.startsWith('#') && !name.startsWith(';')) return name;
   }
   return {};
 }

@@ -8,8 +8,9 @@
 //                      "URL=…"
 //
 // Text is UTF-8 or UTF-16, with or without a byte-order mark, and its lines may end in LF, CR LF or CR. Keys
-// with a locale, "URL[de]", are other keys. KDE marks a value as one with variables, "URL[$e]": none is
-// looked up here and no command is run, but "$$" is one "$". Bytes may be anything; pure, any thread.
+// with a locale, "URL[de]", are other keys. KDE puts flags after keys and groups, "[Desktop Entry][$i]",
+// and marks a value as one with variables, "URL[$e]": none is looked up here and no command is run, but "$$"
+// is one "$". Bytes may be anything; pure, any thread.
 #pragma once
 
 #include <QByteArray>
