@@ -65,7 +65,7 @@ Parser::Parser()
   links->add_option("--url", linksArguments.url)->excludes(baseOption);
   CLI::Option* nullFlag = links->add_flag("--null", linksArguments.null);
   links->add_flag("--with-filename", linksArguments.withFilename)->needs(nullFlag);
-  links->add_option("SOURCE", linksArguments.sources)->required();
+  links->add_option("FILE", linksArguments.sources)->required();
 
   classify->add_option("URL", classifyArguments.urls)->required();
 
