@@ -22,7 +22,9 @@ BusLoop::BusLoop(sd_bus& bus, std::function<void()> lost)
 }
 
 void BusLoop::processOne() {
+  if (isDrained_) busySince_ = std::chrono::steady_clock::now();
   const int done = sd_bus_process(&bus_, nullptr);
+  isDrained_ = done == 0;
   const int events = done < 0 ? 0 : sd_bus_get_events(&bus_);
   const bool mustWrite = events > 0 && (events & POLLOUT) != 0;
   writable_.setEnabled(mustWrite);

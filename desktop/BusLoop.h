@@ -10,6 +10,7 @@
 
 #include <QSocketNotifier>
 #include <QTimer>
+#include <chrono>
 #include <functional>
 
 namespace quillforth::desktop {
@@ -21,6 +22,9 @@ class BusLoop final {
   BusLoop(const BusLoop&) = delete;
   BusLoop& operator=(const BusLoop&) = delete;
 
+  /// When all was read that had come: the message that is handled came no earlier.
+  [[nodiscard]] std::chrono::steady_clock::time_point busySince() const { return busySince_; }
+
  private:
   void processOne();
 
@@ -28,6 +32,8 @@ class BusLoop final {
   std::function<void()> lost_;
   QSocketNotifier readable_;
   QSocketNotifier writable_;
+  bool isDrained_ = true;
+  std::chrono::steady_clock::time_point busySince_;
   QTimer next_;  // zero seconds: a message may have been read already
 };
 

@@ -44,6 +44,8 @@ class BusService final {
   /// Asks the instance that has the name, once `begin` has said that there is one. True when it has taken
   /// `request`, which is one that a command line can make; false also when it does not answer in this time.
   [[nodiscard]] bool handOver(const Request& request, std::chrono::microseconds patience);
+  /// The call that is handled came no earlier.
+  [[nodiscard]] std::chrono::steady_clock::time_point busySince() const { return loop_->busySince(); }
   /// Stands in for nobody any more.
   void stay();
 

@@ -163,15 +163,27 @@ enum class Role {
 /// becomes the instance when there is none any more.
 class StandIn final : public RequestHandler {
  public:
-  StandIn(RequestHandler& own, platform::SingleInstance& instance, std::function<void()> becomeInstance)
-      : own_(own), instance_(instance), becomeInstance_(std::move(becomeInstance)) {}
+  using TimePoint = std::chrono::steady_clock::time_point;
+
+  /// `busySince`: when a request can have come at the earliest. It may have waited behind others.
+  StandIn(RequestHandler& own, platform::SingleInstance& instance, std::function<TimePoint()> busySince,
+          std::function<void()> becomeInstance)
+      : own_(own),
+        instance_(instance),
+        busySince_(std::move(busySince)),
+        becomeInstance_(std::move(becomeInstance)) {}
 
   [[nodiscard]] Answer take(const Request& request) override {
     if (isInstance_) return own_.take(request);
+    using std::chrono::milliseconds;
+    const auto left =
+        std::chrono::floor<milliseconds>(busySince_() + kStandInPatience - TimePoint::clock::now());
     Request handedOver = request;
-    handedOver.handOver = NewHandOver(kStandInPatience);
+    if (request.handOver.identity.isEmpty()) handedOver.handOver = NewHandOver(left);
+    if (IsLate(handedOver.handOver)) return Answer::isLate;
     using Outcome = platform::SingleInstance::Outcome;
-    switch (instance_.begin(LineOfRequest(handedOver).toStdString(), kStandInPatience + kAnswerTime)) {
+    switch (instance_.begin(LineOfRequest(handedOver).toStdString(),
+                            std::max(left, milliseconds::zero()) + kAnswerTime)) {
       case Outcome::handedOver:
         return Answer::taken;
       case Outcome::noAnswer:
@@ -181,12 +193,13 @@ class StandIn final : public RequestHandler {
     }
     isInstance_ = true;
     becomeInstance_();
-    return own_.take(request);
+    return own_.take(handedOver);
   }
 
  private:
   RequestHandler& own_;
   platform::SingleInstance& instance_;
+  std::function<TimePoint()> busySince_;
   std::function<void()> becomeInstance_;
   bool isInstance_ = false;
 };
@@ -234,10 +247,12 @@ int RunInstance(Desktop& desktop, RequestIntake& intake, const Request& request,
                 platform::SingleInstance& instance, Role role) {
   InstanceServer server(intake);
   std::optional<BusService> bus;
-  StandIn standIn(intake, instance, [&] {
-    Listen(server, instance);
-    bus->stay();
-  });
+  StandIn standIn(
+      intake, instance, [&] { return bus->busySince(); },
+      [&] {
+        Listen(server, instance);
+        bus->stay();
+      });
   if (role == Role::standIn) {
     bus.emplace(standIn, [&desktop] { desktop.quit(); });
   } else {
