@@ -126,7 +126,16 @@ common::Status SharedMimeInfo::getPrefHandle(std::string_view key) {
   if (key != "Mapping") return common::kFileNotFound;
   globs_.clear();
   std::set<std::string, std::less<>> hiddenTypes;
-  for (const std::filesystem::path& folder : DataFolders()) readFolder(folder, hiddenTypes);
+  const std::vector<std::filesystem::path> folders = DataFolders();
+  std::ptrdiff_t own = 0;  // globs of the user's folder
+  for (const std::filesystem::path& folder : folders) {
+    readFolder(folder, hiddenTypes);
+    if (folder == folders.front()) own = static_cast<std::ptrdiff_t>(globs_.size());
+  }
+  // Text matters less than its equals: a file that is taken for a page is not downloaded.
+  const auto isNoText = [](const Glob& glob) { return !IsText(glob.type); };
+  std::stable_partition(globs_.begin(), globs_.begin() + own, isNoText);
+  std::stable_partition(globs_.begin() + own, globs_.end(), isNoText);
   // What was read first matters most, so it comes last among equals.
   std::reverse(globs_.begin(), globs_.end());
   std::stable_sort(globs_.begin(), globs_.end(),
@@ -134,13 +143,11 @@ common::Status SharedMimeInfo::getPrefHandle(std::string_view key) {
   return common::kNoError;
 }
 
-// A type with the pattern "__NOGLOBS__" hides its patterns in all folders that matter less. In one folder
-// text matters less than its equals: a file that is taken for a page is not downloaded.
+// A type with the pattern "__NOGLOBS__" hides its patterns in all folders that matter less.
 void SharedMimeInfo::readFolder(const std::filesystem::path& folder,
                                 std::set<std::string, std::less<>>& hiddenTypes) {
   const std::string text = ReadFile(folder / "mime/globs2");
   std::vector<std::string> newlyHidden;
-  const auto first = static_cast<std::ptrdiff_t>(globs_.size());
   for (std::string_view left = text; !left.empty();) {
     const std::optional<GlobLine> line = ParseLine(TakeField(left, '\n'));
     if (!line) continue;
@@ -149,8 +156,6 @@ void SharedMimeInfo::readFolder(const std::filesystem::path& folder,
     if (extension.empty() || globs_.size() >= kMaxEntries || hiddenTypes.contains(line->type)) continue;
     globs_.push_back({line->weight, std::string(extension), std::string(line->type)});
   }
-  std::stable_partition(globs_.begin() + first, globs_.end(),
-                        [](const Glob& glob) { return !IsText(glob.type); });
   hiddenTypes.insert(newlyHidden.begin(), newlyHidden.end());
 }
 

@@ -33,9 +33,9 @@ class SharedMimeInfo final : public InternetConfigComponent {
   [[nodiscard]] common::Status begin(ICPermission permission) override;
   common::Status end() override;
   /// Only "Mapping" exists. Its records are ordered so that of several for one extension the last is the type
-  /// to pick: by weight, then the user's own folder after the system's, then what is no text after what is,
-  /// then backwards through each file. So ".ts", a video as well as a translation by the same weight, is a
-  /// video.
+  /// to pick: by weight, then the user's own folder after all others, then what is no text after what is,
+  /// then backwards through the folders and each file. So ".ts", a video as well as a translation by the same
+  /// weight, is a video.
   [[nodiscard]] common::Status getPrefHandle(std::string_view key) override;
   void disposeHandle() override { globs_.clear(); }
   [[nodiscard]] common::Status countMapEntries(std::int32_t& count) override;
