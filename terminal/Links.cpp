@@ -87,8 +87,7 @@ void AppendLine(QByteArray& portion, std::string_view url) {
 }  // namespace
 
 bool IsWebSource(const std::string& source) {
-  return common::StartsWithNoCase(source, "http://") || common::StartsWithNoCase(source, "https://") ||
-         common::StartsWithNoCase(source, "ftp://");
+  return platform::HasWebScheme(QString::fromStdString(source));
 }
 
 std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,

@@ -128,7 +128,7 @@ QString WebAddress(const QString& text) {
     escaped += isEscaped ? u'%' + QString::number(c.unicode(), 16).toUpper() : QString(c);
   }
   const std::optional<URL> url = URL::URLWithString(escaped);
-  return url && HasWebScheme(escaped) && !url->host().isEmpty() ? escaped : QString();
+  return url && CanBeFetched(*url) ? escaped : QString();
 }
 
 }  // namespace quillforth::platform
