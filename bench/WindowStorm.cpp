@@ -63,7 +63,7 @@ void RunProgram(const Run& run, const tests::RawServer& server, const QStringLis
     desktop.quit();
   });
   desktop::RequestIntake intake(desktop, services.events(), host::LinuxHost::kSignature);
-  desktop.setOpenDocumentsCommand([&intake](const QStringList& paths) { intake.openDocuments(paths); });
+  desktop.setOpenDocumentsCommand([&intake](const QStringList& uris) { intake.openDocuments(uris); });
   ledger.watch(desktop.controller());
   StormUser user({desktop, intake, host, ledger, files, server, folders, QDir::tempPath()}, run.phase,
                  run.seed);

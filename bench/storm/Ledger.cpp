@@ -12,6 +12,7 @@ namespace {
 
 constexpr qsizetype kRecentCommands = 12;
 constexpr std::size_t kShownOfAKind = 3;
+constexpr QLatin1StringView kNotConnected("lost by rule: not connected");
 
 }  // namespace
 
@@ -38,27 +39,40 @@ void Ledger::fault(const QString& what, const QString& url) {
   faults_[what].push_back(text + QStringLiteral("\n      commands: ") + recent_.join(QStringLiteral("; ")));
 }
 
-void Ledger::enter(const QString& url, const QString& by, int command, bool isOptional) {
+void Ledger::enter(const QString& url, const QString& by, int command) {
   Entry& entry = entries_[url];
   note(url, by);
   if (entry.history.size() > 1) return fault(QStringLiteral("came in a second time"), url);
   entry.command = command;
-  entry.isOptional = isOptional;
   count(QStringLiteral("in: ") + by);
+}
+
+void Ledger::enterPaced(const QString& url, const QString& by, int command) {
+  enter(url, by, command);
+  entries_[url].isPaced = true;
 }
 
 int Ledger::removalGiven(Removal removal) {
   sample();
   remember(removal.name + QStringLiteral(" (given)"));
+  for (auto entry = entries_.cbegin(); removal.isForIntake && entry != entries_.cend(); ++entry) {
+    if (entry->isPaced && entry->state == State::entered) removal.waiting.insert(entry.key());
+  }
   removals_.emplace(++lastCommand_, std::move(removal));
   return lastCommand_;
 }
 
 // What is in limbo and was neither started nor queued again by the time that the command is over is what the
-// command took out.
+// command took out. What waited for its turn before the command was given, and waits still, comes no more.
 void Ledger::removalDone(int number) {
   sample();
-  removals_.erase(number);
+  const Removal removal = removals_.extract(number).mapped();
+  const bool isDone = removal.page.isNull() || entries_[removal.page].state != State::entered;
+  for (const QString& url : removal.waiting) {
+    if (!isDone || entries_[url].state != State::entered) continue;
+    settle(url, removal.name + QStringLiteral(", before its turn"));
+    ++emptiedEarly_;
+  }
   if (!removals_.empty()) return;
   const QHash<QString, QString> explained = std::exchange(explained_, {});
   for (auto each = explained.cbegin(); each != explained.cend(); ++each) {
@@ -172,12 +186,22 @@ void Ledger::cancelled(const QString& url) {
   fault(what, url);
 }
 
-// The check comes when the URL has left the queue, or was never in it.
+// The check comes when the URL has left the queue, or was never in it. The first link of a page is taken
+// before anybody sees it wait.
 void Ledger::notConnected() {
   if (justVanished_.size() == 1) {
     explained_.remove(justVanished_.first());
-    return settle(justVanished_.first(), QStringLiteral("lost by rule: not connected"));
+    return settle(justVanished_.first(), kNotConnected);
   }
+  if (!doing_.isNull() && entries_[doing_].state == State::entered) {
+    return settle(doing_, kNotConnected);
+  }
+  QStringList unseenLinks;
+  for (auto entry = entries_.cbegin(); entry != entries_.cend(); ++entry) {
+    const bool isUnseen = entry->isLink && entry->state == State::entered && !entry->isOptional;
+    if (isUnseen) unseenLinks.append(entry.key());
+  }
+  if (unseenLinks.size() == 1) return settle(unseenLinks.first(), kNotConnected);
   ++unnamedLosses_;
 }
 
@@ -201,7 +225,8 @@ void Ledger::pageEnded(const QString& url, bool isRead, const QStringList& links
     for (const QString& link : links) {
       entries_[link].isLink = true;
       entries_[link].isDoubled = entries_[url].isDoubled;
-      enter(link, QStringLiteral("links of pages"), 0, givenUp_.contains(url));
+      entries_[link].isOptional = givenUp_.contains(url);
+      enter(link, QStringLiteral("links of pages"), 0);
     }
     if (isRead) return settle(url, QStringLiteral("done: page read"));
     if (isQuitting_) return settle(url, QStringLiteral("lost at the end: page loading"));
@@ -223,8 +248,9 @@ void Ledger::takePages() {
   for (const std::function<void()>& page : pages) page();
 }
 
-void Ledger::quitBegins() {
+void Ledger::quitBegins(bool areCommandsWaiting) {
   sample();
+  areCommandsWaiting_ = areCommandsWaiting;
   remember(QStringLiteral("the program ends"));
   isQuitting_ = true;
 }
@@ -245,29 +271,38 @@ int Ledger::unfinished() const {
   return static_cast<int>(std::count_if(entries_.cbegin(), entries_.cend(), waits));
 }
 
+bool Ledger::settleEntered(const QString& url) {
+  if (givenUp_.contains(url)) {
+    settle(url, QStringLiteral("import given up before it began"));
+  } else if (entries_[url].isOptional) {
+    settle(url, QStringLiteral("refused where it was given"));
+  } else if (unnamedLosses_ > 0) {
+    --unnamedLosses_;
+    settle(url, kNotConnected);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void Ledger::settleWithFault(const QString& url, const QString& as) {
+  settle(url, as);
+  fault(as, url);
+}
+
 void Ledger::settleAtRest() {
   sample();
   for (const QString& url : entries_.keys()) {
     const Entry& entry = entries_[url];
     if (entry.state == State::settled) continue;
-    if (entry.state == State::entered && givenUp_.contains(url)) {
-      settle(url, QStringLiteral("import given up before it began"));
-    } else if (entry.state == State::entered && entry.isOptional) {
-      settle(url, QStringLiteral("refused where it was given"));
-    } else if (entry.state == State::entered && unnamedLosses_ > 0) {
-      --unnamedLosses_;
-      settle(url, QStringLiteral("lost by rule: not connected"));
-    } else {
-      const bool isWiped = entry.state == State::limbo;
-      const QString what = isWiped ? QStringLiteral("left the queue by no command that named it")
-                                   : QStringLiteral("is nowhere, and nothing was told of it");
-      settle(url, what);
-      fault(what, url);
-    }
+    if (entry.state == State::entered && settleEntered(url)) continue;
+    const bool isWiped = entry.state == State::limbo;
+    settleWithFault(url, isWiped ? QStringLiteral("left the queue by no command that named it")
+                                 : QStringLiteral("is nowhere, and nothing was told of it"));
   }
-  if (unnamedLosses_ > 0)
+  if (unnamedLosses_ > emptiedEarly_)
     fault(QStringLiteral("more losses for want of a connection than URLs that are missing"));
-  unnamedLosses_ = 0;
+  unnamedLosses_ = emptiedEarly_ = 0;
 }
 
 void Ledger::settleAfterEnd() {
@@ -279,8 +314,13 @@ void Ledger::settleAfterEnd() {
       case State::settled:
         break;
       case State::entered:
-        settle(url, entry.isLink ? QStringLiteral("lost at the end: on a page just read")
-                                 : QStringLiteral("lost at the end: command not done"));
+        if (entry.isLink) {
+          settle(url, QStringLiteral("lost at the end: on a page just read"));
+        } else if (areCommandsWaiting_) {
+          settle(url, QStringLiteral("lost at the end: command not done"));
+        } else if (!settleEntered(url)) {
+          settleWithFault(url, QStringLiteral("is nowhere, and no command waited at the end"));
+        }
         break;
       case State::queued:
         settle(url, QStringLiteral("lost at the end: waiting"));
@@ -289,16 +329,14 @@ void Ledger::settleAfterEnd() {
         if (explained_.contains(url)) {
           settle(url, explained_.value(url));
         } else {
-          settle(url, QStringLiteral("left the queue by no command that named it"));
-          fault(QStringLiteral("left the queue by no command that named it"), url);
+          settleWithFault(url, QStringLiteral("left the queue by no command that named it"));
         }
         break;
       case State::loading:
         settle(url, QStringLiteral("lost at the end: page loading"));
         break;
       case State::started:
-        settle(url, QStringLiteral("no end was told"));
-        fault(QStringLiteral("no end was told"), url);
+        settleWithFault(url, QStringLiteral("no end was told"));
         break;
     }
   }

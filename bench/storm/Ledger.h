@@ -33,6 +33,9 @@ struct Removal {
   QString name;        ///< for the ledger, such as "deleted by a command that named it"
   bool isAll = false;  ///< whether its rule is to empty the queue
   QSet<QString> named = {};
+  bool isForIntake = false;    ///< whether it empties the paced intake, too
+  QString page = {};           ///< that is loaded when it is done indeed; null: it always is
+  QSet<QString> waiting = {};  ///< in the paced intake, maybe; the ledger's own
 };
 
 class Ledger {
@@ -42,6 +45,7 @@ class Ledger {
     State state = State::entered;
     int command = 0;             ///< the one that brought it in; 0: a page did
     bool isOptional = false;     ///< may be refused in silence
+    bool isPaced = false;        ///< waits for its turn in the paced intake
     bool isOverlapping = false;  ///< was under way together with another one
     bool hasBegun = false;
     bool isGrowing = false;
@@ -59,7 +63,11 @@ class Ledger {
   // Commands.
   /// The number of a command, for the entries that it brings in.
   int newCommand() { return ++lastCommand_; }
-  void enter(const QString& url, const QString& by, int command, bool isOptional = false);
+  void enter(const QString& url, const QString& by, int command);
+  /// The same for one that waits for its turn in the paced intake.
+  void enterPaced(const QString& url, const QString& by, int command);
+  /// The command that brought in `url` is done from now on; null: it is over.
+  void doing(const QString& url) { doing_ = url; }
   /// The removal counts from now until `removalDone`.
   int removalGiven(Removal removal);
   void removalDone(int number);
@@ -88,7 +96,8 @@ class Ledger {
   void enteredByBrowser(const QString& url);
 
   // The program's end.
-  void quitBegins();
+  /// `areCommandsWaiting`: some were given, and are still to be done.
+  void quitBegins(bool areCommandsWaiting);
   [[nodiscard]] bool isQuitting() const { return isQuitting_; }
 
   /// Everything that was brought in is settled; what is not, is a fault.
@@ -116,6 +125,9 @@ class Ledger {
  private:
   void takePages();
   void settle(const QString& url, const QString& as);
+  /// False when nothing explains that `url` never came any further than in.
+  [[nodiscard]] bool settleEntered(const QString& url);
+  void settleWithFault(const QString& url, const QString& as);
   void vanish(const QString& url);
   [[nodiscard]] QString now() const;
 
@@ -128,8 +140,11 @@ class Ledger {
   QHash<QString, QString> explained_;  // entries in limbo, by the removal that would explain them
   QSet<QString> underWay_, named_, unseen_, givenUp_;
   int lastCommand_ = 0;
+  QString doing_;
   int unnamedLosses_ = 0;
+  int emptiedEarly_ = 0;  // before their turn; some of them may be unnamed losses
   bool isQuitting_ = false;
+  bool areCommandsWaiting_ = false;
   QStringList recent_;
   std::map<QString, int> counts_;
   std::map<QString, std::vector<QString>> faults_;

@@ -119,17 +119,18 @@ void StormUser::dropURL() {
   QApplication::sendEvent(&window, &over);
   QDropEvent release(middle, actions, &data, Qt::LeftButton, Qt::NoModifier);
   scene_.ledger.enter(url, QStringLiteral("drop"), scene_.ledger.newCommand());
+  scene_.desktop.gate().post([this, url] { scene_.ledger.doing(url); });
   QApplication::sendEvent(&window, &release);
+  scene_.desktop.gate().post([this] { scene_.ledger.doing({}); });
 }
 
-// Whether several lines are taken is up to the program.
 void StormUser::pasteURLs() {
   const int count = roll(3) == 0 ? 3 : 1;
   const int command = scene_.ledger.newCommand();
   QStringList urls;
   for (int i = 0; i < count; ++i) {
     urls.append(newURL(true));
-    scene_.ledger.enter(urls.last(), QStringLiteral("paste"), command, count > 1);
+    scene_.ledger.enterPaced(urls.last(), QStringLiteral("paste"), command);
   }
   QApplication::clipboard()->setText(urls.join(u'\n'));
   give("actionPaste");
@@ -145,7 +146,10 @@ void StormUser::importPage(const QString& url) {
   const bool isShort = roll(3) == 0;
   window->urlTextField().setText(isShort ? url.sliced(7) : url);
   scene_.ledger.enter(url, QStringLiteral("import"), scene_.ledger.newCommand());
-  giveRemoval({QStringLiteral("emptied by an import"), true}, [this, &button] {
+  Removal removal{QStringLiteral("emptied by an import"), true};
+  removal.isForIntake = true;
+  removal.page = url;
+  giveRemoval(std::move(removal), [this, &button] {
     for (int clicks = roll(3) == 0 ? 3 : 1; clicks > 0; --clicks) button.click();
   });
 }
@@ -155,28 +159,27 @@ void StormUser::openURIs() {
   for (int i = roll(4); i >= 0; --i) request.texts.append(newURL(false));
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
   const int command = scene_.ledger.newCommand();
-  for (const QString& url : request.texts) scene_.ledger.enter(url, QStringLiteral("request"), command);
+  for (const QString& url : request.texts) scene_.ledger.enterPaced(url, QStringLiteral("request"), command);
 }
 
 void StormUser::openLinkFiles() {
   Request request{Request::Kind::open};
-  QStringList urls, paths;
+  QStringList urls;
   for (int i = roll(4); i >= 0; --i) {
     urls.append(newURL(false));
-    paths.append(scene_.linkFolder + u'/' + QString::number(urlCount_) + QStringLiteral(".url"));
-    QFile file(paths.last());
+    QFile file(scene_.linkFolder + u'/' + QString::number(urlCount_) + QStringLiteral(".url"));
     if (!file.open(QIODevice::WriteOnly)) return;
     file.write("[InternetShortcut]\r\nURL=" + urls.last().toUtf8() + "\r\n");
     request.texts.append(
-        QString::fromUtf8(platform::FileURL(platform::FileReference(paths.last().toStdString()))));
+        QString::fromUtf8(platform::FileURL(platform::FileReference(file.fileName().toStdString()))));
   }
   if (roll(2) == 0) {
-    scene_.intake.openDocuments(paths);
+    scene_.intake.openDocuments(request.texts);
   } else if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) {
     return;
   }
   const int command = scene_.ledger.newCommand();
-  for (const QString& url : urls) scene_.ledger.enter(url, QStringLiteral("link files"), command);
+  for (const QString& url : urls) scene_.ledger.enterPaced(url, QStringLiteral("link files"), command);
 }
 
 void StormUser::sendServicesText() {
@@ -185,7 +188,7 @@ void StormUser::sendServicesText() {
       desktop::RequestHandler::Answer::taken) {
     return;
   }
-  scene_.ledger.enter(url, QStringLiteral("services"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(url, QStringLiteral("services"), scene_.ledger.newCommand());
 }
 
 // Only the host travels on, and fails.
@@ -193,7 +196,7 @@ void StormUser::sendGetURL() {
   const QString host = QStringLiteral("h%1x%2.invalid").arg(phase_).arg(++urlCount_);
   const Request request{Request::Kind::getURL, {QStringLiteral("http://%1/a").arg(host)}};
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
-  scene_.ledger.enter(host, QStringLiteral("get-URL event"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(host, QStringLiteral("get-URL event"), scene_.ledger.newCommand());
 }
 
 void StormUser::askBrowser() {
@@ -229,11 +232,10 @@ void StormUser::deleteRows() {
 }
 
 void StormUser::emptyQueue() {
-  if (roll(2) == 0) {
-    giveRemoval({QStringLiteral("emptied by Clear"), true}, "actionClear", nullptr);
-  } else {
-    giveRemoval({QStringLiteral("emptied by Stop"), true}, "actionStop", "stopButton");
-  }
+  const bool isClear = roll(2) == 0;
+  Removal removal{isClear ? QStringLiteral("emptied by Clear") : QStringLiteral("emptied by Stop"), true};
+  removal.isForIntake = true;
+  giveRemoval(std::move(removal), isClear ? "actionClear" : "actionStop", isClear ? nullptr : "stopButton");
 }
 
 void StormUser::tryAgain() {

@@ -110,8 +110,8 @@ void StormUser::calmDown() {
 }
 
 bool StormUser::isCalm() {
-  const bool rests = scene_.ledger.isAtRest() && !scene_.desktop.gate().isBusy() &&
-                     QApplication::activeModalWidget() == nullptr;
+  const bool rests =
+      scene_.ledger.isAtRest() && !areCommandsWaiting() && QApplication::activeModalWidget() == nullptr;
   const auto now = Clock::now();
   if (!rests) restSince_ = Clock::time_point::max();
   if (rests && restSince_ == Clock::time_point::max()) restSince_ = now;
@@ -124,7 +124,7 @@ void StormUser::prepareEnd() {
   const QString url = newURL(".bin", Fate::dripping);
   const Request request{Request::Kind::open, {url}};
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
-  scene_.ledger.enter(url, QStringLiteral("request"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(url, QStringLiteral("request"), scene_.ledger.newCommand());
 }
 
 void StormUser::holdBack() {
@@ -141,10 +141,15 @@ bool StormUser::isMomentToEnd() const {
   return isHeldBack && scene_.files.publishedCount() > publishedBefore_;
 }
 
+bool StormUser::areCommandsWaiting() const {
+  return scene_.desktop.gate().isBusy() || !scene_.desktop.pacedIntake().isEmpty();
+}
+
 void StormUser::endProgram() {
   stage_ = Stage::ending;
+  const bool areWaiting = areCommandsWaiting();
   if (end_ != End::atRest && end_ != End::question) {
-    scene_.ledger.quitBegins();
+    scene_.ledger.quitBegins(areWaiting);
     std::raise(SIGTERM);
     return;
   }
@@ -152,9 +157,9 @@ void StormUser::endProgram() {
   const int unfinished = scene_.ledger.unfinished();
   scene_.desktop.statusWindow().close();
   if (!scene_.desktop.isQuitting()) return;  // it asks
-  scene_.ledger.quitBegins();
+  scene_.ledger.quitBegins(areWaiting);
   scene_.ledger.count(QStringLiteral("info: ends without a question"));
-  if (unfinished > 0) {
+  if (unfinished > 0 || areWaiting) {
     scene_.ledger.fault(QStringLiteral("ended without asking, and lost ") + QString::number(unfinished));
   }
 }
@@ -186,7 +191,7 @@ void StormUser::answer(QDialog& dialog) {
   auto* box = qobject_cast<QMessageBox*>(&dialog);
   if (IsQuitQuestion(dialog)) {
     if (!isEnding) return Press(*box, QMessageBox::RejectRole);
-    scene_.ledger.quitBegins();
+    scene_.ledger.quitBegins(areCommandsWaiting());
     scene_.ledger.count(QStringLiteral("info: asks before it ends"));
     return Press(*box, QMessageBox::AcceptRole);
   }

@@ -58,6 +58,7 @@ class StormUser {
   void prepareEnd();
   void holdBack();
   [[nodiscard]] bool isMomentToEnd() const;
+  [[nodiscard]] bool areCommandsWaiting() const;
   void endProgram();
 
   // Dialogs.
