@@ -5,7 +5,8 @@
 #include "app/Aggregation.h"
 
 #include "app/MyAppController.h"
-#include "app/NilText.h"
+#include "app/TextOrNull.h"
+#include "fileops/FolderItems.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
@@ -15,6 +16,14 @@ Alert AggregationConfirmation(const QString& path, const LocalizedText& localize
   return {LocalizedFormat(localizedText, question, {TextOrNull(path)}),
           localizedText(LOCALIZED("This process can not be undone.")), localizedText(LOCALIZED("OK")),
           localizedText(LOCALIZED("Cancel"))};
+}
+
+QString SortedPath(const QString& folder, const QString& name) {
+  const std::string bytes = name.toStdString();
+  const std::string_view extension = fileops::PathExtension(bytes);
+  if (extension.empty()) return {};
+  return folder + u'/' + QString::fromUtf8(extension.data(), static_cast<qsizetype>(extension.size())) +
+         u'/' + name;
 }
 
 void MyAppController::aggregateFile() {

@@ -1,22 +1,23 @@
 // SPDX-License-Identifier: MIT
 //
 // Sorting the destination folder: the question that comes first, and the sorting itself for the host.
-//
-// Main thread.
 #pragma once
 
 #include "app/Host.h"
 #include "app/Outlets.h"
-#include "fileops/Aggregation.h"
+#include "fileops/AggregateFolder.h"
 
 namespace quillforth::app {
 
-/// The question before the items of the folder are sorted; a null path reads "(null)".
+/// The question before the items of the folder are sorted; a null path reads "(null)". Main thread.
 [[nodiscard]] Alert AggregationConfirmation(const QString& path,
                                             const LocalizedText& localizedText = EnglishText);
 
+/// Where sorting `folder` takes an item of that name, unless the name is taken there; null where it stays.
+[[nodiscard]] QString SortedPath(const QString& folder, const QString& name);
+
 /// Moves keep comments on their own here, so that the setting
-/// `preserveFileCommentsWhenAggregatingFiles` has nothing to do.
+/// `preserveFileCommentsWhenAggregatingFiles` has nothing to do. Any thread, one run at a time.
 class ExtensionAggregation final : public FolderAggregation {
  public:
   /// Both outlive this.

@@ -5,11 +5,11 @@
 // What is no URL, no file or no file with a URL is passed over in silence. A handler never fails: whoever
 // sent the event learns no more than that it came.
 
-#include "app/LinkFile.h"
 #include "app/MyAppController.h"
+#include "app/URLInFile.h"
+#include "appleevents/AppleEventManager.h"
+#include "appleevents/FSRefTable.h"
 #include "classify/NSStringExtensions.h"
-#include "platform/AppleEventManager.h"
-#include "platform/FSRefTable.h"
 #include "platform/ResourceFork.h"
 
 namespace quillforth::app {

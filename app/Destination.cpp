@@ -3,7 +3,7 @@
 // The controller's commands for the destination folder, and where it is shown.
 
 #include "app/MyAppController.h"
-#include "app/NilText.h"
+#include "app/TextOrNull.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {

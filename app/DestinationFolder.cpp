@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include "fileops/SupportFolder.h"
+#include "net/UTF8.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
@@ -12,9 +13,7 @@ namespace quillforth::app {
 QString FolderPath(const platform::FileReference& folder, std::size_t longest) {
   const std::string& path = folder.path();
   if (path.empty() || path.size() > longest) return {};
-  QString text = QString::fromStdString(path);
-  // Bytes that are not UTF-8 do not come back as they were.
-  return text.toStdString() == path ? text : QString();
+  return platform::TextFromUTF8(path).value_or(QString());
 }
 
 bool StoreFolder(platform::UserDefaults& userDefaults, platform::AliasManager& aliases, const QString& key,

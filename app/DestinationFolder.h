@@ -15,7 +15,7 @@
 #include "app/Host.h"
 #include "app/Outlets.h"
 #include "app/Preferences.h"
-#include "platform/FileReference.h"
+#include "common/FileReference.h"
 
 namespace quillforth::app {
 

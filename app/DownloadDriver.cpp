@@ -3,10 +3,12 @@
 // One download at a time: the controller as its delegate, the progress area, and what follows each end.
 
 #include <QFileInfo>
+#include <algorithm>
+#include <utility>
 
 #include "app/MyAppController.h"
-#include "app/NilText.h"
 #include "app/ProgressText.h"
+#include "app/TextOrNull.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
@@ -29,26 +31,55 @@ QString DescriptionOf(const platform::DownloadError& error) {
 
 }  // namespace
 
-void MyAppController::downloadFile(const QString& url) {
+void MyAppController::downloadFile(const QString& url, const QString& page) {
   fileDownloadFilePath_ = QString();
   const std::optional<platform::URL> target = platform::URL::URLWithString(url);
   if (!target) {
-    if (host_.observer != nullptr) host_.observer->downloadFileRefusedURL(url);
-    return;
+    return tell(&ControllerObserver::urlWasRefused, url);
   }
   outlets_.currentURLTextField.setHidden(false);
   outlets_.currentURLTextField.setStringValue(target->absoluteString());
   outlets_.spinner.startAnimation();
-  fileWebDownload_ = host_.downloads->startDownload(*target, *this);
-  std::erase_if(startedDownloads_, [](const auto& started) { return started.expired(); });
-  startedDownloads_.push_back(fileWebDownload_);
+  ++startedCount_;
+  fileWebDownload_ = host_.downloads->startDownload(requestFor(*target, page), *this);
+  inFlight_.push_back(
+      {fileWebDownload_, {.url = target->stringWithoutCredentials(), .path = {}, .text = url}});
+  expectNextURLs();
+}
+
+platform::WebDownloadRequest MyAppController::requestFor(const platform::URL& url,
+                                                         const QString& page) const {
+  return {url, preferences_.sendReferer() ? page : QString()};
+}
+
+bool MyAppController::isBeginning() const {
+  return std::any_of(inFlight_.begin(), inFlight_.end(), [](const InFlight& each) { return !each.hasBegun; });
+}
+
+MyAppController::InFlight& MyAppController::inFlight(const platform::WebDownload& download) {
+  return *std::find_if(inFlight_.begin(), inFlight_.end(),
+                       [&](const InFlight& each) { return each.download.get() == &download; });
+}
+
+MyAppController::InFlight MyAppController::takeInFlight(const platform::WebDownload& download) {
+  InFlight taken;
+  std::erase_if(inFlight_, [&](const InFlight& each) {
+    if (each.download.get() != &download) return false;
+    taken = each;
+    return true;
+  });
+  return taken;
 }
 
 void MyAppController::cancelDownloadFile() {
-  if (fileWebDownload_) fileWebDownload_->cancel();
+  if (fileWebDownload_) {
+    fileWebDownload_->cancel();
+    takeInFlight(*fileWebDownload_);
+  }
   hideProgressArea();
   setDownloading(false);
   takeNextURL(false);
+  tell(&ControllerObserver::controllerMovedOn);
 }
 
 void MyAppController::hideProgressArea() {
@@ -78,7 +109,10 @@ bool MyAppController::checkInternetConnection() {
   return false;
 }
 
-void MyAppController::downloadDidBegin(platform::WebDownload& /*download*/) {
+void MyAppController::downloadDidBegin(platform::WebDownload& download) {
+  InFlight& beginning = inFlight(download);
+  beginning.hasBegun = true;
+  tell(&ControllerObserver::downloadBegan, beginning.progress);
   outlets_.fileDownloadProgressText.setStringValue(QStringLiteral(""));
   outlets_.fileDownloadProgressBar.setDoubleValue(0.0);
   outlets_.fileDownloadProgressBar.setHidden(false);
@@ -86,10 +120,12 @@ void MyAppController::downloadDidBegin(platform::WebDownload& /*download*/) {
   outlets_.fileDownloadCancelButton.setHidden(false);
   setDownloading(true);
   startTime_ = host_.currentSeconds();
+  tell(&ControllerObserver::controllerMovedOn);
 }
 
-void MyAppController::downloadDidReceiveResponse(platform::WebDownload& /*download*/,
+void MyAppController::downloadDidReceiveResponse(platform::WebDownload& download,
                                                  const platform::URLResponse& response) {
+  inFlight(download).progress.expected = response.expectedContentLength;
   expectedContentLength_ = Wrapped(static_cast<std::uint64_t>(response.expectedContentLength));
 }
 
@@ -113,12 +149,15 @@ bool MyAppController::downloadShouldDecodeSourceDataOfMIMEType(platform::WebDown
   return false;  // an archive stays an archive
 }
 
-void MyAppController::downloadDidCreateDestination(platform::WebDownload& /*download*/, const QString& path) {
+void MyAppController::downloadDidCreateDestination(platform::WebDownload& download, const QString& path) {
+  inFlight(download).progress.path = path;
   fileDownloadFilePath_ = path;
 }
 
-void MyAppController::downloadDidReceiveDataOfLength(platform::WebDownload& /*download*/,
-                                                     std::uint64_t length) {
+void MyAppController::downloadDidReceiveDataOfLength(platform::WebDownload& download, std::uint64_t length) {
+  DownloadProgress& progress = inFlight(download).progress;
+  progress.received += length;
+  tell(&ControllerObserver::downloadReceived, progress);
   if (expectedContentLength_ <= 0) return;
   receivedContentLength_ = Wrapped(static_cast<std::uint64_t>(receivedContentLength_) + length);
   const double fraction =
@@ -136,6 +175,13 @@ void MyAppController::downloadDidReceiveDataOfLength(platform::WebDownload& /*do
 }
 
 void MyAppController::downloadDidFinish(platform::WebDownload& download) {
+  const InFlight ended = takeInFlight(download);
+  tell(&ControllerObserver::downloadFinished, ended.progress);
+  takeFinished(download);
+  tell(&ControllerObserver::controllerMovedOn);
+}
+
+void MyAppController::takeFinished(platform::WebDownload& download) {
   if (preferences_.setCommentToLocationURL() && !fileDownloadFilePath_.isNull() &&
       QFileInfo::exists(fileDownloadFilePath_) && host_.fileComments != nullptr) {
     host_.fileComments->setComment(fileDownloadFilePath_, download.requestURL().stringWithoutCredentials());
@@ -153,8 +199,15 @@ void MyAppController::downloadDidFinish(platform::WebDownload& download) {
   if (preferences_.aggregateFiles()) aggregateDestination();
 }
 
-void MyAppController::downloadDidFailWithError(platform::WebDownload& /*download*/,
+void MyAppController::downloadDidFailWithError(platform::WebDownload& download,
                                                const platform::DownloadError& error) {
+  const InFlight ended = takeInFlight(download);
+  tell(&ControllerObserver::downloadFailed, ended.progress, DescriptionOf(error));
+  takeFailed(error);
+  tell(&ControllerObserver::controllerMovedOn);
+}
+
+void MyAppController::takeFailed(const platform::DownloadError& error) {
   host_.log->log(QStringLiteral("Quillforth download failed. Error - ") +
                  TextOrNull(error.localizedDescription) + u' ' + TextOrNull(error.failingURLString));
   if (preferences_.showAlertsWhenErrorsOccur()) {

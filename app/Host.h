@@ -7,12 +7,14 @@
 #include <QString>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
+#include "app/ControllerObserver.h"
 #include "app/LocalizedText.h"
 #include "app/Outlets.h"
 #include "platform/Alias.h"
 #include "platform/FileManager.h"
-#include "platform/InternetConfig.h"
+#include "platform/InternetConfigComponent.h"
 #include "platform/NetworkDiagnostics.h"
 #include "platform/PageLoader.h"
 #include "platform/RunningProcesses.h"
@@ -32,28 +34,19 @@ class ResourceManager;
 
 namespace quillforth::app {
 
-/// Sorts a folder's items into subfolders by extension.
+/// Sorts a folder's items into subfolders by extension. Any thread, one run at a time.
 class FolderAggregation {
  public:
   virtual ~FolderAggregation() = default;
   virtual void aggregateFolder(const QString& path) = 0;
 };
 
-/// Notes on a file where it came from.
+/// Notes on a file where it came from. Main thread.
 class FileComments {
  public:
   virtual ~FileComments() = default;
-  /// A failure is nobody's concern. `comment` holds no credentials.
+  /// A failure is ignored. `comment` holds no credentials.
   virtual void setComment(const QString& path, const QString& comment) = 0;
-};
-
-/// Hears what a window would not show: for front ends without a user who watches.
-class DriverObserver {
- public:
-  virtual ~DriverObserver() = default;
-  /// `downloadFile` was given a text that makes no URL; the queue waits for `tryAgain`,
-  /// which is not called from in here: a long queue of such texts would go as deep.
-  virtual void downloadFileRefusedURL(const QString& text) = 0;
 };
 
 /// How Apple events come in, and what their handlers need.
@@ -63,8 +56,8 @@ struct EventIntake {
   platform::ResourceManager& resources;
 };
 
-/// Runs a long calculation that touches nothing else, and returns when it is done: false when the user has
-/// given up meanwhile, so that nobody wants its result.
+/// Runs a long calculation that touches nothing else, on any thread, and returns when it is done: false when
+/// the user has given up meanwhile, so that nobody wants its result.
 using Calculate = std::function<bool(const std::function<void()>& calculation)>;
 
 /// All outlive the controller, and none is null where it is not told what null means. Pointers, so that a
@@ -86,7 +79,7 @@ struct Host {
   std::function<std::uint32_t()> currentSeconds;    ///< wall clock in whole seconds; wraps
   FolderAggregation* aggregation = nullptr;         ///< null: folders are never sorted
   FileComments* fileComments = nullptr;             ///< null: files get no comment
-  DriverObserver* observer = nullptr;               ///< null: nobody listens
+  std::vector<ControllerObserver*> observers = {};  ///< hear it in this order
   const EventIntake* events = nullptr;              ///< null: no events come in
   platform::RunningProcesses* processes = nullptr;  ///< null: no browser ever runs
   platform::ScriptHost* scripts = nullptr;          ///< null: no script compiles

@@ -14,13 +14,14 @@ namespace quillforth::app {
 namespace {
 
 // A value that was cut inside a character makes no string.
-UrlQueue LinksOfPage(const QByteArray& page, const QString& pageURL,
+UrlQueue LinksOfPage(const platform::PageLoad& page, const QString& pageURL,
                      const classify::CExtensionMap& extensions) {
-  const linkextract::LinkTable links = linkextract::ExtractPageLinks(
-      {page.constData(), static_cast<std::size_t>(page.size())}, pageURL.toStdString(), extensions);
+  const linkextract::LinkTable links =
+      linkextract::ExtractPageLinks({page.data->constData(), static_cast<std::size_t>(page.data->size())},
+                                    pageURL.toStdString(), extensions);
   UrlQueue urls;
   for (const linkextract::LinkEntry& link : links) {
-    if (linkextract::IsValidUTF8(link.value().view())) urls.append(link);
+    if (linkextract::IsValidUTF8(link.value().view())) urls.append(link, page.url);
   }
   return urls;
 }
@@ -73,13 +74,18 @@ void MyAppController::extractLinks(const QString& pageURL) {
 }
 
 void MyAppController::queueLinksOfPage(const QString& pageURL) {
+  const auto fail = [&](const QString& reason) {
+    tell(&ControllerObserver::pageDidNotLoad, pageURL, reason);
+  };
   const std::optional<platform::URL> url = platform::URL::URLWithString(pageURL);
-  if (!url) return;
-  const std::optional<QByteArray> page = host_.pageLoader->resourceData(*url);
-  if (!page) return;
+  if (!url) return fail(InvalidURLReason());
+  const platform::PageLoad page = host_.pageLoader->resourceData(*url);
+  if (!page.data) return fail(page.failure);
   UrlQueue urls;
-  if (!host_.calculate([&] { urls = LinksOfPage(*page, pageURL, extensionMap_); })) return;
+  if (!host_.calculate([&] { urls = LinksOfPage(page, pageURL, extensionMap_); })) return fail({});
+  const std::size_t linkCount = urls.size();
   urlList_.append(std::move(urls));
+  tell(&ControllerObserver::pageWasQueued, pageURL, linkCount);
 }
 
 bool MyAppController::isWebPageURL(const QString& url) {

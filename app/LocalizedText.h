@@ -16,7 +16,7 @@ namespace quillforth::app {
 /// The text to show for an English one: that one itself where there is no translation.
 using LocalizedText = std::function<QString(const QString& key)>;
 
-/// For who speaks English.
+/// The English texts as they stand.
 [[nodiscard]] inline QString EnglishText(const QString& key) {
   return key;
 }

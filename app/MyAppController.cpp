@@ -16,9 +16,7 @@ MyAppController::MyAppController(const Outlets& outlets, const Host& host)
 // Downloads call their delegate to their end, and this was it.
 MyAppController::~MyAppController() {
   removeEventHandlers();
-  for (const std::weak_ptr<platform::WebDownload>& started : startedDownloads_) {
-    if (const std::shared_ptr<platform::WebDownload> download = started.lock()) download->cancel();
-  }
+  for (const InFlight& each : inFlight_) each.download->cancel();
 }
 
 void MyAppController::awakeFromNib() {

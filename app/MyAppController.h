@@ -17,7 +17,7 @@
 #include "app/Outlets.h"
 #include "app/Pasteboard.h"
 #include "app/Preferences.h"
-#include "app/Services.h"
+#include "app/ServicesProvider.h"
 #include "app/UrlQueue.h"
 #include "classify/ExtensionMap.h"
 #include "platform/Sound.h"
@@ -54,7 +54,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
-  void queueURL(const QString& url);
+  /// Of these, `page` is the URL of the page that `url` was found on; null: none.
+  void queueURL(const QString& url, const QString& page = {});
   void updateCountTextField();
   [[nodiscard]] std::size_t numberOfRows() const override;
   [[nodiscard]] QString objectValueForRow(std::size_t row) const override;
@@ -64,13 +65,22 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void clearQueue();
   void stop();
   void tryAgain();
+  /// Starts the head of the queue, if there is one.
+  void takeNextURL(bool promptForDestination);
   /// Starts one URL, or queues it while a download runs. Without a connection the URL is lost.
-  void startURL(const QString& url, bool promptForDestination);
+  void startURL(const QString& url, bool promptForDestination, const QString& page = {});
 
   // Download driver (DownloadDriver.cpp).
-  void downloadFile(const QString& url);
+  void downloadFile(const QString& url, const QString& page = {});
   void cancelDownloadFile();
   [[nodiscard]] bool isDownloading() const { return isDownloading_; }
+  /// One or more downloads are started, and neither ended nor cancelled; also one of which `isDownloading`
+  /// knows nothing yet, or any more.
+  [[nodiscard]] bool isBusy() const { return !inFlight_.empty(); }
+  /// One of those has not begun.
+  [[nodiscard]] bool isBeginning() const;
+  /// How many have been started so far.
+  [[nodiscard]] int startedCount() const { return startedCount_; }
   void setDownloading(bool downloading);
   [[nodiscard]] bool checkInternetConnection();
   void downloadDidBegin(platform::WebDownload& download) override;
@@ -129,10 +139,26 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void alertDidEndReturnCodeContextInfo(int returnCode);
 
  private:
+  struct InFlight {
+    std::shared_ptr<platform::WebDownload> download;
+    DownloadProgress progress;
+    bool hasBegun = false;
+  };
+
+  template <typename... Parameters, typename... Arguments>
+  void tell(void (ControllerObserver::*what)(Parameters...), const Arguments&... arguments) {
+    for (ControllerObserver* observer : host_.observers) (observer->*what)(arguments...);
+  }
+  [[nodiscard]] InFlight& inFlight(const platform::WebDownload& download);
+  InFlight takeInFlight(const platform::WebDownload& download);
+  void takeFinished(platform::WebDownload& download);
+  void takeFailed(const platform::DownloadError& error);
   void hideProgressArea();
-  /// Starts the head of the queue, if there is one.
-  void takeNextURL(bool promptForDestination);
   void queueDidChange();
+  void showQueue();
+  /// Tells the download service what is to be started next.
+  void expectNextURLs();
+  [[nodiscard]] platform::WebDownloadRequest requestFor(const platform::URL& url, const QString& page) const;
   /// Activates, and takes the URL as a page or a file.
   void takeURL(const QString& url, bool promptForDestination);
   void removeEventHandlers();
@@ -148,9 +174,11 @@ class MyAppController final : public platform::WebDownloadDelegate,
   std::unique_ptr<platform::Sound> harpSound_;
   bool isDownloading_ = false;
   std::shared_ptr<platform::WebDownload> fileWebDownload_;
-  std::vector<std::weak_ptr<platform::WebDownload>> startedDownloads_;  // those that may still call back
-  std::int32_t receivedContentLength_ = 0;                              // wraps
-  std::int32_t expectedContentLength_ = 0;                              // 0 or negative: unknown
+  std::vector<InFlight> inFlight_;  // those that may still call back
+  int startedCount_ = 0;
+  bool isExpecting_ = false;                // the download service was told what comes next
+  std::int32_t receivedContentLength_ = 0;  // wraps
+  std::int32_t expectedContentLength_ = 0;  // 0 or negative: unknown
   std::uint32_t startTime_ = 0;
   std::uint32_t currentTime_ = 0;
   QString fileDownloadFilePath_;

@@ -14,7 +14,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/FileReference.h"
+#include "common/FileReference.h"
 #include "platform/WebDownload.h"
 
 namespace quillforth::app {

@@ -2,6 +2,8 @@
 
 #include "app/Preferences.h"
 
+#include <algorithm>
+
 namespace quillforth::app {
 
 std::optional<bool> BooleanValue(const QVariant& stored) {
@@ -70,8 +72,18 @@ bool Preferences::playSoundWhenDone() const {
   return read(kPlaySoundWhenDone);
 }
 
+bool Preferences::sendReferer() const {
+  return read(kSendReferer);
+}
+
 bool Preferences::allowKeystrokesForBrowserURL() const {
   return read(kAllowKeystrokesForBrowserURL);
+}
+
+int Preferences::downloadsAhead() const {
+  userDefaults_.synchronize();
+  const qlonglong stored = userDefaults_.objectForKey(kDownloadsAheadKey).toLongLong();
+  return static_cast<int>(std::clamp<qlonglong>(stored, 0, kMaxDownloadsAhead));
 }
 
 }  // namespace quillforth::app

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The boolean settings, one reader a key.
+// The boolean settings, and a number, one reader a key.
 //
 // Every reader synchronizes the user defaults first, so that a change made elsewhere counts at once. Nothing
 // here writes: that is up to whoever lets the user change a setting. Main thread.
@@ -36,6 +36,9 @@ inline constexpr BooleanPreference kShowAlertsWhenErrorsOccur{QLatin1String("sho
 inline constexpr BooleanPreference kNotifyWhenDone{QLatin1String("notifyWhenDone"), true};
 inline constexpr BooleanPreference kPlaySoundWhenDone{QLatin1String("playSoundWhenDone"), true};
 
+/// Tells servers on which page a file was found.
+inline constexpr BooleanPreference kSendReferer{QLatin1String("sendReferer"), false};
+
 /// Lets the script for Firefox type into its window and read the clipboard, where it says its address in no
 /// other way.
 inline constexpr BooleanPreference kAllowKeystrokesForBrowserURL{
@@ -52,7 +55,12 @@ inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
                                                 kShowAlertsWhenErrorsOccur,
                                                 kNotifyWhenDone,
                                                 kPlaySoundWhenDone,
+                                                kSendReferer,
                                                 kAllowKeystrokesForBrowserURL};
+
+/// How many URLs of the queue are asked for while the one before them is downloaded.
+inline constexpr QLatin1String kDownloadsAheadKey("downloadsAhead");
+inline constexpr int kMaxDownloadsAhead = 8;
 
 /// Holds the alias record of the folder that the user chose.
 inline constexpr QLatin1String kDestinationDirectoryKey("DestinationDirectory");
@@ -75,7 +83,10 @@ class Preferences {
   [[nodiscard]] bool showAlertsWhenErrorsOccur() const;
   [[nodiscard]] bool notifyWhenDone() const;
   [[nodiscard]] bool playSoundWhenDone() const;
+  [[nodiscard]] bool sendReferer() const;
   [[nodiscard]] bool allowKeystrokesForBrowserURL() const;
+  /// 0 to `kMaxDownloadsAhead`, the nearest to what is stored; 0 when that is no number.
+  [[nodiscard]] int downloadsAhead() const;
 
   /// What is stored for this one alone, whether or not another one makes it count for nothing.
   [[nodiscard]] bool read(const BooleanPreference& preference) const;

@@ -7,7 +7,7 @@
 #include <limits>
 #include <string>
 
-#include "app/NilText.h"
+#include "app/TextOrNull.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {

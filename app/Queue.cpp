@@ -2,13 +2,15 @@
 //
 // The controller's URL queue: its table, the commands that edit it, and how the next URL is started.
 
+#include <algorithm>
+
 #include "app/MyAppController.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
 
-void MyAppController::queueURL(const QString& url) {
-  urlList_.append(url);
+void MyAppController::queueURL(const QString& url, const QString& page) {
+  urlList_.append(url, page);
   queueDidChange();
 }
 
@@ -18,6 +20,11 @@ void MyAppController::updateCountTextField() {
 }
 
 void MyAppController::queueDidChange() {
+  showQueue();
+  expectNextURLs();
+}
+
+void MyAppController::showQueue() {
   outlets_.fileTable.reloadData();
   updateCountTextField();
 }
@@ -66,21 +73,34 @@ void MyAppController::tryAgain() {
   takeNextURL(true);
 }
 
-void MyAppController::startURL(const QString& url, bool promptForDestination) {
-  if (!checkInternetConnection()) return;
+void MyAppController::startURL(const QString& url, bool promptForDestination, const QString& page) {
+  if (!checkInternetConnection()) return tell(&ControllerObserver::urlWasLost, url);
   if (promptForDestination) destination_.decideDestinationFolder();
   if (isDownloading_) {
-    queueURL(url);
+    queueURL(url, page);
   } else {
-    downloadFile(url);
+    downloadFile(url, page);
   }
 }
 
 void MyAppController::takeNextURL(bool promptForDestination) {
   if (urlList_.empty()) return;
-  const QString url = urlList_.takeFirst();
-  queueDidChange();
-  startURL(url, promptForDestination);
+  const UrlQueue::Taken next = urlList_.takeFirst();
+  showQueue();  // what comes after this one is told when it has been started
+  startURL(next.url, promptForDestination, next.page);
+}
+
+void MyAppController::expectNextURLs() {
+  const auto ahead = static_cast<std::size_t>(preferences_.downloadsAhead());
+  if (ahead == 0 && !isExpecting_) return;
+  isExpecting_ = ahead > 0;
+  std::vector<platform::WebDownloadRequest> next;
+  for (std::size_t i = 0; i < std::min(ahead, urlList_.size()); ++i) {
+    const UrlQueue::Taken entry = urlList_.entryAt(i);
+    if (const auto url = platform::URL::URLWithString(entry.url))
+      next.push_back(requestFor(*url, entry.page));
+  }
+  host_.downloads->expectDownloads(next, destination_.currentDestinationPath());
 }
 
 void MyAppController::aggregateDestination() {

@@ -27,40 +27,54 @@ QString FromUTF16(const std::string& units) {
 
 QString UrlQueue::TextOf(const Entry& entry) {
   if (entry.encoding == Encoding::utf16) return FromUTF16(entry.bytes);
-  if (entry.base == nullptr) return FromUTF8(entry.bytes);
+  if (!entry.source || !entry.source->base) return FromUTF8(entry.bytes);
   common::BoundedText url;
-  entry.base->resolve(entry.bytes, url);
+  entry.source->base->resolve(entry.bytes, url);
   return FromUTF8(url.view());
 }
 
-void UrlQueue::append(const QString& url) {
+// That of the last entry, if it is the same, so that it is shared.
+UrlQueue::SharedSource UrlQueue::sourceOf(const linkextract::SharedBase& base, const QString& page) const {
+  if (!base && page.isNull()) return nullptr;
+  const SharedSource last = entries_.empty() ? nullptr : entries_.back().source;
+  const bool isSame = last && last->base == base && last->page == page;
+  return isSame ? last : std::make_shared<const Source>(Source{base, page});
+}
+
+void UrlQueue::append(const QString& url, const QString& page) {
+  SharedSource source = sourceOf(nullptr, page);
   if (url.isValidUtf16()) {
-    append(nullptr, url.toStdString(), Encoding::utf8);
+    append(std::move(source), url.toStdString(), Encoding::utf8);
   } else {
     const auto* const units = reinterpret_cast<const char*>(url.constData());
-    append(nullptr, {units, static_cast<std::size_t>(url.size()) * sizeof(QChar)}, Encoding::utf16);
+    append(std::move(source), {units, static_cast<std::size_t>(url.size()) * sizeof(QChar)}, Encoding::utf16);
   }
 }
 
-void UrlQueue::append(const linkextract::LinkEntry& link) {
-  append(link.base(), std::string(link.key()), Encoding::utf8);
+void UrlQueue::append(const linkextract::LinkEntry& link, const QString& page) {
+  append(sourceOf(link.base(), page), std::string(link.key()), Encoding::utf8);
 }
 
 void UrlQueue::append(UrlQueue urls) {
   for (; !urls.empty(); urls.entries_.pop_front()) {
     Entry& first = urls.entries_.front();
-    append(std::move(first.base), std::move(first.bytes), first.encoding);
+    append(std::move(first.source), std::move(first.bytes), first.encoding);
   }
 }
 
-void UrlQueue::append(linkextract::SharedBase base, std::string bytes, Encoding encoding) {
-  entries_.push_back({std::move(base), std::move(bytes), encoding, nextIdentifier_++});
+void UrlQueue::append(SharedSource source, std::string bytes, Encoding encoding) {
+  entries_.push_back({std::move(source), std::move(bytes), encoding, nextIdentifier_++});
 }
 
-QString UrlQueue::takeFirst() {
-  QString url = TextOf(entries_.front());
+UrlQueue::Taken UrlQueue::entryAt(std::size_t index) const {
+  const Entry& entry = entries_[index];
+  return {TextOf(entry), entry.source ? entry.source->page : QString()};
+}
+
+UrlQueue::Taken UrlQueue::takeFirst() {
+  Taken taken = entryAt(0);
   entries_.pop_front();
-  return url;
+  return taken;
 }
 
 void UrlQueue::removeAt(std::span<const std::size_t> indexes) {

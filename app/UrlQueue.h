@@ -3,10 +3,10 @@
 // The URLs that wait, first in, first out.
 //
 // Entries are kept exactly as they came; nothing is merged. They are kept as bytes, which for nearly all URLs
-// are half of the text, and a page's links as they stand in the page, beside the base that they share: a page
-// of millions of links under a long base then takes memory in proportion to the page. Taking the head,
-// reading a row and appending are constant time, removing any set of rows is one pass. Main thread only, but
-// for a queue that nobody else has yet.
+// are half of the text, and a page's links as they stand in the page, beside the base and the page that they
+// share: a page of millions of links under a long base then takes memory in proportion to the page. Taking
+// the head, reading a row and appending are constant time, removing any set of rows is one pass. Main thread
+// only, but for a queue that nobody else has yet.
 #pragma once
 
 #include <QString>
@@ -29,28 +29,42 @@ class UrlQueue {
   /// Unique for the queue's life, ascending from head to end. `index` < size().
   [[nodiscard]] std::uint64_t identifierAt(std::size_t index) const { return entries_[index].identifier; }
 
-  /// Any UTF-16, lone surrogates included.
-  void append(const QString& url);
+  struct Taken {
+    QString url;
+    QString page;  ///< URL of the page that it was found on; null: none
+  };
+
+  /// Any UTF-16, lone surrogates included. `page` as in Taken.
+  void append(const QString& url, const QString& page = {});
   /// A link by its absolute URL, which is UTF-8.
-  void append(const linkextract::LinkEntry& link);
+  void append(const linkextract::LinkEntry& link, const QString& page);
   /// All of `urls`, in their order, under new identifiers.
   void append(UrlQueue urls);
+  /// `index` < size().
+  [[nodiscard]] Taken entryAt(std::size_t index) const;
   /// The queue is not empty.
-  [[nodiscard]] QString takeFirst();
+  [[nodiscard]] Taken takeFirst();
   /// `indexes`: ascending; those beyond the end are ignored.
   void removeAt(std::span<const std::size_t> indexes);
   void clear() { entries_.clear(); }
 
  private:
   enum class Encoding : std::uint8_t { utf8, utf16 };
-  struct Entry {
+  // What all links of a page have in common.
+  struct Source {
     linkextract::SharedBase base;  // null: `bytes` are the URL, and not a link under a base
+    QString page;
+  };
+  using SharedSource = std::shared_ptr<const Source>;
+  struct Entry {
+    SharedSource source;  // null: no base and no page
     std::string bytes;
     Encoding encoding;
     std::uint64_t identifier;
   };
   [[nodiscard]] static QString TextOf(const Entry& entry);
-  void append(linkextract::SharedBase base, std::string bytes, Encoding encoding);
+  [[nodiscard]] SharedSource sourceOf(const linkextract::SharedBase& base, const QString& page) const;
+  void append(SharedSource source, std::string bytes, Encoding encoding);
 
   std::deque<Entry> entries_;
   std::uint64_t nextIdentifier_ = 0;

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "common/BoundedText.h"
-#include "platform/InternetConfig.h"
+#include "platform/InternetConfigComponent.h"
 
 namespace quillforth::classify {
 

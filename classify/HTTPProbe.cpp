@@ -3,27 +3,17 @@
 #include "classify/HTTPProbe.h"
 
 #include <QString>
-#include <algorithm>
 #include <string>
-#include <string_view>
 #include <system_error>
 
-#include "platform/URL.h"
+#include "net/URL.h"
 
 namespace quillforth::classify {
 
 using platform::HTTPReadStream;
 using platform::StreamEvent;
 
-namespace {
-
-bool HasSupportedScheme(std::string_view url) {
-  constexpr std::string_view kSchemes[] = {"http://", "ftp://", "https://"};
-  return std::any_of(std::begin(kSchemes), std::end(kSchemes),
-                     [url](std::string_view scheme) { return common::StartsWithNoCase(url, scheme); });
-}
-
-}  // namespace
+namespace {}  // namespace
 
 CHTTPProbe::CHTTPProbe(std::int32_t timeoutSeconds, bool waitForCompletion,
                        platform::HTTPReadStreamFactory& streams)
@@ -81,11 +71,9 @@ void CHTTPProbe::runWorker() {
 }
 
 void CHTTPProbe::exchange() {
-  if (!HasSupportedScheme(url_.view())) return;
-  const auto length = static_cast<qsizetype>(url_.size());
   const std::optional<platform::URL> url =
-      platform::URL::URLWithString(QString::fromUtf8(url_.c_str(), length));
-  if (!url) return;
+      platform::URL::URLWithString(QString::fromUtf8(url_.c_str(), static_cast<qsizetype>(url_.size())));
+  if (!url || !platform::HasWebScheme(url->absoluteString())) return;
   stream_ = streams_.createStream({std::string(method_.view()), *url, std::string(userAgent_.view()),
                                    std::string(userName_.view()), std::string(password_.view())});
   if (stream_ == nullptr) return;

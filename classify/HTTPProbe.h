@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// One HTTP request, asked on a thread of its own, for what its response header says.
+// Makes one HTTP request on a thread of its own, for the header of the response.
 //
-// The time-out counts silence: only body bytes move it, so an exchange without a body, redirects included,
-// has one time-out in all. The status code plays no part: a 404 that ends cleanly has succeeded.
+// The time-out counts silence. Only body bytes move it, so an exchange without a body has one in all,
+// redirects included. The status code does not count: a 404 that ends cleanly has succeeded.
 //
 // The thread that starts the probe owns it. The flags may be read at any time from any thread; header and
 // body only by the owner, and only once the worker has finished.
@@ -42,14 +42,14 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
   /// Asks `url` with the method "GET"; see `start`.
   int get(const char* url, const char* userAgent, const char* userName, const char* password);
   /// Starts the exchange: 0, or the error code for which no thread could be started. Every text is cut at 255
-  /// bytes; a null one counts as empty, but for a null `url` nothing happens at all. A worker of an earlier
+  /// bytes, and a null one counts as empty. With a null `url` nothing happens at all. A worker of an earlier
   /// start is waited for, and what it found is dropped.
   int start(const char* url, const char* userAgent, const char* userName, const char* password,
             const char* method);
   /// The worker gives up when the next data arrive.
   void requestCancel() { cancelRequested_ = true; }
 
-  /// The exchange is over, one way or the other.
+  /// The exchange is over, with or without success.
   [[nodiscard]] bool done() const { return done_; }
   /// The exchange ended with the end of the stream.
   [[nodiscard]] bool succeeded() const { return succeeded_; }

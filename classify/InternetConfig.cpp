@@ -4,11 +4,11 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QStringEncoder>
 #include <optional>
 #include <string_view>
 
 #include "common/BoundedText.h"
+#include "net/UTF8.h"
 
 namespace quillforth::classify {
 
@@ -73,12 +73,11 @@ common::FourCharCode bundleCreatorCode(platform::MainBundle& bundle) {
   const std::optional<QString> signature =
       bundle.objectForInfoDictionaryKey(QStringLiteral("CFBundleSignature"));
   if (!signature) return 0;
-  QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-  const QByteArray bytes = encoder.encode(*signature);
-  if (encoder.hasError() || bytes.size() > kMaxLength) return 0;
+  const std::optional<QByteArray> bytes = platform::UTF8OfText(*signature);
+  if (!bytes || bytes->size() > kMaxLength) return 0;
   common::FourCharCode code = 0;
   for (qsizetype i = 0; i < 4; ++i) {
-    code = code << 8 | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
+    code = code << 8 | (i < bytes->size() ? static_cast<unsigned char>((*bytes)[i]) : 0U);
   }
   return code;
 }

@@ -10,7 +10,7 @@
 #include "classify/ExtensionMap.h"
 #include "common/FourCharCode.h"
 #include "common/Status.h"
-#include "platform/InternetConfig.h"
+#include "platform/InternetConfigComponent.h"
 #include "platform/MainBundle.h"
 
 namespace quillforth::classify {

@@ -2,24 +2,17 @@
 
 #include "classify/NSStringExtensions.h"
 
-#include <QStringDecoder>
-#include <QStringEncoder>
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "common/BoundedText.h"
+#include "net/FileURL.h"
+#include "net/UTF8.h"
+
 namespace quillforth::classify {
 
 namespace {
-
-std::optional<QString> DecodeUTF8(QByteArrayView bytes) {
-  QStringDecoder decoder(QStringConverter::Utf8,
-                         QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
-  QString text = decoder(bytes);
-  if (decoder.hasError()) return std::nullopt;
-  return text.isNull() ? QStringLiteral("") : text;
-}
 
 bool Exists(const std::string& path) {
   std::error_code error;
@@ -82,22 +75,18 @@ QString Between(QStringView text, std::size_t begin, std::size_t end) {
 }  // namespace
 
 std::optional<QString> stringWithUTF8String(QByteArrayView bytes) {
-  const qsizetype nul = std::find(bytes.begin(), bytes.end(), '\0') - bytes.begin();
-  return DecodeUTF8(bytes.first(nul));
+  return platform::TextFromUTF8(common::UpToNul({bytes.data(), static_cast<std::size_t>(bytes.size())}));
 }
 
 std::optional<QString> stringWithFSRef(const platform::FileReference* reference) {
   if (reference == nullptr || reference->isEmpty() || !Exists(reference->path())) return std::nullopt;
-  return DecodeUTF8(reference->path());
+  return platform::TextFromUTF8(reference->path());
 }
 
 bool getFSRef(const QString& path, platform::FileReference* reference) {
-  QStringEncoder encoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-  std::string bytes = QByteArray(encoder(path)).toStdString();
-  if (encoder.hasError() || !bytes.starts_with('/') || bytes.find('\0') != std::string::npos) return false;
-  while (bytes.size() > 1 && bytes.ends_with('/')) bytes.pop_back();
-  if (!Exists(bytes)) return false;
-  *reference = platform::FileReference(std::move(bytes));
+  std::optional<platform::FileReference> file = platform::FileAtPath(path);
+  if (!file || !Exists(file->path())) return false;
+  *reference = std::move(*file);
   return true;
 }
 

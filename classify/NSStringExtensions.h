@@ -2,7 +2,7 @@
 //
 // Small operations on the platform string: paths and file references, and the text between two markers.
 //
-// Nothing is ever reported: whatever fails gives nothing. Pure but for the look at the file system; any
+// Nothing is ever reported: every failure gives nothing. Pure, except for the look at the file system; any
 // thread.
 #pragma once
 
@@ -11,7 +11,7 @@
 #include <QStringView>
 #include <optional>
 
-#include "platform/FileReference.h"
+#include "common/FileReference.h"
 
 namespace quillforth::classify {
 
@@ -22,7 +22,7 @@ namespace quillforth::classify {
 /// and for a path that is not UTF-8. A symbolic link is an item of its own, wherever it leads.
 [[nodiscard]] std::optional<QString> stringWithFSRef(const platform::FileReference* reference);
 /// Whether `path`, an absolute one, names something that exists; then `reference`, which is not null, refers
-/// to it. It is left alone otherwise.
+/// to it. Otherwise it is left alone.
 [[nodiscard]] bool getFSRef(const QString& path, platform::FileReference* reference);
 
 // Markers are found whatever their letter case, by the simple case folding of Unicode. An empty marker is

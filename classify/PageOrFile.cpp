@@ -3,8 +3,6 @@
 #include "classify/PageOrFile.h"
 
 #include <QByteArray>
-#include <QStringDecoder>
-#include <QStringEncoder>
 #include <algorithm>
 #include <optional>
 #include <string_view>
@@ -12,14 +10,15 @@
 
 #include "classify/HTTPProbe.h"
 #include "common/BoundedText.h"
-#include "platform/URL.h"
+#include "net/URL.h"
+#include "net/UTF8.h"
+#include "net/UserAgent.h"
 
 namespace quillforth::classify {
 
 namespace {
 
 constexpr std::int32_t kProbeTimeoutSeconds = 10;
-constexpr const char* kUserAgent = "Quillforth/1.0";
 
 bool IsTextType(const QString& type) {
   return type.startsWith(QStringLiteral("text/"), Qt::CaseSensitive);
@@ -27,11 +26,7 @@ bool IsTextType(const QString& type) {
 
 // Nothing when the type is not valid UTF-8. It ends at its first NUL byte.
 std::optional<QString> ReadableType(const platform::PascalString& type) {
-  const common::BoundedText text(platform::PascalStringView(type));
-  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-  QString readable = decoder.decode(QByteArrayView(text.c_str(), static_cast<qsizetype>(text.size())));
-  if (decoder.hasError()) return std::nullopt;
-  return readable;
+  return platform::TextFromUTF8(common::UpToNul(platform::PascalStringView(type)));
 }
 
 Classification ClassifyExtension(const QString& extension, const CExtensionMap& map) {
@@ -58,7 +53,7 @@ QByteArray Latin1Bytes(const QString& text) {
 Classification ProbeURL(const QString& url, platform::HTTPReadStreamFactory& streams) {
   CHTTPProbe probe(kProbeTimeoutSeconds, true, streams);
   Classification result{false, ClassificationReason::serverDidNotAnswer, {}, {}};
-  if (probe.head(Latin1Bytes(url).constData(), kUserAgent, "", "") != 0) return result;
+  if (probe.head(Latin1Bytes(url).constData(), platform::kUserAgent, "", "") != 0) return result;
   while (!probe.workerFinished()) std::this_thread::yield();
   if (!probe.succeeded()) return result;
   result.reason = ClassificationReason::serverGaveNoType;

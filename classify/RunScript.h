@@ -10,10 +10,10 @@
 
 namespace quillforth::classify {
 
-/// The text of what the script `source` gives; nothing on every failure, and for a result without a text.
+/// The result of the script `source` as text. Nothing on every failure, and for a result without a text.
 ///
-/// Of a list it is the text of the item at 0. Items are counted from 1, so that every list gives nothing;
-/// that is kept. Blocks while the script runs. Main thread.
+/// Of a list the item at 0 is taken. Items are counted from 1, so every list gives nothing; that is
+/// kept. Blocks while the script runs; any thread.
 [[nodiscard]] std::optional<QString> runScript(const QString& source, platform::ScriptHost& host);
 
 }  // namespace quillforth::classify

@@ -19,6 +19,8 @@ if(QUILLFORTH_WARNINGS_AS_ERRORS)
   add_compile_options(-Werror)
 endif()
 
+add_link_options(-Wl,--as-needed)  # a library that nothing is taken from is not loaded
+
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH _FILE_OFFSET_BITS=64)
 
 # "address", "thread" or empty. Undefined behaviour is always checked together with addresses.

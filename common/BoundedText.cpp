@@ -7,23 +7,14 @@
 
 namespace quillforth::common {
 
-namespace {
-
-std::string_view UpToNul(std::string_view text, std::size_t limit) noexcept {
-  text = text.substr(0, limit);
-  return text.substr(0, text.find('\0'));
-}
-
-}  // namespace
-
 void BoundedText::assign(std::string_view text) noexcept {
-  text = UpToNul(text, kMaxLength);
+  text = UpToNul(text.substr(0, kMaxLength));
   if (!text.empty()) std::memmove(field_.data(), text.data(), text.size());
   setLength(text.size());
 }
 
 void BoundedText::append(std::string_view text) noexcept {
-  text = UpToNul(text, kMaxLength - length_);
+  text = UpToNul(text.substr(0, kMaxLength - length_));
   if (!text.empty()) std::memmove(field_.data() + length_, text.data(), text.size());
   setLength(length_ + text.size());
 }
@@ -44,6 +35,10 @@ int CompareNoCaseN(std::string_view a, std::string_view b, std::size_t n) noexce
     if (left != right) return left - right;
   }
   return 0;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) noexcept {
+  return a.size() == b.size() && CompareNoCaseN(a, b, a.size()) == 0;
 }
 
 bool StartsWithNoCase(std::string_view text, std::string_view prefix) noexcept {

@@ -62,6 +62,11 @@ void SafeCopy(BoundedText& destination, const char* source) noexcept;
 /// Appends so that `destination` holds at most 255 bytes in all; a null source changes nothing.
 void SafeAppend(BoundedText& destination, const char* source) noexcept;
 
+/// `text` up to its first NUL byte.
+[[nodiscard]] constexpr std::string_view UpToNul(std::string_view text) noexcept {
+  return text.substr(0, text.find('\0'));
+}
+
 /// An ASCII letter in upper case, every other byte unchanged.
 [[nodiscard]] constexpr char UpperCased(char c) noexcept {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -71,11 +76,13 @@ void SafeAppend(BoundedText& destination, const char* source) noexcept;
 /// pair as unsigned bytes. A text that ends early counts as ending in a NUL byte.
 [[nodiscard]] int CompareNoCaseN(std::string_view a, std::string_view b, std::size_t n) noexcept;
 
-/// Whether `text` begins with `prefix`, letter case apart.
+/// Whether the two are the same, whatever the case of their letters.
+[[nodiscard]] bool EqualsNoCase(std::string_view a, std::string_view b) noexcept;
+/// Whether `text` begins with `prefix`, whatever the case of their letters.
 [[nodiscard]] bool StartsWithNoCase(std::string_view text, std::string_view prefix) noexcept;
 
 enum class LetterCase { ignored, exact };
-/// Whether `text` begins with `prefix`, letter case apart or byte by byte.
+/// The same, or byte by byte.
 [[nodiscard]] bool StartsWith(std::string_view text, std::string_view prefix, LetterCase letterCase) noexcept;
 
 }  // namespace quillforth::common

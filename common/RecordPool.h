@@ -16,8 +16,8 @@
 
 namespace quillforth::common {
 
-/// `Record` has a member `Record* next`, through which idle records are threaded and which their user may use
-/// while he holds them. A record comes out with its other members as its last user left them.
+/// `Record` has a member `Record* next`, through which idle records are threaded and which the
+/// holder of a record may use. A record comes out with its other members as its last user left them.
 template <class Record>
 class RecordPool {
  public:

@@ -2,9 +2,9 @@
 //
 // Memory for large arrays that are needed for a moment, page after page.
 //
-// What goes back to the system has to be fetched again, one fault for every 4 KiB: for a page of dense links
-// that is as dear as the scan itself. Idle blocks therefore stay with the process, in sizes of powers of two,
-// for whoever wants one of that size next. What a block's last user never touched costs nothing. Any thread;
+// Memory that goes back to the system is fetched again at one page fault for every 4 KiB. For a page of dense
+// links that costs as much as the scan itself. So idle blocks stay with the process, in sizes of powers of
+// two, for the next user of that size. A part of a block that was never touched costs nothing. Any thread;
 // a lock guards the blocks.
 #pragma once
 

@@ -12,6 +12,8 @@
 #include <QStyle>
 #include <QToolTip>
 
+#include "desktop/ApplicationID.h"
+
 namespace quillforth::desktop {
 
 namespace {
@@ -94,7 +96,7 @@ uint Preference(QVariant value) {
 }  // namespace
 
 QIcon ProgramIcon() {
-  const QString name = QStringLiteral("com.tessarysoftware.Quillforth");
+  const QString name = QString::fromLatin1(kApplicationID);
   return QIcon::fromTheme(name, QIcon(QStringLiteral(":/icons/%1.svg").arg(name)));
 }
 

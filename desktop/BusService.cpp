@@ -9,13 +9,13 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/URL.h"
+#include "desktop/ApplicationID.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
 namespace {
 
-constexpr const char* kName = "com.tessarysoftware.Quillforth";
 constexpr const char* kPath = "/com/tessarysoftware/Quillforth";
 constexpr const char* kApplication = "org.freedesktop.Application";
 constexpr const char* kBus = "org.freedesktop.DBus";
@@ -144,7 +144,7 @@ int Match(sd_bus_message* call, void* /*handler*/, sd_bus_error* /*error*/) {
       QCoreApplication::translate("quillforth::desktop::BusService", "Download %1 with Quillforth")
           .arg(platform::WithoutCredentials(url));
   return sd_bus_reply_method_return(call, "a(sssuda{sv})", 1, url.toUtf8().constData(),
-                                    text.toUtf8().constData(), kName, kExactMatch, 1.0, 0);
+                                    text.toUtf8().constData(), kApplicationID, kExactMatch, 1.0, 0);
 }
 
 // There is nothing else that can be done with a match.
@@ -176,7 +176,7 @@ int NameLost(sd_bus_message* signal, void* lost, sd_bus_error* /*error*/) {
   const char* name = "";
   static_cast<void>(sd_bus_message_read(signal, "s", &name));
   const auto& call = *static_cast<std::function<void()>*>(lost);
-  if (std::strcmp(name, kName) == 0 && call) call();
+  if (std::strcmp(name, kApplicationID) == 0 && call) call();
   return 0;
 }
 
@@ -199,7 +199,7 @@ bool AppendTexts(sd_bus_message* call, const QStringList& texts) {
 // Null when the request cannot be on a bus.
 BusMessage CallFor(sd_bus& bus, const Request& request) {
   sd_bus_message* made = nullptr;
-  sd_bus_message_new_method_call(&bus, &made, kName, kPath, kApplication, MethodFor(request.kind));
+  sd_bus_message_new_method_call(&bus, &made, kApplicationID, kPath, kApplication, MethodFor(request.kind));
   BusMessage call(made, &sd_bus_message_unref);
   bool isWhole = made != nullptr && sd_bus_message_set_auto_start(made, 0) >= 0;
   if (request.kind == Request::Kind::open) isWhole = isWhole && AppendTexts(made, request.texts);
@@ -237,7 +237,7 @@ bool BusService::open() {
   const bool isShown =
       sd_bus_set_method_call_timeout(bus, kMicrosecondsToAnswer) >= 0 &&
       sd_bus_add_object_vtable(bus, nullptr, kPath, kApplication, kApplicationMethods, &handler_) >= 0 &&
-      sd_bus_add_object_vtable(bus, nullptr, kPath, kName, kDownloadMethods, &handler_) >= 0 &&
+      sd_bus_add_object_vtable(bus, nullptr, kPath, kApplicationID, kDownloadMethods, &handler_) >= 0 &&
       sd_bus_add_object_vtable(bus, nullptr, "/KRunner", "org.kde.krunner1", kRunnerMethods, &handler_) >= 0;
   if (!isShown) bus_.reset();
   return isShown;
@@ -250,7 +250,7 @@ BusService::Outcome BusService::begin() {
     result = sd_bus_match_signal(bus_.get(), nullptr, kBus, nullptr, kBus, "NameLost", &NameLost, &lost_);
   }
   if (result >= 0) {
-    result = sd_bus_request_name(bus_.get(), kName,
+    result = sd_bus_request_name(bus_.get(), kApplicationID,
                                  isStandIn ? SD_BUS_NAME_ALLOW_REPLACEMENT : SD_BUS_NAME_REPLACE_EXISTING);
   }
   if (result == -EEXIST) return Outcome::isNameTaken;
@@ -268,7 +268,7 @@ void BusService::serve() {
 
 void BusService::stay() {
   lost_ = nullptr;
-  static_cast<void>(sd_bus_request_name_async(bus_.get(), nullptr, kName, 0, nullptr, nullptr));
+  static_cast<void>(sd_bus_request_name_async(bus_.get(), nullptr, kApplicationID, 0, nullptr, nullptr));
 }
 
 void BusService::comeBackLater() {
@@ -284,7 +284,7 @@ void BusService::comeBack() {
     return 0;
   };
   constexpr std::uint64_t kFlags = SD_BUS_NAME_REPLACE_EXISTING | SD_BUS_NAME_QUEUE;
-  if (!open() || sd_bus_request_name_async(bus_.get(), nullptr, kName, kFlags, answered, this) < 0) {
+  if (!open() || sd_bus_request_name_async(bus_.get(), nullptr, kApplicationID, kFlags, answered, this) < 0) {
     return comeBackLater();
   }
   serve();

@@ -10,6 +10,7 @@ CommandGate::CommandGate() {
 }
 
 bool CommandGate::post(Command command) {
+  owner_.check();
   if (isClosed_ || waiting_.size() >= kMaxWaiting) return false;
   waiting_.push_back(std::move(command));
   scheduleNext();
@@ -22,7 +23,7 @@ void CommandGate::close() {
 }
 
 void CommandGate::runNext() {
-  if (isRunning_ || holds_ > 0 || waiting_.empty()) return;
+  if (isRunning_ || holds_ > 0 || waiting_.empty() || isBeginning_()) return;
   const Command command = std::move(waiting_.front());
   waiting_.pop_front();
   isRunning_ = true;
@@ -36,6 +37,7 @@ void CommandGate::scheduleNext() {
 }
 
 void CommandGate::changeHolds(Held held, int change) {
+  owner_.check();
   holds_ += change;
   if (held == Held::commandsAndDownloads) {
     const bool wereHeld = downloadHolds_ > 0;

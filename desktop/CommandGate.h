@@ -7,13 +7,19 @@
 // controller from outside, but for the callbacks of downloads, is therefore a command that is posted here; it
 // is done from the event loop, after the ones before it, and not while a Hold exists. Download callbacks are
 // held back at their source while the controller is in the middle of something; a dialog that it does not
-// wait for, which may stand open for a night, holds commands only. Main thread.
+// wait for, which may stand open for a night, holds commands only.
+//
+// A download that was asked for begins a moment later, from the event loop, and until then the controller
+// starts a further URL at once: both are fetched at a time, and each takes the other's file for its own. So
+// the next command waits until whatever the last one has started has begun or ended. Main thread.
 #pragma once
 
 #include <QTimer>
 #include <deque>
 #include <functional>
 #include <utility>
+
+#include "common/OwnerThread.h"
 
 namespace quillforth::desktop {
 
@@ -27,8 +33,7 @@ class CommandGate {
   CommandGate(const CommandGate&) = delete;
   CommandGate& operator=(const CommandGate&) = delete;
 
-  /// Does `command` from the event loop, in its turn, with the callbacks of downloads that are due before it.
-  /// False when too many wait; then it is never done.
+  /// Does `command` from the event loop, in its turn. False when too many wait; then it is never done.
   bool post(Command command);
   /// How many more commands may be posted now.
   [[nodiscard]] std::size_t room() const { return isClosed_ ? 0 : kMaxWaiting - waiting_.size(); }
@@ -37,6 +42,9 @@ class CommandGate {
   [[nodiscard]] bool isClosed() const { return isClosed_; }
   /// A command runs or is waited for.
   [[nodiscard]] bool isBusy() const { return isRunning_ || holds_ > 0 || !waiting_.empty(); }
+  /// Whether a download was asked for, and has not begun. `goOn` is to be called when it has.
+  void waitWhile(std::function<bool()> isBeginning) { isBeginning_ = std::move(isBeginning); }
+  void goOn() { scheduleNext(); }
   /// Called with true when downloads may not call back any more, and with false when they may again.
   void whenDownloadsAreHeld(std::function<void(bool isHeld)> hear) { downloadsAreHeld_ = std::move(hear); }
 
@@ -64,9 +72,11 @@ class CommandGate {
   void scheduleNext();
   void changeHolds(Held held, int change);
 
+  common::OwnerThread owner_;
   std::deque<Command> waiting_;
   std::function<void(bool)> downloadsAreHeld_ = [](bool) {};
-  QTimer next_;            // zero seconds: fires when no descriptor has anything to say
+  std::function<bool()> isBeginning_ = [] { return false; };
+  QTimer next_;            // zero seconds
   int holds_ = 0;          // of both kinds
   int downloadHolds_ = 0;  // of these
   bool isRunning_ = false;

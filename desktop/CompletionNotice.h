@@ -10,8 +10,8 @@
 #include <QObject>
 #include <functional>
 
+#include "app/ControllerObserver.h"
 #include "app/LocalizedText.h"
-#include "app/ObservedDownloads.h"
 #include "app/Preferences.h"
 #include "desktop/DesktopNotification.h"
 #include "desktop/SoundPlayer.h"
@@ -28,14 +28,12 @@ struct CompletionNoticeServices {
   std::function<const platform::Sound*()> sound;  ///< null: there is none
 };
 
-class CompletionNotice final : public QObject, public app::DownloadObserver {
+class CompletionNotice final : public QObject, public app::ControllerObserver {
   Q_OBJECT
 
  public:
   explicit CompletionNotice(CompletionNoticeServices services, QObject* parent = nullptr);
 
-  void downloadBegan(const app::DownloadProgress& /*progress*/) override {}
-  void downloadReceived(const app::DownloadProgress& /*progress*/) override {}
   void downloadFinished(const app::DownloadProgress& progress) override;
   void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
   void controllerMovedOn() override;

@@ -10,11 +10,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/LinkFile.h"
+#include "app/URLInFile.h"
+#include "desktop/AddSheet.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/Request.h"
 #include "desktop/ShownText.h"
-#include "platform/FileURL.h"
+#include "net/FileURL.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -46,8 +47,8 @@ Desktop::Desktop(const DesktopServices& services)
       application_(window_, gate_),
       host_(services.makeHost(application_)),
       notice_(noticeServices()),
-      downloads_(*host_.downloads, notice_),
-      pacedIntake_(gate_, [this] { return downloads_.isBeginning(); }),
+      outcomes_(pacer_, window_, host_.localizedText),
+      pacedIntake_(gate_),
       pageLoader_(*host_.pageLoader, *host_.log, gate_),
       readStreams_(*host_.readStreams, gate_),
       scripts_(host_.scripts, gate_),
@@ -58,12 +59,13 @@ Desktop::Desktop(const DesktopServices& services)
       importOutlet_(importWindow_, gate_, pageLoader_, [this] { importPage(); }),
       preferencesOutlet_(preferencesWindow_, gate_),
       downloadDestinationTextField_(pacer_, *window_.ui().downloadDestinationTextField),
-      countTextField_(pacer_, *window_.ui().countTextField),
+      countTextField_(pacer_, *window_.ui().countTextField,
+                      [this] { outcomes_.showWaiting(controller_.numberOfRows()); }),
       spinner_(pacer_, *window_.ui().spinner),
       fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
       fileDownloadProgressText_(pacer_, *window_.ui().fileDownloadProgressText),
       currentURLTextField_(pacer_, *window_.ui().currentURLTextField,
-                           [this] { shownDownload_ = downloads_.startedCount(); }),
+                           [this] { shownDownload_ = controller_.startedCount(); }),
       fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
       deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
@@ -72,7 +74,7 @@ Desktop::Desktop(const DesktopServices& services)
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
       controller_(outlets(), waitingHost()) {
   gate_.whenDownloadsAreHeld(services_.holdDownloads);
-  downloads_.whenOneMovedOn([this] { pacedIntake_.moveOn(); });
+  gate_.waitWhile([this] { return controller_.isBeginning(); });
   fileTable_.setDataSource(controller_);
   connectCommands();
   window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
@@ -82,7 +84,7 @@ Desktop::Desktop(const DesktopServices& services)
 // The window goes first in what it says: nothing of it may reach the controller any more.
 Desktop::~Desktop() {
   gate_.close();
-  downloads_.end();  // nothing of the controller is going on any more
+  host_.downloads->end();  // nothing of the controller is going on any more
   storePlaces();
 }
 
@@ -105,7 +107,7 @@ app::Outlets Desktop::outlets() {
 
 app::Host Desktop::waitingHost() {
   app::Host host = host_;
-  host.downloads = &downloads_;
+  host.observers = {&notice_, &outcomes_, this};
   host.pageLoader = &pageLoader_;
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;
@@ -191,6 +193,7 @@ void Desktop::connectCommands() {
   Ui::StatusWindow& ui = window_.ui();
   using Controller = app::MyAppController;
   bind(ui.actionImportURL, ui.importButton, [this] { importOutlet_.makeKeyAndOrderFront(); });
+  bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs(QString()); });
   bind(ui.actionGetBrowserURL, nullptr, &Controller::processCurrentBrowserURL);
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
@@ -214,6 +217,7 @@ void Desktop::connectCommands() {
                    [this] { pressedDownload_ = shownDownload_; });
   bind(nullptr, ui.fileDownloadCancelButton,
        [this] { give([this, download = pressedDownload_] { cancelDownload(download); }); });
+  bind(ui.actionQueueAgain, nullptr, [this] { queueAgain(); });
   bind(ui.actionPaste, nullptr, [this] { paste(); });
   bind(ui.actionCopy, nullptr, [this] { copy(); });
   bind(ui.actionAbout, nullptr, [this] { showAbout(); });
@@ -251,7 +255,7 @@ void Desktop::tryAgain(const Entries& head) {
 }
 
 void Desktop::cancelDownload(int download) {
-  if (download == downloads_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
+  if (download == controller_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
 }
 
 void Desktop::chooseDestination() {
@@ -302,11 +306,12 @@ void Desktop::drop(const QMimeData& data) {
   const MimePasteboard pasteboard(data);
   const QString string = app::DraggedString(pasteboard);
   if (namesLinkFile(string)) return openDocuments_({string});
-  gate_.post([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+  give([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
 }
 
 void Desktop::copy() {
-  const QStringList urls = fileTable_.selectedURLs();
+  const bool isQueueShown = &window_.table() == window_.ui().fileTable;
+  const QStringList urls = isQueueShown ? fileTable_.selectedURLs() : outcomes_.selectedURLs();
   if (!urls.isEmpty()) QApplication::clipboard()->setMimeData(CopiedEntries(urls).release());
 }
 
@@ -339,10 +344,8 @@ void Desktop::take(const PastedURLs& pasted) {
   const std::shared_ptr<const QString> given = begin(QStringLiteral("paste ") + taken.join(u'\n'));
   if (!given) return;
   if (taken.isEmpty()) return tellRefused(refused);
-  if (!pacedIntake_.hasRoom(static_cast<std::size_t>(SizeOf(taken)))) {
-    return statusOutlet_.beginAlertSheet(
-        StatusWindow::tr("That is too much at a time."),
-        StatusWindow::tr("Nothing was taken. Paste fewer lines, or wait until those before are taken."));
+  if (static_cast<std::size_t>(SizeOf(taken)) > pacedIntake_.room()) {
+    return tellTooMuch();
   }
   const auto add = [this, given](const QStringList& texts, const PacedIntake::Item& item) {
     if (texts.isEmpty()) return;
@@ -356,11 +359,98 @@ void Desktop::take(const PastedURLs& pasted) {
   if (!refused.isEmpty()) tellRefused(refused);
 }
 
+void Desktop::tellTooMuch() {
+  statusOutlet_.beginAlertSheet(
+      StatusWindow::tr("That is too much at a time."),
+      StatusWindow::tr("Nothing was taken. Paste fewer lines, or wait until those before are taken."));
+}
+
+struct Desktop::TypedBatch {
+  QStringList urls;
+  qsizetype next = 0;
+  bool isFolderChosen = false;
+  bool isOver = false;  // the rest went back to the user
+};
+
+void Desktop::askForURLs(const QString& text) {
+  statusOutlet_.beginSheet([this, text] {
+    auto* sheet = new AddSheet(text, &window_);
+    QObject::connect(sheet, &QDialog::accepted, &window_, [this, sheet] {
+      auto batch = std::make_shared<TypedBatch>();
+      batch->urls = sheet->urls();
+      take(batch);
+    });
+    return sheet;
+  });
+}
+
+void Desktop::take(const std::shared_ptr<TypedBatch>& batch) {
+  if (static_cast<std::size_t>(SizeOf(batch->urls)) > pacedIntake_.room()) {
+    tellTooMuch();
+    return askForURLs(batch->urls.join(u'\n'));
+  }
+  const std::shared_ptr<const QString> given = begin(QString());
+  for (const QString& url : batch->urls) {
+    const PacedIntake::Item item = [this, given, batch] { takeNext(*batch); };
+    static_cast<void>(pacedIntake_.add(item, static_cast<std::size_t>(url.size())));
+  }
+}
+
+// The first that needs the folder is a drop, which may ask for it, and then the others go there, too; only a
+// page asks again. Without a connection every further URL would be lost with an alert of its own.
+void Desktop::takeNext(TypedBatch& batch) {
+  if (batch.isOver) return;
+  const QString url = batch.urls[batch.next++];
+  const auto work = [this] { return std::pair(controller_.startedCount(), controller_.numberOfRows()); };
+  const auto before = work();
+  wasURLLost_ = false;
+  if (!batch.isFolderChosen) {
+    controller_.tableViewAcceptDrop(MimePasteboard(url));
+  } else if (controller_.isWebPageURL(url)) {
+    controller_.extractLinks(url);
+  } else {
+    controller_.startURL(url, false);
+  }
+  batch.isFolderChosen = batch.isFolderChosen || work() != before;
+  if (!wasURLLost_ || batch.next == batch.urls.size()) return;
+  batch.isOver = true;
+  askForURLs(batch.urls.sliced(batch.next).join(u'\n'));
+}
+
+void Desktop::pageWasQueued(const QString& /*url*/, std::size_t linkCount) {
+  if (linkCount == 0) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+}
+
+void Desktop::pageDidNotLoad(const QString& /*url*/, const QString& reason) {
+  if (!reason.isNull()) importOutlet_.setFailure(host_.localizedText(reason));
+}
+
 // They were judged when they were queued first. Where nothing runs, the first one sets the queue going.
 void Desktop::queueEntries(const QStringList& entries) {
-  const bool isIdle = !downloads_.isBusy();
+  const bool isIdle = !controller_.isBusy();
   if (isIdle) controller_.startURL(entries.constFirst(), true);
   for (const QString& url : entries.sliced(isIdle ? 1 : 0)) controller_.queueURL(url);
+}
+
+// What is too much for now stays listed.
+void Desktop::queueAgain() {
+  QStringList files;
+  QStringList pages;
+  for (const Outcome& outcome : outcomes_.takeFailures(pacedIntake_.room())) {
+    (outcome.kind == Outcome::Kind::page ? pages : files).append(QString::fromUtf8(outcome.url));
+  }
+  const std::shared_ptr<const QString> given = begin(QString());
+  const auto add = [this, given](const QStringList& texts, const PacedIntake::Item& item) {
+    static_cast<void>(pacedIntake_.add([given, item] { item(); }, static_cast<std::size_t>(SizeOf(texts))));
+  };
+  if (!files.isEmpty()) add(files, [this, files] { queueFiles(files); });
+  for (const QString& page : pages) add({page}, [this, page] { controller_.extractLinks(page); });
+}
+
+// As the links of a page: they come last, and where nothing runs, the first of all that wait sets off.
+void Desktop::queueFiles(const QStringList& urls) {
+  for (const QString& url : urls) controller_.queueURL(url);
+  if (!controller_.isBusy()) controller_.takeNextURL(true);
 }
 
 void Desktop::tellRefused(const QStringList& lines) {
@@ -393,7 +483,7 @@ bool Desktop::windowShouldClose() {
 }
 
 bool Desktop::hasWork() const {
-  return downloads_.isBusy() || controller_.numberOfRows() > 0 || !pacedIntake_.isEmpty();
+  return controller_.isBusy() || controller_.numberOfRows() > 0 || !pacedIntake_.isEmpty();
 }
 
 void Desktop::quit() {

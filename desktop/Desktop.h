@@ -16,8 +16,6 @@
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
-#include "app/ObservedDownloads.h"
-#include "desktop/BrowserScripts.h"
 #include "desktop/CommandGate.h"
 #include "desktop/CompletionNotice.h"
 #include "desktop/DesktopApplication.h"
@@ -26,6 +24,7 @@
 #include "desktop/ImportOutlet.h"
 #include "desktop/ImportWindow.h"
 #include "desktop/MimePasteboard.h"
+#include "desktop/Outcomes.h"
 #include "desktop/PacedIntake.h"
 #include "desktop/PastedURLs.h"
 #include "desktop/PreferencesWindow.h"
@@ -33,6 +32,7 @@
 #include "desktop/SelectionReader.h"
 #include "desktop/StatusWindow.h"
 #include "desktop/Waiting.h"
+#include "desktop/WaitingScripts.h"
 #include "desktop/WidgetOutlets.h"
 
 namespace quillforth::desktop {
@@ -51,7 +51,7 @@ struct DesktopServices {
   std::shared_ptr<platform::SessionAccessibility> accessibility = nullptr;
 };
 
-class Desktop final : private StatusWindowOwner {
+class Desktop final : private StatusWindowOwner, private app::ControllerObserver {
  public:
   explicit Desktop(const DesktopServices& services);
   ~Desktop() override;
@@ -90,6 +90,10 @@ class Desktop final : private StatusWindowOwner {
   void drop(const QMimeData& data) override;
   void windowDidBecomeKey() override;
   bool windowShouldClose() override;
+  void controllerMovedOn() override { gate_.goOn(); }
+  void pageWasQueued(const QString& url, std::size_t linkCount) override;
+  void pageDidNotLoad(const QString& url, const QString& reason) override;
+  void urlWasLost(const QString& /*url*/) override { wasURLLost_ = true; }
 
   void connectCommands();
   /// Calls `give` whenever one of these is triggered.
@@ -118,6 +122,14 @@ class Desktop final : private StatusWindowOwner {
   void paste();
   void take(const PastedURLs& pasted);
   void queueEntries(const QStringList& entries);
+  void queueAgain();
+  /// Opens the sheet that URLs are typed into, with this text in it.
+  void askForURLs(const QString& text);
+  struct TypedBatch;
+  void take(const std::shared_ptr<TypedBatch>& batch);
+  void takeNext(TypedBatch& batch);
+  void tellTooMuch();
+  void queueFiles(const QStringList& urls);
   void tellRefused(const QStringList& lines);
   [[nodiscard]] PreferencesServices preferencesServices();
   [[nodiscard]] QString storedDestinationPath();
@@ -144,7 +156,7 @@ class Desktop final : private StatusWindowOwner {
   DesktopApplication application_;
   app::Host host_;
   CompletionNotice notice_;
-  app::ObservedDownloads downloads_;
+  Outcomes outcomes_;
   PacedIntake pacedIntake_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
@@ -173,6 +185,7 @@ class Desktop final : private StatusWindowOwner {
   std::uint64_t addedBeforeImport_ = 0;  // to the paced intake
   int shownDownload_ = 0;                // by how many had been started
   int pressedDownload_ = 0;              // the one that was shown when the button to cancel it went down
+  bool wasURLLost_ = false;              // since it was set to false
   bool isBecomingKey_ = false;
   bool isBecomingActive_ = false;
 };

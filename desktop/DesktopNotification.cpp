@@ -9,6 +9,8 @@
 #include <QVariantMap>
 #include <utility>
 
+#include "desktop/ApplicationID.h"
+
 namespace quillforth::desktop {
 
 namespace {
@@ -21,10 +23,6 @@ QString Path() {
   return QStringLiteral("/org/freedesktop/Notifications");
 }
 
-QString ProgramID() {
-  return QStringLiteral("com.tessarysoftware.Quillforth");
-}
-
 QDBusMessage MethodCall(const char* method) {
   return QDBusMessage::createMethodCall(Service(), Path(), Service(), QString::fromLatin1(method));
 }
@@ -35,7 +33,7 @@ QString Body(const NotificationText& text, const QStringList& capabilities) {
 }
 
 QVariantMap Hints(const NotificationText& text) {
-  return {{QStringLiteral("desktop-entry"), ProgramID()},
+  return {{QStringLiteral("desktop-entry"), QString::fromLatin1(kApplicationID)},
           {QStringLiteral("category"),
            text.isFailure ? QStringLiteral("transfer.error") : QStringLiteral("transfer.complete")},
           {QStringLiteral("suppress-sound"), true}};  // the program has its own
@@ -94,8 +92,8 @@ void DesktopNotification::notify(const NotificationText& text, const QStringList
   if (capabilities.contains(u"actions")) actions = {QStringLiteral("default"), tr("Show")};
   constexpr int kServiceDecidesHowLong = -1;
   QDBusMessage message = MethodCall("Notify");
-  message << QStringLiteral("Quillforth") << shown_ << ProgramID() << text.summary << Body(text, capabilities)
-          << actions << Hints(text) << kServiceDecidesHowLong;
+  message << QStringLiteral("Quillforth") << shown_ << QString::fromLatin1(kApplicationID) << text.summary
+          << Body(text, capabilities) << actions << Hints(text) << kServiceDecidesHowLong;
   call(message, [this](const QDBusPendingReply<uint>& reply) {
     shown_ = reply.isError() ? 0 : reply.value();
     finish();

@@ -26,6 +26,7 @@ FramePacer::Update::~Update() {
 }
 
 void FramePacer::Update::request() {
+  pacer_.owner_.check();
   if (isRequested_) return;
   isRequested_ = true;
   pacer_.requested_.push_back(this);

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "common/OwnerThread.h"
+
 namespace quillforth::desktop {
 
 class FramePacer {
@@ -44,6 +46,7 @@ class FramePacer {
 
   void runFrame();
 
+  common::OwnerThread owner_;
   std::vector<Update*> requested_;
   QTimer frame_;
 };

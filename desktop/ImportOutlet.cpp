@@ -22,7 +22,11 @@ void ImportOutlet::setStringValue(const QString& text) {
 }
 
 void ImportOutlet::orderOut() {
-  if (!isGivenUp()) DesktopWindow::orderOut();
+  if (!isGivenUp() && failure_.isNull()) DesktopWindow::orderOut();
+}
+
+void ImportOutlet::setFailure(const QString& reason) {
+  if (running_) failure_ = reason;
 }
 
 CommandGate::Command ImportOutlet::begin() {
@@ -35,8 +39,12 @@ void ImportOutlet::run(const Text& text) {
   if (text != given_) return;
   running_ = text;
   window_.showImport(ImportWindow::Import::loads);
+  failure_ = QString();
   import_();
-  if (!isGivenUp()) forget();
+  if (!isGivenUp()) {
+    forget();
+    if (!failure_.isNull()) window_.showFailure(failure_);
+  }
   pages_.setGivenUp(false);
   running_.reset();
 }

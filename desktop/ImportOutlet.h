@@ -4,7 +4,7 @@
 //
 // An import takes the text that stood in the field when it was asked for, whatever is typed meanwhile.
 // Whoever closes the window gives it up: one that waits for its turn is not done at all, and one whose page
-// is being loaded gets no page. Main thread.
+// is being loaded gets no page. One that gave nothing says so in the window, which stays. Main thread.
 #pragma once
 
 #include <functional>
@@ -27,8 +27,10 @@ class ImportOutlet final : public DesktopWindow, public app::TextField {
   [[nodiscard]] QString stringValue() const override;
   void setStringValue(const QString& text) override;
   void setHidden(bool hidden) override { window_.urlTextField().setHidden(hidden); }
-  /// Leaves a window that the user has closed and opened anew meanwhile.
+  /// Leaves a window that the user has closed and opened anew meanwhile, and one that has a failure to tell.
   void orderOut() override;
+  /// What runs has given nothing, for this reason. Nothing happens when no import runs.
+  void setFailure(const QString& reason);
   /// What runs is an import that nobody wants any more.
   [[nodiscard]] bool isGivenUp() const { return running_ != nullptr && running_ != given_; }
 
@@ -44,6 +46,7 @@ class ImportOutlet final : public DesktopWindow, public app::TextField {
   std::function<void()> import_;
   Text given_;    // that the user waits for; null: none
   Text running_;  // the controller's; null: none
+  QString failure_;
 };
 
 }  // namespace quillforth::desktop

@@ -2,9 +2,16 @@
 
 #include "desktop/ImportWindow.h"
 
+#include "desktop/ShownText.h"
 #include "ui_ImportWindow.h"
 
 namespace quillforth::desktop {
+
+namespace {
+
+constexpr qsizetype kLongestReason = 300;
+
+}  // namespace
 
 ImportWindow::ImportWindow(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::ImportWindow>()) {
   ui_->setupUi(this);
@@ -14,6 +21,13 @@ ImportWindow::ImportWindow(QWidget* parent) : QDialog(parent), ui_(std::make_uni
 }
 
 ImportWindow::~ImportWindow() = default;
+
+void ImportWindow::showFailure(const QString& reason) {
+  ui_->importLabel->setText(ShownLines(reason, kLongestReason));
+  ui_->importLabel->show();
+  ui_->urlTextField->setFocus();
+  ui_->urlTextField->selectAll();
+}
 
 QLineEdit& ImportWindow::urlTextField() {
   return *ui_->urlTextField;

@@ -26,6 +26,8 @@ class ImportWindow final : public QDialog {
   enum class Import { none, waits, loads };
   /// There is one import at a time: until it is over, there is no other to be asked for.
   void showImport(Import import);
+  /// Why the last import gave nothing.
+  void showFailure(const QString& reason);
   [[nodiscard]] QLineEdit& urlTextField();
 
  signals:

@@ -13,19 +13,14 @@ constexpr std::chrono::milliseconds kPause(100);  // while the gate is full
 
 }  // namespace
 
-PacedIntake::PacedIntake(CommandGate& gate, std::function<bool()> mustWait)
-    : gate_(gate), mustWait_(std::move(mustWait)) {
+PacedIntake::PacedIntake(CommandGate& gate) : gate_(gate) {
   retry_.setSingleShot(true);
   retry_.setInterval(kPause);
   retry_.callOnTimeout([this] { moveOn(); });
 }
 
-bool PacedIntake::hasRoom(std::size_t size) const {
-  return !gate_.isClosed() && size <= kMaxSize - size_;
-}
-
 bool PacedIntake::add(Item item, std::size_t size) {
-  if (!hasRoom(size)) return false;
+  if (size > room()) return false;
   waiting_.push_back({std::move(item), size});
   size_ += size;
   ++addedCount_;
@@ -34,7 +29,7 @@ bool PacedIntake::add(Item item, std::size_t size) {
 }
 
 void PacedIntake::moveOn() {
-  if (isPosted_ || waiting_.empty() || mustWait_()) return;
+  if (isPosted_ || waiting_.empty()) return;
   isPosted_ = gate_.post([this] { giveNext(); });
   if (!isPosted_ && !gate_.isClosed()) retry_.start();
 }
@@ -43,10 +38,10 @@ void PacedIntake::dropFirst(std::uint64_t count) {
   while (!isEmpty() && addedCount_ - waiting_.size() < count) static_cast<void>(takeFirst());
 }
 
-// Another command may have started a download before this one came to its turn, or dropped what waited.
+// Another command may have dropped what waited.
 void PacedIntake::giveNext() {
   isPosted_ = false;
-  if (isEmpty() || mustWait_()) return;
+  if (isEmpty()) return;
   takeFirst().item();
   moveOn();
 }

@@ -7,7 +7,7 @@
 
 #include "app/Pasteboard.h"
 #include "desktop/MimePasteboard.h"
-#include "platform/URL.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
@@ -18,12 +18,6 @@ constexpr QLatin1StringView kEntriesType("application/vnd.tessarysoftware.quillf
 constexpr QLatin1StringView kEntriesMark("entries\n");
 constexpr QLatin1StringView kTextMark("text\n");
 
-bool IsTaken(const QString& line) {
-  if (line.size() > app::Pasteboard::kMaxStringLength) return false;
-  const std::optional<platform::URL> url = platform::URL::URLWithString(line);
-  return url && platform::CanBeFetched(*url);
-}
-
 QStringList EntriesIn(QStringView json) {
   QStringList entries;
   for (const auto& entry : QJsonDocument::fromJson(json.toUtf8()).array()) {
@@ -33,6 +27,12 @@ QStringList EntriesIn(QStringView json) {
 }
 
 }  // namespace
+
+bool CanBeTaken(const QString& text) {
+  if (text.size() > app::Pasteboard::kMaxStringLength) return false;
+  const std::optional<platform::URL> url = platform::URL::URLWithString(text);
+  return url && platform::CanBeFetched(*url);
+}
 
 std::unique_ptr<QMimeData> CopiedEntries(const QStringList& entries) {
   auto data = std::make_unique<QMimeData>();
@@ -57,7 +57,7 @@ PastedURLs PastedURLs::in(const QString& pasteboardText) {
     QString text = pasteboardText.sliced(kTextMark.size());
     for (const QString& part : text.replace(u'\r', u'\n').split(u'\n', Qt::SkipEmptyParts)) {
       const QString line = part.trimmed();
-      if (!line.isEmpty()) (IsTaken(line) ? pasted.urls : pasted.refused).append(line);
+      if (!line.isEmpty()) (CanBeTaken(line) ? pasted.urls : pasted.refused).append(line);
     }
   }
   return pasted;

@@ -21,11 +21,14 @@ namespace quillforth::desktop {
 /// these, or too long.
 [[nodiscard]] QString PasteboardText(const QMimeData& data);
 
+/// Whether a text is taken for a URL: one of http, https or ftp, with a host, and not too long to be dropped.
+[[nodiscard]] bool CanBeTaken(const QString& text);
+
 struct PastedURLs {
   static constexpr qsizetype kMaxLength = 16 << 20;  ///< of the text, in UTF-16 units
 
   QStringList entries;  ///< to be queued as they stand
-  QStringList urls;     ///< of http, https or ftp, with a host
+  QStringList urls;     ///< that can be taken
   QStringList refused;  ///< the other lines
 
   /// `pasteboardText`: as above. All are empty when there is nothing in it.

@@ -10,6 +10,8 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QScrollArea>
+#include <QSignalBlocker>
+#include <QSpinBox>
 #include <QStyle>
 #include <QThreadPool>
 #include <utility>
@@ -29,8 +31,12 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
   ui_->storageFailure->hide();
   for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
     const auto* box = findChild<QCheckBox*>(preference.key);
-    connect(box, &QCheckBox::clicked, this, [this, &preference](bool value) { store(preference, value); });
+    connect(box, &QCheckBox::clicked, this,
+            [this, &preference](bool value) { store(preference.key, value); });
   }
+  ui_->downloadsAhead->setMaximum(app::kMaxDownloadsAhead);
+  connect(ui_->downloadsAhead, &QSpinBox::valueChanged, this,
+          [this](int value) { store(app::kDownloadsAheadKey, value); });
   connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
   connect(ui_->browserAdviceButton, &QPushButton::clicked, this, &PreferencesWindow::showBrowserAdvice);
   connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
@@ -48,6 +54,10 @@ void PreferencesWindow::reload() {
   for (const app::BooleanPreference& preference : app::kBooleanPreferences) {
     findChild<QCheckBox*>(preference.key)->setChecked(preferences.read(preference));
   }
+  {
+    const QSignalBlocker nothingIsStored(ui_->downloadsAhead);
+    ui_->downloadsAhead->setValue(preferences.downloadsAhead());
+  }
   ui_->bringApplicationToFront->setEnabled(ui_->showStatusWindow->isChecked());
   const QString path = services_.destinationPath();
   ui_->destinationField->setText(path);
@@ -56,8 +66,8 @@ void PreferencesWindow::reload() {
   showStorage(services_.isStored());
 }
 
-void PreferencesWindow::store(const app::BooleanPreference& preference, bool value) {
-  services_.userDefaults.setObject(preference.key, value);
+void PreferencesWindow::store(const QString& key, const QVariant& value) {
+  services_.userDefaults.setObject(key, value);
   services_.userDefaults.synchronize();
   reload();
 }

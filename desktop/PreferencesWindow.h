@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The preferences window: one check box a boolean setting, which bears the setting's key as its object name,
-// and the destination folder.
+// the destination folder, and a number.
 //
 // Where the screen is too low for all of them, they scroll. A click is stored at once; what another process
 // stores shows as soon as it is noticed, and whenever the window comes to the front. Main thread.
@@ -9,6 +9,7 @@
 
 #include <QDialog>
 #include <QString>
+#include <QVariant>
 #include <functional>
 #include <memory>
 
@@ -51,7 +52,7 @@ class PreferencesWindow final : public QDialog {
   void changeEvent(QEvent* event) override;
 
  private:
-  void store(const app::BooleanPreference& preference, bool value);
+  void store(const QString& key, const QVariant& value);
   void fitScreen();
   void chooseDestination();
   void showStorage(bool isStored);

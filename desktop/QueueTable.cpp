@@ -65,8 +65,7 @@ void QueueTable::paintInvitation() {
   large.setPointSizeF(large.pointSizeF() * 1.3);
   painter.setFont(large);
   painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect(), static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap),
-                   tr("Drop URLs here"));
+  painter.drawText(viewport()->rect(), static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
 }
 
 TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The queue table on the screen, and the outlet through which the controller fills it.
+// The tables of the window, and the outlet through which the controller fills that of the queue.
 //
 // Rows have one height and are never measured. Main thread.
 #pragma once
@@ -17,13 +17,15 @@
 
 namespace quillforth::desktop {
 
-/// Says in the middle what it is for while it is empty.
+/// A table of URLs. Says in the middle what it is for while it is empty.
 class QueueTable final : public QTableView {
   Q_OBJECT
 
  public:
   explicit QueueTable(QWidget* parent = nullptr);
 
+  /// What it says while it is empty.
+  void setInvitation(const QString& text) { invitation_ = text; }
   /// Shows that something that is dragged may be dropped.
   void setDropHighlighted(bool isHighlighted);
   /// Does nothing: URLs begin alike, and a search by first letters would read them all.
@@ -37,6 +39,7 @@ class QueueTable final : public QTableView {
   void followFont();
   void paintInvitation();
 
+  QString invitation_ = tr("Drop URLs here");
   bool isDropHighlighted_ = false;
 };
 

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <numeric>
 
-#include "platform/FileURL.h"
-#include "platform/URL.h"
+#include "net/FileURL.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 

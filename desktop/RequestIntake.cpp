@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/Services.h"
+#include "app/ServicesProvider.h"
 #include "desktop/Activation.h"
 #include "desktop/MimePasteboard.h"
 
@@ -30,7 +30,7 @@ RequestHandler::Answer RequestIntake::take(const Request& request) {
   const QString& identity = request.handOver.identity;
   if (std::find(taken_.begin(), taken_.end(), identity) != taken_.end()) return Answer::taken;
   if (IsLate(request.handOver)) return Answer::isLate;
-  const bool hasRoom = desktop_.pacedIntake().hasRoom(static_cast<std::size_t>(SizeOf(request.texts)));
+  const bool hasRoom = static_cast<std::size_t>(SizeOf(request.texts)) <= desktop_.pacedIntake().room();
   if (desktop_.gate().room() < kMaxCommands || !hasRoom) return Answer::tooBusy;
   if (!identity.isEmpty()) remember(identity);
   if (!request.activationToken.isEmpty()) RememberActivation(request.activationToken);

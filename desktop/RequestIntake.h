@@ -9,11 +9,11 @@
 
 #include <deque>
 
+#include "appleevents/AppleEventManager.h"
 #include "common/FourCharCode.h"
 #include "desktop/Desktop.h"
 #include "desktop/Request.h"
 #include "desktop/SelectionReader.h"
-#include "platform/AppleEventManager.h"
 
 namespace quillforth::desktop {
 

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "platform/PrintableText.h"
+#include "net/PrintableText.h"
 
 namespace quillforth::desktop {
 

@@ -28,26 +28,35 @@ void Accept(QDropEvent& event) {
 StatusWindow::StatusWindow(StatusWindowOwner& owner)
     : owner_(owner), ui_(std::make_unique<Ui::StatusWindow>()) {
   ui_->setupUi(this);
+  ui_->actionAddURLs->setShortcut(QKeySequence::New);
   ui_->actionQuit->setShortcut(QKeySequence::Quit);
   ui_->actionPaste->setShortcut(QKeySequence::Paste);
   ui_->actionCopy->setShortcut(QKeySequence::Copy);
   ui_->actionDelete->setShortcut(QKeySequence::Delete);
   ui_->actionSelectAll->setShortcut(QKeySequence::SelectAll);
   ui_->actionOpenLinkFile->setShortcut(QKeySequence::Open);
-  ui_->fileTable->setContextMenuPolicy(Qt::ActionsContextMenu);
+  ui_->actionRemove->setShortcut(QKeySequence::Delete);
+  for (QueueTable* table : findChildren<QueueTable*>()) table->setContextMenuPolicy(Qt::ActionsContextMenu);
   ui_->fileTable->addActions({ui_->actionCopy, ui_->actionDelete});
+  ui_->finishedTable->addActions(
+      {ui_->actionOpenFile, ui_->actionShowInFolder, ui_->actionCopy, ui_->actionRemove});
+  ui_->failedTable->addActions({ui_->actionQueueAgain, ui_->actionCopy, ui_->actionRemove});
   ui_->fileTable->setFocus();
   for (QPushButton* button : findChildren<QPushButton*>()) button->installEventFilter(this);
   for (QAction* action : findChildren<QAction*>()) action->setAutoRepeat(false);  // a key held down is one
-  connect(ui_->actionSelectAll, &QAction::triggered, ui_->fileTable, &QTableView::selectAll);
+  connect(ui_->actionSelectAll, &QAction::triggered, this, [this] { table().selectAll(); });
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
 }
 
 StatusWindow::~StatusWindow() = default;
 
+QueueTable& StatusWindow::table() const {
+  return static_cast<QueueTable&>(*ui_->tables->currentWidget());
+}
+
 void StatusWindow::dragEnterEvent(QDragEnterEvent* event) {
   isDropWelcome_ = owner_.mayDrop(*event->mimeData());
-  ui_->fileTable->setDropHighlighted(isDropWelcome_);
+  table().setDropHighlighted(isDropWelcome_);
   answer(*event);
 }
 
@@ -64,11 +73,11 @@ void StatusWindow::answer(QDragMoveEvent& event) const {
 }
 
 void StatusWindow::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
-  ui_->fileTable->setDropHighlighted(false);
+  table().setDropHighlighted(false);
 }
 
 void StatusWindow::dropEvent(QDropEvent* event) {
-  ui_->fileTable->setDropHighlighted(false);
+  table().setDropHighlighted(false);
   if (!owner_.mayDrop(*event->mimeData())) return event->ignore();
   Accept(*event);
   owner_.drop(*event->mimeData());

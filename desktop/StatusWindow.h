@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The main window: the queue, the progress area, and every command in its menu bar.
+// The main window: the queue, what came of it, the progress area, and every command in its menu bar.
 //
 // It knows no controller. What it is asked and what happens to it goes to its owner. Main thread.
 #pragma once
@@ -8,6 +8,8 @@
 #include <QMainWindow>
 #include <QMimeData>
 #include <memory>
+
+#include "desktop/QueueTable.h"
 
 namespace Ui {
 class StatusWindow;
@@ -35,6 +37,8 @@ class StatusWindow final : public QMainWindow {
   ~StatusWindow() override;
 
   [[nodiscard]] Ui::StatusWindow& ui() { return *ui_; }
+  /// The one that is shown.
+  [[nodiscard]] QueueTable& table() const;
 
  protected:
   void dragEnterEvent(QDragEnterEvent* event) override;

@@ -38,9 +38,9 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block) {
   worker.join();
 }
 
-platform::PageLoad WaitingPageLoader::load(const platform::URL& url) {
+platform::PageLoad WaitingPageLoader::resourceData(const platform::URL& url) {
   platform::PageLoad load;
-  WaitFor(gate_, [this, &url, &load] { load = loader_.load(url); });
+  WaitFor(gate_, [this, &url, &load] { load = loader_.resourceData(url); });
   if (isGivenUp_) return {};
   if (!load.failure.isNull()) {
     log_.log(QStringLiteral("Quillforth page failed. Error - %1 %2")

@@ -27,7 +27,7 @@ class WaitingPageLoader final : public platform::PageLoader {
   /// All outlive this. `loader` may be called from any thread. What fails is logged.
   WaitingPageLoader(platform::PageLoader& loader, platform::SystemLog& log, CommandGate& gate)
       : loader_(loader), log_(log), gate_(gate) {}
-  [[nodiscard]] platform::PageLoad load(const platform::URL& url) override;
+  [[nodiscard]] platform::PageLoad resourceData(const platform::URL& url) override;
   /// Main thread.
   void setGivenUp(bool isGivenUp) override;
 

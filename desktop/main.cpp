@@ -19,22 +19,23 @@
 
 #include "desktop/Activation.h"
 #include "desktop/Appearance.h"
-#include "desktop/BrowserScripts.h"
+#include "desktop/ApplicationID.h"
+#include "desktop/Arguments.h"
 #include "desktop/BusService.h"
-#include "desktop/CommandLine.h"
 #include "desktop/Desktop.h"
 #include "desktop/InstanceServer.h"
-#include "desktop/LocalizedStrings.h"
 #include "desktop/RequestIntake.h"
+#include "desktop/Translations.h"
+#include "desktop/WaitingScripts.h"
 #include "host/AssumedNetwork.h"
 #include "host/Exhaustion.h"
 #include "host/LinuxHost.h"
-#include "platform/PrintableText.h"
-#include "platform/linux/Interruption.h"
-#include "platform/linux/LinuxSessionAccessibility.h"
-#include "platform/linux/MessageBus.h"
-#include "platform/linux/SingleInstance.h"
-#include "platform/linux/WindowWatcher.h"
+#include "linux/browser/LinuxSessionAccessibility.h"
+#include "linux/browser/MessageBus.h"
+#include "linux/browser/WindowWatcher.h"
+#include "linux/session/Interruption.h"
+#include "linux/session/SingleInstance.h"
+#include "net/PrintableText.h"
 
 namespace quillforth::desktop {
 
@@ -215,7 +216,7 @@ void DescribeApplication() {
   QApplication::setApplicationVersion(QStringLiteral(QUILLFORTH_VERSION));
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(ProgramIcon());
-  QGuiApplication::setDesktopFileName(QStringLiteral("com.tessarysoftware.Quillforth"));
+  QGuiApplication::setDesktopFileName(QString::fromLatin1(kApplicationID));
 }
 
 // Whoever has the name on the bus is the instance, also when it has met nobody in this one's folder. What the
@@ -305,14 +306,14 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   qInstallMessageHandler(&PrintMessage);
   DescribeApplication();
 
-  const LocalizedStrings strings;
+  const Translations translations;
   const Appearance appearance;
   host::LinuxHost services;
   host::AssumedNetwork assumedNetwork;
   const auto makeHost = [&](app::Application& asked) {
     app::Host host =
         arguments.isNetworkAssumedUp ? services.host(asked, assumedNetwork) : services.host(asked);
-    host.localizedText = [&strings](const QString& key) { return strings.localizedText(key); };
+    host.localizedText = [&translations](const QString& key) { return translations.localizedText(key); };
     return host;
   };
   Desktop desktop({.makeHost = makeHost,

@@ -7,9 +7,9 @@
 #include <optional>
 #include <thread>
 
+#include "appleevents/FinderEvents.h"
+#include "appleevents/HFSPath.h"
 #include "fileops/Assertion.h"
-#include "platform/FinderEvents.h"
-#include "platform/HFSPath.h"
 
 namespace quillforth::fileops {
 

@@ -2,30 +2,30 @@
 //
 // Reads and writes the comment of a file or folder, by asking the Finder with Apple events.
 //
-// The events are those of platform/FinderEvents.h. Main thread: a send waits, without limit, until the Finder
-// has answered.
+// The events are those of appleevents/FinderEvents.h. Main thread: a send waits, without limit, until the
+// Finder has answered.
 #pragma once
 
 #include <QString>
 
+#include "appleevents/AppleEventManager.h"
+#include "appleevents/AppleEvents.h"
+#include "common/FileReference.h"
 #include "common/FourCharCode.h"
 #include "common/Status.h"
-#include "platform/AppleEventManager.h"
-#include "platform/AppleEvents.h"
-#include "platform/FileReference.h"
 
 namespace quillforth::fileops {
 
 /// Lets other threads run while a send waits, and asks to be called again after 10 ticks. Never gives up.
 [[nodiscard]] bool FinderEventIdleProc(platform::IdleRequest& request);
-/// What `GetFinderComment` and `SetFinderComment` wait with: `FinderEventIdleProc`, from the program's start
-/// on. Null: there is no waiting.
+/// `GetFinderComment` and `SetFinderComment` wait with this function: `FinderEventIdleProc` from the start
+/// of the program on. Null: they do not wait.
 extern platform::IdleFunction finderEventIdleFunction;
 
 /// Null on any error, and when the Finder has no text for it.
 [[nodiscard]] QString GetFinderComment(platform::AppleEventSender& events,
                                        const platform::FileReference& item);
-/// Without an idle function it does not wait: 0 means then that the event is queued.
+/// Without an idle function it does not wait, and 0 means that the event is queued.
 common::Status SetFinderComment(platform::AppleEventSender& events, const platform::FileReference& item,
                                 const QString& comment);
 
@@ -44,8 +44,8 @@ common::Status SetFinderComment(platform::AppleEventSender& events, const platfo
 [[nodiscard]] common::Status MakeUnicodeTextDescriptor(const QString& text,
                                                        platform::AEDescriptor* descriptor);
 
-/// Sends and waits. `result` becomes the reply's direct object as `type`, or the null descriptor when there
-/// is none or it makes no such.
+/// Sends and waits. `result` becomes the reply's direct object as `type`. It becomes the null descriptor when
+/// there is no such object, or it cannot be turned into `type`.
 [[nodiscard]] common::Status SendEventForResult(platform::AppleEventSender& events,
                                                 const platform::AppleEvent& event, common::FourCharCode type,
                                                 platform::IdleFunction idle, platform::AEDescriptor* result);
@@ -53,7 +53,7 @@ common::Status SetFinderComment(platform::AppleEventSender& events, const platfo
 [[nodiscard]] common::Status SendEventCheckReply(platform::AppleEventSender& events,
                                                  const platform::AppleEvent& event,
                                                  platform::IdleFunction idle);
-/// The reply's 'errn'; 0 when it has none or is the null event. -1700 when it is no 16-bit number.
+/// The reply's 'errn'. 0 when it has none or is the null event, -1700 when 'errn' is no 16-bit number.
 [[nodiscard]] common::Status ReplyErrorNumber(const platform::AppleEvent& reply);
 /// `text` becomes null when a descriptor without value is turned into text; other types are -1700.
 [[nodiscard]] common::Status CopyStringFromDescriptor(const platform::AEDescriptor& descriptor,

@@ -9,14 +9,14 @@
 #include <string>
 #include <string_view>
 
+#include "common/FileReference.h"
 #include "platform/FileManager.h"
-#include "platform/FileReference.h"
 #include "platform/Folder.h"
 
 namespace quillforth::fileops {
 
-/// Whether `name` is taken in `folder`. True also when that cannot be told: then `item` stays empty, and what
-/// cannot be looked at is not made a second time.
+/// Whether `name` is taken in `folder`. True also when that cannot be told, so that nothing is made a second
+/// time; `item` stays empty then.
 [[nodiscard]] bool ItemExistsInFolder(platform::FileManager& files, const platform::FileReference& folder,
                                       std::string_view name, platform::FileReference& item);
 
@@ -25,7 +25,7 @@ namespace quillforth::fileops {
                                                       const platform::FileReference& parent,
                                                       std::string_view name);
 
-/// The same in a folder that is held open. Not 0 either for a name that is taken by what cannot be looked at.
+/// The same in a folder that is held open. Not 0 when the name may be taken, but that cannot be told.
 [[nodiscard]] common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& name);
 
 /// Where the item is; it need not exist.
@@ -34,12 +34,12 @@ namespace quillforth::fileops {
 /// The text after the last "."; empty for "name.", and for a name whose only "." is its first character.
 [[nodiscard]] std::string_view PathExtension(std::string_view name);
 
-/// "report - UUID.pdf" for "report.pdf", "UUID.pdf" when there is nothing before the extension. Where that
-/// has more than `longest` bytes, "report" is cut at a character; an extension never is, so that the name may
-/// stay too long.
+/// "report - UUID.pdf" for "report.pdf", "UUID.pdf" when there is nothing before the extension. A result of
+/// more than `longest` bytes has "report" cut at a character. The extension is never cut, so the name may
+/// still be too long.
 [[nodiscard]] std::string UniqueName(std::string_view name, std::size_t longest = std::string_view::npos);
 
-/// A new name for an item whose own is taken in `destination`: "report - UUID.pdf". Nothing when it is free.
+/// A new name, "report - UUID.pdf", for an item whose own is taken in `destination`. Nothing when it is free.
 /// The new name is not looked up again, and may be too long for the file system.
 [[nodiscard]] std::optional<std::string> MakeUniqueNameForMove(const platform::Folder& destination,
                                                                const std::string& name);

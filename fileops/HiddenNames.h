@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The names in a folder's ".hidden" file, by which file managers on Linux hide what has no leading ".".
+// The names in a folder's ".hidden" file. File managers on Linux hide these items, too.
 //
 // One name a line, compared byte for byte. A value; any thread.
 #pragma once
@@ -16,10 +16,10 @@ namespace quillforth::fileops {
 
 class HiddenNames {
  public:
-  /// Bytes of a file that count; a line that they cut does not.
+  /// So many bytes of a file are read. A line that is cut there does not count.
   static constexpr std::size_t kLongestFile = 1 << 20;
 
-  /// No name is hidden where the file is missing or cannot be read.
+  /// Without a file that can be read, no name is hidden.
   explicit HiddenNames(const platform::Folder& folder);
   HiddenNames(const HiddenNames&) = delete;
   HiddenNames& operator=(const HiddenNames&) = delete;

@@ -17,7 +17,7 @@ using platform::FolderResult;
 
 class PlannedFolder final : public Folder {
  public:
-  /// `real`: null for a folder that is yet to be made.
+  /// `real`: null for a folder that the real run would make.
   PlannedFolder(std::unique_ptr<Folder> real, std::string path, const MovePlan::Planned& planned)
       : real_(std::move(real)), path_(std::move(path)), planned_(planned) {}
 
@@ -80,7 +80,7 @@ Status PlannedFolder::createFolder(const std::string& name) {
 
 Status PlannedFolder::checkMove(const std::string& name, const Folder& destination) const {
   if (!real_) return common::kFileNotFound;
-  // A subfolder that is yet to be made will be as this folder is.
+  // A subfolder that the real run would make has the permissions of this folder.
   const PlannedFolder& planned = Planned(destination);
   return real_->checkMove(name, planned.real_ ? *planned.real_ : *real_);
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Folders that only pretend: they stand before real ones, tell what would be moved, and change nothing.
+// Folders that only pretend to move: they stand before real ones, tell each move, and change nothing.
 //
-// Made for one run over one folder. That permissions and mounts forbid a move is foreseen. One thread.
+// Made for one run over one folder. A move that permissions or mounts forbid fails here, too. One thread.
 #pragma once
 
 #include <functional>

@@ -10,7 +10,7 @@ namespace quillforth::fileops {
 
 namespace {
 
-// A look costs a fifth of a move. A folder that was removed is noticed at once all the same: moves fail.
+// A look costs a fifth of a move. A folder that was removed is noticed at once anyway, because moves fail.
 constexpr int kUsesBetweenLooks = 64;
 
 }  // namespace

@@ -2,9 +2,9 @@
 //
 // The subfolders that one run sorts into, by extension.
 //
-// A subfolder is known by its name from the moment it was found or made. It is held open from its first use
-// on, so that a link which takes its place leads nothing out of the folder; only some are open at a time, as
-// a folder may hold more extensions than a process may hold descriptors. One thread.
+// A subfolder is known by its name once it was found or made. From its first use on it is held open, so
+// that a link in its place cannot lead an item out of the folder. Only some are open at a time, because a
+// folder may hold more extensions than a process may hold descriptors. One thread.
 #pragma once
 
 #include <cstddef>
@@ -27,8 +27,8 @@ class Subfolder {
   Subfolder(const platform::Folder& parent, std::string name) : parent_(parent), name_(std::move(name)) {}
 
   [[nodiscard]] std::string path() const;
-  /// Opens it, or takes it as it was opened before: whether the name is still that folder's is looked up once
-  /// in a while. -43 when there is nothing of that name, -1407 when it is something else, a link included.
+  /// Opens it, unless it is open. From time to time it is checked that the name is still that folder's. -43
+  /// when there is nothing of that name, -1407 when it is something else, a link included.
   [[nodiscard]] common::Status open();
   /// Whether the name is no longer that of the open folder; then it is closed. Ask when a move has failed.
   [[nodiscard]] bool wasReplaced();
@@ -57,8 +57,8 @@ class Subfolders {
     common::Status status;
     Subfolder* subfolder;
   };
-  /// The subfolder named exactly like the extension, found or made; valid as long as this. When it cannot be
-  /// made, that is tried again the next time.
+  /// The subfolder named exactly like the extension, found or made; valid as long as this. A subfolder that
+  /// cannot be made is tried again the next time.
   [[nodiscard]] Result forExtension(std::string_view extension);
 
  private:
@@ -67,7 +67,7 @@ class Subfolders {
 
   platform::Folder& parent_;
   std::map<std::string, Subfolder, std::less<>> subfolders_;
-  std::vector<Subfolder*> open_;  // all that are open, and perhaps others
+  std::vector<Subfolder*> open_;  // all that are open, and perhaps some that are not
 };
 
 }  // namespace quillforth::fileops

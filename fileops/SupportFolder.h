@@ -7,8 +7,8 @@
 
 #include <optional>
 
+#include "common/FileReference.h"
 #include "platform/FileManager.h"
-#include "platform/FileReference.h"
 
 namespace quillforth::fileops {
 

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/AppleDouble.h"
-#include "platform/FileURL.h"
-#include "platform/ResourceMap.h"
-#include "platform/linux/LinkFile.h"
+#include "linux/linkfiles/AppleDouble.h"
+#include "linux/linkfiles/LinkFile.h"
+#include "linux/linkfiles/ResourceMap.h"
+#include "net/FileURL.h"
 
 namespace {
 

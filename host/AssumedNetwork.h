@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A network that is up because somebody says so: for servers on this machine, which need no connection.
+// A network that counts as up without a look, for servers on this machine, which need no connection.
 #pragma once
 
 #include "platform/NetworkDiagnostics.h"

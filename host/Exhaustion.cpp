@@ -21,7 +21,7 @@ iovec Part(const char* text) {
   return {const_cast<char*>(text), std::strlen(text)};
 }
 
-// Allocates nothing, and is one write, so that two threads do not mix their lines.
+// Allocates nothing, and writes once, so that two threads do not mix their lines.
 [[noreturn]] void EndWith(const char* reason) {
   const std::array parts{Part(program_invocation_short_name), Part(": cannot go on: "), Part(reason),
                          Part("\n")};

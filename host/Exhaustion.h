@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
-// The end of the program when the system has no more memory, threads or descriptors to give, and nobody can
-// go on without: one line on standard error and exit status 1, whichever thread asked.
+// Ends the program when the system has no more memory, threads or descriptors to give and it cannot go on
+// without them: one line on standard error and exit status 1, on whichever thread that happens.
 //
-// What is being downloaded is still under its hidden name then, and the next download into the folder removes
+// A file that is being downloaded still has its hidden name then. The next download into the folder removes
 // it.
 #pragma once
 
 namespace quillforth::host {
 
-/// First thing in main().
+/// To be called first in main().
 void EndInALineWhenExhausted();
 
-/// For whoever learns in another way that there is no thread. Any thread.
+/// For code that finds out in another way that there is no thread to be had. Any thread.
 [[noreturn]] void EndWithoutThread();
 
 }  // namespace quillforth::host

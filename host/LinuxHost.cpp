@@ -2,57 +2,23 @@
 
 #include "host/LinuxHost.h"
 
-#include <cerrno>
-#include <chrono>
-#include <cstdio>
-#include <cstring>
-#include <ctime>
-
 namespace quillforth::host {
 
-namespace {
-
-constexpr std::chrono::seconds kDurabilityPatience(10);
-
-const char* ReasonText(int error) {
-  if (error == ETIME) return "the disk is still at work after 10 seconds";
-  return error == EINTR ? "the wait for the disk was interrupted" : std::strerror(error);
-}
-
-}  // namespace
-
 LinuxHost::LinuxHost() {
-  events_.registerTarget(kSignature, dispatcher_);
+  base_.events().registerTarget(kSignature, dispatcher_);
 }
 
 LinuxHost::~LinuxHost() {
-  downloads_.end();
-  const int error = downloads_.makeDurable(kDurabilityPatience);
-  if (error == 0) return;
-  std::fprintf(stderr, "%s: a power cut now might take files that were downloaded last: %s\n",
-               program_invocation_short_name, ReasonText(error));
+  base_.events().unregisterTarget(kSignature);
 }
 
 app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagnostics& network) {
-  return {.application = &application,
-          .userDefaults = &defaults_,
-          .downloads = &downloads_,
-          .pageLoader = &pages_,
-          .network = &network,
-          .readStreams = &streams_,
-          .internetConfig = &types_,
-          .aliases = &aliases_,
-          .files = &files_,
-          .mainBundle = &bundle_,
-          .sounds = &sounds_,
-          .log = &log_,
-          .localizedText = [](const QString& key) { return key; },
-          .currentSeconds = [] { return static_cast<std::uint32_t>(std::time(nullptr)); },
-          .aggregation = &aggregation_,
-          .fileComments = &fileComments_,
-          .events = &eventIntake_,
-          .processes = &processes_,
-          .scripts = &scripts_};
+  app::Host host = base_.host(application, network);
+  host.sounds = &sounds_;
+  host.events = &eventIntake_;
+  host.processes = &processes_;
+  host.scripts = &scripts_;
+  return host;
 }
 
 }  // namespace quillforth::host

@@ -26,8 +26,8 @@ using common::BoundedText;
 using common::UpperCased;
 using Position = WorkText::Position;
 
-/// The attribute names with their "=", in upper case. Each ends in another letter, by which it is told from
-/// the others, and no two neighbouring letters stand in two of them, so that a seam can join at most one.
+/// The attribute names with their "=", in upper case. Their last letters differ, so that these tell the names
+/// apart. No two neighbouring letters stand in two of them, so that a seam can join at most one.
 constexpr std::array<std::string_view, 3> kNames{"HREF=", "SRC=", "BACKGROUND="};
 constexpr std::size_t kLongestName = 11;
 constexpr char kCaseBit = 0x20;  // what makes an upper-case letter a lower-case one
@@ -41,7 +41,7 @@ constexpr bool EqualsNoCase(std::string_view upper, std::string_view text) {
                                                    [](char a, char b) { return a == UpperCased(b); });
 }
 
-/// A pair of the pattern list, taken apart.
+/// A pair of the pattern list, split into its parts.
 struct Row {
   std::size_t name = kNames.size();  // of `kNames`
   char quote = 0;                    // stands between the name and the link; 0 for none
@@ -67,7 +67,7 @@ struct Joint {
   std::uint8_t split = 0;  // of the name, between the two
 };
 
-/// By the low five bits of two characters: other pairs get there, too, but no two joints do.
+/// By the low five bits of two characters. Other pairs share an entry, but no two joints do.
 constexpr std::size_t JointIndex(char before, char after) {
   return static_cast<std::size_t>((before & 31) << 5 | (after & 31));
 }
@@ -158,8 +158,8 @@ NamePositions FindNames(std::string_view text) {
 
 class AttributeScanner {
  public:
-  AttributeScanner(std::string_view text, LinkSink& sink)
-      : names_(FindNames(text)), work_(text, MostCuts(text, names_)), sink_(sink) {}
+  AttributeScanner(std::string_view text, LinkCollector& links)
+      : names_(FindNames(text)), work_(text, MostCuts(text, names_)), links_(links) {}
 
   /// Finds and cuts out all that lies between the pair's texts.
   void run(const Row& row) {
@@ -184,7 +184,7 @@ class AttributeScanner {
       if (end == WorkText::kNowhere) break;  // nor does it follow any later name
       --kept;
       emit(inner, end);
-      const WorkText::Place start = work_.stepBackBy(work_.placeAt(name), kNames[row.name].size());
+      const WorkText::Cursor start = work_.stepBackBy(work_.cursorAt(name), kNames[row.name].size());
       const WorkText::Cut seam = work_.cut(start, end + 1);
       if (kept > 0 && names[kept - 1] == seam.begin) {
         revived = names[--kept];  // a quote may follow it now
@@ -219,12 +219,12 @@ class AttributeScanner {
 
   void emit(Position begin, Position end) {
     if (!work_.isWholeUpTo(end)) return emitPieces(begin, end);
-    sink_.add(work_.text().substr(begin, std::min<std::size_t>(end - begin, BoundedText::kMaxLength)));
+    links_.add(work_.text().substr(begin, std::min<std::size_t>(end - begin, BoundedText::kMaxLength)));
   }
 
   void emitPieces(Position begin, Position end) {
     std::array<char, BoundedText::kMaxLength> pieces;
-    sink_.addJoined({pieces.data(), work_.copy(begin, end, pieces).count});
+    links_.addJoined({pieces.data(), work_.copy(begin, end, pieces).count});
   }
 
   /// The name, if there is one, that the seam has joined together: given back when it is the running row's,
@@ -247,9 +247,9 @@ class AttributeScanner {
   }
 
   [[nodiscard]] bool endsBeforeSeam(std::string_view part) const {
-    WorkText::Place place = work_.placeBeforeLastCut();
+    WorkText::Cursor cursor = work_.cursorBeforeLastCut();
     for (; !part.empty(); part.remove_suffix(1)) {
-      if (!work_.stepBack(place) || UpperCased(work_.text()[place.position]) != part.back()) return false;
+      if (!work_.stepBack(cursor) || UpperCased(work_.text()[cursor.position]) != part.back()) return false;
     }
     return true;
   }
@@ -274,13 +274,13 @@ class AttributeScanner {
   WorkText work_;
   std::array<Positions, kNames.size()> joined_;  // by the running row, other names than its own
   bool hasNewFollowers_ = false;                 // a seam stands behind a name, or in one
-  LinkSink& sink_;
+  LinkCollector& links_;
 };
 
 }  // namespace
 
-void ScanAttributes(std::string_view text, LinkSink& sink) {
-  AttributeScanner scanner(text, sink);
+void ScanAttributes(std::string_view text, LinkCollector& links) {
+  AttributeScanner scanner(text, links);
   for (const PatternPair& pair : kPatternList) {
     if (pair.enabled) scanner.run(RowOf(pair));
   }

@@ -134,7 +134,7 @@ bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known) {
   return suffix.empty() || IsPlainSuffix(suffix) || known.contains(suffix);
 }
 
-void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& sink) {
+void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkCollector& links) {
   MatchCursor dots(
       text, [](std::string_view all, std::size_t offset) { return ByteBlock::load(all, offset).mask('.'); });
   const std::size_t longestSuffix = std::max(known.longest(), kLongestPlainSuffix);
@@ -150,7 +150,7 @@ void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& 
       resume = end - 1 - longestSuffix;  // the word's dots before that are as far from its end
     } else if (!suffix.empty() && (IsPlainSuffix(suffix) || known.contains(suffix))) {
       const std::size_t begin = words.beginOfWord(dot);
-      if (begin < dot) sink.add(text.substr(begin, std::min(end - begin, BoundedText::kMaxLength)));
+      if (begin < dot) links.add(text.substr(begin, std::min(end - begin, BoundedText::kMaxLength)));
     }
     dot = dots.next(resume);
   }

@@ -2,7 +2,7 @@
 //
 // Finds URL-like words around the dots of a page's text, whatever markup they stand in.
 //
-// Pure but for the sink; any thread.
+// Any thread.
 #pragma once
 
 #include <array>
@@ -11,15 +11,15 @@
 #include <string_view>
 
 #include "classify/ExtensionMap.h"
-#include "linkextract/LinkSink.h"
+#include "linkextract/LinkCollector.h"
 
 namespace quillforth::linkextract {
 
 /// ASCII letters, digits, every printable character from "!" to "@", and "_".
 [[nodiscard]] bool IsUrlChar(char c) noexcept;
 
-/// The extensions of a table, with a filter before them: most words that a page asks about are none, and a
-/// page of dots asks at every byte.
+/// The extensions of a table, with a filter before them. Most words of a page are no extension, and a page of
+/// dots asks at every byte.
 class KnownSuffixes {
  public:
   /// `extensions` must not change while this lives.
@@ -49,13 +49,12 @@ class KnownSuffixes {
 /// a letter among them. An empty text looks like one, too.
 [[nodiscard]] bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known);
 
-/// Gives `sink` a candidate for every "." of `text` whose word reaches from one delimiter (a quote, a
-/// parenthesis,
-/// "<", ">" or a line end) to the next without a character that no URL has, and ends in a suffix; in the
-/// order of the dots, duplicates included.
+/// Gives `links` a candidate for every "." of `text` whose word ends in a suffix. A word reaches from one
+/// delimiter (a quote, a parenthesis, "<", ">" or a line end) to the next, and holds no character that no URL
+/// has. Candidates come in the order of the dots, duplicates included.
 ///
-/// The first byte of the text is never part of a candidate, and a word that the text's end cuts off is none;
-/// both are kept on purpose. Linear in the text.
-void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkSink& sink);
+/// The first byte of the text is never part of a candidate. A word that ends with the text is no candidate.
+/// Both are kept on purpose. Linear in the text.
+void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkCollector& links);
 
 }  // namespace quillforth::linkextract

@@ -2,9 +2,9 @@
 //
 // Finds rare bytes in a long text, 64 at a time.
 //
-// A page is swept a few times for single characters (".", "=") that stand close together on some pages and
-// far apart on others. A bit mask for each block of 64 bytes costs the same on both, which a library call for
-// each character does not. Pure; any thread.
+// A page is searched a few times for single characters (".", "="), which are dense on some pages and rare on
+// others. A bit mask for each block of 64 bytes costs the same on both; a library call for each character
+// does not. Pure; any thread.
 #pragma once
 
 #include <algorithm>

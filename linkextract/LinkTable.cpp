@@ -20,7 +20,7 @@ namespace {
 
 using common::BoundedText;
 
-/// Other in every process: a page cannot be written to make its links collide.
+/// Different in every process, so that no page can be written to make its links collide.
 const std::uint64_t kSeed = [] {
   std::random_device device;
   return std::uint64_t{device()} << 32 | device() | 1;
@@ -55,8 +55,8 @@ void LinkTable::expect(std::uint32_t hash) const noexcept {
 void LinkTable::expectEntry(std::uint32_t hash) const noexcept {
   if (slots_.empty()) return;
   const Slot& slot = slots_[firstSlotOf(hash)];
-  if (slot.place == 0 || slot.hash != hash) return;
-  const LinkEntry* const entry = entryAt(slot.place);
+  if (slot.entry == 0 || slot.hash != hash) return;
+  const LinkEntry* const entry = entryAt(slot.entry);
   __builtin_prefetch(entry);
   __builtin_prefetch(entry + 2);  // the end of a key of usual length, often in the next cache line
 }
@@ -79,9 +79,9 @@ const LinkEntry& LinkTable::insert(std::string_view key, std::uint32_t hash) {
 
 LinkEntry* LinkTable::find(std::string_view key, std::uint32_t hash) const noexcept {
   if (slots_.empty()) return nullptr;
-  for (std::size_t slot = firstSlotOf(hash); slots_[slot].place != 0; slot = slotAfter(slot)) {
+  for (std::size_t slot = firstSlotOf(hash); slots_[slot].entry != 0; slot = slotAfter(slot)) {
     if (slots_[slot].hash != hash) continue;
-    LinkEntry* const entry = entryAt(slots_[slot].place);
+    LinkEntry* const entry = entryAt(slots_[slot].entry);
     if (entry->key() == key) return entry;
   }
   return nullptr;
@@ -107,17 +107,17 @@ void LinkTable::growSlots(std::size_t count) {
   decltype(slots_) old(std::max(kFewest, count), Slot{});
   old.swap(slots_);
   for (const Slot& taken : old) {
-    if (taken.place != 0) takeSlot(taken);
+    if (taken.entry != 0) takeSlot(taken);
   }
 }
 
 void LinkTable::takeSlot(Slot taken) noexcept {
   std::size_t slot = firstSlotOf(taken.hash);
-  while (slots_[slot].place != 0) slot = slotAfter(slot);
+  while (slots_[slot].entry != 0) slot = slotAfter(slot);
   slots_[slot] = taken;
 }
 
-LinkTable::Place LinkTable::append(std::string_view key) {
+LinkTable::EntryOffset LinkTable::append(std::string_view key) {
   char* const bytes = allocate(sizeof(LinkEntry) + key.size());
   auto* const entry = new (bytes) LinkEntry;
   std::copy(key.begin(), key.end(), reinterpret_cast<char*>(entry + 1));
@@ -125,13 +125,13 @@ LinkTable::Place LinkTable::append(std::string_view key) {
   (head_ == nullptr ? head_ : tail_->next_) = entry;
   tail_ = entry;
   ++size_;
-  const auto offset = static_cast<std::size_t>(bytes - reinterpret_cast<char*>(blocks_.back()));
-  return static_cast<Place>((blocks_.size() - 1) * kPlacesInBlock + offset / alignof(LinkEntry));
+  const auto bytesBefore = static_cast<std::size_t>(bytes - reinterpret_cast<char*>(blocks_.back()));
+  return static_cast<EntryOffset>((blocks_.size() - 1) * kOffsetsInBlock + bytesBefore / alignof(LinkEntry));
 }
 
-LinkEntry* LinkTable::entryAt(Place place) const noexcept {
-  char* const block = reinterpret_cast<char*>(blocks_[place / kPlacesInBlock]);
-  return reinterpret_cast<LinkEntry*>(block + place % kPlacesInBlock * alignof(LinkEntry));
+LinkEntry* LinkTable::entryAt(EntryOffset offset) const noexcept {
+  char* const block = reinterpret_cast<char*>(blocks_[offset / kOffsetsInBlock]);
+  return reinterpret_cast<LinkEntry*>(block + offset % kOffsetsInBlock * alignof(LinkEntry));
 }
 
 char* LinkTable::allocate(std::size_t size) {
@@ -145,7 +145,7 @@ char* LinkTable::allocate(std::size_t size) {
 }
 
 void LinkTable::addBlock() {
-  if (blocks_.size() > std::numeric_limits<Place>::max() / kPlacesInBlock) throw std::bad_alloc();
+  if (blocks_.size() > std::numeric_limits<EntryOffset>::max() / kOffsetsInBlock) throw std::bad_alloc();
   Block* const block = common::RecordPool<Block>::take();
   block->next = blocks_.empty() ? nullptr : blocks_.back();
   blocks_.push_back(block);

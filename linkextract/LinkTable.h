@@ -2,13 +2,13 @@
 //
 // The links of one page: raw link text to absolute URL, each raw text once, in the order of first appearance.
 //
-// Found by a hash that pages cannot foresee, so that no choice of keys makes it slow. The hashes stand close
-// together, apart from the entries: a new key is told from all others without a look at these. An entry and
-// its key lie together at their length, not in full-width fields, and its URL is made of the key and the base
-// whenever it is asked for: under a long base the URLs of a page could fill thirty times the page. The blocks
-// for entries come from a process-wide pool.
+// Links are found by a hash that pages cannot foresee, so that no choice of keys makes the table slow. The
+// hashes lie close together, separate from the entries, so that most new keys need no look at an entry. An
+// entry and its key take only the bytes that they need. The URL is made of the key and the base each time it
+// is asked for, because under a long base the URLs could fill thirty times the page. The blocks for entries
+// come from a process-wide pool.
 //
-//     slots     | hash, place | free | hash, place | free | free | hash, place | ...   by hash
+//     slots     | hash, entry | free | hash, entry | free | free | hash, entry | ...   by hash
 //     blocks    | entry key | entry key | entry key | ...                              in order of insertion
 //
 // Any thread as long as no table is shared.
@@ -28,7 +28,7 @@
 
 namespace quillforth::linkextract {
 
-/// What links resolve against, for all who keep some of them.
+/// What links resolve against. All who keep a link share it.
 using SharedBase = std::shared_ptr<const LinkResolver>;
 
 /// One link; lives until its table is cleared.
@@ -75,11 +75,11 @@ class LinkTable {
   /// the order. It is under the present base from now on.
   const LinkEntry& insert(std::string_view key) { return insert(key, hashOf(key)); }
   void clear() noexcept;
-  /// Makes the slots for `count` links at once, which is cheaper than by and by.
+  /// Makes the slots for `count` links at once, which costs less than one step at a time.
   void reserve(std::size_t count);
 
-  /// For whoever knows his keys some time before he inserts them: in a large table each step of a look-up
-  /// waits for memory. The hash of `key`; asks for the memory of the first step, and then of the second.
+  /// `insert` in steps, for callers that know a key early: in a large table each step of a look-up waits for
+  /// memory. `hashOf` is the first; `expect` and `expectEntry` ask for the memory of the next two.
   [[nodiscard]] static std::uint32_t hashOf(std::string_view key) noexcept;
   void expect(std::uint32_t hash) const noexcept;
   void expectEntry(std::uint32_t hash) const noexcept;
@@ -124,15 +124,15 @@ class LinkTable {
   };
   /// Where an entry lies, counted in its alignment as if the blocks lay one after the other. Never 0, where
   /// the first block's `next` is. A table cannot grow beyond 32 GiB: that is out of memory.
-  using Place = std::uint32_t;
-  static constexpr Place kPlacesInBlock = sizeof(Block) / alignof(LinkEntry);
+  using EntryOffset = std::uint32_t;
+  static constexpr EntryOffset kOffsetsInBlock = sizeof(Block) / alignof(LinkEntry);
   struct Slot {
     std::uint32_t hash;
-    Place place;  // 0 in a free slot
+    EntryOffset entry;  // 0 in a free slot
   };
 
-  /// Where to look for a hash first. Slots are in the order of the hashes but for those that were taken: a
-  /// larger table is filled from front to back.
+  /// Where to look for a hash first. Slots are in the order of the hashes, unless the first one was taken. So
+  /// a larger table is filled from front to back.
   [[nodiscard]] std::size_t firstSlotOf(std::uint32_t hash) const noexcept {
     return static_cast<std::size_t>(std::uint64_t{hash} * slots_.size() >> 32);
   }
@@ -142,8 +142,8 @@ class LinkTable {
   [[nodiscard]] LinkEntry* find(std::string_view key, std::uint32_t hash) const noexcept;
   void growSlots(std::size_t count);
   void takeSlot(Slot taken) noexcept;
-  [[nodiscard]] Place append(std::string_view key);
-  [[nodiscard]] LinkEntry* entryAt(Place place) const noexcept;
+  [[nodiscard]] EntryOffset append(std::string_view key);
+  [[nodiscard]] LinkEntry* entryAt(EntryOffset offset) const noexcept;
   [[nodiscard]] char* allocate(std::size_t size);
   void addBlock();
   void swap(LinkTable& other) noexcept;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// From a loaded page to its links: the whole of the way that needs no controller.
+// From a loaded page to its links: everything that needs no controller.
 //
 // Any thread.
 #pragma once
@@ -13,8 +13,8 @@
 
 namespace quillforth::linkextract {
 
-/// What the links of `page` resolve against: the first <base href="..."> anywhere in it, if its head holds
-/// one in whatever quotes, and else, or when that is empty, `url`, the page's own URL. Cut at 255 bytes.
+/// The base of the links of `page`. If the head holds a <base href= with any quotes, it is the first
+/// <base href="..."> anywhere in the page. Else, or when that is empty, it is `url`. Cut at 255 bytes.
 [[nodiscard]] common::BoundedText FindPageBase(std::string_view page, std::string_view url);
 
 /// The links of a page that was loaded from `url` as `bytes`; none when there is no base at all.

@@ -119,9 +119,9 @@ bool IsValidUTF8(std::string_view text) noexcept {
 std::optional<PageText> DecodePage(std::string_view bytes) {
   std::optional<PageText> page{PageText()};
   if (IsValidUTF8(bytes)) {
-    page->bytes_ = UpToNul(bytes);
+    page->bytes_ = common::UpToNul(bytes);
     if (page->bytes_.size() > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
-  } else if (!AppendMacRoman(page->converted_.emplace(), UpToNul(bytes))) {
+  } else if (!AppendMacRoman(page->converted_.emplace(), common::UpToNul(bytes))) {
     return std::nullopt;
   }
   return page;

@@ -2,8 +2,8 @@
 //
 // From the bytes of a loaded page to its text in UTF-8.
 //
-// Pages lie about their encoding, so nobody asks them: what is UTF-8 is taken as it stands, all else as Mac
-// OS Roman, in which every byte is a character. Pure; any thread.
+// Pages lie about their encoding, so they are not asked: valid UTF-8 is taken as it stands, everything else
+// as Mac OS Roman, in which every byte is a character. Pure; any thread.
 #pragma once
 
 #include <optional>

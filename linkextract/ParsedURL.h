@@ -2,8 +2,8 @@
 //
 // A URL text split into its parts.
 //
-// The splitting is textual and never fails: nonsense gives some parts. It follows no standard, and oddities
-// are kept on purpose, because the links of a page resolve against what it gives. Any thread.
+// The splitting is textual and never fails: nonsense gives some parts. It follows no standard. Its oddities
+// are kept on purpose, because the links of a page resolve against these parts. Any thread.
 #pragma once
 
 #include <cstdint>
@@ -33,9 +33,9 @@ struct ParsedURL {
   common::BoundedText extension;      ///< from the file name's last "." on; may be empty
   common::BoundedText query;          ///< after the last "?"
   common::BoundedText dollarPart;     ///< after the last "$"
-  common::BoundedText fragment;       ///< after a "#" that is left in `url`; empty for all but odd texts
+  common::BoundedText fragment;       ///< after a "#" that is left in `url`; empty unless the text is odd
   common::FourCharCode fileType = 0;  ///< of the extension; 0 when unknown
-  common::FourCharCode creator = 0;   ///< likewise
+  common::FourCharCode creator = 0;   ///< of the extension; 0 when unknown
 };
 
 }  // namespace quillforth::linkextract

@@ -2,10 +2,10 @@
 //
 // The texts between which a page's links stand.
 //
-// The order counts: what one pair has matched is cut out before the next pair looks. So a quoted value is
-// gone before an unquoted pair can see its attribute, and a value that ends at ">" is preferred to one that
-// ends at a blank. "option value=" is switched off, and "SRC=" up to a blank stands here twice; both on
-// purpose.
+// The order counts: the matches of one pair are cut out before the next pair is searched. So a quoted value
+// is gone before an unquoted pair can find its attribute, and a value that ends at ">" is preferred to one
+// that ends at a blank. "option value=" is switched off, and "SRC=" up to a blank stands here twice; both
+// on purpose.
 #pragma once
 
 #include <array>

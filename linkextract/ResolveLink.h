@@ -16,9 +16,9 @@ namespace quillforth::linkextract {
 
 /// Resolves any number of links against one base, which is split only once.
 ///
-/// Never fails and never contacts the network: nonsense in gives some text out. The scheme written is always
-/// "http:", also under an "https:" or "ftp:" base; that is intended. So is that a link which begins with
-/// "../" climbs once for every "../" in it, wherever that stands.
+/// Never fails and never contacts the network: nonsense gives some text. The scheme written is always
+/// "http:", also under an "https:" or "ftp:" base. A link that begins with "../" climbs once for every
+/// "../" in it, wherever that stands. Both are intended.
 class LinkResolver {
  public:
   explicit LinkResolver(const common::BoundedText& base);

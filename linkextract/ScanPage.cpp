@@ -2,145 +2,20 @@
 
 #include "linkextract/ScanPage.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <optional>
-#include <utility>
-#include <vector>
 
-#include "common/ScratchMemory.h"
 #include "linkextract/AttributeScan.h"
 #include "linkextract/BareLinks.h"
-#include "linkextract/LinkSink.h"
+#include "linkextract/LinkCollector.h"
 #include "linkextract/TextSearch.h"
 
 namespace quillforth::linkextract {
 
-namespace {
-
-/// The words of the first pass that are whole attribute values, between quotes after "=": links that the
-/// second pass comes upon again.
-class QuotedWords {
- public:
-  explicit QuotedWords(std::string_view page) : page_(page) {}
-
-  /// Links, which lie in the page, come in its order. Those that are no attribute values are forgotten, and
-  /// so are more than pages have a use for.
-  void add(std::string_view link) {
-    constexpr std::size_t kBytesForEach = 32;
-    if (beginsLikeValue(link) && words_.size() < page_.size() / kBytesForEach) words_.push_back(wordOf(link));
-  }
-  /// Fast as long as the links asked for come in the order of the page, too.
-  [[nodiscard]] bool contains(std::string_view link) noexcept {
-    if (!beginsLikeValue(link)) return false;
-    const Word wanted = wordOf(link);
-    if (next_ > 0 && words_[next_ - 1].begin >= wanted.begin) next_ = 0;
-    while (next_ < words_.size() && words_[next_].begin < wanted.begin) ++next_;
-    return next_ < words_.size() && words_[next_] == wanted;
-  }
-
- private:
-  struct Word {
-    std::uint32_t begin;
-    std::uint32_t length;
-    friend bool operator==(const Word&, const Word&) = default;
-  };
-  [[nodiscard]] bool beginsLikeValue(std::string_view link) const noexcept {
-    const std::size_t begin = beginOf(link);
-    return begin >= 2 && page_[begin - 2] == '=' && (page_[begin - 1] == '"' || page_[begin - 1] == '\'');
-  }
-  [[nodiscard]] std::size_t beginOf(std::string_view link) const noexcept {
-    return static_cast<std::size_t>(link.data() - page_.data());
-  }
-  [[nodiscard]] Word wordOf(std::string_view link) const noexcept {
-    return {static_cast<std::uint32_t>(beginOf(link)), static_cast<std::uint32_t>(link.size())};
-  }
-
-  std::string_view page_;
-  common::ScratchVector<Word> words_;
-  std::size_t next_ = 0;  // the first word that is not before the link asked for last
-};
-
-/// Enters links into a table, each a few links after it was found: time enough for the table's memory to
-/// arrive. Most links of the second pass need not be looked up, nor do those that a page just repeats.
-class LinkCollector final : public LinkSink {
- public:
-  LinkCollector(std::string_view page, LinkTable& table) : words_(page), table_(table) {}
-
-  void beginSecondPass() noexcept { isFirstPass_ = false; }
-
-  void add(std::string_view link) override {
-    if (!isFirstPass_ && words_.contains(link)) return;
-    if (recent_[0] != link && recent_[1] != link) addOther(link);
-  }
-
-  void addJoined(std::string_view link) override {
-    if (!isLeftOut(link)) collect(link, Kept::no);
-  }
-
-  void finish() {
-    for (std::size_t i = added_ - std::min(added_, kWaiting); i < added_; ++i) {
-      table_.insert(waiting_[i % kWaiting].key, waiting_[i % kWaiting].hash);
-    }
-    added_ = 0;
-  }
-
- private:
-  struct Waiting {
-    std::uint32_t hash;
-    std::string_view key;
-    std::array<char, common::BoundedText::kMaxLength> text;  // the key's, when nobody else keeps it
-  };
-  enum class Kept { no, yes };
-  static constexpr std::size_t kWaiting = 16;
-  static constexpr std::size_t kNearby = 4096;  // links of a table that the processor holds at hand
-
-  [[nodiscard]] static bool isLeftOut(std::string_view link) noexcept {
-    if (link.empty()) return false;
-    return link[0] == '#' ||
-           (common::UpperCased(link[0]) == 'M' && common::StartsWithNoCase(link, "mailto:"));
-  }
-
-  void addOther(std::string_view link) {
-    if (isLeftOut(link)) return;
-    if (isFirstPass_) words_.add(link);
-    recent_[1] = std::exchange(recent_[0], link);
-    collect(link, Kept::yes);
-  }
-
-  void collect(std::string_view link, Kept kept) {
-    const std::uint32_t hash = LinkTable::hashOf(link);
-    if (table_.size() < kNearby) {
-      table_.insert(link, hash);
-      return;
-    }
-    Waiting& last = waiting_[added_ % kWaiting];
-    if (added_ >= kWaiting) table_.insert(last.key, last.hash);
-    last.hash = hash;
-    last.key = kept == Kept::yes
-                   ? link
-                   : std::string_view(last.text.data(), link.copy(last.text.data(), last.text.size()));
-    table_.expect(hash);
-    if (added_ >= kWaiting / 2) table_.expectEntry(waiting_[(added_ - kWaiting / 2) % kWaiting].hash);
-    ++added_;
-  }
-
-  bool isFirstPass_ = true;
-  QuotedWords words_;
-  std::array<std::optional<std::string_view>, 2> recent_;  // two, because pages alternate
-  LinkTable& table_;
-  std::array<Waiting, kWaiting> waiting_;
-  std::size_t added_ = 0;
-};
-
-}  // namespace
-
 void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable& table,
               const classify::CExtensionMap& extensions) {
-  page = UpToNul(page);
+  page = common::UpToNul(page);
   if (page.size() > std::numeric_limits<std::int32_t>::max()) return;
   table.setBase(base);
   LinkCollector collector(page, table);

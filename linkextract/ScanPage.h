@@ -20,8 +20,8 @@ namespace quillforth::linkextract {
 /// "mailto:" are left out.
 ///
 /// The page ends at its first NUL byte. A page of 2^31 bytes or more is refused: it has no links. Linear in
-/// the page; memory beyond it and the table is at most twice its size, and next to nothing for ordinary
-/// pages.
+/// the page. Besides the page and the table it takes memory of at most twice the page's size, and hardly any
+/// for ordinary pages.
 void ScanPage(std::string_view page, const common::BoundedText& base, LinkTable& table,
               const classify::CExtensionMap& extensions);
 

@@ -25,7 +25,7 @@ std::int32_t PositionOrNone(std::size_t position) {
 }  // namespace
 
 bool TextBuffer::assign(std::string_view text) {
-  text = UpToNul(text);
+  text = common::UpToNul(text);
   if (text.size() > kLargest) return false;
   const std::int64_t capacity = BlocksFor(static_cast<std::int64_t>(text.size()));
   if (capacity > kLargest) return false;
@@ -53,7 +53,7 @@ bool TextBuffer::makeRoom(std::size_t count) {
 }
 
 bool TextBuffer::append(std::string_view text) {
-  text = UpToNul(text);
+  text = common::UpToNul(text);
   if (!hasData() || !makeRoom(text.size())) return false;
   text_->append(text);
   return true;

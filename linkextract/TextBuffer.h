@@ -2,9 +2,9 @@
 //
 // A growable byte text that ends at its first NUL byte.
 //
-// Sizes are signed 32-bit counts of bytes: what would leave that range is refused and changes nothing. A
-// buffer may have no data at all, which is not the same as an empty text: most operations on it do nothing
-// then. A plain value; any thread as long as no buffer is shared.
+// Sizes are signed 32-bit counts of bytes. An operation that would leave that range is refused and changes
+// nothing. A buffer may have no data at all, which is not the same as an empty text; most operations do
+// nothing then. A plain value; any thread as long as no buffer is shared.
 #pragma once
 
 #include <cstddef>
@@ -79,9 +79,9 @@ class TextBuffer {
 
 enum class CutOut { no, yes };
 
-/// Puts the text between the first `begin` and the next `end` after it into `out`, letter case apart, and on
-/// `CutOut::yes` erases it with both of them from `buffer`. False, and `out` empty, when there is no such
-/// text.
+/// Puts the text between the first `begin` and the next `end` after it into `out`, in any letter case. With
+/// `CutOut::yes` it erases that text and both patterns from `buffer`. False, and `out` empty, when there is
+/// no such text.
 [[nodiscard]] bool ExtractBetween(TextBuffer& buffer, std::string_view begin, std::string_view end,
                                   TextBuffer& out, CutOut cut);
 

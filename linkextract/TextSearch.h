@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// Searches in page text, ASCII letter case apart.
+// Searches in page text, whatever the case of ASCII letters.
 //
-// Pure, on bytes of any encoding; any thread. All take time linear in the text for the short patterns they
-// are meant for.
+// Pure, on bytes of any encoding; any thread. With short patterns, for which they are made, all functions
+// take time linear in the text.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,6 @@
 #include <string_view>
 
 namespace quillforth::linkextract {
-
-/// `text` up to its first NUL byte.
-[[nodiscard]] inline std::string_view UpToNul(std::string_view text) noexcept {
-  return text.substr(0, text.find('\0'));
-}
 
 /// The first position at or after `from` where all of `pattern` stands; npos when there is none. `pattern` is
 /// not empty and holds no NUL byte.

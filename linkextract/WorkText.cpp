@@ -66,7 +66,7 @@ WorkText::Copied WorkText::copy(Position begin, std::size_t end, std::span<char>
   return copied;
 }
 
-WorkText::Cut WorkText::cut(Place begin, Position end) noexcept {
+WorkText::Cut WorkText::cut(Cursor begin, Position end) noexcept {
   Cut made{begin.position, end};
   behind_ = begin.cutsBefore;
   if (behind_ > 0 && cuts_[behind_ - 1].end == made.begin) made.begin = cuts_[--behind_].begin;

@@ -2,16 +2,16 @@
 //
 // A text from which spans are cut out, without moving or copying a byte of it.
 //
-// A page is searched for one pattern after another, and what one has matched is gone for the next. Where a
-// span was cut out, the bytes before and after it become neighbours. The cuts stand in a gap buffer around a
-// reading position that only moves forward until it is set anew; everything else is a position in the
-// original text.
+// A page is searched for one pattern after another, and the matches of one are gone for the next. Where a
+// span was cut out, the bytes before and after it become neighbours. The cuts are kept in a gap buffer
+// around a reading position, which only moves forward until it is set anew. Every other position is one in
+// the original text.
 //
 //      text    | kept | cut | kept | cut | kept   ^   kept | cut | kept |
 //      cuts    [ behind: 0, 1 ]        (free)              [ ahead: 2 ]  (free)
 //
-// The gap is there only from the first cut made after the reading position was set: many rows of patterns
-// just read over the cuts of others, and then none is moved.
+// The gap is made by the first cut after the reading position was set. Many rows of patterns only read over
+// the cuts of others, and then no cut is moved.
 //
 // Two cuts never touch, so the bytes at both sides of a cut are kept ones. Any thread as long as none is
 // shared.
@@ -39,7 +39,7 @@ class WorkText {
   };
 
   /// A kept byte, and how many of the cuts behind the reading position stand before it.
-  struct Place {
+  struct Cursor {
     Position position;
     std::size_t cutsBefore;
   };
@@ -58,7 +58,7 @@ class WorkText {
 
   /// Sets the reading position, forth or back, to `position`; a cut that begins right there is behind it.
   void setTo(Position position) noexcept;
-  /// The same, but not back; fast over short ways.
+  /// The same, but never back. Fast over short distances.
   void moveTo(Position position) noexcept {
     constexpr unsigned kFew = 8;
     for (unsigned step = 0; aheadBegin_ < aheadEnd_ && cuts_[aheadBegin_].begin <= position; ++step) {
@@ -79,28 +79,30 @@ class WorkText {
   [[nodiscard]] bool is(Position position, char c) const noexcept {
     return position < text_.size() && text_[position] == c;
   }
-  /// `position`, the reading position, as a place to step back from.
-  [[nodiscard]] Place placeAt(Position position) const noexcept {
+  /// `position`, the reading position, as a cursor to step back from.
+  [[nodiscard]] Cursor cursorAt(Position position) const noexcept {
     return {position, behind_ - (cutBeginsAt(position) ? 1 : 0)};
   }
-  /// The last cut made, as a place to step back from to what now stands before it.
-  [[nodiscard]] Place placeBeforeLastCut() const noexcept { return {cuts_[behind_ - 1].begin, behind_ - 1}; }
-  /// Whether a kept byte stands before `place`; if so, steps back to it.
-  [[nodiscard]] bool stepBack(Place& place) const noexcept {
-    if (place.cutsBefore > 0 && cuts_[place.cutsBefore - 1].end == place.position) {
-      place.position = cuts_[--place.cutsBefore].begin;
+  /// The last cut made, as a cursor to step back from to what now stands before it.
+  [[nodiscard]] Cursor cursorBeforeLastCut() const noexcept {
+    return {cuts_[behind_ - 1].begin, behind_ - 1};
+  }
+  /// Whether a kept byte stands before `cursor`; if so, steps back to it.
+  [[nodiscard]] bool stepBack(Cursor& cursor) const noexcept {
+    if (cursor.cutsBefore > 0 && cuts_[cursor.cutsBefore - 1].end == cursor.position) {
+      cursor.position = cuts_[--cursor.cutsBefore].begin;
     }
-    if (place.position == 0) return false;
-    --place.position;
+    if (cursor.position == 0) return false;
+    --cursor.position;
     return true;
   }
   /// Steps back by `count` bytes, which must be there.
-  [[nodiscard]] Place stepBackBy(Place place, std::size_t count) const noexcept {
-    if (place.cutsBefore == 0 || cuts_[place.cutsBefore - 1].end + count <= place.position) {
-      return {place.position - static_cast<Position>(count), place.cutsBefore};
+  [[nodiscard]] Cursor stepBackBy(Cursor cursor, std::size_t count) const noexcept {
+    if (cursor.cutsBefore == 0 || cuts_[cursor.cutsBefore - 1].end + count <= cursor.position) {
+      return {cursor.position - static_cast<Position>(count), cursor.cutsBefore};
     }
-    while (count > 0 && stepBack(place)) --count;
-    return place;
+    while (count > 0 && stepBack(cursor)) --count;
+    return cursor;
   }
 
   /// The first `c` among the kept bytes at or after `position`, which the reading position has not passed;
@@ -122,7 +124,7 @@ class WorkText {
 
   /// Cuts out what is left from `begin` to before `end`, and moves the reading position there. The cut as it
   /// is now, joined with its neighbours.
-  Cut cut(Place begin, Position end) noexcept;
+  Cut cut(Cursor begin, Position end) noexcept;
 
  private:
   [[nodiscard]] Position findBeyond(char c, Position position) const noexcept;

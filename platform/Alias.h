@@ -2,14 +2,14 @@
 //
 // Records that find a folder again after it was moved or given a new name.
 //
-// A record is bytes that go into the user's settings, so that one that comes back may be of another version,
-// of another machine, or damaged. Main thread.
+// A record is bytes that are kept in the user's settings. One that comes back may be of another version, from
+// another machine, or damaged. Main thread.
 #pragma once
 
 #include <QByteArray>
 #include <optional>
 
-#include "platform/FileReference.h"
+#include "common/FileReference.h"
 
 namespace quillforth::platform {
 
@@ -18,7 +18,7 @@ class AliasManager {
   virtual ~AliasManager() = default;
   /// A record of an existing folder, never empty; nothing when it cannot be examined.
   [[nodiscard]] virtual std::optional<QByteArray> newAlias(const FileReference& folder) = 0;
-  /// Where the folder is now; nothing when it is not found or the bytes make no record. May take about a
+  /// Where the folder is now; nothing when it is not found, or the bytes are not a record. May take about a
   /// second.
   [[nodiscard]] virtual std::optional<FileReference> resolveAlias(const QByteArray& alias) = 0;
 };

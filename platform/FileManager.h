@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The few things that are asked of the file system about items and folders.
+// The few operations on items and folders that the program asks of the file system.
 //
 // Names are single path components as the file system has them: bytes, UTF-8 or not. A symbolic link is an
 // item of its own and is not followed. Any thread.
@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/FileReference.h"
 #include "common/Status.h"
-#include "platform/FileReference.h"
 
 namespace quillforth::platform {
 

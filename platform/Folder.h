@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "common/FileReference.h"
 #include "common/Status.h"
-#include "platform/FileReference.h"
 
 namespace quillforth::platform {
 
@@ -33,7 +33,7 @@ struct FolderResult {
 class Folder {
  public:
   virtual ~Folder() = default;
-  /// Where it was when it was opened; absolute, without a trailing "/" but for the root.
+  /// Where it was when it was opened; absolute, without a trailing "/" unless it is the root.
   [[nodiscard]] virtual const std::string& path() const = 0;
   /// Appends all items, in the file system's own order; those that were added before a failure stay.
   [[nodiscard]] virtual common::Status listItems(std::vector<FolderItem>& items) const = 0;
@@ -49,15 +49,15 @@ class Folder {
   /// -1407 when the item is something else, a link included.
   [[nodiscard]] virtual FolderResult openFolder(const std::string& name) const = 0;
   [[nodiscard]] virtual bool isSameFolder(const Folder& other) const = 0;
-  /// 0 unless this user may not add items to the folder or take some out.
+  /// 0 when this user may add items to the folder and take items out of it.
   [[nodiscard]] virtual common::Status checkChanges() const = 0;
-  /// Foretells `moveItem` as far as permissions and mounts tell; what is done meanwhile may prove it wrong.
+  /// What `moveItem` would give, as far as permissions and mounts tell; the folder may change before that.
   [[nodiscard]] virtual common::Status checkMove(const std::string& name,
                                                  const Folder& destination) const = 0;
   /// Moves the item `name` into `destination`, a folder of the same file system and of the same FolderAccess.
   ///
   /// Whatever fails leaves the item where it was: -48 when `newName` is taken there, -37 when it is too long.
-  /// Nothing is ever replaced, not even what takes the name at this moment, and nothing is copied.
+  /// Nothing is ever replaced, not even an item that takes the name at this moment, and nothing is copied.
   [[nodiscard]] virtual common::Status moveItem(const std::string& name, Folder& destination,
                                                 const std::string& newName) = 0;
 };

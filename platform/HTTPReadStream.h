@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One request's answer as a stream of events: opened, bytes are there, ended, failed, or the deadline passed.
+// The answer to one request, as a stream of events: opened, bytes are there, ended, failed, deadline passed.
 //
 // A stream belongs to one thread, the one that calls `run`; all events come from inside `run`, one at a time.
 // Different streams may be used on different threads at once.
@@ -12,12 +12,10 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <thread>
-#include <utility>
-#include <vector>
 
-#include "platform/URL.h"
+#include "net/HTTPResponseHeader.h"
+#include "net/URL.h"
 
 namespace quillforth::platform {
 
@@ -28,27 +26,6 @@ struct HTTPRequest {
   std::string userAgent;
   std::string userName;  ///< Basic authentication is offered when this and the password are both non-empty
   std::string password;
-};
-
-/// The fields of a response header, in the order of their arrival.
-class HTTPResponseHeader {
- public:
-  void addField(std::string name, std::string value) {
-    fields_.emplace_back(std::move(name), std::move(value));
-  }
-  /// Appends the next line of a value that was folded; without any field, nothing.
-  void continueField(std::string_view text) {
-    if (fields_.empty()) return;
-    std::string& value = fields_.back().second;
-    value.append(value.empty() ? "" : " ").append(text);
-  }
-  /// The value of the first field called `name` (letter case apart), without blanks around it; bytes as sent.
-  [[nodiscard]] std::optional<std::string_view> valueOfField(std::string_view name) const;
-  /// The values of all such fields.
-  [[nodiscard]] std::vector<std::string_view> valuesOfField(std::string_view name) const;
-
- private:
-  std::vector<std::pair<std::string, std::string>> fields_;
 };
 
 enum class StreamEvent {
@@ -62,7 +39,7 @@ class HTTPReadStreamClient {
  public:
   virtual ~HTTPReadStreamClient() = default;
   virtual void streamEvent(StreamEvent event) = 0;
-  /// The deadline has passed; there is none until a new one is set.
+  /// The deadline has passed. It counts once; then there is no deadline until a new one is set.
   virtual void streamDeadlinePassed() = 0;
 };
 
@@ -73,14 +50,14 @@ class HTTPReadStream {
   virtual ~HTTPReadStream() = default;
   /// Starts the exchange; false when that is impossible. `client` outlives `run`.
   [[nodiscard]] virtual bool open(HTTPReadStreamClient& client) = 0;
-  /// Moves the deadline; nothing: it never passes.
+  /// Moves the deadline. Without a value it never passes.
   virtual void setDeadline(std::optional<Clock::time_point> deadline) = 0;
   /// Delivers events until the last one, or until `close`. Follows redirects.
   virtual void run() = 0;
   /// Takes body bytes that have arrived, without waiting: how many; 0 at the end; negative after an error.
   [[nodiscard]] virtual std::ptrdiff_t read(std::span<std::byte> buffer) = 0;
-  /// The header of the final response, redirects and interim responses apart; nothing when there was none
-  /// that is HTTP. Not after `close`.
+  /// The header of the final response, not of redirects and interim responses. Nothing when no response was
+  /// HTTP. Not after `close`.
   [[nodiscard]] virtual std::optional<HTTPResponseHeader> responseHeader() = 0;
   /// No event follows, and `run` returns. May be called from an event; the stream may not be destroyed there.
   virtual void close() = 0;
@@ -92,8 +69,8 @@ class HTTPReadStreamFactory {
   /// Null when no stream can be made of `request`: not http, https or ftp, or texts that no header can hold.
   /// Any thread. The factory outlives its streams.
   [[nodiscard]] virtual std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) = 0;
-  /// Waits for the end of a thread that runs a stream. A host whose window must be drawn meanwhile does that
-  /// in here.
+  /// Waits for the end of a thread that runs a stream. A host with a window keeps it drawn meanwhile in
+  /// here.
   virtual void join(std::thread& worker) { worker.join(); }
 };
 

@@ -12,7 +12,7 @@ class NetworkDiagnostics {
   virtual ~NetworkDiagnostics() = default;
   /// Sends nothing and waits for nothing.
   [[nodiscard]] virtual NetworkStatus copyNetworkStatusPassively() = 0;
-  /// Opens the system's network settings where there are some, and returns at once.
+  /// Opens the system's network settings, if it has any, and returns at once.
   virtual void diagnoseProblemInteractively() = 0;
 };
 

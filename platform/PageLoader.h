@@ -7,7 +7,7 @@
 #include <QString>
 #include <optional>
 
-#include "platform/URL.h"
+#include "net/URL.h"
 
 namespace quillforth::platform {
 
@@ -16,16 +16,18 @@ struct PageLoad {
   std::optional<QByteArray> data;
   /// Why there is nothing: for people, ends in "."; null when the program was interrupted.
   QString failure;
+  /// Where the page came from in the end, after redirects, without credentials and fragment; null without a
+  /// page.
+  QString url{};
 };
 
 class PageLoader {
  public:
   virtual ~PageLoader() = default;
   /// Without any cache; fails when the body is longer. Follows redirects. Blocks until the end; any thread.
-  [[nodiscard]] virtual PageLoad load(const URL& url) = 0;
-  [[nodiscard]] std::optional<QByteArray> resourceData(const URL& url) { return load(url).data; }
+  [[nodiscard]] virtual PageLoad resourceData(const URL& url) = 0;
 
-  /// As long as it is true, every load fails soon, also the one that runs. Any thread.
+  /// As long as it is true, every load fails soon, including the one that runs. Any thread.
   virtual void setGivenUp(bool /*isGivenUp*/) {}
 
   /// Room for some 300,000 ordinary links; a hostile page of this length still makes a link table that a

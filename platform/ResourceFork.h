@@ -2,8 +2,8 @@
 //
 // A file's resource fork, for reading: bytes by type and index.
 //
-// Forks come from strangers. Whoever answers here has checked every length and offset before the bytes are
-// handed out. Main thread.
+// Forks come from strangers. An implementation checks every length and offset before it hands out
+// bytes. Main thread.
 #pragma once
 
 #include <QByteArray>
@@ -11,8 +11,8 @@
 #include <memory>
 #include <optional>
 
+#include "common/FileReference.h"
 #include "common/FourCharCode.h"
-#include "platform/FileReference.h"
 
 namespace quillforth::platform {
 
@@ -23,8 +23,8 @@ class ResourceFork {
  public:
   virtual ~ResourceFork() = default;
   [[nodiscard]] virtual std::size_t countResources(common::FourCharCode type) const = 0;
-  /// The bytes of the resource, of as many as were counted; `index` begins with 1. Nothing for another index,
-  /// and for a resource that does not lie within the fork. They are the fork's own, and end with it.
+  /// The bytes of a resource. `index` goes from 1 to the number of resources. Nothing for another index, and
+  /// for a resource that does not lie within the fork. The bytes belong to the fork, and are gone with it.
   [[nodiscard]] virtual std::optional<QByteArrayView> resource(common::FourCharCode type,
                                                                std::size_t index) const = 0;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The programs that the user has running, by type and creator.
+// The programs that the user has running, by type and creator. Any thread.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ inline constexpr common::FourCharCode kApplicationFileType = common::FourCC("APP
 class RunningProcesses {
  public:
   virtual ~RunningProcesses() = default;
-  /// Those of this user that have a creator, in no order. Main thread.
+  /// Those of this user that have a creator, in no order.
   [[nodiscard]] virtual std::vector<RunningProcess> runningProcesses() = 0;
 };
 

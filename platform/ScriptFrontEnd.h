@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// What a script host needs of the windows it serves. Main thread.
+// What a script host needs of the front end that it serves, which it may not name.
+//
+// Called on the thread that runs the script. What has to be asked on the main thread is waited for a moment
+// only: the program may be about to end.
 #pragma once
 
 #include <QString>

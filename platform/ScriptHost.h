@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// Runs the text of a script.
+// Runs the text of a script. Any thread, one script at a time: a front end may give it a thread of its own.
 #pragma once
 
 #include <QString>
 #include <optional>
 
-#include "platform/AppleEvents.h"
+#include "appleevents/AppleEvents.h"
 
 namespace quillforth::platform {
 
@@ -14,7 +14,7 @@ class ScriptHost {
  public:
   virtual ~ScriptHost() = default;
   /// The result; nothing when the text does not compile, fails while it runs, or has no result. Nothing of a
-  /// text that does not compile is carried out. Blocks, for seconds at most. Main thread.
+  /// text that does not compile is carried out. Blocks, for seconds at most.
   [[nodiscard]] virtual std::optional<AEDescriptor> compileAndRun(const QString& source) = 0;
 };
 

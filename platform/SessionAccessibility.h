@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Whether programs of this session show their windows to other programs, as assistive technologies need it.
+//
+// A window asks, and may not name the host that answers. Any thread, one call at a time: a call may take some
+// seconds.
 #pragma once
 
 namespace quillforth::platform {

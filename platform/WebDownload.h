@@ -14,8 +14,8 @@
 //   downloadDidReceiveDataOfLength                any number of times, with the counts of a while summed
 //   downloadDidFinish
 //
-// and, at any point instead, downloadDidFailWithError. After either of the two ends, or cancel, nothing
-// follows.
+// At any point downloadDidFailWithError may come instead of the rest. Nothing follows after either end, or
+// after cancel.
 #pragma once
 
 #include <QString>
@@ -23,12 +23,13 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
-#include "platform/URL.h"
+#include "net/URL.h"
 
 namespace quillforth::platform {
 
-/// What a server (401) or proxy (407) wants to be told (RFC 9110, section 11).
+/// The login that a server (401) or proxy (407) asks for (RFC 9110, section 11).
 struct AuthenticationChallenge {
   QString host;    ///< with its port
   QString realm;   ///< as the server spells it; may be empty
@@ -46,10 +47,17 @@ struct Credential {
 class AuthenticationSheetParent {
  public:
   virtual ~AuthenticationSheetParent() = default;
-  /// Asks, and later calls `answer` exactly once, on the main thread; nothing means cancelled. May call it at
-  /// once.
+  /// Asks, and calls `answer` exactly once, on the main thread, later or at once. Nothing means
+  /// cancelled.
   virtual void beginAuthenticationSheet(const AuthenticationChallenge& challenge,
                                         std::function<void(std::optional<Credential>)> answer) = 0;
+};
+
+struct WebDownloadRequest {
+  URL url;
+  /// The URL of the page that it was found on. The server is told of it (`Referer`; RFC 9110, section
+  /// 10.1.3) what a browser tells, and never credentials. Null: nothing is told.
+  QString referrer{};
 };
 
 struct URLResponse {
@@ -58,8 +66,8 @@ struct URLResponse {
 };
 
 struct DownloadError {
-  QString
-      localizedDescription;  ///< for people, ends in "."; null when there is none. Never holds credentials
+  /// For people, ends in "."; null when there is none. Never holds credentials.
+  QString localizedDescription;
   QString failingURLString;  ///< without credentials; null when unknown
 };
 
@@ -93,8 +101,8 @@ class WebDownload {
   /// `path`: absolute, of the wanted file. Without `allowOverwrite` a free name is picked: "name-1.ext",
   /// "name-2.ext", ….
   virtual void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) = 0;
-  /// No callback follows. A file that has its final name by then stays; else none, hidden or not, stays
-  /// behind.
+  /// No callback follows. A file that has its final name already stays. Otherwise no file is left behind,
+  /// hidden or not.
   virtual void cancel() = 0;
 };
 
@@ -102,9 +110,13 @@ class WebDownload {
 class WebDownloadService {
  public:
   virtual ~WebDownloadService() = default;
-  /// Never fails here: what is wrong with the URL is reported to `delegate`, which must outlive the download.
-  [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const URL& url,
+  /// Never fails here. A fault of the URL is reported to `delegate`, which must outlive the download.
+  [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const WebDownloadRequest& request,
                                                                    WebDownloadDelegate& delegate) = 0;
+  /// What is to be started next, in this order, into `folder` (an absolute path; null: unknown). While a
+  /// download is under way, the service may ask for these already; nobody sees anything of it, and what is
+  /// not named any more is let go. Each `startDownload` takes its request out of these.
+  virtual void expectDownloads(const std::vector<WebDownloadRequest>& requests, const QString& folder) = 0;
   /// The program ends: a download whose file has its final name calls back to its end, from in here; all
   /// others are cancelled, and those that are started from now on never begin. Not from inside a callback.
   virtual void end() = 0;

@@ -13,14 +13,14 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # lupdate knows its own words only, so it reads a copy in which LOCALIZED is one of them.
-find app platform desktop \( -name '*.cpp' -o -name '*.h' -o -name '*.ui' \) -not -name LocalizedStrings.h | sort |
+find app linux desktop \( -name '*.cpp' -o -name '*.h' -o -name '*.ui' \) | sort |
   while IFS= read -r file; do
     mkdir -p "$work/$(dirname "$file")"
     sed -E 's/\bLOCALIZED(_CHARS)?\(/QT_TRANSLATE_NOOP("LocalizedStrings", /g' "$file" >"$work/$file"
   done
 mkdir -p "$work/desktop/translations"
 cp desktop/translations/*.ts "$work/desktop/translations"
-"$lupdate" -silent -no-obsolete -no-ui-lines -locations none -I "$work" "$work/app" "$work/platform" "$work/desktop" \
+"$lupdate" -silent -no-obsolete -no-ui-lines -locations none -I "$work" "$work/app" "$work/linux" "$work/desktop" \
   -ts "$work"/desktop/translations/*.ts
 if [ "${1-}" = --check ]; then
   diff -u desktop/translations "$work/desktop/translations"

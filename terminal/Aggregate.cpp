@@ -3,9 +3,9 @@
 #include "terminal/Aggregate.h"
 
 #include "app/Aggregation.h"
-#include "fileops/Aggregation.h"
+#include "appleevents/LosslessText.h"
+#include "fileops/AggregateFolder.h"
 #include "fileops/MovePlan.h"
-#include "platform/LosslessText.h"
 #include "platform/SystemLog.h"
 #include "terminal/Folders.h"
 #include "terminal/Reporter.h"

@@ -3,7 +3,7 @@
 #include "terminal/Classify.h"
 
 #include "classify/PageOrFile.h"
-#include "platform/URL.h"
+#include "net/URL.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/PrintableText.h"
+#include "net/PrintableText.h"
 #include "terminal/HelpText.h"
 
 namespace quillforth::terminal {
@@ -56,9 +56,11 @@ Parser::Parser()
   get->add_option("--to", getArguments.to);
   CLI::Option* pageFlag = get->add_flag("--page", page);
   get->add_flag("--file", file)->excludes(pageFlag);
+  get->add_option("--ahead", getArguments.ahead);
   get->add_option("--set", getArguments.settings)->allow_extra_args(false);
   get->add_flag("--json", getArguments.json);
   get->add_flag("--local", getArguments.local);
+  get->add_flag("!--no-cookies", getArguments.keepsCookies);
   get->add_option("URL", getArguments.urls)->required();
 
   CLI::Option* baseOption = links->add_option("--base", linksArguments.base);

@@ -22,9 +22,11 @@ struct GetArguments {
   std::vector<std::string> urls;
   std::optional<std::string> to;
   Kind kind = Kind::decide;
+  std::optional<std::string> ahead;   ///< unchecked
   std::vector<std::string> settings;  ///< "KEY=VALUE" each, unchecked
   bool json = false;
   bool local = false;
+  bool keepsCookies = true;
 };
 
 struct LinksArguments {

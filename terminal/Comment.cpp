@@ -9,8 +9,8 @@
 #include <string>
 #include <system_error>
 
+#include "appleevents/LosslessText.h"
 #include "fileops/FinderComment.h"
-#include "platform/LosslessText.h"
 #include "terminal/Reporter.h"
 #include "terminal/Text.h"
 

@@ -3,7 +3,7 @@
 // The command `comment`: shows or changes the comments of files and folders. Main thread.
 #pragma once
 
-#include "platform/AppleEventManager.h"
+#include "appleevents/AppleEventManager.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Output.h"
 

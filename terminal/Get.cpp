@@ -6,23 +6,13 @@
 
 namespace quillforth::terminal {
 
-namespace {
-
-QString InvalidURLReason() {
-  return QStringLiteral("This is not a valid URL.");
-}
-
-}  // namespace
-
 Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
          const TerminalPrompt& prompt)
     : settings_(settings),
       reporter_(reporter),
       outlets_(status, reporter, prompt),
       defaults_(*services.userDefaults, settings.preferences),
-      downloads_(*services.downloads, *this),
-      pageLoader_(*services.pageLoader),
-      network_(*services.network, settings.isNetworkAssumedUp),
+      downloads_(*services.downloads),
       controller_(outlets_.outlets(), host(services)) {
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
@@ -32,10 +22,7 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
 app::Host Get::host(const app::Host& services) {
   app::Host host = services;
   host.userDefaults = &defaults_;
-  host.downloads = &downloads_;
-  host.pageLoader = &pageLoader_;
-  host.network = &network_;
-  host.observer = this;
+  host.observers = {this};
   host.events = nullptr;
   host.processes = nullptr;
   host.scripts = nullptr;
@@ -48,7 +35,7 @@ Summary Get::run(const QStringList& urls) {
   controller_.applicationWillFinishLaunching();
   moveOnLater();
   if (!isStopped_) loop_.exec();
-  summary_.notFetched += static_cast<int>(urls_.size() + controller_.numberOfRows()) + network_.refusals();
+  summary_.notFetched += static_cast<int>(urls_.size() + controller_.numberOfRows()) + lostCount_;
   const bool allWell = summary_.failed == 0 && summary_.notFetched == 0;
   summary_.exitStatus = allWell ? kExitSuccess : kExitFailure;
   return summary_;
@@ -57,7 +44,7 @@ Summary Get::run(const QStringList& urls) {
 void Get::stop() {
   isStopped_ = true;
   downloads_.end();
-  if (downloads_.isBusy()) ++summary_.notFetched;  // another may have been asked for
+  if (controller_.isBusy()) ++summary_.notFetched;  // another may have been asked for
   loop_.quit();
 }
 
@@ -69,14 +56,14 @@ void Get::moveOn() {
   if (isStopped_) return;
   if (shouldStop_()) return stop();
   if (const QString refused = std::exchange(refusedURL_, QString()); !refused.isNull()) {
-    fail(refused, InvalidURLReason());
+    fail(refused, app::InvalidURLReason());
     controller_.tryAgain();
     return moveOnLater();
   }
-  const bool isIdle = !downloads_.isBusy();
+  const bool isIdle = !controller_.isBusy();
   if (!isIdle && !controller_.isDownloading()) return;
   // Without a connection every further URL would be lost.
-  if (!urls_.empty() && network_.refusals() == 0) {
+  if (!urls_.empty() && lostCount_ == 0) {
     const QString url = urls_.front();
     urls_.pop_front();
     handOver(url);
@@ -109,31 +96,21 @@ bool Get::isPage(const QString& url) {
 }
 
 void Get::workPage(const QString& url) {
-  const QString shownURL = platform::WithoutCredentials(url);
-  reporter_.willWait(QStringLiteral("Loading"), shownURL);
-  pageLoader_.forgetOutcome();
-  const int waitingBefore = static_cast<int>(controller_.numberOfRows());
-  const int leftBefore = urlsThatLeftTheQueue();
+  reporter_.willWait(QStringLiteral("Loading"), platform::WithoutCredentials(url));
   controller_.extractLinks(url);
-  const int links =
-      static_cast<int>(controller_.numberOfRows()) - waitingBefore + urlsThatLeftTheQueue() - leftBefore;
   reporter_.didWait();
-  switch (pageLoader_.outcome()) {
-    case ObservedPageLoader::Outcome::loaded:
-      return reporter_.pageDidLoad(shownURL, links);
-    case ObservedPageLoader::Outcome::failed:
-      if (shouldStop_()) {
-        ++summary_.notFetched;
-        return;
-      }
-      return fail(url, pageLoader_.failure());
-    case ObservedPageLoader::Outcome::notAsked:
-      return fail(url, InvalidURLReason());
-  }
 }
 
-int Get::urlsThatLeftTheQueue() const {
-  return downloads_.startedCount() + refusedCount_ + network_.refusals();
+void Get::pageWasQueued(const QString& url, std::size_t linkCount) {
+  reporter_.pageDidLoad(platform::WithoutCredentials(url), static_cast<int>(linkCount));
+}
+
+void Get::pageDidNotLoad(const QString& url, const QString& reason) {
+  if (shouldStop_()) {
+    ++summary_.notFetched;
+    return;
+  }
+  fail(url, reason);
 }
 
 void Get::fail(const QString& url, const QString& reason) {
@@ -164,11 +141,10 @@ void Get::downloadFailed(const app::DownloadProgress& progress, const QString& r
 }
 
 void Get::controllerMovedOn() {
-  if (!urls_.empty() || !downloads_.isBusy() || shouldStop_()) moveOnLater();
+  if (!urls_.empty() || !controller_.isBusy() || shouldStop_()) moveOnLater();
 }
 
-void Get::downloadFileRefusedURL(const QString& text) {
-  ++refusedCount_;
+void Get::urlWasRefused(const QString& text) {
   // Reported and passed over from the event loop: a long run of such texts must not nest.
   refusedURL_ = text.isNull() ? QString::fromLatin1("") : text;
   moveOnLater();

@@ -13,11 +13,11 @@
 #include <deque>
 #include <functional>
 
+#include "app/ControllerObserver.h"
 #include "app/Host.h"
 #include "app/MyAppController.h"
-#include "app/ObservedDownloads.h"
 #include "terminal/CommandLine.h"
-#include "terminal/ObservedServices.h"
+#include "terminal/OverriddenDefaults.h"
 #include "terminal/TerminalOutlets.h"
 
 namespace quillforth::terminal {
@@ -25,11 +25,10 @@ namespace quillforth::terminal {
 /// What a run needs besides the host's services.
 struct GetSettings {
   GetArguments::Kind kind = GetArguments::Kind::decide;
-  bool isNetworkAssumedUp = false;
   QHash<QString, QVariant> preferences;  ///< replaced for this run
 };
 
-class Get final : private app::DownloadObserver, private app::DriverObserver {
+class Get final : private app::ControllerObserver {
  public:
   /// `services`: the host, some of whose services are observed from here. `status` is what `reporter` draws.
   Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
@@ -45,12 +44,15 @@ class Get final : private app::DownloadObserver, private app::DriverObserver {
   void stopWhen(std::function<bool()> condition) { shouldStop_ = std::move(condition); }
 
  private:
+  void pageWasQueued(const QString& url, std::size_t linkCount) override;
+  void pageDidNotLoad(const QString& url, const QString& reason) override;
+  void urlWasRefused(const QString& text) override;
+  void urlWasLost(const QString& /*url*/) override { ++lostCount_; }
   void downloadBegan(const app::DownloadProgress& progress) override;
   void downloadReceived(const app::DownloadProgress& progress) override;
   void downloadFinished(const app::DownloadProgress& progress) override;
   void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
   void controllerMovedOn() override;
-  void downloadFileRefusedURL(const QString& text) override;
 
   /// What the controller stands on: `services`, with what is changed about them here.
   [[nodiscard]] app::Host host(const app::Host& services);
@@ -60,21 +62,18 @@ class Get final : private app::DownloadObserver, private app::DriverObserver {
   [[nodiscard]] bool isPage(const QString& url);
   void workPage(const QString& url);
   void fail(const QString& url, const QString& reason);
-  [[nodiscard]] int urlsThatLeftTheQueue() const;
 
   GetSettings settings_;
   Reporter& reporter_;
   TerminalOutlets outlets_;
   OverriddenDefaults defaults_;
-  app::ObservedDownloads downloads_;
-  ObservedPageLoader pageLoader_;
-  ObservedNetwork network_;
+  platform::WebDownloadService& downloads_;
   app::MyAppController controller_;
   std::function<bool()> shouldStop_ = [] { return false; };
   std::deque<QString> urls_;
   Summary summary_;
   QString refusedURL_;  // null: none waits to be passed over
-  int refusedCount_ = 0;
+  int lostCount_ = 0;   // URLs, for want of a connection
   bool isStopped_ = false;
   QEventLoop loop_;
   QTimer next_;  // fires as soon as the event loop is reached

@@ -85,9 +85,13 @@ Options:
                    alwaysPromptForOutputLocation set, the terminal is asked
   --page           all URLs are pages; none is judged
   --file           all URLs are files; none is judged
+  --ahead N        while a file is downloaded, already ask for the next N of the
+                   queue, 0 to 8: short for --set downloadsAhead=N
   --set KEY=VALUE  use VALUE for a setting in this run only; may be repeated.
                    Keys and values are those of "quillforth-cli settings"
   --json           one JSON object an event on standard output, see below
+  --no-cookies     keep no cookies. Otherwise the pages and files of a run share
+                   those that servers set, which are never on disk
   --local          do not look whether there is an Internet connection: for
                    servers on this machine or in the local network
   -h, --help       show this text
@@ -275,9 +279,18 @@ Keys with a value of yes or no (or true, false, on, off, 1, 0):
                                        done, or a download failed, and no window
                                        of quillforth(1) is in front
   playSoundWhenDone (yes)              play a sound then
+  sendReferer (no)                     tell the server on which page a file was
+                                       found; another server is told only where
+                                       the page is from
   allowKeystrokesForBrowserURL (no)    let quillforth(1) copy the address of
                                        Firefox with keystrokes, over the
                                        clipboard, when it cannot be had else
+
+Key with a number as its value:
+  downloadsAhead (0)                   how many of the queue are asked for while
+                                       a file is downloaded, 0 to 8; they still
+                                       come one after the other. At most six
+                                       connections to a host are used
 
 Key with a folder as its value:
   DestinationDirectory                 where downloads go: an existing folder,

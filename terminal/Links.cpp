@@ -56,7 +56,7 @@ Page LoadPage(const std::string& source, platform::PageLoader& pages) {
   const QString shown = platform::WithoutCredentials(QString::fromStdString(source));
   const std::optional<platform::URL> url = platform::URL::URLWithString(QString::fromStdString(source));
   if (!url) return {{}, shown + QStringLiteral(": not a valid URL")};
-  platform::PageLoad load = pages.load(*url);
+  platform::PageLoad load = pages.resourceData(*url);
   if (!load.data) return {{}, shown + QStringLiteral(": ") + load.failure};
   return {*std::move(load.data), {}};
 }

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/URL.h"
+#include "net/URL.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {

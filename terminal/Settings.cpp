@@ -35,6 +35,7 @@ constexpr std::array kReaders{
     BooleanReader{app::kShowAlertsWhenErrorsOccur.key, &app::Preferences::showAlertsWhenErrorsOccur},
     BooleanReader{app::kNotifyWhenDone.key, &app::Preferences::notifyWhenDone},
     BooleanReader{app::kPlaySoundWhenDone.key, &app::Preferences::playSoundWhenDone},
+    BooleanReader{app::kSendReferer.key, &app::Preferences::sendReferer},
     BooleanReader{app::kAllowKeystrokesForBrowserURL.key, &app::Preferences::allowKeystrokesForBrowserURL},
 };
 static_assert(kReaders.size() == app::kBooleanPreferences.size());
@@ -76,10 +77,22 @@ std::optional<bool> BooleanFromText(const QString& text) {
   return std::nullopt;
 }
 
+std::variant<Setting, SettingsError> MakeDownloadsAhead(const std::string& name, const std::string& value) {
+  bool isNumber = false;
+  const int number = QString::fromStdString(value).toInt(&isNumber);
+  if (isNumber && number >= 0 && number <= app::kMaxDownloadsAhead) {
+    return Setting{app::kDownloadsAheadKey, number};
+  }
+  return SettingsError{
+      name + ": \"" + value + "\" is no number from 0 to " + std::to_string(app::kMaxDownloadsAhead),
+      kExitUsage};
+}
+
 std::variant<Setting, SettingsError> MakeSetting(const std::string& key, const std::string& value,
                                                  platform::AliasManager& aliases) {
   const QString name = QString::fromStdString(key);
   if (name == app::kDestinationDirectoryKey) return MakeFolderSetting(value, aliases);
+  if (name == app::kDownloadsAheadKey) return MakeDownloadsAhead(key, value);
   if (FindReader(name) == nullptr) return UnknownKey(key);
   const std::optional<bool> boolean = BooleanFromText(QString::fromStdString(value));
   if (!boolean) return SettingsError{key + ": \"" + value + "\" is neither yes nor no", kExitUsage};
@@ -122,6 +135,7 @@ std::optional<QString> SettingsCommand::effectiveValue(const QString& key) {
     if (!folder) folder = fileops::GetSupportFolder(files_);
     return folder ? QFile::decodeName(folder->path().c_str()) : QString();
   }
+  if (key == app::kDownloadsAheadKey) return QString::number(app::Preferences(defaults_).downloadsAhead());
   const BooleanReader* reader = FindReader(key);
   if (reader == nullptr) return std::nullopt;
   const bool value = (app::Preferences(defaults_).*reader->read)();
@@ -131,7 +145,7 @@ std::optional<QString> SettingsCommand::effectiveValue(const QString& key) {
 void SettingsCommand::printAll(Output& output) {
   QStringList keys;
   for (const BooleanReader& reader : kReaders) keys.append(reader.key);
-  keys.append(app::kDestinationDirectoryKey);
+  keys << app::kDownloadsAheadKey << app::kDestinationDirectoryKey;
   for (const QString& key : keys) {
     const QString origin =
         defaults_.objectForKey(key).isValid() ? QStringLiteral("stored") : QStringLiteral("default");

@@ -35,8 +35,12 @@ struct Setting {
 /// yes, true, on and 1, no, false, off and 0, letter case apart; nothing for all else.
 [[nodiscard]] std::optional<bool> BooleanFromText(const QString& text);
 
-/// The stored form of a typed value: a truth value, or for `DestinationDirectory` the alias record of an
-/// existing folder.
+/// The number of downloads ahead that was typed; `name` is what the user calls it.
+[[nodiscard]] std::variant<Setting, SettingsError> MakeDownloadsAhead(const std::string& name,
+                                                                      const std::string& value);
+
+/// The stored form of a typed value: a truth value, a number, or for `DestinationDirectory` the alias record
+/// of an existing folder.
 [[nodiscard]] std::variant<Setting, SettingsError> MakeSetting(const std::string& key,
                                                                const std::string& value,
                                                                platform::AliasManager& aliases);
@@ -53,7 +57,7 @@ class SettingsCommand {
  private:
   [[nodiscard]] std::optional<SettingsError> store(const Setting& setting);
   [[nodiscard]] std::optional<SettingsError> unset(const QString& key);
-  /// "yes", "no" or a path; nothing for an unknown key.
+  /// "yes", "no", a number or a path; nothing for an unknown key.
   [[nodiscard]] std::optional<QString> effectiveValue(const QString& key);
   void printAll(Output& output);
 

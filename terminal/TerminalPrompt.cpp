@@ -8,9 +8,9 @@
 #include <unistd.h>
 
 #include <QByteArray>
-#include <QStringDecoder>
 #include <cerrno>
 
+#include "net/UTF8.h"
 #include "terminal/Output.h"
 
 namespace quillforth::terminal {
@@ -75,10 +75,7 @@ std::optional<QString> TerminalPrompt::ask(const QString& question, Echo echo) c
     if (line.size() > kLongestAnswer + 1) return std::nullopt;
   }
   line.chop(1);
-  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-  const QString answer = decoder(line);
-  if (decoder.hasError()) return std::nullopt;
-  return answer;
+  return platform::TextFromUTF8(line);
 }
 
 }  // namespace quillforth::terminal

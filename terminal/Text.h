@@ -9,7 +9,7 @@
 #include <QString>
 #include <string_view>
 
-#include "platform/PrintableText.h"
+#include "net/PrintableText.h"
 
 namespace quillforth::terminal {
 

@@ -17,20 +17,21 @@
 #include <cstring>
 
 #include "classify/InternetConfig.h"
+#include "host/AssumedNetwork.h"
 #include "host/Exhaustion.h"
-#include "host/LinuxHost.h"
-#include "platform/URL.h"
-#include "platform/linux/CurlPageLoader.h"
-#include "platform/linux/CurlReadStream.h"
-#include "platform/linux/CurlSupport.h"
-#include "platform/linux/Interruption.h"
-#include "platform/linux/LinuxAliasManager.h"
-#include "platform/linux/LinuxFileManager.h"
-#include "platform/linux/LinuxFinder.h"
-#include "platform/linux/LinuxFolder.h"
-#include "platform/linux/LinuxMainBundle.h"
-#include "platform/linux/SettingsUserDefaults.h"
-#include "platform/linux/SharedMimeInfo.h"
+#include "host/HeadlessHost.h"
+#include "linux/files/LinuxAliasManager.h"
+#include "linux/files/LinuxFileManager.h"
+#include "linux/files/LinuxFinder.h"
+#include "linux/files/LinuxFolder.h"
+#include "linux/session/Interruption.h"
+#include "linux/session/LinuxMainBundle.h"
+#include "linux/session/SettingsUserDefaults.h"
+#include "linux/session/SharedMimeInfo.h"
+#include "linux/transfer/CurlPageLoader.h"
+#include "linux/transfer/CurlReadStream.h"
+#include "linux/transfer/CurlSupport.h"
+#include "net/URL.h"
 #include "terminal/Aggregate.h"
 #include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
@@ -136,13 +137,17 @@ struct GetOptions {
 std::optional<SettingsError> TakeOptions(const GetArguments& arguments, GetOptions& options) {
   platform::LinuxAliasManager aliases(platform::HomeFolder());
   options.settings.kind = arguments.kind;
-  options.settings.isNetworkAssumedUp = arguments.local;
   for (const std::string& text : arguments.settings) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) return SettingsError{"--set: \"" + text + "\" has no \"=\"", kExitUsage};
     const auto setting = MakeSetting(text.substr(0, equals), text.substr(equals + 1), aliases);
     if (const auto* error = std::get_if<SettingsError>(&setting)) return *error;
     options.settings.preferences.insert(std::get<Setting>(setting).key, std::get<Setting>(setting).value);
+  }
+  if (arguments.ahead) {
+    const auto setting = MakeDownloadsAhead("--ahead", *arguments.ahead);
+    if (const auto* error = std::get_if<SettingsError>(&setting)) return *error;
+    options.settings.preferences.insert(app::kDownloadsAheadKey, std::get<Setting>(setting).value);
   }
   if (!arguments.to) return std::nullopt;
   const FolderAtPath folder = ExistingOrNewFolder(*arguments.to);
@@ -172,8 +177,12 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const std::unique_ptr<Reporter> reporter = MakeReporter(arguments, results, errors, status);
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
-  host::LinuxHost services;
-  Get get(services.host(terminalApplication), options.settings, *reporter, status, prompt);
+  // Nothing else is to be done here while a disk is slow.
+  host::HeadlessHost services({.mayWaitForDisk = true}, arguments.keepsCookies);
+  host::AssumedNetwork assumedNetwork;
+  const app::Host host = arguments.local ? services.host(terminalApplication, assumedNetwork)
+                                         : services.host(terminalApplication);
+  Get get(host, options.settings, *reporter, status, prompt);
   get.stopWhen([&interruption, &results] { return interruption.happened() || results.failed(); });
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [&get, &notifier] {

@@ -21,15 +21,22 @@ check() {
   fi
 }
 
-host='platform/[A-Za-z]+\.h'
+host='(platform|net|appleevents)/'
 check common common/
+check net common/ net/
+check appleevents common/ net/ appleevents/
 check platform common/ "$host"
-check platform/linux common/ "$host" platform/linux/
+check scripting common/ "$host" scripting/
+check linux/files common/ "$host" linux/files/
+check linux/transfer common/ "$host" linux/files/ linux/transfer/
+check linux/linkfiles common/ "$host" linux/files/ linux/linkfiles/
+check linux/browser common/ "$host" scripting/ linux/files/ linux/browser/
+check linux/session common/ "$host" linux/files/ linux/session/
 check classify common/ "$host" classify/
 check linkextract common/ classify/ExtensionMap platform/InternetConfig linkextract/
 check fileops common/ classify/ "$host" fileops/
 check app common/ classify/ linkextract/ fileops/ "$host" app/
-check host app/ "$host" platform/linux/ host/
+check host fileops/ app/ "$host" linux/ host/
 check desktop common/ app/ "$host" desktop/ ui_
 check terminal common/ classify/ linkextract/ fileops/ app/ "$host" terminal/
 

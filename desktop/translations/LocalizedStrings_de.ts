@@ -330,6 +330,10 @@
         <source>The proxy server answered %1.</source>
         <translation>Der Proxyserver hat mit „%1“ geantwortet.</translation>
     </message>
+    <message>
+        <source>This is not a valid URL.</source>
+        <translation>Das ist keine gültige URL.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -396,6 +400,18 @@
     <message>
         <source>&amp;Replace files of the same name</source>
         <translation>Gleichnamige Dateien &amp;ersetzen</translation>
+    </message>
+    <message>
+        <source>Queue</source>
+        <translation>Warteschlange</translation>
+    </message>
+    <message>
+        <source>Fil&amp;es fetched ahead of their turn:</source>
+        <translation>&amp;Vorab geholte Dateien:</translation>
+    </message>
+    <message>
+        <source>While a file is downloaded, so many more of the queue are already fetched, which saves waiting for servers. They still come one after the other.</source>
+        <translation>Während eine Datei heruntergeladen wird, werden schon so viele weitere der Warteschlange geholt; das erspart das Warten auf Server. Die Dateien kommen trotzdem eine nach der anderen.</translation>
     </message>
     <message>
         <source>Finished files</source>
@@ -473,6 +489,18 @@
         <source>&amp;What Browsers Need…</source>
         <translation>Was Browser brauche&amp;n …</translation>
     </message>
+    <message>
+        <source>Requests</source>
+        <translation>Anfragen</translation>
+    </message>
+    <message>
+        <source>Some servers give their files only to those who come from their pages. Another server is told no more than where the page is from.</source>
+        <translation>Manche Server geben ihre Dateien nur heraus, wenn man von ihren Seiten kommt. Ein anderer Server erfährt nur, von welchem Server die Seite ist.</translation>
+    </message>
+    <message>
+        <source>Tell the ser&amp;ver on which page a file was found</source>
+        <translation>&amp;Dem Server sagen, auf welcher Seite eine Datei stand</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>
@@ -518,10 +546,6 @@
     <message>
         <source>Queue the links of a page</source>
         <translation>Die Links einer Seite in die Warteschlange stellen</translation>
-    </message>
-    <message>
-        <source>&amp;Try Again</source>
-        <translation>&amp;Erneut versuchen</translation>
     </message>
     <message>
         <source>Go on with the next URL in the queue</source>
@@ -659,6 +683,129 @@
         <source>Take the URLs from the clipboard, one a line</source>
         <translation>Die URLs aus der Zwischenablage nehmen, eine je Zeile</translation>
     </message>
+    <message>
+        <source>List of URLs that is shown</source>
+        <translation>Gezeigte Liste von URLs</translation>
+    </message>
+    <message>
+        <source>Finished downloads</source>
+        <translation>Fertige Downloads</translation>
+    </message>
+    <message>
+        <source>Failed URLs</source>
+        <translation>Fehlgeschlagene URLs</translation>
+    </message>
+    <message>
+        <source>What came of the URLs</source>
+        <translation>Was aus den URLs wurde</translation>
+    </message>
+    <message>
+        <source>S&amp;tart Next</source>
+        <translation>&amp;Nächste starten</translation>
+    </message>
+    <message>
+        <source>O&amp;pen</source>
+        <translation>&amp;Öffnen</translation>
+    </message>
+    <message>
+        <source>Open the selected file</source>
+        <translation>Die ausgewählte Datei öffnen</translation>
+    </message>
+    <message>
+        <source>Sho&amp;w in Folder</source>
+        <translation>Im Ordner &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>Show the selected file in its folder</source>
+        <translation>Die ausgewählte Datei in ihrem Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>En&amp;tfernen</translation>
+    </message>
+    <message>
+        <source>Take the selected rows out of this list; files stay where they are</source>
+        <translation>Die ausgewählten Zeilen aus dieser Liste nehmen; Dateien bleiben, wo sie sind</translation>
+    </message>
+    <message>
+        <source>Queue A&amp;gain</source>
+        <translation>Erne&amp;ut einreihen</translation>
+    </message>
+    <message>
+        <source>Queue the selected URLs again, or all of them when none is selected</source>
+        <translation>Die ausgewählten URLs erneut in die Warteschlange stellen, oder alle, wenn keine ausgewählt ist</translation>
+    </message>
+    <message>
+        <source>Re&amp;move</source>
+        <translation>Entf&amp;ernen</translation>
+    </message>
+    <message>
+        <source>Start &amp;Next</source>
+        <translation>&amp;Nächste starten</translation>
+    </message>
+    <message>
+        <source>&amp;Queue Again</source>
+        <translation>&amp;Erneut einreihen</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>Show in &amp;Folder</source>
+        <translation>Im Ordner &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>Remo&amp;ve from List</source>
+        <translation>Aus der Liste &amp;nehmen</translation>
+    </message>
+    <message>
+        <source>&amp;Add URLs…</source>
+        <translation>URLs ein&amp;geben&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Type the URLs of pages and files</source>
+        <translation>Die URLs von Seiten und Dateien eingeben</translation>
+    </message>
+    <message>
+        <source>Add &amp;URLs…</source>
+        <translation>&amp;URLs eingeben&#xa0;…</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::AddSheet</name>
+    <message>
+        <source>Add URLs</source>
+        <translation>URLs eingeben</translation>
+    </message>
+    <message>
+        <source>&amp;URLs of pages and files, one a line:</source>
+        <translation>&amp;URLs von Seiten und Dateien, eine je Zeile:</translation>
+    </message>
+    <message>
+        <source>URLs of pages and files</source>
+        <translation>URLs von Seiten und Dateien</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>&amp;Übernehmen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>That is too much at a time.</source>
+        <translation>Das ist zu viel auf einmal.</translation>
+    </message>
+    <message>
+        <source>Lines that are taken for hosts:</source>
+        <translation>Zeilen, die als Server gelten:</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>
@@ -729,6 +876,40 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::FailedModel</name>
+    <message>
+        <source>URL</source>
+        <translation>URL</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Grund</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::FinishedModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Quelle</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::ImportWindow</name>
     <message>
         <source>Waiting for its turn…</source>
@@ -737,6 +918,41 @@
     <message>
         <source>Loading the page…</source>
         <translation>Die Seite wird geladen …</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::Outcomes</name>
+    <message>
+        <source>What has arrived will be listed here</source>
+        <translation>Hier erscheint, was angekommen ist</translation>
+    </message>
+    <message>
+        <source>What fails will be listed here</source>
+        <translation>Hier erscheint, was fehlschlägt</translation>
+    </message>
+    <message>
+        <source>is not a valid URL; Start Next goes on</source>
+        <translation>ist keine gültige URL; „Nächste starten“ macht weiter</translation>
+    </message>
+    <message>
+        <source>Waiting (%1)</source>
+        <translation>Wartend (%1)</translation>
+    </message>
+    <message>
+        <source>Finished (%1)</source>
+        <translation>Fertig (%1)</translation>
+    </message>
+    <message>
+        <source>Failed (%1)</source>
+        <translation>Fehlgeschlagen (%1)</translation>
+    </message>
+    <message>
+        <source>%1 done, %2 failed</source>
+        <translation>%1 fertig, %2 Fehler</translation>
+    </message>
+    <message>
+        <source> (the oldest %1 are not listed any more)</source>
+        <translation> (die ältesten %1 stehen nicht mehr in der Liste)</translation>
     </message>
 </context>
 <context>
@@ -833,6 +1049,10 @@
     <message>
         <source>Not taken:</source>
         <translation>Nicht übernommen:</translation>
+    </message>
+    <message>
+        <source>The page has no links.</source>
+        <translation>Die Seite hat keine Links.</translation>
     </message>
 </context>
 </TS>

@@ -330,6 +330,10 @@
         <source>The proxy server answered %1.</source>
         <translation>Le serveur mandataire a répondu «&#xa0;%1&#xa0;».</translation>
     </message>
+    <message>
+        <source>This is not a valid URL.</source>
+        <translation>Ce n’est pas une URL valide.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -396,6 +400,18 @@
     <message>
         <source>&amp;Replace files of the same name</source>
         <translation>&amp;Remplacer les fichiers de même nom</translation>
+    </message>
+    <message>
+        <source>Queue</source>
+        <translation>File d’attente</translation>
+    </message>
+    <message>
+        <source>Fil&amp;es fetched ahead of their turn:</source>
+        <translation>F&amp;ichiers récupérés d’avance&#xa0;:</translation>
+    </message>
+    <message>
+        <source>While a file is downloaded, so many more of the queue are already fetched, which saves waiting for servers. They still come one after the other.</source>
+        <translation>Pendant le téléchargement d’un fichier, autant d’autres de la file sont déjà récupérés, ce qui évite d’attendre les serveurs. Ils arrivent toujours l’un après l’autre.</translation>
     </message>
     <message>
         <source>Finished files</source>
@@ -473,6 +489,18 @@
         <source>&amp;What Browsers Need…</source>
         <translation>Ce qu’il faut aux na&amp;vigateurs…</translation>
     </message>
+    <message>
+        <source>Requests</source>
+        <translation>Requêtes</translation>
+    </message>
+    <message>
+        <source>Some servers give their files only to those who come from their pages. Another server is told no more than where the page is from.</source>
+        <translation>Certains serveurs ne donnent leurs fichiers qu’à ceux qui viennent de leurs pages. Un autre serveur apprend seulement de quel serveur vient la page.</translation>
+    </message>
+    <message>
+        <source>Tell the ser&amp;ver on which page a file was found</source>
+        <translation>Dire au serveur sur que&amp;lle page le fichier se trouvait</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>
@@ -518,10 +546,6 @@
     <message>
         <source>Queue the links of a page</source>
         <translation>Mettre en attente les liens d’une page</translation>
-    </message>
-    <message>
-        <source>&amp;Try Again</source>
-        <translation>&amp;Réessayer</translation>
     </message>
     <message>
         <source>Go on with the next URL in the queue</source>
@@ -659,6 +683,129 @@
         <source>Take the URLs from the clipboard, one a line</source>
         <translation>Prendre les URL du presse-papiers, une par ligne</translation>
     </message>
+    <message>
+        <source>List of URLs that is shown</source>
+        <translation>Liste d’URL affichée</translation>
+    </message>
+    <message>
+        <source>Finished downloads</source>
+        <translation>Téléchargements terminés</translation>
+    </message>
+    <message>
+        <source>Failed URLs</source>
+        <translation>URL en échec</translation>
+    </message>
+    <message>
+        <source>What came of the URLs</source>
+        <translation>Ce que sont devenues les URL</translation>
+    </message>
+    <message>
+        <source>S&amp;tart Next</source>
+        <translation>&amp;URL suivante</translation>
+    </message>
+    <message>
+        <source>O&amp;pen</source>
+        <translation>Ou&amp;vrir</translation>
+    </message>
+    <message>
+        <source>Open the selected file</source>
+        <translation>Ouvrir le fichier sélectionné</translation>
+    </message>
+    <message>
+        <source>Sho&amp;w in Folder</source>
+        <translation>&amp;Montrer dans le dossier</translation>
+    </message>
+    <message>
+        <source>Show the selected file in its folder</source>
+        <translation>Montrer le fichier sélectionné dans son dossier</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Retirer</translation>
+    </message>
+    <message>
+        <source>Take the selected rows out of this list; files stay where they are</source>
+        <translation>Retirer les lignes sélectionnées de cette liste&#xa0;; les fichiers restent où ils sont</translation>
+    </message>
+    <message>
+        <source>Queue A&amp;gain</source>
+        <translation>Re&amp;prendre</translation>
+    </message>
+    <message>
+        <source>Queue the selected URLs again, or all of them when none is selected</source>
+        <translation>Remettre les URL sélectionnées dans la file d’attente, ou toutes si aucune n’est sélectionnée</translation>
+    </message>
+    <message>
+        <source>Re&amp;move</source>
+        <translation>R&amp;etirer</translation>
+    </message>
+    <message>
+        <source>Start &amp;Next</source>
+        <translation>&amp;URL suivante</translation>
+    </message>
+    <message>
+        <source>&amp;Queue Again</source>
+        <translation>&amp;Reprendre</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Ouvrir</translation>
+    </message>
+    <message>
+        <source>Show in &amp;Folder</source>
+        <translation>&amp;Montrer dans le dossier</translation>
+    </message>
+    <message>
+        <source>Remo&amp;ve from List</source>
+        <translation>&amp;Retirer de la liste</translation>
+    </message>
+    <message>
+        <source>&amp;Add URLs…</source>
+        <translation>A&amp;jouter…</translation>
+    </message>
+    <message>
+        <source>Type the URLs of pages and files</source>
+        <translation>Saisir les URL de pages et de fichiers</translation>
+    </message>
+    <message>
+        <source>Add &amp;URLs…</source>
+        <translation>A&amp;jouter des URL…</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::AddSheet</name>
+    <message>
+        <source>Add URLs</source>
+        <translation>Ajouter des URL</translation>
+    </message>
+    <message>
+        <source>&amp;URLs of pages and files, one a line:</source>
+        <translation>&amp;URL de pages et de fichiers, une par ligne&#xa0;:</translation>
+    </message>
+    <message>
+        <source>URLs of pages and files</source>
+        <translation>URL de pages et de fichiers</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>A&amp;jouter</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>That is too much at a time.</source>
+        <translation>C’est trop à la fois.</translation>
+    </message>
+    <message>
+        <source>Lines that are taken for hosts:</source>
+        <translation>Lignes prises pour des serveurs&#xa0;:</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>et %1 de plus</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>
@@ -729,6 +876,40 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::FailedModel</name>
+    <message>
+        <source>URL</source>
+        <translation>URL</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Raison</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::FinishedModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Dossier</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Heure</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::ImportWindow</name>
     <message>
         <source>Waiting for its turn…</source>
@@ -737,6 +918,41 @@
     <message>
         <source>Loading the page…</source>
         <translation>Chargement de la page…</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::Outcomes</name>
+    <message>
+        <source>What has arrived will be listed here</source>
+        <translation>Ce qui est arrivé s’affichera ici</translation>
+    </message>
+    <message>
+        <source>What fails will be listed here</source>
+        <translation>Ce qui échoue s’affichera ici</translation>
+    </message>
+    <message>
+        <source>is not a valid URL; Start Next goes on</source>
+        <translation>n’est pas une URL valide&#xa0;; «&#xa0;URL suivante&#xa0;» continue</translation>
+    </message>
+    <message>
+        <source>Waiting (%1)</source>
+        <translation>En attente (%1)</translation>
+    </message>
+    <message>
+        <source>Finished (%1)</source>
+        <translation>Terminés (%1)</translation>
+    </message>
+    <message>
+        <source>Failed (%1)</source>
+        <translation>Échecs (%1)</translation>
+    </message>
+    <message>
+        <source>%1 done, %2 failed</source>
+        <translation>%1 réussis, %2 échecs</translation>
+    </message>
+    <message>
+        <source> (the oldest %1 are not listed any more)</source>
+        <translation> (les %1 plus anciens ne sont plus affichés)</translation>
     </message>
 </context>
 <context>
@@ -833,6 +1049,10 @@
     <message>
         <source>Not taken:</source>
         <translation>Non acceptées :</translation>
+    </message>
+    <message>
+        <source>The page has no links.</source>
+        <translation>La page n’a pas de liens.</translation>
     </message>
 </context>
 </TS>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Plays the scenarios in tests/data/controller.tsv: rows of steps, with the calls to the outside that the
-// last step of a row causes.
+// Plays the scenarios in tests/data/controller.tsv, each a test of its own: rows of steps, with the calls to
+// the outside that the last step of a row causes.
 
 #include <QDir>
 #include <QFile>
@@ -9,8 +9,8 @@
 #include <QJsonDocument>
 
 #include "app/MyAppController.h"
-#include "platform/AppleEventManager.h"
-#include "platform/FSRefTable.h"
+#include "appleevents/AppleEventManager.h"
+#include "appleevents/FSRefTable.h"
 #include "tests/support/CaseTable.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/ForkBytes.h"
@@ -241,18 +241,57 @@ bool Matches(std::string_view calls, std::string_view expected) {
   return isOpen || calls.empty();
 }
 
-TEST(Controller, CallsTheOutsideInTheOrderOfTheScenarios) {
-  std::unique_ptr<Stage> stage;
-  std::string title;
-  for (const auto& row : ReadCases(QUILLFORTH_TEST_DATA "/controller.tsv", 3)) {
-    if (!row[0].empty()) {
-      stage = std::make_unique<Stage>();
-      title = row[0];
+constexpr const char* kTable = QUILLFORTH_TEST_DATA "/controller.tsv";
+
+struct Row {
+  int line;
+  std::string steps, calls;
+};
+
+/// The rows of one controller's life.
+class Scenario final : public ::testing::Test {
+ public:
+  explicit Scenario(std::vector<Row> rows) : rows_(std::move(rows)) {}
+  void TestBody() override {
+    Stage stage;
+    for (const Row& row : rows_) {
+      const std::string calls = stage.play(row.steps);
+      if (Matches(calls, row.calls)) continue;
+      ADD_FAILURE_AT(kTable, row.line) << row.steps << "\n" << row.calls << "\n" << calls;
     }
-    const std::string calls = stage->play(row[1]);
-    EXPECT_TRUE(Matches(calls, row[2])) << title << "\n" << row[1] << "\n" << row[2] << "\n" << calls;
   }
+
+ private:
+  std::vector<Row> rows_;
+};
+
+/// "A page's links are queued" is Controller.APagesLinksAreQueued.
+void Register(const std::string& title, const std::vector<Row>& rows) {
+  std::string name;
+  bool beginsWord = true;
+  for (const char c : title) {
+    if (std::isalnum(c) != 0) name += beginsWord ? common::UpperCased(c) : c;
+    beginsWord = std::isalnum(c) == 0 && c != '\'';
+  }
+  const auto make = [rows]() -> ::testing::Test* { return new Scenario(rows); };
+  ::testing::RegisterTest("Controller", name.c_str(), nullptr, nullptr, kTable, rows[0].line, make);
 }
+
+const bool kIsRegistered = [] {
+  std::string title;
+  std::vector<Row> rows;
+  std::ifstream table(kTable);
+  int number = 1;
+  for (std::string line; std::getline(table, line); ++number) {
+    const std::vector<std::string> cells = CellsOf(line);
+    if (cells.empty()) continue;
+    if (!cells[0].empty() && !rows.empty()) Register(title, std::exchange(rows, {}));
+    if (!cells[0].empty()) title = cells[0];
+    rows.push_back({number, cells.at(1), cells.at(2)});
+  }
+  Register(title, rows);
+  return true;
+}();
 
 }  // namespace
 }  // namespace quillforth::tests

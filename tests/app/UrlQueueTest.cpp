@@ -27,7 +27,7 @@ TEST(UrlQueue, KeepsEveryTextAsItCame) {
   app::UrlQueue urls;
   for (const QString& text : texts) urls.append(text);
   EXPECT_EQ(TextsOf(urls), texts);
-  while (!urls.empty()) EXPECT_EQ(urls.takeFirst(), texts.takeFirst());
+  while (!urls.empty()) EXPECT_EQ(urls.takeFirst().url, texts.takeFirst());
 }
 
 TEST(UrlQueue, LinksOfAPageFollowWhatWaitsAndOutliveTheirTable) {
@@ -37,7 +37,8 @@ TEST(UrlQueue, LinksOfAPageFollowWhatWaitsAndOutliveTheirTable) {
     linkextract::LinkTable table;
     table.setBase(common::BoundedText("http://h/a/b/c.html"));
     app::UrlQueue links;
-    for (const char* link : {"x", "../\u00e9.zip", "/y", "ftp://i/z"}) links.append(table.insert(link));
+    for (const char* link : {"x", "../\u00e9.zip", "/y", "ftp://i/z"})
+      links.append(table.insert(link), QStringLiteral("http://h/page"));
     urls.append(std::move(links));
   }
   urls.append(QStringLiteral("last"));
@@ -48,6 +49,8 @@ TEST(UrlQueue, LinksOfAPageFollowWhatWaitsAndOutliveTheirTable) {
   EXPECT_EQ(urls.identifierAt(0), kept[0]);
   EXPECT_EQ(urls.identifierAt(1), kept[1]);
   for (std::size_t i = 1; i < urls.size(); ++i) EXPECT_LT(urls.identifierAt(i - 1), urls.identifierAt(i));
+  while (urls.size() > 1) EXPECT_EQ(urls.takeFirst().page, QStringLiteral("http://h/page"));
+  EXPECT_TRUE(urls.takeFirst().page.isNull());
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <optional>
 #include <span>
 
-#include "platform/linux/CurlReadStream.h"
+#include "linux/transfer/CurlReadStream.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::classify {

@@ -4,7 +4,7 @@
 
 #include "classify/PageOrFile.h"
 
-#include "platform/linux/CurlReadStream.h"
+#include "linux/transfer/CurlReadStream.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::classify {

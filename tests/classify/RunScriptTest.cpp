@@ -2,7 +2,7 @@
 
 #include "classify/RunScript.h"
 
-#include "platform/ScriptRunner.h"
+#include "scripting/ScriptRunner.h"
 #include "tests/support/CaseTable.h"
 #include "tests/support/Recorder.h"
 

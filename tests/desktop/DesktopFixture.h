@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The whole program in windows over the real services, with the network taken as up, and a server.
+// The whole program in windows over the real services, with a network that can be down, and a server.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,12 +13,21 @@
 #include <atomic>
 
 #include "desktop/Desktop.h"
-#include "host/AssumedNetwork.h"
 #include "host/LinuxHost.h"
+#include "platform/NetworkDiagnostics.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/RunLoop.h"
 
 namespace quillforth::tests {
+
+class SwitchedNetwork final : public platform::NetworkDiagnostics {
+ public:
+  bool isUp = true;
+  platform::NetworkStatus copyNetworkStatusPassively() override {
+    return isUp ? platform::NetworkStatus::connectionUp : platform::NetworkStatus::connectionDown;
+  }
+  void diagnoseProblemInteractively() override {}
+};
 
 class DesktopFixture : public ::testing::Test {
  protected:
@@ -62,10 +71,11 @@ class DesktopFixture : public ::testing::Test {
     data.setText(QString::fromStdString(server_.url(path)));
     return drop(data);
   }
-  /// Pages link to a.bin and b.bin. "slow" never ends; "gated" waits for `mayAnswer_`, after the first half
-  /// if it is "half" too; "locked" wants user:word.
+  /// Pages link to a.bin and b.bin. "cut" gets no answer until `mayAnswer_`. "slow" never ends; "gated" waits
+  /// for `mayAnswer_`, after the first half if it is "half" too; "locked" wants user:word.
   RawServer::After serve(RawServer::Connection& connection, const std::string& request) {
     const auto has = [&request](const char* text) { return request.find(text) != std::string::npos; };
+    if (has("/cut") && !mayAnswer_) return RawServer::After::close;
     const bool isSlow = has("/slow") && !has("HEAD ");
     if (isSlow || has("/half")) connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhalf");
     if (isSlow) static_cast<void>(connection.waitForEnd(20'000));
@@ -83,7 +93,7 @@ class DesktopFixture : public ::testing::Test {
   RawServer server_{[this](auto& connection, const auto& request) { return serve(connection, request); }};
   platform::Interruption interruption_;
   host::LinuxHost services_;
-  host::AssumedNetwork network_;
+  SwitchedNetwork network_;
   desktop::Desktop desktop_{
       {.makeHost = [this](app::Application& asked) { return services_.host(asked, network_); },
        .holdDownloads = [this](bool isHeld) { services_.downloads().setDelivering(!isHeld); },

@@ -6,9 +6,10 @@
 #include <QMenuBar>
 #include <QScrollArea>
 
+#include "desktop/AddSheet.h"
 #include "desktop/ElidedLabel.h"
-#include "desktop/LocalizedStrings.h"
 #include "desktop/MessageSheets.h"
+#include "desktop/Translations.h"
 #include "tests/desktop/DesktopFixture.h"
 
 namespace quillforth::tests {
@@ -42,15 +43,15 @@ void Look(const QWidget& parent, QStringList& keys) {
       keys.append(QKeySequence::mnemonic(action->text()).toString());
       EXPECT_TRUE(bar->rect().contains(bar->actionGeometry(action)));
     }
-    const bool isWhole =
-        bar != nullptr || child->inherits("QAbstractScrollArea") || child->inherits("QLineEdit");
+    const bool isWhole = child->inherits("QAbstractSpinBox") || bar != nullptr ||
+                         child->inherits("QAbstractScrollArea") || child->inherits("QLineEdit");
     if (!isWhole) Look(*child, keys);
   }
 }
 
 // The texts of windows are those of the language in which they are made.
 class InLanguage : public ::testing::WithParamInterface<QLocale::Language> {
-  desktop::LocalizedStrings strings_{QLocale(GetParam())};
+  desktop::Translations translations_{QLocale(GetParam())};
 };
 
 class LayoutTest : public InLanguage, public DesktopFixture {};
@@ -62,9 +63,10 @@ TEST_P(LayoutTest, NothingIsCutOffOrOverlaps) {
   desktop::AuthenticationSheet sheet(challenge, nullptr);
   const QString folder = QString(1000, u'm');
   auto* box = desktop::MakeMessageBox({folder, folder, folder.left(9), {}}, QMessageBox::Warning, &window());
-  QList<QWidget*> windows = {&window(), &sheet};
+  desktop::AddSheet add(QStringLiteral("a.test\n").repeated(9), nullptr);
+  QList<QWidget*> windows = {&window(), &sheet, &add};
   for (QDialog* dialog : window().findChildren<QDialog*>()) windows.append(dialog);
-  ASSERT_EQ(windows.size(), 5);
+  ASSERT_EQ(windows.size(), 6);
   ASSERT_TRUE(RunLoopUntil([this] { return !find<QLabel>("countTextField").text().isEmpty(); }));
   for (const char* name : {"currentURLTextField", "fileDownloadProgressBar", "fileDownloadCancelButton"}) {
     find<QWidget>(name).show();

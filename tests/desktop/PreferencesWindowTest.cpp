@@ -7,9 +7,10 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QSignalSpy>
+#include <QSpinBox>
 
 #include "desktop/SettingsWatcher.h"
-#include "platform/linux/SettingsUserDefaults.h"
+#include "linux/session/SettingsUserDefaults.h"
 
 namespace quillforth::tests {
 namespace {
@@ -31,6 +32,8 @@ TEST_F(Preferences, EveryBoxStoresItsSettingAtOnce) {
     box(preference.key).click();
     EXPECT_NE(app::Preferences(otherProcess).read(preference), preference.defaultValue);
   }
+  window.findChild<QSpinBox*>(app::kDownloadsAheadKey)->setValue(5);
+  EXPECT_EQ(app::Preferences(otherProcess).downloadsAhead(), 5);
   box(app::kShowStatusWindow.key).click();
   EXPECT_FALSE(box(app::kBringApplicationToFront.key).isEnabled());
 }

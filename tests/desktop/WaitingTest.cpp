@@ -57,6 +57,17 @@ TEST_F(WaitingTest, WhatComesDuringAPageLoadIsDoneAfterItInOrder) {
   EXPECT_NE(server_.requests().back().find("/slow.bin"), std::string::npos);
 }
 
+TEST_F(WaitingTest, ACommandWaitsUntilTheDownloadThatWasAskedForHasBegun) {
+  services_.downloads().setDelivering(false);  // nothing is told of it yet
+  ASSERT_TRUE(drop("/slow.bin"));
+  ASSERT_TRUE(drop("/later.bin"));
+  EXPECT_TRUE(RunLoopUntil([this] { return server_.requests().size() == 1; }));
+  EXPECT_TRUE(desktop_.gate().isBusy());
+  services_.downloads().setDelivering(true);
+  EXPECT_TRUE(waitForText("countTextField", "1 urls queued"));
+  EXPECT_EQ(server_.requests().size(), 1U);
+}
+
 TEST_F(WaitingTest, TheWindowLivesWhileAServerIsAsked) {
   whileWaiting([this] { mayAnswer_ = true; });
   ASSERT_TRUE(drop("/gated"));  // no extension: a question, then the file

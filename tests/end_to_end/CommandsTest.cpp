@@ -66,6 +66,8 @@ TEST_F(Commands, WhatCannotBeReadIsAClearError) {
       {{"settings", "nonsense", "yes"}, 2},
       {{"settings", "--unset", "nonsense"}, 2},
       {{"settings", "aggregateFiles", "maybe"}, 2},
+      {{"settings", "downloadsAhead", "9"}, 2},
+      {{"get", "--ahead", "-1", "http://h/"}, 2},
       {{"settings", "DestinationDirectory", inRoot("missing")}, 1},
       {{"settings", "DestinationDirectory", "/etc/passwd"}, 1},
       {{"get", "--set", "nonsense=yes", "http://h/"}, 2},
@@ -117,10 +119,12 @@ TEST_F(Commands, SettingsAreListedStoredAndForgotten) {
   const std::string defaults = run({"settings"}).output;
   EXPECT_NE(defaults.find("aggregateFiles\tno\tdefault\n"), std::string::npos) << defaults;
   EXPECT_NE(defaults.find("DestinationDirectory\t" + root_.string()), std::string::npos) << defaults;
-  EXPECT_EQ(std::count(defaults.begin(), defaults.end(), '\n'), 12);
+  EXPECT_EQ(std::count(defaults.begin(), defaults.end(), '\n'), 14);
   EXPECT_EQ(run({"settings", "aggregateFiles", "ON"}).exitStatus, 0);
   EXPECT_EQ(run({"settings", "aggregateFiles"}).output, "yes\n");
   EXPECT_EQ(run({"settings", "--unset", "aggregateFiles"}).exitStatus, 0);
+  EXPECT_EQ(run({"settings", "downloadsAhead", "8"}).exitStatus, 0);
+  EXPECT_EQ(run({"settings", "downloadsAhead"}).output, "8\n");
   EXPECT_EQ(run({"settings"}).output.find("aggregateFiles\tyes"), std::string::npos);
   const std::string chosen = inRoot("chosen");
   std::filesystem::create_directories(chosen);

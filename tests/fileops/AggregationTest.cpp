@@ -3,7 +3,7 @@
 // Sorts real folders; what needs another user, another file system or a system call that fails runs in a
 // child process of its own.
 
-#include "fileops/Aggregation.h"
+#include "fileops/AggregateFolder.h"
 
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -19,7 +19,7 @@
 #include <chrono>
 
 #include "fileops/MovePlan.h"
-#include "platform/linux/LinuxFolder.h"
+#include "linux/files/LinuxFolder.h"
 #include "tests/fileops/FolderTree.h"
 #include "tests/support/CaseTable.h"
 

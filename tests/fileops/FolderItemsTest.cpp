@@ -8,7 +8,7 @@
 #include <regex>
 
 #include "fileops/SupportFolder.h"
-#include "platform/linux/LinuxFolder.h"
+#include "linux/files/LinuxFolder.h"
 #include "tests/fileops/FolderTree.h"
 #include "tests/support/FakeHost.h"
 

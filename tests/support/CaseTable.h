@@ -37,20 +37,28 @@ inline std::string Unescaped(const std::string& cell) {
   return text;
 }
 
+/// The cells of a line; none for a comment.
+inline std::vector<std::string> CellsOf(const std::string& line) {
+  std::vector<std::string> cells;
+  if (line.empty() || line[0] == '#') return cells;
+  for (std::size_t start = 0; start <= line.size();) {
+    const std::size_t end = std::min(line.find('\t', start), line.size());
+    cells.push_back(Unescaped(line.substr(start, end - start)));
+    start = end + 1;
+  }
+  return cells;
+}
+
 /// The rows of the table in `file`, each with `columns` cells.
 inline std::vector<std::vector<std::string>> ReadCases(const std::string& file, std::size_t columns) {
   std::vector<std::vector<std::string>> rows;
   std::ifstream input(file);
   for (std::string line; std::getline(input, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::vector<std::string>& row = rows.emplace_back();
-    for (std::size_t start = 0; start <= line.size();) {
-      const std::size_t end = std::min(line.find('\t', start), line.size());
-      row.push_back(Unescaped(line.substr(start, end - start)));
-      start = end + 1;
-    }
+    std::vector<std::string> row = CellsOf(line);
+    if (row.empty()) continue;
     EXPECT_EQ(row.size(), columns) << line;
     row.resize(columns);
+    rows.push_back(std::move(row));
   }
   EXPECT_FALSE(rows.empty()) << file;
   return rows;

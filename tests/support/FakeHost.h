@@ -8,9 +8,9 @@
 #include <memory>
 
 #include "app/Host.h"
+#include "linux/linkfiles/ResourceMap.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/MainBundle.h"
-#include "platform/ResourceMap.h"
 #include "tests/support/Recorder.h"
 
 namespace quillforth::tests {
@@ -63,10 +63,17 @@ class FakeDownloads final : public platform::WebDownloadService {
   explicit FakeDownloads(CallLog& log) : log_(log) {}
   std::vector<std::shared_ptr<FakeDownload>> started;
 
-  std::shared_ptr<platform::WebDownload> startDownload(const platform::URL& url,
+  std::shared_ptr<platform::WebDownload> startDownload(const platform::WebDownloadRequest& request,
                                                        platform::WebDownloadDelegate& delegate) override {
-    log_.add("start " + url.absoluteString().toStdString());
-    return started.emplace_back(std::make_shared<FakeDownload>(log_, url, delegate));
+    log_.add("start " + request.url.absoluteString().toStdString());
+    return started.emplace_back(std::make_shared<FakeDownload>(log_, request.url, delegate));
+  }
+  void expectDownloads(const std::vector<platform::WebDownloadRequest>& requests,
+                       const QString& folder) override {
+    QStringList texts;
+    for (const auto& request : requests) texts << request.url.absoluteString();
+    texts << QStringLiteral("in") << folder;
+    if (!requests.empty()) log_.add("expect " + texts.join(u' ').toStdString());
   }
   void end() override {}
 
@@ -111,7 +118,7 @@ class FakeServices final : public platform::NetworkDiagnostics,
                            public platform::ScriptHost,
                            public app::FolderAggregation,
                            public app::FileComments,
-                           public app::DriverObserver,
+                           public app::ControllerObserver,
                            private Recording {
  public:
   explicit FakeServices(CallLog& log) : Recording(log, "") {}
@@ -126,7 +133,7 @@ class FakeServices final : public platform::NetworkDiagnostics,
 
   platform::NetworkStatus copyNetworkStatusPassively() override { return network; }
   void diagnoseProblemInteractively() override { note("diagnose"); }
-  platform::PageLoad load(const platform::URL& url) override {
+  platform::PageLoad resourceData(const platform::URL& url) override {
     const auto found = pages.find(url.absoluteString());
     if (found == pages.end()) return {};
     return {found->second, {}};
@@ -177,7 +184,7 @@ class FakeServices final : public platform::NetworkDiagnostics,
   void setComment(const QString& path, const QString& comment) override {
     note("comment ", QStringList{path, comment});
   }
-  void downloadFileRefusedURL(const QString& text) override { note("refused ", text); }
+  void urlWasRefused(const QString& text) override { note("refused ", text); }
 };
 
 /// Everything that a controller stands on.
@@ -195,9 +202,9 @@ struct FakeHost {
   [[nodiscard]] app::Host host(const app::EventIntake* events = nullptr) {
     const auto localizedText = [this](const QString& key) { return ++translations, key; };
     const auto currentSeconds = [this] { return seconds; };
-    return {&application, &defaults, &downloads, &services, &services, &services,     &services,
-            &services,    &files,    &services,  &services, &services, localizedText, currentSeconds,
-            &services,    &services, &services,  events,    &services, &services};
+    return {&application, &defaults, &downloads,  &services, &services, &services,     &services,
+            &services,    &files,    &services,   &services, &services, localizedText, currentSeconds,
+            &services,    &services, {&services}, events,    &services, &services};
   }
 };
 

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/AddSheet.h"
+
+#include <QDialogButtonBox>
+#include <QRegularExpression>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <initializer_list>
+
+#include "desktop/PastedURLs.h"
+#include "desktop/ShownText.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr qsizetype kMostHostsListed = 5;
+constexpr qsizetype kLongestHostListed = 60;
+
+bool LooksLikeHost(const QString& line) {
+  static const QRegularExpression host(
+      QStringLiteral(R"(^[a-z0-9][a-z0-9-]*(\.[a-z0-9-]+)+(:[0-9]+)?([/?#]\S*)?$)"),
+      QRegularExpression::CaseInsensitiveOption);
+  return host.match(line).hasMatch();
+}
+
+// What ends a sentence or a bracket around the URL is none of it.
+QString WithoutPunctuation(const QString& url) {
+  qsizetype unopened = url.count(u')') - url.count(u'(');
+  qsizetype length = url.size();
+  for (; length > 0; --length) {
+    const QChar last = url[length - 1];
+    const bool isClosing = last == u')' && unopened-- > 0;
+    if (!isClosing && !QStringView(u".,;:!?'»”’]}").contains(last)) break;
+  }
+  return url.first(length);
+}
+
+QStringList URLsInProse(const QString& line) {
+  static const QRegularExpression url(QStringLiteral(R"((?<![a-z0-9])(?:https?|ftp)://[^\s<>"]+)"),
+                                      QRegularExpression::CaseInsensitiveOption);
+  QStringList urls;
+  for (auto matches = url.globalMatch(line); matches.hasNext();) {
+    const QString found = WithoutPunctuation(matches.next().captured());
+    if (CanBeTaken(found)) urls.append(found);
+  }
+  return urls;
+}
+
+}  // namespace
+
+TypedURLs TypedURLs::in(const QString& text) {
+  TypedURLs typed;
+  for (const QString& part : text.split(u'\n', Qt::SkipEmptyParts)) {
+    const QString line = part.trimmed();
+    const QString host = QStringLiteral("http://") + line;
+    if (CanBeTaken(line)) {
+      typed.urls.append(line);
+    } else if (LooksLikeHost(line) && CanBeTaken(host)) {
+      typed.urls.append(host);
+      typed.hosts.append(host);
+    } else {
+      typed.urls += URLsInProse(line);
+    }
+  }
+  return typed;
+}
+
+AddSheet::AddSheet(const QString& text, QWidget* parent)
+    : QDialog(parent), text_(new QPlainTextEdit(this)), hosts_(new QLabel(this)) {
+  setWindowTitle(tr("Add URLs"));
+  auto* label = new QLabel(tr("&URLs of pages and files, one a line:"), this);
+  label->setBuddy(text_);
+  text_->setAccessibleName(tr("URLs of pages and files"));
+  text_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  text_->setTabChangesFocus(true);
+  text_->setInputMethodHints(Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+  hosts_->setTextFormat(Qt::PlainText);
+  auto* buttons = new QDialogButtonBox(this);
+  add_ = buttons->addButton(tr("&Add"), QDialogButtonBox::AcceptRole);
+  buttons->addButton(tr("&Cancel"), QDialogButtonBox::RejectRole);
+  setLayout(new QVBoxLayout);
+  for (QWidget* row : std::initializer_list<QWidget*>{label, text_, hosts_, buttons})
+    layout()->addWidget(row);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(text_, &QPlainTextEdit::textChanged, this, &AddSheet::followText);
+  text_->setPlainText(text);
+  followText();
+  resize(520, 300);
+}
+
+void AddSheet::followText() {
+  const bool isTooLong = text_->document()->characterCount() > kMaxLength;
+  typed_ = isTooLong ? TypedURLs() : TypedURLs::in(text_->toPlainText());
+  QStringList lines;
+  if (isTooLong) lines.append(tr("That is too much at a time."));
+  if (!typed_.hosts.isEmpty()) lines.append(tr("Lines that are taken for hosts:"));
+  for (const QString& host : typed_.hosts.first(std::min(typed_.hosts.size(), kMostHostsListed))) {
+    lines.append(ShownText(host, kLongestHostListed));
+  }
+  if (typed_.hosts.size() > kMostHostsListed) {
+    lines.append(tr("and %1 more").arg(typed_.hosts.size() - kMostHostsListed));
+  }
+  hosts_->setText(lines.join(u'\n'));
+  hosts_->setHidden(lines.isEmpty());
+  add_->setEnabled(!typed_.urls.isEmpty());
+}
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+//
+// The sheet that URLs are typed into, one a line, or a text with URLs in it.
+//
+// A host without "http://" is taken for a URL here, because people type it so. File names look alike: it
+// counts only alone on its line, and is listed before it is taken. Main thread.
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStringList>
+
+namespace quillforth::desktop {
+
+struct TypedURLs {
+  QStringList urls;   ///< of http, https or ftp, in their order; with the hosts
+  QStringList hosts;  ///< those of them that were typed without "http://", which they have here
+
+  /// In prose only what begins with "http://", "https://" or "ftp://" counts, without the punctuation around.
+  [[nodiscard]] static TypedURLs in(const QString& text);
+};
+
+class AddSheet final : public QDialog {
+  Q_OBJECT
+
+ public:
+  static constexpr qsizetype kMaxLength = 1 << 20;  ///< of the text, in UTF-16 units
+
+  /// `text` stands in it when it opens.
+  AddSheet(const QString& text, QWidget* parent);
+  /// What is to be taken when it is accepted.
+  [[nodiscard]] QStringList urls() const { return typed_.urls; }
+
+ private:
+  void followText();
+
+  QPlainTextEdit* text_;
+  QLabel* hosts_;
+  QPushButton* add_;
+  TypedURLs typed_;
+};
+
+}  // namespace quillforth::desktop

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+
+#include "fileops/AggregateFolder.h"
+
+#include <QByteArrayView>
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "fileops/FolderItems.h"
+#include "net/FileURL.h"
+
+namespace quillforth::fileops {
+
+namespace {
+
+using common::Status;
+using platform::Folder;
+using platform::FolderItem;
+
+// Longest name that is tried when the one that the rule gives is too long.
+constexpr std::size_t kLongestName = 255;
+
+void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const Subfolder& subfolder) {
+  log.log(
+      QStringLiteral("The file \"%1\" could not be moved to \"%2\". A file by the same name may exists there "
+                     "already.")
+          .arg(QString::fromStdString(PathInFolder(item.parent, item.name)),
+               QString::fromStdString(subfolder.path())));
+}
+
+// Whether something that is missing is the item itself.
+bool IsGone(const ItemReference& item, Status status) {
+  return status == common::kFileNotFound && item.parent.findItem(item.name) == common::kFileNotFound;
+}
+
+// Moves the item, and says under which name, or why not. The move itself finds out that a name is taken:
+// after a test it could be taken before the move.
+struct Moved {
+  Status status;
+  std::string name;
+};
+Moved MoveUnderFreeName(const ItemReference& item, Folder& destination) {
+  Moved moved{item.parent.moveItem(item.name, destination, item.name), item.name};
+  if (moved.status != common::kDuplicateName) return moved;
+  moved.name = MakeUniqueNameForMove(destination, item.name).value_or(item.name);
+  moved.status = item.parent.moveItem(item.name, destination, moved.name);
+  if (moved.status != common::kBadName) return moved;
+  moved.name = UniqueName(item.name, kLongestName);
+  moved.status = item.parent.moveItem(item.name, destination, moved.name);
+  return moved;
+}
+
+// One run over one folder.
+class Walk {
+ public:
+  Walk(const AggregationServices& services, Folder& folder)
+      : services_(services), folder_(folder), hidden_(folder), subfolders_(folder) {}
+
+  AggregationResult run();
+
+ private:
+  [[nodiscard]] bool hasPath(const std::string& name) const;
+  void sort(const FolderItem& item);
+  [[nodiscard]] Status moveIntoSubfolder(const ItemReference& item, std::string_view extension);
+
+  const AggregationServices& services_;
+  Folder& folder_;
+  AggregationResult result_;
+  HiddenNames hidden_;
+  Subfolders subfolders_;
+};
+
+AggregationResult Walk::run() {
+  std::vector<FolderItem> items;
+  result_.status = ListFolderItems(folder_, false, items);
+  for (const FolderItem& item : items) sort(item);
+  return result_;
+}
+
+bool Walk::hasPath(const std::string& name) const {
+  return folder_.path().size() + 1 + name.size() <= kLongestItemPath &&
+         QByteArrayView(folder_.path()).isValidUtf8() && QByteArrayView(name).isValidUtf8();
+}
+
+void Walk::sort(const FolderItem& item) {
+  if (ShouldSkipItem(item, hidden_)) return;
+  const std::string_view extension = PathExtension(item.name);
+  if (extension.empty()) return;
+  const ItemReference reference{folder_, item.name};
+  const Status status = hasPath(item.name) ? moveIntoSubfolder(reference, extension) : common::kBadName;
+  if (status == common::kNoError) {
+    ++result_.moved;
+  } else if (!IsGone(reference, status)) {
+    ++result_.left;
+    if (services_.itemStays) services_.itemStays(item.name, status);
+  }
+}
+
+Status Walk::moveIntoSubfolder(const ItemReference& item, std::string_view extension) {
+  const Subfolders::Result found = subfolders_.forExtension(extension);
+  if (found.subfolder == nullptr) return found.status;
+  const Status status = MoveItemToFolderPath(services_, item, *found.subfolder);
+  if (status != common::kNoError && !IsGone(item, status)) {
+    LogThatItemStays(services_.log, item, *found.subfolder);
+  }
+  return status;
+}
+
+}  // namespace
+
+AggregationResult AggregateFolder(const AggregationServices& services, const QString& path) {
+  const std::optional<platform::FileReference> reference = platform::FileAtPath(path);
+  if (!reference) return {common::kBadParameter};
+  const platform::FolderResult opened = services.folders.openFolder(*reference);
+  return opened.folder ? AggregateFolderRef(services, *opened.folder) : AggregationResult{opened.status};
+}
+
+AggregationResult AggregateFolderRef(const AggregationServices& services, Folder& folder) {
+  return Walk(services, folder).run();
+}
+
+Status ListFolderItems(const Folder& folder, bool filesOnly, std::vector<FolderItem>& items) {
+  const std::size_t before = items.size();
+  const Status status = folder.listItems(items);
+  const auto first = items.begin() + static_cast<std::ptrdiff_t>(before);
+  if (status != common::kNoError) {
+    items.erase(first, items.end());
+  } else if (filesOnly) {
+    items.erase(std::remove_if(first, items.end(), [](const FolderItem& item) { return item.isFolder; }),
+                items.end());
+  }
+  return status;
+}
+
+bool ShouldSkipItem(const FolderItem& item, const HiddenNames& hidden) {
+  return (!item.isFolder && hidden.contains(item.name)) || item.name.starts_with('.');
+}
+
+Status MoveItemToFolderPath(const AggregationServices& services, const ItemReference& item,
+                            Subfolder& subfolder) {
+  Status status = subfolder.open();
+  if (status == common::kNoError) {
+    status = MoveItemPreservingComment(services, item, subfolder.folder());
+    if (status == common::kNoError || !subfolder.wasReplaced()) return status;
+    status = subfolder.open();
+    if (status == common::kNoError) return MoveItemPreservingComment(services, item, subfolder.folder());
+  }
+  // An item that is no folder can be named too; then the move into it fails.
+  if (status != common::kNotAFolder && !IsGone(item, status)) {
+    services.log.log(
+        QStringLiteral("An error occurred moving a folder or file. Error code = %1").arg(status));
+  }
+  return status;
+}
+
+Status MoveItemPreservingComment(const AggregationServices& services, const ItemReference& item,
+                                 Folder& destination) {
+  std::optional<QString> comment;
+  if (services.comments != nullptr) {
+    comment = services.comments->comment(platform::FileReference(PathInFolder(item.parent, item.name)));
+  }
+  if (item.parent.isSameFolder(destination)) return common::kNoError;
+  const Moved moved = MoveUnderFreeName(item, destination);
+  if (comment && moved.status == common::kNoError) {
+    services.comments->setComment(platform::FileReference(PathInFolder(destination, moved.name)), *comment);
+  }
+  return moved.status;
+}
+
+}  // namespace quillforth::fileops

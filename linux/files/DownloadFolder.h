@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+//
+// The folders that downloads go into. Each is opened for every file, tidied once, and remembers which names
+// were given out.
+//
+// A temporary file of ours is named ".quillforth-", sixteen hexadecimal digits, ".part", and is locked
+// (flock) by the process that writes it. An unlocked one was left by a process that died, and is removed
+// at the first download into its folder. Any thread.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "linux/files/DiskSync.h"
+#include "linux/files/FileDescriptor.h"
+
+namespace quillforth::platform {
+
+/// For each wanted name that was taken, the highest number put behind it so far. The next file of that name
+/// need not try the lower ones again.
+class NameNumbers {
+ public:
+  /// 0: none.
+  [[nodiscard]] std::uint64_t highest(const std::string& name) const;
+  void add(const std::string& name, std::uint64_t number);
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<std::string, std::uint64_t> highest_;
+};
+
+struct DownloadFolder {
+  FileDescriptor descriptor;  ///< O_PATH: for the "at" calls
+  dev_t device = 0;
+  ino_t inode = 0;
+  // These two live as long as the DownloadFolders that they came from.
+  NameNumbers* numbers = nullptr;
+  DiskSync* disks = nullptr;
+};
+
+class DownloadFolders {
+ public:
+  /// Opens the folder that `path` names now. 0 or the error number. All work with the result stays in that
+  /// folder, even if another one takes its path.
+  [[nodiscard]] int open(const std::string& path, DownloadFolder& folder);
+  /// For the files that were published in these folders.
+  [[nodiscard]] DiskSync& disks() { return disks_; }
+
+ private:
+  DiskSync disks_;
+  std::mutex mutex_;
+  std::map<std::pair<dev_t, ino_t>, NameNumbers> known_;
+};
+
+/// A name for a temporary file. It hardly ever exists already.
+[[nodiscard]] std::string TemporaryFilename();
+[[nodiscard]] bool IsTemporaryFilename(std::string_view name);
+
+/// Removes from a folder the temporary files of this user that no process holds. Regular files only.
+void RemoveStaleTemporaries(int folderDescriptor);
+
+}  // namespace quillforth::platform

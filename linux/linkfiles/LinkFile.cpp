@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+
+#include "linux/linkfiles/LinkFile.h"
+
+#include <QStringDecoder>
+#include <algorithm>
+
+#include "linux/linkfiles/PropertyListLink.h"
+#include "net/URL.h"
+
+namespace quillforth::platform {
+
+namespace {
+
+enum class Kind { propertyList, internetShortcut, desktopEntry };
+
+constexpr QByteArrayView kShortcutGroup("[InternetShortcut]");
+constexpr QByteArrayView kDesktopGroup("[Desktop Entry]");
+
+std::optional<QStringDecoder::Encoding> WideEncodingOf(QByteArrayView bytes) {
+  if (bytes.size() < 2) return std::nullopt;
+  // Every kind of link file begins with a character of ASCII, if not with a byte-order mark.
+  if (bytes.startsWith("\xFF\xFE") || (bytes[0] != 0 && bytes[1] == 0)) return QStringDecoder::Utf16LE;
+  if (bytes.startsWith("\xFE\xFF") || (bytes[0] == 0 && bytes[1] != 0)) return QStringDecoder::Utf16BE;
+  return std::nullopt;
+}
+
+// The text in UTF-8, without a byte-order mark.
+QByteArray Content(QByteArrayView bytes) {
+  constexpr QByteArrayView kMark("\xEF\xBB\xBF");
+  if (const auto encoding = WideEncodingOf(bytes)) {
+    return QString(QStringDecoder(*encoding, QStringDecoder::Flag::Stateless).decode(bytes)).toUtf8();
+  }
+  return bytes.sliced(bytes.startsWith(kMark) ? kMark.size() : 0).toByteArray();
+}
+
+// Takes the first line off `rest`, without its end and the blanks around it; nothing when all are taken.
+// Lines end in LF, CR LF, where an empty one follows, or CR.
+std::optional<QByteArrayView> TakeLine(QByteArrayView& rest) {
+  if (rest.isEmpty()) return std::nullopt;
+  const auto end = std::find_if(rest.begin(), rest.end(), [](char c) { return c == '\n' || c == '\r'; });
+  const qsizetype length = end - rest.begin();
+  const QByteArrayView line = rest.first(length);
+  rest = rest.sliced(std::min(length + 1, rest.size()));
+  return line.trimmed();
+}
+
+struct Name {
+  QByteArrayView text;
+  bool mayHoldVariables = false;  // what is under it
+};
+
+// Of a key or a group, without the flags of KDE after it: what is under "name[$i]" is not to be changed, the
+// value of "name[$e]" may hold variables. Unknown flags stay.
+Name NameWithoutFlags(QByteArrayView text) {
+  Name name{text};
+  while (name.text.endsWith(']')) {
+    const qsizetype mark = name.text.lastIndexOf("[$");
+    if (mark < 0) break;
+    const QByteArrayView flags = name.text.sliced(mark + 2).chopped(1);
+    const bool isKnown = std::all_of(flags.begin(), flags.end(), [](char c) { return c == 'e' || c == 'i'; });
+    if (!isKnown) break;
+    name.mayHoldVariables |= flags.contains('e');
+    name.text.truncate(mark);
+  }
+  return name;
+}
+
+struct Value {
+  QByteArrayView text;
+  bool mayHoldVariables;
+};
+
+// What `line` says of `key`.
+std::optional<Value> ValueOf(QByteArrayView line, QByteArrayView key, Qt::CaseSensitivity letterCase) {
+  const qsizetype equals = line.indexOf('=');
+  if (equals < 0) return std::nullopt;
+  const Name name = NameWithoutFlags(line.first(equals).trimmed());
+  if (name.text.compare(key, letterCase) != 0) return std::nullopt;
+  return Value{line.sliced(equals + 1).trimmed(), name.mayHoldVariables};
+}
+
+// The first value of `key` in the first group with the header `group`.
+std::optional<Value> ValueInGroup(QByteArrayView text, QByteArrayView group, QByteArrayView key,
+                                  Qt::CaseSensitivity letterCase) {
+  bool inGroup = false;
+  while (const std::optional<QByteArrayView> line = TakeLine(text)) {
+    if (line->startsWith('[')) {
+      if (inGroup) return std::nullopt;
+      inGroup = NameWithoutFlags(*line).text.compare(group, letterCase) == 0;
+    } else if (inGroup) {
+      if (std::optional<Value> value = ValueOf(*line, key, letterCase)) return value;
+    }
+  }
+  return std::nullopt;
+}
+
+QByteArrayView FirstGroup(QByteArrayView text) {
+  while (const std::optional<QByteArrayView> line = TakeLine(text)) {
+    const QByteArrayView name = NameWithoutFlags(*line).text;  // none where the flags are the whole file's
+    if (!name.isEmpty() && !name.startsWith('#') && !name.startsWith(';')) return name;
+  }
+  return {};
+}
+
+// The escapes of values in desktop entries; a "\" before anything else stays.
+QByteArray Unescaped(QByteArrayView value) {
+  constexpr QByteArrayView kNames("sntr\\");
+  constexpr QByteArrayView kCharacters(" \n\t\r\\");
+  QByteArray text;
+  for (qsizetype i = 0; i < value.size(); ++i) {
+    const qsizetype name = value[i] == '\\' && i + 1 < value.size() ? kNames.indexOf(value[i + 1]) : -1;
+    text += name < 0 ? value[i] : kCharacters[name];
+    if (name >= 0) ++i;
+  }
+  return text;
+}
+
+std::optional<QByteArray> URLInInternetShortcut(QByteArrayView text) {
+  const auto url = ValueInGroup(text, kShortcutGroup, "URL", Qt::CaseInsensitive);
+  return url ? std::optional(url->text.toByteArray()) : std::nullopt;
+}
+
+std::optional<QByteArray> URLInDesktopEntry(QByteArrayView text) {
+  const auto type = ValueInGroup(text, kDesktopGroup, "Type", Qt::CaseSensitive);
+  const auto url = ValueInGroup(text, kDesktopGroup, "URL", Qt::CaseSensitive);
+  if (!type || type->text != "Link" || !url) return std::nullopt;
+  const QByteArray unescaped = Unescaped(url->text);
+  return url->mayHoldVariables ? QByteArray(unescaped).replace("$$", "$") : unescaped;
+}
+
+std::optional<Kind> KindOfContent(QByteArrayView text) {
+  if (IsPropertyList(text)) return Kind::propertyList;
+  const QByteArrayView group = FirstGroup(text);
+  if (group.compare(kShortcutGroup, Qt::CaseInsensitive) == 0) return Kind::internetShortcut;
+  return group == kDesktopGroup ? std::optional(Kind::desktopEntry) : std::nullopt;
+}
+
+std::optional<Kind> KindOfExtension(QByteArrayView extension) {
+  const auto is = [extension](QByteArrayView known) {
+    return extension.compare(known, Qt::CaseInsensitive) == 0;
+  };
+  if (is("webloc") || is("inetloc")) return Kind::propertyList;
+  if (is("url")) return Kind::internetShortcut;
+  return is("desktop") ? std::optional(Kind::desktopEntry) : std::nullopt;
+}
+
+std::optional<Kind> KindOf(std::string_view name, QByteArrayView text) {
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return KindOfContent(text);
+  return KindOfExtension(name.substr(dot + 1));
+}
+
+std::optional<QByteArray> URLOfKind(Kind kind, QByteArrayView text) {
+  switch (kind) {
+    case Kind::propertyList:
+      return URLInPropertyList(text);
+    case Kind::internetShortcut:
+      return URLInInternetShortcut(text);
+    case Kind::desktopEntry:
+      return URLInDesktopEntry(text);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<QByteArray> URLInLinkFile(std::string_view name, QByteArrayView bytes) {
+  if (bytes.size() > kMaxLinkFileLength) return std::nullopt;
+  const QByteArray text = Content(bytes);
+  const std::optional<Kind> kind = KindOf(name, text);
+  std::optional<QByteArray> url = kind ? URLOfKind(*kind, text) : std::nullopt;
+  return url && HasWebScheme(QString::fromUtf8(*url)) ? url : std::nullopt;
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+
+#include "linux/transfer/CurlDownloadService.h"
+
+#include <functional>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "linux/transfer/CurlDownload.h"
+#include "platform/LocalizedStrings.h"
+
+namespace quillforth::platform {
+
+namespace {
+
+// A fraction of a frame: so long at most other events wait for their turn.
+constexpr std::chrono::milliseconds kDeliveryTime{5};
+// So long nothing has been downloaded when the disks are made to keep what was.
+constexpr std::chrono::seconds kRest{1};
+
+}  // namespace
+
+CurlDownloadService::CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options)
+    : settings_(settings),
+      files_(options.files == nullptr ? kernelCalls_ : *options.files),
+      options_(options),
+      notifier_(reports_.descriptor(), QSocketNotifier::Read),
+      thread_(settings),
+      lookAhead_(thread_, std::bind_front(&CurlDownloadService::makeTransfer, this)) {
+  QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { deliverReports(); });
+  rest_.setSingleShot(true);
+  rest_.setInterval(kRest);
+  rest_.callOnTimeout([this] { rest(); });
+}
+
+CurlDownloadService::~CurlDownloadService() {
+  cancelAll();
+}
+
+void CurlDownloadService::cancelAll() {
+  for (const auto& [id, download] : std::exchange(downloads_, {})) download->end();
+}
+
+// What was posted before the thread stopped may tell of a file that is there.
+void CurlDownloadService::end() {
+  isEnding_ = true;
+  thread_.stop();
+  std::vector<Report> reports;
+  std::unordered_set<DownloadId> finished;
+  while (std::optional<Report> report = reports_.take()) {
+    if (const auto* end = std::get_if<FinishedReport>(&*report)) finished.insert(end->id);
+    reports.push_back(*std::move(report));
+  }
+  std::erase_if(downloads_, [&finished](const auto& entry) {
+    if (finished.contains(entry.first)) return false;
+    entry.second->end();
+    return true;
+  });
+  for (Report& report : reports) deliver(report);
+  cancelAll();
+}
+
+int CurlDownloadService::makeDurable(std::chrono::milliseconds limit) {
+  return folders_.disks().finish(files_, limit);
+}
+
+// As soon as nothing is being downloaded for a while, also when it is only a pause.
+void CurlDownloadService::rest() {
+  if (!downloads_.empty()) return;
+  lookAhead_.expect({}, {});
+  if (folders_.disks().advance(files_)) rest_.start();
+}
+
+std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const WebDownloadRequest& request,
+                                                                WebDownloadDelegate& delegate) {
+  const std::optional<TransferId> ahead = lookAhead_.take(request);
+  const DownloadId id = ahead ? *ahead : thread_.newId();
+  auto download = std::make_shared<CurlDownload>(id, request.url, delegate, *this);
+  if (isEnding_ || IsInterrupted(settings_)) {
+    download->end();
+    return download;
+  }
+  downloads_.emplace(id, download);
+  reports_.post(BeganReport{id});
+  if (CanBeFetched(request.url)) {
+    thread_.postQuietly(ahead ? Command(AdoptCommand{id}) : StartCommand{makeTransfer(id, request, {})});
+    if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
+  } else {
+    fail(id, TransferOutcome{OutcomeKind::unsupportedURL}.sentence());
+  }
+  return download;
+}
+
+std::unique_ptr<Transfer> CurlDownloadService::makeTransfer(DownloadId id, const WebDownloadRequest& request,
+                                                            const std::string& folderAhead) const {
+  TransferRequest transfer{.url = request.url.absoluteString().toStdString(),
+                           .referrer = request.referrer.toStdString(),
+                           .stallTimeout = options_.stallTimeout};
+  return std::make_unique<DownloadTransfer>(id, std::move(transfer), context_, folderAhead);
+}
+
+void CurlDownloadService::expectDownloads(const std::vector<WebDownloadRequest>& requests,
+                                          const QString& folder) {
+  const bool isIdle = downloads_.empty() || isEnding_ || IsInterrupted(settings_);
+  lookAhead_.expect(isIdle ? std::vector<WebDownloadRequest>() : requests, folder.toStdString());
+}
+
+void CurlDownloadService::setDelivering(bool isDelivering) {
+  notifier_.setEnabled(isDelivering);
+  if (!isDelivering) thread_.handOver();
+}
+
+// Also called from loops that a delegate runs inside a callback; order is kept, because each report is taken
+// before it is delivered. What a delegate starts can report at once, without end, so other events get their
+// turn in between.
+void CurlDownloadService::deliverReports() {
+  const auto end = std::chrono::steady_clock::now() + kDeliveryTime;
+  const bool wasDelivering = std::exchange(isDelivering_, true);
+  while (deliverOne(end) && std::chrono::steady_clock::now() < end) {
+  }
+  isDelivering_ = wasDelivering;
+  thread_.handOver();
+}
+
+bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) {
+  std::optional<Report> report = reports_.take();
+  if (!report) {
+    thread_.work(end, [this] { return !reports_.isEmpty(); });
+    report = reports_.take();
+  }
+  if (report) deliver(*report);
+  return report.has_value();
+}
+
+void CurlDownloadService::deliver(Report& report) {
+  const auto receive = [this](auto& specific) {
+    const auto found = downloads_.find(specific.id);
+    if (found == downloads_.end()) return;
+    const std::shared_ptr<CurlDownload> download = found->second;  // lives through the callback
+    download->receive(specific);
+  };
+  std::visit(receive, report);
+}
+
+// Not where windows are to be drawn meanwhile.
+void CurlDownloadService::decide(DestinationCommand command) {
+  if (options_.mayWaitForDisk) {
+    thread_.postQuietly(std::move(command));
+  } else {
+    thread_.post(std::move(command));
+  }
+}
+
+// Always by way of the mailbox, so that the delegate hears of it from the main loop.
+void CurlDownloadService::fail(DownloadId id, const QString& description) {
+  thread_.post(CancelCommand{id});
+  reports_.post(FailedReport{id, description});
+}
+
+void CurlDownloadService::forget(DownloadId id) {
+  const auto found = downloads_.find(id);
+  if (found == downloads_.end()) return;
+  found->second->end();
+  downloads_.erase(found);
+  if (downloads_.empty() && !rest_.isActive()) rest_.start();
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+//
+// The program's downloads, by libcurl.
+//
+// Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
+// the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
+// cancelled fall away. What a callback starts is waited for here, too, for a moment: most files of a page
+// come without a thread having to wake. All members are called on the thread that made the service, which
+// runs a Qt event loop.
+#pragma once
+
+#include <QSocketNotifier>
+#include <QTimer>
+#include <chrono>
+#include <memory>
+#include <unordered_map>
+
+#include "linux/transfer/CurlSupport.h"
+#include "linux/transfer/DownloadTransfer.h"
+#include "linux/transfer/LookAhead.h"
+#include "linux/transfer/Mailbox.h"
+#include "linux/transfer/TransferThread.h"
+#include "platform/WebDownload.h"
+
+namespace quillforth::platform {
+
+class CurlDownload;
+
+struct DownloadOptions {
+  /// Without a byte for so long, a transfer has failed.
+  std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
+  FileCalls* files = nullptr;  ///< outlives the service; null: the kernel's
+  /// The service's thread has nothing else to do while a disk takes a small file: it may store it itself.
+  bool mayWaitForDisk = false;
+};
+
+class CurlDownloadService final : public WebDownloadService {
+ public:
+  /// A CurlGlobal exists. `settings` outlives the service.
+  explicit CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options = {});
+  /// Not from inside a callback.
+  ~CurlDownloadService() override;
+  CurlDownloadService(const CurlDownloadService&) = delete;
+  CurlDownloadService& operator=(const CurlDownloadService&) = delete;
+
+  [[nodiscard]] std::shared_ptr<WebDownload> startDownload(const WebDownloadRequest& request,
+                                                           WebDownloadDelegate& delegate) override;
+  void expectDownloads(const std::vector<WebDownloadRequest>& requests, const QString& folder) override;
+  void end() override;
+  /// Waits, after `end`, until all that was stored survives a power cut. 0; or the error number that says why
+  /// that is not sure: ETIME when `limit` has passed, EINTR after a signal.
+  [[nodiscard]] int makeDurable(std::chrono::milliseconds limit);
+  /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
+  /// a delegate is busy.
+  void setDelivering(bool isDelivering);
+  /// For pages and probes, which then share connections with the files.
+  [[nodiscard]] TransferThread& thread() { return thread_; }
+
+ private:
+  friend class CurlDownload;
+
+  [[nodiscard]] std::unique_ptr<Transfer> makeTransfer(DownloadId id, const WebDownloadRequest& request,
+                                                       const std::string& folderAhead) const;
+  void deliverReports();
+  bool deliverOne(std::chrono::steady_clock::time_point end);
+  void deliver(Report& report);
+  void rest();
+  void cancelAll();
+  void decide(DestinationCommand command);
+  void fail(DownloadId id, const QString& description);
+  void forget(DownloadId id);
+
+  const TransferSettings& settings_;
+  FileCalls kernelCalls_;
+  FileCalls& files_;
+  DownloadFolders folders_;
+  Mailbox<Report> reports_;
+  const DownloadContext context_{files_, folders_, reports_};
+  const DownloadOptions options_;
+  QSocketNotifier notifier_;
+  std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
+  bool isDelivering_ = false;
+  bool isEnding_ = false;
+  QTimer rest_;
+  TransferThread thread_;
+  LookAhead lookAhead_;
+};
+
+}  // namespace quillforth::platform

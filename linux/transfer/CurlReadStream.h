@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+//
+// Makes read streams whose requests go through a transfer thread.
+//
+// A redirected "HEAD" stays one.
+#pragma once
+
+#include <memory>
+
+#include "linux/transfer/TransferThread.h"
+#include "platform/HTTPReadStream.h"
+
+namespace quillforth::platform {
+
+class CurlReadStreamFactory final : public HTTPReadStreamFactory {
+ public:
+  /// `thread` outlives the factory and its streams. Once that gives up, streams fail within a fifth of
+  /// a second.
+  explicit CurlReadStreamFactory(TransferThread& thread) : thread_(thread) {}
+
+  [[nodiscard]] std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) override;
+
+ private:
+  TransferThread& thread_;
+};
+
+}  // namespace quillforth::platform

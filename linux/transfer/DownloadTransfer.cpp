@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+
+#include "linux/transfer/DownloadTransfer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+#include <vector>
+
+namespace quillforth::platform {
+
+namespace {
+
+// So often progress is reported at most.
+constexpr std::chrono::milliseconds kReportInterval{40};
+
+}  // namespace
+
+void DownloadTransfer::begin() {
+  if (isResponseReported_) return;
+  const ResponseHead& head = exchange().head();
+  const std::string mimeType = MIMETypeOf(head);
+  response_ = ResponseReport{id(),
+                             {exchange().announcedLength(), QString::fromStdString(mimeType)},
+                             FilenameOf(head, url(), mimeType),
+                             HasContentCoding(head)};
+}
+
+Exchange::Taking DownloadTransfer::take(std::string_view bytes) {
+  const bool isTooFarAhead = isAhead() && sink_.length() + bytes.size() > kMaxBytesAhead;
+  hasWaitedAhead_ = hasWaitedAhead_ || isTooFarAhead;
+  if (isTooFarAhead || !sink_.append(bytes)) return Exchange::Taking::later;
+  return sink_.error() == 0 ? Exchange::Taking::taken : Exchange::Taking::never;
+}
+
+void DownloadTransfer::adopt() {
+  Transfer::adopt();
+  reportResponse();
+}
+
+void DownloadTransfer::setDestination(const DestinationFile::Target& target) {
+  if (phase() == Phase::ended || !isResponseReported_ || target_) return;
+  target_ = target;
+  if (!isExpectedAt(target)) return startAgain();
+  if (hasBegun()) place();
+}
+
+// What has come is of one in its turn, or is where it is wanted now.
+bool DownloadTransfer::isExpectedAt(const DestinationFile::Target& target) {
+  if (folderAhead_.empty()) return true;
+  return folderAhead_ == target.folder && (sink_.file() == nullptr || sink_.file()->isInPlace());
+}
+
+int DownloadTransfer::openFile(const DestinationFile::Target& target) {
+  std::unique_ptr<DestinationFile> file;
+  const int error = DestinationFile::create(context_.folders, target, context_.files, file);
+  if (file) sink_.setFile(std::move(file));
+  return error;
+}
+
+void DownloadTransfer::place() {
+  int error = sink_.file() == nullptr ? openFile(*target_) : 0;
+  if (error == 0) sink_.file()->aimAt(*target_);
+  if (error == 0 && !isWhole_) error = sink_.file()->planName();
+  if (error != 0) return fail({OutcomeKind::file, error});
+  if (isWhole_) return finishFile();
+  if (sink_.file()->name() != reportedName_) {
+    reportedName_ = sink_.file()->name();
+    context_.reports.post(DestinationReport{id(), reportedName_, {}});
+  }
+  resume();
+}
+
+void DownloadTransfer::finish() {
+  isWhole_ = true;
+  if (target_) return sink_.file() != nullptr ? finishFile() : place();
+  setPhase(Phase::waiting);
+  reportResponse();
+}
+
+void DownloadTransfer::finishFile() {
+  if (const int error = sink_.finish(); error != 0) return fail({OutcomeKind::file, error});
+  std::vector<Report> reports;
+  const std::string& name = sink_.file()->name();
+  std::string movedTo = sink_.file()->movedFolder();
+  if (!movedTo.empty() || name != reportedName_) {
+    reports.emplace_back(DestinationReport{id(), name, std::move(movedTo)});
+  }
+  if (sink_.length() > reportedLength_) {
+    reports.emplace_back(DataReport{id(), sink_.length() - reportedLength_});
+  }
+  reports.emplace_back(FinishedReport{id()});
+  context_.reports.postAll(reports);
+  setPhase(Phase::ended);
+}
+
+void DownloadTransfer::discard() {
+  sink_ = {};
+  response_.reset();
+  isWhole_ = false;
+  hasWaitedAhead_ = false;
+  folderAhead_.clear();
+}
+
+// A server does not wait for ever for what has come too far ahead, and what is ahead takes room on the disk:
+// no download shall fail for that.
+bool DownloadTransfer::isWorthAnotherTry(const TransferOutcome& outcome) {
+  const bool isFull = outcome.kind == OutcomeKind::file &&
+                      (outcome.detail == ENOSPC || outcome.detail == EDQUOT) && context().hasLookedAhead;
+  context().isDiskFull = context().isDiskFull || isFull;
+  return (isFull || hasWaitedAhead_) && !std::exchange(isSecondTry_, true);
+}
+
+// Who hears of it finds nothing left of the file.
+void DownloadTransfer::giveUp(const TransferOutcome& outcome) {
+  if (isWorthAnotherTry(outcome)) return startAgain();
+  sink_ = {};
+  reportResponse();
+  context_.reports.post(FailedReport{id(), outcome.sentence()});
+}
+
+bool DownloadTransfer::ask(const AuthenticationChallenge& challenge) {
+  context_.reports.post(ChallengeReport{id(), challenge});
+  return true;
+}
+
+void DownloadTransfer::reportResponse() {
+  if (!response_ || isAhead()) return;
+  isResponseReported_ = true;
+  context_.reports.post(*std::exchange(response_, std::nullopt));
+}
+
+// Nobody is to say any more where the file goes: the download is ahead, or has been started again.
+void DownloadTransfer::findPlace() {
+  if (target_) return place();
+  if (!isAhead() || !exchange().isPaused()) return;
+  if (const int error = openFile({folderAhead_, {}, false}); error != 0)
+    return fail({OutcomeKind::file, error});
+  resume();
+}
+
+DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_point now) {
+  if (phase() != Phase::ended) reportResponse();
+  if (phase() == Phase::requesting && hasBegun() && sink_.file() == nullptr) findPlace();
+  const Clock::time_point next = Transfer::lookAtClock(now);
+  if (phase() != Phase::requesting || !target_ || sink_.length() <= reportedLength_) return next;
+  if (now < lastReport_ + kReportInterval) return std::min(next, lastReport_ + kReportInterval);
+  lastReport_ = now;
+  const std::uint64_t known = std::exchange(reportedLength_, sink_.length());
+  context_.reports.post(DataReport{id(), sink_.length() - known});
+  return next;
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+//
+// What an answer of HTTP says before its body, whether that can be, and what follows from it for the body.
+//
+// The lines are collected here as they come: to look a field up, libcurl goes through all of them, and it
+// takes a head that is cut off for a whole one, and much that is no head for one. One thread at a time.
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "linux/transfer/TransferText.h"
+#include "platform/HTTPReadStream.h"
+
+namespace quillforth::platform {
+
+class ResponseHead {
+ public:
+  /// Bytes of all lines of one request's answer, interim ones included; more are not kept.
+  static constexpr std::size_t kMaxLength = std::size_t{256} * 1024;
+
+  /// Takes the next line, with its end. A status line begins a new head; what else follows a head's blank
+  /// line (a trailer) only counts.
+  void addLine(std::string_view line);
+  /// Only counts the line: it is not one of HTTP.
+  void passOver(std::string_view line) { length_ += line.size(); }
+  /// What has come was the word of a proxy; the server's own is to follow.
+  void expectAnother() { *this = ResponseHead(length_); }
+
+  ResponseHead() = default;
+
+  /// A head has begun, but its blank line has not come.
+  [[nodiscard]] bool isInside() const { return isInside_; }
+  /// The head of a final answer is here.
+  [[nodiscard]] bool isComplete() const { return !isInside_ && status_ >= 200; }
+  /// What is wrong with the lines so far, each for itself.
+  [[nodiscard]] OutcomeKind lineFault() const;
+  /// What is wrong with a complete head. `hasBody`: also with the fields that say how long the body is.
+  /// Readers that disagree about it take a part of it for the whole, or what follows it for the next answer
+  /// (RFC 9112, section 6).
+  [[nodiscard]] OutcomeKind fault(bool hasBody) const;
+
+  /// Of the last head, as everything below; 0 when there was none.
+  [[nodiscard]] int status() const { return status_; }
+  [[nodiscard]] const HTTPResponseHeader& header() const { return header_; }
+  [[nodiscard]] std::string_view firstValue(std::string_view name) const;
+  /// Where the answer redirects to; empty when it does not.
+  [[nodiscard]] std::string_view location() const;
+  /// Bytes that are announced, -1 when none are. Nothing when what it says cannot be: no number, one that 63
+  /// bits cannot hold, or two that differ (RFC 9112, section 6.3).
+  [[nodiscard]] std::optional<std::int64_t> announcedLength() const;
+  /// The body ends where the connection does.
+  [[nodiscard]] bool endsWithConnection() const;
+
+ private:
+  explicit ResponseHead(std::size_t length) : length_(length) {}
+
+  void begin(std::string_view line);
+  void addField(std::string_view line);
+  [[nodiscard]] bool hasTwoLocations() const;
+  [[nodiscard]] bool hasPlainFraming() const;
+
+  HTTPResponseHeader header_;
+  std::size_t length_ = 0;
+  int status_ = 0;
+  bool isInside_ = false;
+  bool isMalformed_ = false;
+  bool isFraming_ = false;  // the last field says how long the body is
+  bool hasBrokenFraming_ = false;
+};
+
+/// The MIME type, lower case, without parameters; empty when there is none.
+[[nodiscard]] std::string MIMETypeOf(const ResponseHead& head);
+
+/// Whether the body has a content coding (RFC 9110, section 8.4).
+[[nodiscard]] bool HasContentCoding(const ResponseHead& head);
+
+/// Whether `url`, of FTP, names a folder.
+[[nodiscard]] bool IsFTPFolder(std::string_view url);
+
+/// The safe file name that goes with an answer to `url`.
+[[nodiscard]] QString FilenameOf(const ResponseHead& head, std::string_view url, const std::string& mimeType);
+
+}  // namespace quillforth::platform

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+//
+// One transfer on the transfer thread: its exchanges one after another, to the one whose body is wanted.
+//
+// Usually there is one. A redirect ends an exchange, and the next asks where it leads; so does a refused
+// login (401, 407), once there is another. Who wants a body derives from this, and takes it.
+//
+// A transfer may be made ahead of its turn. Until it is adopted nobody hears of it, no user is asked, and no
+// login that was asked for goes along. What goes wrong then is of no account: it is asked for again in its
+// turn.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "linux/files/DestinationFile.h"
+#include "linux/transfer/DownloadLogins.h"
+#include "linux/transfer/Exchange.h"
+#include "linux/transfer/TransferRequest.h"
+#include "platform/WebDownload.h"
+
+namespace quillforth::platform {
+
+using TransferId = std::uint64_t;
+
+class Transfer : private Exchange::Taker {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  enum class Phase {
+    requesting,  ///< `handle` is to be driven
+    waiting,     ///< for an answer to a challenge, a destination, or its turn
+    again,       ///< to be started once more
+    ended
+  };
+
+  /// Any thread; everything else is for the transfer thread.
+  Transfer(TransferId id, TransferRequest request, bool isAhead = false)
+      : id_(id), request_(std::move(request)), isAhead_(isAhead) {}
+  virtual ~Transfer() = default;
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  [[nodiscard]] TransferId id() const { return id_; }
+  [[nodiscard]] Phase phase() const { return phase_; }
+  /// The connection is one of FTP.
+  [[nodiscard]] bool isFTP() const { return exchange_ && exchange_->isFTP(); }
+  /// That it has got to; empty for a malformed URL.
+  [[nodiscard]] const std::string& host() const { return url_.host; }
+  [[nodiscard]] bool isAhead() const { return isAhead_; }
+  /// Of the exchange that is going on; its CURLINFO_PRIVATE is this object.
+  [[nodiscard]] CURL* handle() const { return exchange_->handle(); }
+
+  /// `context` outlives this.
+  void start(TransferContext& context);
+  /// Of one that is ahead: the next request may be made before its turn.
+  [[nodiscard]] bool mayGoAhead() const;
+  /// Of one that is ahead: what it has is let go.
+  void drop();
+  /// It is no longer ahead. It is started again when it was dropped, or would carry another login or
+  /// other cookies now.
+  virtual void adopt();
+  /// To a challenge.
+  void answer(const std::string& user, const std::string& password);
+  /// Where a file goes.
+  virtual void setDestination(const DestinationFile::Target& /*target*/) {}
+  /// Goes on with a body that was not taken.
+  void resume();
+  /// The handle has come to its end and is driven by nobody.
+  void requestDone(CURLcode result);
+  /// Finds stalls. When to look again.
+  [[nodiscard]] virtual Clock::time_point lookAtClock(Clock::time_point now);
+
+ protected:
+  [[nodiscard]] const TransferRequest& request() const { return request_; }
+  /// Of the last answer; there is one.
+  [[nodiscard]] const Exchange& exchange() const { return *exchange_; }
+  [[nodiscard]] const std::string& url() const { return url_.text; }
+  [[nodiscard]] bool hasBegun() const { return hasBegun_; }
+  void setPhase(Phase phase) { phase_ = phase; }
+  [[nodiscard]] TransferContext& context() const { return *context_; }
+  /// Ends it, or drops what is ahead.
+  void fail(const TransferOutcome& outcome);
+  void startAgain();
+
+  /// The answer counts, and its body begins.
+  virtual void begin() {}
+  /// `later`: until `resume`. `never`: `bodyFault` says why.
+  [[nodiscard]] virtual Exchange::Taking take(std::string_view bytes) = 0;
+  [[nodiscard]] virtual TransferOutcome bodyFault() const { return {}; }
+  /// All bytes have been taken; ends it, or waits.
+  virtual void finish() = 0;
+  /// Lets go of what has come: it is dropped, or to be started again.
+  virtual void discard() {}
+  /// It has failed, or cannot begin. It may be started again from here.
+  virtual void giveUp(const TransferOutcome& outcome) = 0;
+  /// Somebody may know the answer; false when there is nobody to ask.
+  [[nodiscard]] virtual bool ask(const AuthenticationChallenge& /*challenge*/) { return false; }
+
+ private:
+  bool wantsBody() final;
+  Exchange::Taking takeBody(std::string_view bytes) final;
+
+  void goTo(RequestURL url);
+  void beginExchange(bool isFresh);
+  void beginBody();
+  [[nodiscard]] bool isRefused() const;
+  [[nodiscard]] bool isOnlyForItsTurn() const;
+  [[nodiscard]] TransferOutcome judgeAnswer() const;
+  void followRedirect();
+  void handleRefusal();
+
+  const TransferId id_;
+  const TransferRequest request_;
+  bool isAhead_;
+  bool isDropped_ = false;
+  std::size_t loginGeneration_ = 0;  // when it started
+  struct Lent {
+    std::string host;
+    std::vector<std::string> cookies;
+  };
+  std::deque<Lent> lent_;  // while it was ahead, for each request
+  TransferContext* context_ = nullptr;
+  Phase phase_ = Phase::requesting;
+  RequestURL url_;
+  std::string referrer_;  // what `url_` may be told; it never grows again on the way
+  int redirectsLeft_ = kMaxRedirects;
+  std::optional<DownloadLogins> logins_;
+  std::unique_ptr<Exchange> exchange_;
+  TransferOutcome fault_;  // of the answer, or of who takes it
+  bool hasBegun_ = false;
+  std::uint64_t takenLength_ = 0;
+  Clock::time_point lastMove_{};
+};
+
+}  // namespace quillforth::platform

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+//
+// The thread that all transfers of a program go through, for as long as it runs.
+//
+// One libcurl multi handle drives them, so that a page, its probe and its files share connections. Commands
+// come in through a mailbox; who is told what comes of them is the transfer's own business.
+//
+// What a small file costs is mostly the waking of threads. While no transfer is under way this thread sleeps,
+// and the one that starts files may take its place for a moment: a file that comes at once wakes nobody.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <variant>
+
+#include "linux/transfer/Mailbox.h"
+#include "linux/transfer/Transfer.h"
+
+namespace quillforth::platform {
+
+struct StartCommand {
+  std::unique_ptr<Transfer> transfer;
+};
+// The others mean nothing to a transfer that has ended.
+struct DestinationCommand {
+  TransferId id;
+  DestinationFile::Target target;
+};
+struct AnswerCommand {
+  TransferId id;
+  std::string user;  ///< UTF-8, as the password
+  std::string password;
+};
+/// Its turn has come.
+struct AdoptCommand {
+  TransferId id;
+};
+struct ResumeCommand {
+  TransferId id;
+};
+struct CancelCommand {
+  TransferId id;
+};
+struct StopCommand {};
+using Command = std::variant<StartCommand, DestinationCommand, AnswerCommand, AdoptCommand, ResumeCommand,
+                             CancelCommand, StopCommand>;
+
+class TransferThread {
+ public:
+  /// `settings` outlives the thread.
+  explicit TransferThread(const TransferSettings& settings);
+  ~TransferThread() { stop(); }
+  TransferThread(const TransferThread&) = delete;
+  TransferThread& operator=(const TransferThread&) = delete;
+
+  /// Ends what is in flight, and waits until no partial file of it is left.
+  void stop();
+
+  /// These three on any thread. A number is given once.
+  [[nodiscard]] TransferId newId() { return ++lastId_; }
+  void post(Command command) { commands_.post(std::move(command)); }
+  /// The program is interrupted, or this thread has stopped: nothing comes any more.
+  [[nodiscard]] bool isGivingUp() const { return isStopped_ || IsInterrupted(context_.settings); }
+  /// On one thread only, as all below: `work` or `handOver` is to follow, and until then nothing comes of it.
+  void postQuietly(Command command);
+  /// Obeys what `postQuietly` was given, and does this thread's work on the calling one until `isDone`, but
+  /// not past `until`. What is under way then is this thread's.
+  void work(std::chrono::steady_clock::time_point until, const std::function<bool()>& isDone);
+  void handOver();
+
+ private:
+  struct MultiDeleter {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+  };
+  struct Entry {
+    std::unique_ptr<Transfer> transfer;
+    bool isDriven = false;  // its handle is in the multi handle
+  };
+  using Entries = std::map<TransferId, Entry>;  // what is ahead goes in the order of its turns
+  using Clock = Transfer::Clock;
+
+  void run();
+  // Lets libcurl work; returns when to look again at the latest.
+  Clock::time_point step();
+  bool obeyCommands();
+  bool obey(Command& command);
+  void obeyStart(StartCommand& command);
+  void drive();
+  [[nodiscard]] bool isRequesting() const;
+  [[nodiscard]] bool hasFTP() const;
+  Clock::time_point lookAtClock();
+  void wait(Clock::time_point until);
+  void waitForCommand();
+  // Makes the multi handle agree with the transfer's phase; an ended one goes.
+  void settle(Entries::iterator entry);
+  // Whether it may be driven now. Who comes in turn may, and takes the place of one that is ahead.
+  [[nodiscard]] bool findRoom(Transfer& transfer);
+  void stopDriving(Entry& entry);
+  void release(Entries::iterator entry);
+
+  std::atomic<TransferId> lastId_ = 0;
+  std::atomic<bool> isStopped_ = false;
+  TransferContext context_;
+  Mailbox<Command> commands_;
+  bool hasQuietCommand_ = false;  // from the thread that starts files
+  std::mutex turn_;               // for all that follows; the thread lets go of it when it has no transfer
+  std::unique_ptr<CURLM, MultiDeleter> multi_;
+  Entries entries_;
+  bool hasHadFTP_ = false;
+  std::thread thread_;
+};
+
+}  // namespace quillforth::platform

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+
+#include "net/URL.h"
+
+#include <QUrl>
+#include <algorithm>
+
+namespace quillforth::platform {
+
+namespace {
+
+bool IsHexDigit(QChar c) {
+  return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+}
+
+// Reserved and unreserved characters of RFC 2396; "%" and "#" are checked separately.
+bool MayStandInURL(QChar c) {
+  if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9')) return true;
+  return QStringView(u";/?:@&=+$,-_.!~*'()").contains(c);
+}
+
+// The position of the first of `delimiters` at or after `from`; the text's length when there is none.
+qsizetype FindAnyOf(QStringView text, QStringView delimiters, qsizetype from) {
+  return std::find_first_of(text.begin() + from, text.end(), delimiters.begin(), delimiters.end()) -
+         text.begin();
+}
+
+// Whether the text in brackets is an address (RFC 3986, section 3.2.2): of IPv6, perhaps with a zone after
+// "%25" (RFC 6874), or of a version yet to come. Its characters may stand in a URL.
+bool IsAddressLiteral(QStringView text) {
+  constexpr QStringView kZoneMark(u"%25");
+  if (text.startsWith(u'v', Qt::CaseInsensitive)) {
+    const qsizetype dot = text.indexOf(u'.');
+    return dot > 1 && dot + 1 < text.size() && !text.contains(u'%') &&
+           std::all_of(text.begin() + 1, text.begin() + dot, IsHexDigit);
+  }
+  const qsizetype zone = text.indexOf(u'%');
+  if (zone >= 0) {
+    if (!text.sliced(zone).startsWith(kZoneMark) || zone + kZoneMark.size() == text.size()) return false;
+    text.truncate(zone);
+  }
+  return QUrl(QStringLiteral("http://[%1]").arg(text), QUrl::StrictMode).isValid();
+}
+
+// Whether what looks like a port in an authority cannot be one; then it is the beginning of a password that
+// holds a delimiter.
+bool HasImpossiblePort(QStringView authority) {
+  const QStringView host = authority.sliced(authority.lastIndexOf(u'@') + 1);
+  if (host.startsWith(u'[') && host.endsWith(u']')) return false;
+  const qsizetype colon = host.lastIndexOf(u':');
+  const QStringView port = host.sliced(colon + 1);
+  bool isNumber = false;
+  static_cast<void>(port.toUShort(&isNumber));
+  return colon >= 0 && !port.isEmpty() && !isNumber;
+}
+
+struct Span {
+  qsizetype start = 0;
+  qsizetype length = 0;
+};
+
+// The parts as RFC 2396, appendix B, splits them.
+struct Parts {
+  Span scheme;
+  Span authority;
+  Span path;
+};
+
+Parts SplitURL(const QString& text) {
+  Parts parts;
+  qsizetype position = 0;
+  const qsizetype schemeEnd = FindAnyOf(text, u":/?#", 0);
+  if (schemeEnd > 0 && schemeEnd < text.size() && text[schemeEnd] == u':') {
+    parts.scheme = {0, schemeEnd};
+    position = schemeEnd + 1;
+  }
+  if (QStringView(text).sliced(position).startsWith(u"//")) {
+    const qsizetype end = FindAnyOf(text, u"/?#", position + 2);
+    parts.authority = {position + 2, end - position - 2};
+    position = end;
+  }
+  parts.path = {position, FindAnyOf(text, u"?#", position) - position};
+  return parts;
+}
+
+// The authority without the user, perhaps with a port.
+QStringView HostAndPort(const QString& text) {
+  const Span span = SplitURL(text).authority;
+  const QStringView authority = QStringView(text).sliced(span.start, span.length);
+  return authority.sliced(authority.lastIndexOf(u'@') + 1);
+}
+
+// Whether the only brackets of a URL are those around the address of its host.
+bool BracketsHoldAddress(const QString& text) {
+  const QStringView host = HostAndPort(text);
+  const qsizetype end = host.indexOf(u']');
+  return text.count(u'[') == 1 && text.count(u']') == 1 && host.startsWith(u'[') && end > 0 &&
+         (end + 1 == host.size() || host[end + 1] == u':') && IsAddressLiteral(host.sliced(1, end - 1));
+}
+
+// The part before its "@" is a mailbox: it is no user of a server, and holds no password.
+bool IsMailAddress(QStringView text) {
+  constexpr QStringView kScheme(u"mailto:");
+  if (!text.startsWith(kScheme, Qt::CaseInsensitive)) return false;
+  return FindAnyOf(text, u":/\\", kScheme.size()) == text.size();
+}
+
+}  // namespace
+
+std::optional<URL> URL::URLWithString(const QString& text) {
+  if (text.isEmpty()) return std::nullopt;
+  bool inFragment = false;
+  bool hasBracket = false;
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const QChar c = text[i];
+    if (c == u'%') {
+      if (i + 2 >= text.size() || !IsHexDigit(text[i + 1]) || !IsHexDigit(text[i + 2])) return std::nullopt;
+    } else if (c == u'#') {
+      if (inFragment) return std::nullopt;
+      inFragment = true;
+    } else if (c == u'[' || c == u']') {
+      hasBracket = true;
+    } else if (!MayStandInURL(c)) {
+      return std::nullopt;
+    }
+  }
+  return hasBracket && !BracketsHoldAddress(text) ? std::nullopt : std::optional(URL(text));
+}
+
+QString URL::stringWithoutCredentials() const {
+  return WithoutCredentials(text_);
+}
+
+QString URL::scheme() const {
+  const Span span = SplitURL(text_).scheme;
+  return text_.sliced(span.start, span.length).toLower();
+}
+
+QString URL::host() const {
+  const QStringView host = HostAndPort(text_);
+  if (host.startsWith(u'[')) return host.sliced(1, host.indexOf(u']') - 1).toString();
+  return host.first(FindAnyOf(host, u":", 0)).toString();
+}
+
+QString URL::path() const {
+  const Span span = SplitURL(text_).path;
+  return text_.sliced(span.start, span.length);
+}
+
+QString URL::pathExtension() const {
+  const QString wholePath = path();
+  const QString escaped = wholePath.sliced(wholePath.lastIndexOf(u'/') + 1);
+  const QString name = QUrl::fromPercentEncoding(escaped.toLatin1());
+  const qsizetype dot = name.lastIndexOf(u'.');
+  return dot <= 0 ? QString() : name.sliced(dot + 1);
+}
+
+bool HasWebScheme(QStringView text) {
+  constexpr QStringView kSchemes[] = {u"http://", u"https://", u"ftp://"};
+  return std::any_of(std::begin(kSchemes), std::end(kSchemes),
+                     [text](QStringView scheme) { return text.startsWith(scheme, Qt::CaseInsensitive); });
+}
+
+bool CanBeFetched(const URL& url) {
+  return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
+}
+
+QString WithoutCredentials(const QString& text) {
+  if (IsMailAddress(text)) return text;
+  const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
+  const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';
+  const qsizetype slashes = hasScheme ? schemeEnd + 1 : 0;
+  qsizetype start = slashes;
+  while (start < text.size() && (text[start] == u'/' || text[start] == u'\\')) ++start;
+  if (!hasScheme && start - slashes < 2) return text;
+  qsizetype end = FindAnyOf(text, u"/?#\\", start);
+  if (HasImpossiblePort(QStringView(text).sliced(start, end - start))) end = text.size();
+  const qsizetype at = QStringView(text).sliced(start, end - start).lastIndexOf(u'@');
+  return at < 0 ? text : text.first(start) + text.sliced(start + at + 1);
+}
+
+}  // namespace quillforth::platform

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+//
+// What counts as a URL, everywhere in the program.
+//
+// A text makes a URL when all its characters may stand in one (RFC 2396, section 2), with brackets around the
+// address of a host (RFC 3986, section 3.2.2) and nowhere else. Nothing more is asked, so a relative
+// text such as "site-a.test" makes a URL, and fails later, where it is used. Pure values; any thread.
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace quillforth::platform {
+
+/// A text of RFC 2396 characters and, perhaps, an address in brackets, kept exactly as it came.
+///
+/// Grammar of the parts (RFC 2396, appendix B): [scheme ":"] ["//" authority] path ["?" query] ["#"
+/// fragment].
+class URL {
+ public:
+  /// Nothing for an empty text, or one that holds a blank, a control, non-ASCII or excluded character, a "%"
+  /// without two hexadecimal digits after it, or a second "#". Nor for brackets that are not around the whole
+  /// host, or hold no address: IPv6, also with a zone ("fe80::1%25eth0", RFC 6874), or IPvFuture.
+  [[nodiscard]] static std::optional<URL> URLWithString(const QString& text);
+
+  /// The whole text, user name and password included.
+  [[nodiscard]] const QString& absoluteString() const { return text_; }
+  /// The same without "user:password@": the form that is shown, logged or stored.
+  [[nodiscard]] QString stringWithoutCredentials() const;
+  /// In lower case; empty when there is none.
+  [[nodiscard]] QString scheme() const;
+  /// Without user, port and the brackets of an address; empty when there is no authority. %-escapes stay.
+  [[nodiscard]] QString host() const;
+  /// The path as written, %-escapes included; may be empty.
+  [[nodiscard]] QString path() const;
+  /// The text after the last "." of the path's last component, %-escapes decoded; empty when there is none:
+  /// for a path that ends in "/", a name whose only "." is its first character, a trailing ".".
+  [[nodiscard]] QString pathExtension() const;
+
+ private:
+  explicit URL(QString text) : text_(std::move(text)) {}
+
+  QString text_;
+};
+
+/// Whether `text` begins like a URL that the program can download: with "http://", "https://" or "ftp://", in
+/// any letter case.
+[[nodiscard]] bool HasWebScheme(QStringView text);
+/// Whether `url` is absolute and http, https or ftp, so that the program can download from there.
+[[nodiscard]] bool CanBeFetched(const URL& url);
+
+/// `text` without "user:password@", whether or not it makes a URL.
+///
+/// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host"
+/// and "user:password@host". A password that holds a "/", a "?" or a "#" goes where no port can be meant. A
+/// mangled text is better than a password on the screen. Only "mailto:user@host" stays as it is.
+[[nodiscard]] QString WithoutCredentials(const QString& text);
+
+}  // namespace quillforth::platform
