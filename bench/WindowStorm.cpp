@@ -19,7 +19,7 @@
 
 #include "bench/storm/StormServer.h"
 #include "bench/storm/StormUser.h"
-#include "platform/linux/Interruption.h"
+#include "linux/session/Interruption.h"
 
 namespace quillforth::bench {
 
@@ -71,7 +71,7 @@ void RunProgram(const Run& run, const tests::RawServer& server, const QStringLis
   user.begin(std::chrono::seconds(run.seconds), EndOf(run));
   QApplication::exec();
   if (!ledger.isQuitting()) ledger.fault(QStringLiteral("ended by itself"));
-  ledger.watchNoMore();
+  ledger.sample();
 }
 
 int RunStorm(const Run& run) {

@@ -2,6 +2,7 @@
 
 #include "bench/storm/Ledger.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <cstdio>
 #include <utility>
@@ -33,22 +34,19 @@ void Ledger::note(const QString& url, const QString& text) {
 void Ledger::fault(const QString& what, const QString& url) {
   QString text = url;
   if (const auto found = entries_.constFind(url); found != entries_.cend()) {
-    if (found->isDoubled) return;
     text += QStringLiteral("\n      it: ") + found->history.join(QStringLiteral("; "));
   }
   faults_[what].push_back(text + QStringLiteral("\n      commands: ") + recent_.join(QStringLiteral("; ")));
 }
 
-void Ledger::enter(const QString& url, const QString& by, int command) {
-  Entry& entry = entries_[url];
+void Ledger::enter(const QString& url, const QString& by) {
   note(url, by);
-  if (entry.history.size() > 1) return fault(QStringLiteral("came in a second time"), url);
-  entry.command = command;
+  if (entries_[url].history.size() > 1) return fault(QStringLiteral("came in a second time"), url);
   count(QStringLiteral("in: ") + by);
 }
 
-void Ledger::enterPaced(const QString& url, const QString& by, int command) {
-  enter(url, by, command);
+void Ledger::enterPaced(const QString& url, const QString& by) {
+  enter(url, by);
   entries_[url].isPaced = true;
 }
 
@@ -58,8 +56,8 @@ int Ledger::removalGiven(Removal removal) {
   for (auto entry = entries_.cbegin(); removal.isForIntake && entry != entries_.cend(); ++entry) {
     if (entry->isPaced && entry->state == State::entered) removal.waiting.insert(entry.key());
   }
-  removals_.emplace(++lastCommand_, std::move(removal));
-  return lastCommand_;
+  removals_.emplace(++lastRemoval_, std::move(removal));
+  return lastRemoval_;
 }
 
 // What is in limbo and was neither started nor queued again by the time that the command is over is what the
@@ -83,7 +81,14 @@ void Ledger::removalDone(int number) {
 void Ledger::cancelGiven(const QString& shown) {
   remember(QStringLiteral("Cancel ") + shown);
   if (!shown.isNull()) named_.insert(shown);
-  unseen_ += underWay_;
+}
+
+void Ledger::cameIn(const Entry& entry) {
+  if (!entry.page.isNull()) queuedPages_.insert(entry.page);
+}
+
+bool Ledger::isGivenUp(const Entry& entry) const {
+  return givenUp_.contains(entry.page) && !queuedPages_.contains(entry.page);
 }
 
 void Ledger::vanish(const QString& url) {
@@ -117,6 +122,7 @@ void Ledger::sample() {
     }
     note(url, "waits");
     entry.state = State::queued;
+    cameIn(entry);
     explained_.remove(url);
   }
   justVanished_.clear();
@@ -142,29 +148,16 @@ void Ledger::started(const QString& url) {
     fault(QStringLiteral("is asked for a second time"), url);
   }
   note(url, "is asked for");
-  for (const QString& other : std::as_const(underWay_)) {
-    Entry& before = entries_[other];
-    if (!before.isOverlapping) note(other, "another one is asked for meanwhile");
-    before.isOverlapping = entry.isOverlapping = true;
-    if (before.hasBegun) continue;
-    count(QStringLiteral("info: asked for in the gap before another one began"));
-    if (entry.command != 0 && before.command == entry.command) {
-      fault(QStringLiteral("one request's URLs were asked for before the last one began"), url);
-    }
-  }
+  if (!underWay_.empty()) fault(QStringLiteral("is asked for while another one is under way"), url);
   entry.state = State::started;
-  entry.hasBegun = false;
+  cameIn(entry);
   explained_.remove(url);
   underWay_.insert(url);
 }
 
-void Ledger::began(const QString& url) {
-  entries_[url].hasBegun = true;
-  note(url, "began");
-}
-
 void Ledger::finished(const QString& url, const QString& path) {
   note(url, QStringLiteral("finished as ") + path);
+  entries_[url].isSortedAway = !QFileInfo::exists(path);
   if (entries_[url].state != State::started) fault(QStringLiteral("finished without being under way"), url);
   settle(url, QStringLiteral("done"));
 }
@@ -179,11 +172,7 @@ void Ledger::cancelled(const QString& url) {
   if (entries_[url].state != State::started) return;
   if (isQuitting_) return settle(url, QStringLiteral("lost at the end: under way"));
   if (named_.contains(url)) return settle(url, QStringLiteral("cancelled by a command that named it"));
-  const bool wasUnderWay = unseen_.contains(url);
-  const QString what = wasUnderWay ? QStringLiteral("cancelled before it was on the screen")
-                                   : QStringLiteral("cancelled by a command that was given before it came");
-  settle(url, what);
-  fault(what, url);
+  settleWithFault(url, QStringLiteral("cancelled by a command that did not name it"));
 }
 
 // The check comes when the URL has left the queue, or was never in it. The first link of a page is taken
@@ -198,8 +187,8 @@ void Ledger::notConnected() {
   }
   QStringList unseenLinks;
   for (auto entry = entries_.cbegin(); entry != entries_.cend(); ++entry) {
-    const bool isUnseen = entry->isLink && entry->state == State::entered && !entry->isOptional;
-    if (isUnseen) unseenLinks.append(entry.key());
+    const bool isLink = !entry->page.isNull();
+    if (isLink && entry->state == State::entered && !isGivenUp(*entry)) unseenLinks.append(entry.key());
   }
   if (unseenLinks.size() == 1) return settle(unseenLinks.first(), kNotConnected);
   ++unnamedLosses_;
@@ -211,10 +200,7 @@ void Ledger::pageLoading(const QString& url) {
     Entry& entry = entries_[url];
     note(url, "loads");
     if (entry.history.size() == 1) fault(QStringLiteral("a page is loaded that nobody brought in"), url);
-    if (entry.state != State::entered) {
-      fault(QStringLiteral("a page is loaded a second time"), url);
-      entry.isDoubled = true;
-    }
+    if (entry.state != State::entered) fault(QStringLiteral("a page is loaded a second time"), url);
     entry.state = State::loading;
   });
 }
@@ -223,10 +209,8 @@ void Ledger::pageEnded(const QString& url, bool isRead, const QStringList& links
   const std::lock_guard lock(mutex_);
   fromThreads_.emplace_back([this, url, isRead, links] {
     for (const QString& link : links) {
-      entries_[link].isLink = true;
-      entries_[link].isDoubled = entries_[url].isDoubled;
-      entries_[link].isOptional = givenUp_.contains(url);
-      enter(link, QStringLiteral("links of pages"), 0);
+      entries_[link].page = url;
+      enter(link, QStringLiteral("links of pages"));
     }
     if (isRead) return settle(url, QStringLiteral("done: page read"));
     if (isQuitting_) return settle(url, QStringLiteral("lost at the end: page loading"));
@@ -236,7 +220,7 @@ void Ledger::pageEnded(const QString& url, bool isRead, const QStringList& links
 
 void Ledger::enteredByBrowser(const QString& url) {
   const std::lock_guard lock(mutex_);
-  fromThreads_.emplace_back([this, url] { enter(url, QStringLiteral("browser"), newCommand()); });
+  fromThreads_.emplace_back([this, url] { enter(url, QStringLiteral("browser")); });
 }
 
 void Ledger::takePages() {
@@ -274,8 +258,8 @@ int Ledger::unfinished() const {
 bool Ledger::settleEntered(const QString& url) {
   if (givenUp_.contains(url)) {
     settle(url, QStringLiteral("import given up before it began"));
-  } else if (entries_[url].isOptional) {
-    settle(url, QStringLiteral("refused where it was given"));
+  } else if (isGivenUp(entries_[url])) {
+    settle(url, QStringLiteral("on the page of an import given up"));
   } else if (unnamedLosses_ > 0) {
     --unnamedLosses_;
     settle(url, kNotConnected);
@@ -314,7 +298,7 @@ void Ledger::settleAfterEnd() {
       case State::settled:
         break;
       case State::entered:
-        if (entry.isLink) {
+        if (!entry.page.isNull()) {
           settle(url, QStringLiteral("lost at the end: on a page just read"));
         } else if (areCommandsWaiting_) {
           settle(url, QStringLiteral("lost at the end: command not done"));

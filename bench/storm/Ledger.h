@@ -43,29 +43,21 @@ class Ledger {
   enum class State { entered, queued, limbo, loading, started, settled };
   struct Entry {
     State state = State::entered;
-    int command = 0;             ///< the one that brought it in; 0: a page did
-    bool isOptional = false;     ///< may be refused in silence
-    bool isPaced = false;        ///< waits for its turn in the paced intake
-    bool isOverlapping = false;  ///< was under way together with another one
-    bool hasBegun = false;
+    bool isPaced = false;  ///< waits for its turn in the paced intake
     bool isGrowing = false;
-    bool isLink = false;     ///< of a page
-    bool isDoubled = false;  ///< its page was loaded again: all that comes of it is that one fault
-    QString fate;            ///< what it was settled as
+    bool isSortedAway = false;  ///< from where it had finished, before that was told
+    QString page;               ///< that it is a link of; null: of none
+    QString fate;               ///< what it was settled as
     QStringList history;
   };
 
-  /// `queue` lives until `watchNoMore`.
+  /// `queue` lives until nothing samples any more, or `settleAfterEnd`.
   void watch(const app::TableViewDataSource& queue) { queue_ = &queue; }
-  /// The queue goes.
-  void watchNoMore() { queue_ = nullptr; }
 
   // Commands.
-  /// The number of a command, for the entries that it brings in.
-  int newCommand() { return ++lastCommand_; }
-  void enter(const QString& url, const QString& by, int command);
+  void enter(const QString& url, const QString& by);
   /// The same for one that waits for its turn in the paced intake.
-  void enterPaced(const QString& url, const QString& by, int command);
+  void enterPaced(const QString& url, const QString& by);
   /// The command that brought in `url` is done from now on; null: it is over.
   void doing(const QString& url) { doing_ = url; }
   /// The removal counts from now until `removalDone`.
@@ -82,13 +74,12 @@ class Ledger {
   // What the services see.
   void sample();
   void started(const QString& url);
-  void began(const QString& url);
+  void began(const QString& url) { note(url, "began"); }
   /// Its file is there, though not whole.
   void growing(const QString& url) { entries_[url].isGrowing = true; }
   void finished(const QString& url, const QString& path);
   void failed(const QString& url, const QString& reason);
   void cancelled(const QString& url);
-  void refused(const QString& url) { settle(url, QStringLiteral("makes no URL")); }
   void notConnected();
   /// These three from any thread; they count with the next sample.
   void pageLoading(const QString& url);
@@ -111,7 +102,6 @@ class Ledger {
   /// Entries that a user would miss: those that wait, and those under way.
   [[nodiscard]] int unfinished() const;
   [[nodiscard]] const QHash<QString, Entry>& entries() const { return entries_; }
-  [[nodiscard]] bool isQueued(const QString& url) const { return lastQueue_.contains(url); }
 
   void fault(const QString& what, const QString& url = {});
   void count(const QString& what, int number = 1) { counts_[what] += number; }
@@ -124,6 +114,9 @@ class Ledger {
 
  private:
   void takePages();
+  /// The queue has taken the URL in: it is not what an import brought that was given up.
+  void cameIn(const Entry& entry);
+  [[nodiscard]] bool isGivenUp(const Entry& entry) const;
   void settle(const QString& url, const QString& as);
   /// False when nothing explains that `url` never came any further than in.
   [[nodiscard]] bool settleEntered(const QString& url);
@@ -134,12 +127,12 @@ class Ledger {
   const app::TableViewDataSource* queue_ = nullptr;
   QHash<QString, Entry> entries_;
   QSet<QString> lastQueue_;
-  QString lastHead_;
   QStringList justVanished_;
   std::map<int, Removal> removals_;    // those under way
   QHash<QString, QString> explained_;  // entries in limbo, by the removal that would explain them
-  QSet<QString> underWay_, named_, unseen_, givenUp_;
-  int lastCommand_ = 0;
+  QSet<QString> underWay_, named_, givenUp_;
+  QSet<QString> queuedPages_;  // whose links have come as far as the queue
+  int lastRemoval_ = 0;
   QString doing_;
   int unnamedLosses_ = 0;
   int emptiedEarly_ = 0;  // before their turn; some of them may be unnamed losses

@@ -15,7 +15,7 @@
 
 #include "bench/storm/StormUser.h"
 #include "desktop/QueueTable.h"
-#include "platform/FileURL.h"
+#include "net/FileURL.h"
 
 namespace quillforth::bench {
 
@@ -118,7 +118,7 @@ void StormUser::dropURL() {
   QDragEnterEvent over(middle.toPoint(), actions, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&window, &over);
   QDropEvent release(middle, actions, &data, Qt::LeftButton, Qt::NoModifier);
-  scene_.ledger.enter(url, QStringLiteral("drop"), scene_.ledger.newCommand());
+  scene_.ledger.enter(url, QStringLiteral("drop"));
   scene_.desktop.gate().post([this, url] { scene_.ledger.doing(url); });
   QApplication::sendEvent(&window, &release);
   scene_.desktop.gate().post([this] { scene_.ledger.doing({}); });
@@ -126,11 +126,10 @@ void StormUser::dropURL() {
 
 void StormUser::pasteURLs() {
   const int count = roll(3) == 0 ? 3 : 1;
-  const int command = scene_.ledger.newCommand();
   QStringList urls;
   for (int i = 0; i < count; ++i) {
     urls.append(newURL(true));
-    scene_.ledger.enterPaced(urls.last(), QStringLiteral("paste"), command);
+    scene_.ledger.enterPaced(urls.last(), QStringLiteral("paste"));
   }
   QApplication::clipboard()->setText(urls.join(u'\n'));
   give("actionPaste");
@@ -145,7 +144,7 @@ void StormUser::importPage(const QString& url) {
   importedURL_ = url;
   const bool isShort = roll(3) == 0;
   window->urlTextField().setText(isShort ? url.sliced(7) : url);
-  scene_.ledger.enter(url, QStringLiteral("import"), scene_.ledger.newCommand());
+  scene_.ledger.enter(url, QStringLiteral("import"));
   Removal removal{QStringLiteral("emptied by an import"), true};
   removal.isForIntake = true;
   removal.page = url;
@@ -158,8 +157,7 @@ void StormUser::openURIs() {
   Request request{Request::Kind::open};
   for (int i = roll(4); i >= 0; --i) request.texts.append(newURL(false));
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
-  const int command = scene_.ledger.newCommand();
-  for (const QString& url : request.texts) scene_.ledger.enterPaced(url, QStringLiteral("request"), command);
+  for (const QString& url : request.texts) scene_.ledger.enterPaced(url, QStringLiteral("request"));
 }
 
 void StormUser::openLinkFiles() {
@@ -178,8 +176,7 @@ void StormUser::openLinkFiles() {
   } else if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) {
     return;
   }
-  const int command = scene_.ledger.newCommand();
-  for (const QString& url : urls) scene_.ledger.enterPaced(url, QStringLiteral("link files"), command);
+  for (const QString& url : urls) scene_.ledger.enterPaced(url, QStringLiteral("link files"));
 }
 
 void StormUser::sendServicesText() {
@@ -188,7 +185,7 @@ void StormUser::sendServicesText() {
       desktop::RequestHandler::Answer::taken) {
     return;
   }
-  scene_.ledger.enterPaced(url, QStringLiteral("services"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(url, QStringLiteral("services"));
 }
 
 // Only the host travels on, and fails.
@@ -196,7 +193,7 @@ void StormUser::sendGetURL() {
   const QString host = QStringLiteral("h%1x%2.invalid").arg(phase_).arg(++urlCount_);
   const Request request{Request::Kind::getURL, {QStringLiteral("http://%1/a").arg(host)}};
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
-  scene_.ledger.enterPaced(host, QStringLiteral("get-URL event"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(host, QStringLiteral("get-URL event"));
 }
 
 void StormUser::askBrowser() {

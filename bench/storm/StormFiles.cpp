@@ -75,6 +75,7 @@ void StormFiles::checkFile(Ledger& ledger, const fs::path& file, const std::stri
   whole_[found.path].push_back(file);
   const auto entry = ledger.entries().constFind(QString::fromStdString(origin + found.path));
   if (entry == ledger.entries().cend()) return;  // of the run before
+  ledger.note(entry.key(), QStringLiteral("stands as ") + TextOf(file));
   if (entry->fate != QStringLiteral("done"))
     ledger.count(QStringLiteral("info: whole file of a URL that was ") + entry->fate);
   if (entry->fate.startsWith(QStringLiteral("failed"))) {
@@ -87,8 +88,10 @@ void StormFiles::checkComment(Ledger& ledger, const Found& found, const std::str
   const QString url = QString::fromStdString(origin + found.path);
   const Ledger::Entry& entry = ledger.entries()[url];
   if (found.comment == url.toStdString()) return;
-  if (entry.isOverlapping)
-    return ledger.count(QStringLiteral("info: comment of the URL that took its place"));
+  // A sort takes what stands in the folder, also what is to get its comment with the end of the sort.
+  if (found.comment.empty() && entry.isSortedAway) {
+    return ledger.count(QStringLiteral("info: sorted before its end was told, and without a comment"));
+  }
   if (!found.comment.empty()) {
     ledger.fault(QStringLiteral("a file has another one's comment"), url);
   } else if (entry.fate == QStringLiteral("done")) {

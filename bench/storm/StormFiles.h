@@ -11,7 +11,7 @@
 
 #include "bench/storm/Ledger.h"
 #include "bench/storm/StormItem.h"
-#include "platform/linux/FileDescriptor.h"
+#include "linux/files/FileDescriptor.h"
 
 namespace quillforth::bench {
 

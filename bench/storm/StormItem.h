@@ -38,8 +38,6 @@ struct StormItem {
 
   /// Whether the server gives all of it to everybody who asks and waits.
   [[nodiscard]] bool isForAll() const { return fate < Fate::locked; }
-  /// Whether the server gives all of it to anybody.
-  [[nodiscard]] bool isForSome() const { return fate <= Fate::locked; }
 };
 
 /// `path` may have a query, which does not count.

@@ -124,7 +124,7 @@ void StormUser::prepareEnd() {
   const QString url = newURL(".bin", Fate::dripping);
   const Request request{Request::Kind::open, {url}};
   if (scene_.intake.take(request) != desktop::RequestHandler::Answer::taken) return;
-  scene_.ledger.enterPaced(url, QStringLiteral("request"), scene_.ledger.newCommand());
+  scene_.ledger.enterPaced(url, QStringLiteral("request"));
 }
 
 void StormUser::holdBack() {

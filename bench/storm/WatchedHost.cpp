@@ -5,8 +5,8 @@
 #include <QThread>
 #include <utility>
 
+#include "appleevents/AppleEvents.h"
 #include "bench/storm/StormItem.h"
-#include "platform/AppleEvents.h"
 
 namespace quillforth::bench {
 
@@ -20,7 +20,9 @@ class WatchedDownload final : public WebDownload,
   WatchedDownload(WatchedDownloads& owner, const platform::URL& url, platform::WebDownloadDelegate& delegate)
       : owner_(owner), url_(url.absoluteString()), delegate_(delegate) {}
 
-  void start(const platform::URL& url) { inner_ = owner_.service_.startDownload(url, *this); }
+  void start(const platform::WebDownloadRequest& request) {
+    inner_ = owner_.service_.startDownload(request, *this);
+  }
 
   [[nodiscard]] const platform::URL& requestURL() const override { return inner_->requestURL(); }
   void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) override {
@@ -85,20 +87,20 @@ class WatchedDownload final : public WebDownload,
   std::shared_ptr<WebDownload> inner_;
 };
 
-std::shared_ptr<WebDownload> WatchedDownloads::startDownload(const platform::URL& url,
+std::shared_ptr<WebDownload> WatchedDownloads::startDownload(const platform::WebDownloadRequest& request,
                                                              platform::WebDownloadDelegate& delegate) {
-  ledger_.started(url.absoluteString());
-  auto download = std::make_shared<WatchedDownload>(*this, url, delegate);
-  download->start(url);
+  ledger_.started(request.url.absoluteString());
+  auto download = std::make_shared<WatchedDownload>(*this, request.url, delegate);
+  download->start(request);
   underWay_.insert(download);
   return download;
 }
 
-platform::PageLoad WatchedPages::load(const platform::URL& url) {
+platform::PageLoad WatchedPages::resourceData(const platform::URL& url) {
   const QString text = url.absoluteString();
   ledger_.pageLoading(text);
   isLoading_ = true;
-  platform::PageLoad page = loader_.load(url);
+  platform::PageLoad page = loader_.resourceData(url);
   isLoading_ = false;
   QStringList links;
   if (page.data) {

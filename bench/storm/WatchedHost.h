@@ -24,7 +24,11 @@ class WatchedDownloads final : public platform::WebDownloadService {
   WatchedDownloads(platform::WebDownloadService& service, Ledger& ledger)
       : service_(service), ledger_(ledger) {}
   [[nodiscard]] std::shared_ptr<platform::WebDownload> startDownload(
-      const platform::URL& url, platform::WebDownloadDelegate& delegate) override;
+      const platform::WebDownloadRequest& request, platform::WebDownloadDelegate& delegate) override;
+  void expectDownloads(const std::vector<platform::WebDownloadRequest>& requests,
+                       const QString& folder) override {
+    service_.expectDownloads(requests, folder);
+  }
   void end() override { service_.end(); }
 
  private:
@@ -39,7 +43,7 @@ class WatchedPages final : public platform::PageLoader {
  public:
   WatchedPages(platform::PageLoader& loader, Ledger& ledger, std::uint64_t seed)
       : loader_(loader), ledger_(ledger), seed_(seed) {}
-  [[nodiscard]] platform::PageLoad load(const platform::URL& url) override;
+  [[nodiscard]] platform::PageLoad resourceData(const platform::URL& url) override;
   void setGivenUp(bool isGivenUp) override { loader_.setGivenUp(isGivenUp); }
   [[nodiscard]] bool isLoading() const { return isLoading_; }
 
