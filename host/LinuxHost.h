@@ -9,7 +9,6 @@
 #include "app/Host.h"
 #include "appleevents/FSRefTable.h"
 #include "host/HeadlessHost.h"
-#include "linux/browser/LinuxRunningProcesses.h"
 #include "linux/browser/LinuxScriptHost.h"
 #include "linux/linkfiles/LinuxResourceManager.h"
 #include "linux/session/SndfileSoundLoader.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "linux/transfer/RequestURL.h"
+#include "linux/transfer/TransferRequest.h"
 
 #include <curl/curl.h>
 

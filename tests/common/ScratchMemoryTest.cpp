@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "common/RecordPool.h"
+#include "common/ScratchMemory.h"
 
 #include <gtest/gtest.h>
 
