@@ -8,7 +8,6 @@
 #include <QDBusPendingReply>
 #include <QGuiApplication>
 #include <QVariantMap>
-#include <QWidget>
 #include <QWindow>
 #include <utility>
 
@@ -175,16 +174,6 @@ NotificationText CompletionNotice::text(bool isOver) const {
 
 bool IsInFront() {
   return QGuiApplication::focusWindow() != nullptr;
-}
-
-void BringForward(QWidget& window, const QString& activationToken) {
-  // The platform plugin takes the token from here (xdg-activation), and only while the window asks.
-  if (!activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-  window.show();
-  window.raise();
-  window.activateWindow();
-  qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 }  // namespace quillforth::desktop

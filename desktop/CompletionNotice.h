@@ -114,8 +114,4 @@ class CompletionNotice final : public QObject, public app::ControllerObserver {
 /// Whether one of the program's windows has the keyboard.
 [[nodiscard]] bool IsInFront();
 
-/// Brings a window in front of those of other programs, by the leave that `activationToken` stands for (XDG
-/// activation, startup notification). Without a token the desktop may only mark it.
-void BringForward(QWidget& window, const QString& activationToken);
-
 }  // namespace quillforth::desktop

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "app/Pasteboard.h"
+#include "desktop/Activation.h"
 #include "desktop/AddSheet.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/Request.h"
