@@ -7,8 +7,6 @@
 #include <QLibrary>
 #include <QStringList>
 
-#include "desktop/sound/PlaySound.h"
-
 namespace quillforth::desktop {
 
 namespace {
@@ -36,7 +34,7 @@ void LoadAndPlay(const QString& module, const platform::Sound& sound) {
 
 SoundPlayer::~SoundPlayer() {
   if (!thread_) return;
-  thread_->quit();  // ends the event loop that the sound is played in
+  thread_->requestInterruption();
   if (thread_->wait(kPatienceMilliseconds)) delete thread_;
 }
 
