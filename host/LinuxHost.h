@@ -11,7 +11,9 @@
 #include "host/HeadlessHost.h"
 #include "linux/browser/LinuxScriptHost.h"
 #include "linux/linkfiles/LinuxResourceManager.h"
+#ifdef QUILLFORTH_SOUND
 #include "linux/session/SndfileSoundLoader.h"
+#endif
 
 namespace quillforth::host {
 
@@ -37,7 +39,9 @@ class LinuxHost {
 
  private:
   HeadlessHost base_;
+#ifdef QUILLFORTH_SOUND
   platform::SndfileSoundLoader sounds_;
+#endif
   platform::AppleEventDispatcher dispatcher_;
   platform::FSRefTable references_;
   platform::LinuxResourceManager resources_;
