@@ -2,12 +2,14 @@
 //
 // What was asked for on the command line, as plain values.
 //
-// Only the grammar is checked here: which options go with which command, and how many arguments. Texts are
-// the bytes as they came. Pure; no service is needed, so that `--version` and `--help` answer at once.
+// Only the grammar is checked here: which options go with which command (Options.h), and how many arguments.
+// Texts are the bytes as they came, and unchecked. Pure; no service is needed, so that `--version` and
+// `--help` answer at once.
 #pragma once
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -18,15 +20,15 @@ inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 
 struct GetArguments {
-  enum class Kind { decide, page, file };
   std::vector<std::string> urls;
   std::optional<std::string> to;
-  Kind kind = Kind::decide;
-  std::optional<std::string> ahead;   ///< unchecked
-  std::vector<std::string> settings;  ///< "KEY=VALUE" each, unchecked
+  bool page = false;  ///< not both
+  bool file = false;
+  std::optional<std::string> ahead;
+  std::vector<std::string> settings;  ///< "KEY=VALUE" each
   bool json = false;
   bool local = false;
-  bool keepsCookies = true;
+  bool noCookies = false;
 };
 
 struct LinksArguments {
@@ -58,6 +60,13 @@ struct AggregateArguments {
   std::string folder;
   bool yes = false;
   bool dryRun = false;
+};
+
+/// What the options of all commands fill; one of these is used.
+struct ParsedArguments {
+  std::tuple<GetArguments, LinksArguments, ClassifyArguments, CommentArguments, ExtensionsArguments,
+             SettingsArguments, AggregateArguments>
+      commands;
 };
 
 /// Nothing to do but to say something.

@@ -85,7 +85,7 @@ void Get::handOver(const QString& url) {
 }
 
 bool Get::isPage(const QString& url) {
-  if (settings_.kind != GetArguments::Kind::decide) return settings_.kind == GetArguments::Kind::page;
+  if (settings_.arguments.page || settings_.arguments.file) return settings_.arguments.page;
   const std::optional<platform::URL> target = platform::URL::URLWithString(url);
   // Only then may the answer take its time.
   const bool mustAsk = target && target->pathExtension().isEmpty();

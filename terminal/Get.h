@@ -24,7 +24,7 @@ namespace quillforth::terminal {
 
 /// What a run needs besides the host's services.
 struct GetSettings {
-  GetArguments::Kind kind = GetArguments::Kind::decide;
+  GetArguments arguments;
   QHash<QString, QVariant> preferences;  ///< replaced for this run
 };
 

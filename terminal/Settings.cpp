@@ -18,31 +18,41 @@ namespace quillforth::terminal {
 
 namespace {
 
-struct BooleanReader {
-  QLatin1String key;
-  bool (app::Preferences::*read)() const;
+constexpr std::array kBooleanSettings{
+    BooleanSetting{app::kShowStatusWindow, &app::Preferences::showStatusWindow,
+                   "bring the window forward when work comes"},
+    BooleanSetting{app::kBringApplicationToFront, &app::Preferences::bringApplicationToFront,
+                   "and the program too; counts as no when showStatusWindow is no"},
+    BooleanSetting{app::kSetCommentToLocationURL, &app::Preferences::setCommentToLocationURL,
+                   "note on each file where it came from"},
+    BooleanSetting{app::kOverwriteFilesBySameName, &app::Preferences::overwriteFilesBySameName,
+                   "replace files instead of finding a free name"},
+    BooleanSetting{app::kPreserveFileCommentsWhenAggregatingFiles,
+                   &app::Preferences::preserveFileCommentsWhenAggregatingFiles,
+                   "keep the notes when files are sorted"},
+    BooleanSetting{app::kAlwaysPromptForOutputLocation, &app::Preferences::alwaysPromptForOutputLocation,
+                   "ask for a folder each time"},
+    BooleanSetting{app::kAggregateFiles, &app::Preferences::aggregateFiles,
+                   "sort the destination folder by file type when the queue is done"},
+    BooleanSetting{app::kShowAlertsWhenErrorsOccur, &app::Preferences::showAlertsWhenErrorsOccur,
+                   "show a message for each download that fails"},
+    BooleanSetting{app::kNotifyWhenDone, &app::Preferences::notifyWhenDone,
+                   "show a notification when the queue is done, or a download failed, and no window of "
+                   "quillforth(1) is in front"},
+    BooleanSetting{app::kPlaySoundWhenDone, &app::Preferences::playSoundWhenDone, "play a sound then"},
+    BooleanSetting{
+        app::kSendReferer, &app::Preferences::sendReferer,
+        "tell the server on which page a file was found; another server is told only where the page is from"},
+    BooleanSetting{app::kAllowKeystrokesForBrowserURL, &app::Preferences::allowKeystrokesForBrowserURL,
+                   "let quillforth(1) copy the address of Firefox with keystrokes, over the clipboard, when "
+                   "it cannot be had else"},
 };
+static_assert(kBooleanSettings.size() == app::kBooleanPreferences.size());
 
-constexpr std::array kReaders{
-    BooleanReader{app::kShowStatusWindow.key, &app::Preferences::showStatusWindow},
-    BooleanReader{app::kBringApplicationToFront.key, &app::Preferences::bringApplicationToFront},
-    BooleanReader{app::kSetCommentToLocationURL.key, &app::Preferences::setCommentToLocationURL},
-    BooleanReader{app::kOverwriteFilesBySameName.key, &app::Preferences::overwriteFilesBySameName},
-    BooleanReader{app::kPreserveFileCommentsWhenAggregatingFiles.key,
-                  &app::Preferences::preserveFileCommentsWhenAggregatingFiles},
-    BooleanReader{app::kAlwaysPromptForOutputLocation.key, &app::Preferences::alwaysPromptForOutputLocation},
-    BooleanReader{app::kAggregateFiles.key, &app::Preferences::aggregateFiles},
-    BooleanReader{app::kShowAlertsWhenErrorsOccur.key, &app::Preferences::showAlertsWhenErrorsOccur},
-    BooleanReader{app::kNotifyWhenDone.key, &app::Preferences::notifyWhenDone},
-    BooleanReader{app::kPlaySoundWhenDone.key, &app::Preferences::playSoundWhenDone},
-    BooleanReader{app::kSendReferer.key, &app::Preferences::sendReferer},
-    BooleanReader{app::kAllowKeystrokesForBrowserURL.key, &app::Preferences::allowKeystrokesForBrowserURL},
-};
-static_assert(kReaders.size() == app::kBooleanPreferences.size());
-
-const BooleanReader* FindReader(const QString& key) {
-  const auto found = std::ranges::find_if(kReaders, [&key](const auto& reader) { return reader.key == key; });
-  return found == kReaders.end() ? nullptr : &*found;
+const BooleanSetting* FindBoolean(const QString& key) {
+  const auto found = std::ranges::find_if(
+      kBooleanSettings, [&key](const auto& setting) { return setting.preference.key == key; });
+  return found == kBooleanSettings.end() ? nullptr : &*found;
 }
 
 SettingsError UnknownKey(const std::string& key) {
@@ -62,6 +72,10 @@ std::variant<Setting, SettingsError> MakeFolderSetting(const std::string& path,
 }
 
 }  // namespace
+
+std::span<const BooleanSetting> BooleanSettings() {
+  return kBooleanSettings;
+}
 
 std::optional<bool> BooleanFromText(const QString& text) {
   const QString lower = text.toLower();
@@ -93,7 +107,7 @@ std::variant<Setting, SettingsError> MakeSetting(const std::string& key, const s
   const QString name = QString::fromStdString(key);
   if (name == app::kDestinationDirectoryKey) return MakeFolderSetting(value, aliases);
   if (name == app::kDownloadsAheadKey) return MakeDownloadsAhead(key, value);
-  if (FindReader(name) == nullptr) return UnknownKey(key);
+  if (FindBoolean(name) == nullptr) return UnknownKey(key);
   const std::optional<bool> boolean = BooleanFromText(QString::fromStdString(value));
   if (!boolean) return SettingsError{key + ": \"" + value + "\" is neither yes nor no", kExitUsage};
   return Setting{name, *boolean};
@@ -136,15 +150,15 @@ std::optional<QString> SettingsCommand::effectiveValue(const QString& key) {
     return folder ? QFile::decodeName(folder->path().c_str()) : QString();
   }
   if (key == app::kDownloadsAheadKey) return QString::number(app::Preferences(defaults_).downloadsAhead());
-  const BooleanReader* reader = FindReader(key);
-  if (reader == nullptr) return std::nullopt;
-  const bool value = (app::Preferences(defaults_).*reader->read)();
+  const BooleanSetting* setting = FindBoolean(key);
+  if (setting == nullptr) return std::nullopt;
+  const bool value = (app::Preferences(defaults_).*setting->read)();
   return value ? QStringLiteral("yes") : QStringLiteral("no");
 }
 
 void SettingsCommand::printAll(Output& output) {
   QStringList keys;
-  for (const BooleanReader& reader : kReaders) keys.append(reader.key);
+  for (const BooleanSetting& setting : kBooleanSettings) keys.append(setting.preference.key);
   keys << app::kDownloadsAheadKey << app::kDestinationDirectoryKey;
   for (const QString& key : keys) {
     const QString origin =

@@ -9,10 +9,12 @@
 #include <QString>
 #include <QVariant>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
 
+#include "app/Preferences.h"
 #include "platform/Alias.h"
 #include "platform/FileManager.h"
 #include "platform/UserDefaults.h"
@@ -31,6 +33,14 @@ struct Setting {
   QString key;
   QVariant value;  ///< as it is stored
 };
+
+/// A setting that is yes or no.
+struct BooleanSetting {
+  app::BooleanPreference preference;
+  bool (app::Preferences::*read)() const;
+  const char* text;  ///< what it does, for people: plain ASCII
+};
+[[nodiscard]] std::span<const BooleanSetting> BooleanSettings();
 
 /// yes, true, on and 1, no, false, off and 0, letter case apart; nothing for all else.
 [[nodiscard]] std::optional<bool> BooleanFromText(const QString& text);

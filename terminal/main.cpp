@@ -136,7 +136,7 @@ struct GetOptions {
 // Everything about the options of `get` that is checked, or made, before anything is fetched.
 std::optional<SettingsError> TakeOptions(const GetArguments& arguments, GetOptions& options) {
   platform::LinuxAliasManager aliases(platform::HomeFolder());
-  options.settings.kind = arguments.kind;
+  options.settings.arguments = arguments;
   for (const std::string& text : arguments.settings) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) return SettingsError{"--set: \"" + text + "\" has no \"=\"", kExitUsage};
@@ -178,7 +178,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
   // Nothing else is to be done here while a disk is slow.
-  host::HeadlessHost services({.mayWaitForDisk = true}, arguments.keepsCookies);
+  host::HeadlessHost services({.mayWaitForDisk = true}, !arguments.noCookies);
   host::AssumedNetwork assumedNetwork;
   const app::Host host = arguments.local ? services.host(terminalApplication, assumedNetwork)
                                          : services.host(terminalApplication);
