@@ -20,8 +20,9 @@ bool BodySink::append(std::string_view bytes) {
   return true;
 }
 
-int BodySink::finish() {
+int BodySink::finish(std::int64_t modified) {
   writeHeld();
+  if (modified > 0) file_->setModified(modified);
   return error_ != 0 ? error_ : file_->publish();
 }
 

@@ -3,7 +3,6 @@
 #include "linux/transfer/CurlDownload.h"
 
 #include "linux/transfer/CurlDownloadService.h"
-#include "platform/LocalizedStrings.h"
 
 namespace quillforth::platform {
 
@@ -41,7 +40,7 @@ void CurlDownload::receive(ChallengeReport& report) {
 void CurlDownload::answer(const std::optional<Credential>& credential) {
   const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
   if (service_ == nullptr || !asked) return;
-  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked).sentence());
+  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked));
   service_->thread_.post(
       AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
 }
@@ -61,7 +60,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   isDeciding_ = false;
   if (service_ == nullptr) return;
   if (!destination_) {
-    service_->fail(id_, LOCALIZED("There is no destination folder for the file."));
+    service_->fail(id_, {OutcomeKind::noDestination});
     return;
   }
   // The root keeps its only character.
@@ -87,7 +86,8 @@ void CurlDownload::receive(FinishedReport&) {
 
 void CurlDownload::receive(FailedReport& report) {
   service_->forget(id_);
-  delegate_.downloadDidFailWithError(*this, {report.description, url_.stringWithoutCredentials()});
+  delegate_.downloadDidFailWithError(
+      *this, {report.outcome.sentence(), url_.stringWithoutCredentials(), report.outcome.failure()});
 }
 
 }  // namespace quillforth::platform

@@ -87,7 +87,7 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const WebDownloa
     thread_.postQuietly(ahead ? Command(AdoptCommand{id}) : StartCommand{makeTransfer(id, request, {})});
     if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
-    fail(id, TransferOutcome{OutcomeKind::unsupportedURL}.sentence());
+    fail(id, {OutcomeKind::unsupportedURL});
   }
   return download;
 }
@@ -153,9 +153,9 @@ void CurlDownloadService::decide(DestinationCommand command) {
 }
 
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.
-void CurlDownloadService::fail(DownloadId id, const QString& description) {
+void CurlDownloadService::fail(DownloadId id, const TransferOutcome& outcome) {
   thread_.post(CancelCommand{id});
-  reports_.post(FailedReport{id, description});
+  reports_.post(FailedReport{id, outcome});
 }
 
 void CurlDownloadService::forget(DownloadId id) {

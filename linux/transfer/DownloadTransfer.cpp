@@ -79,7 +79,8 @@ void DownloadTransfer::finish() {
 }
 
 void DownloadTransfer::finishFile() {
-  if (const int error = sink_.finish(); error != 0) return fail({OutcomeKind::file, error});
+  if (const int error = sink_.finish(exchange().modified()); error != 0)
+    return fail({OutcomeKind::file, error});
   std::vector<Report> reports;
   const std::string& name = sink_.file()->name();
   std::string movedTo = sink_.file()->movedFolder();
@@ -116,7 +117,7 @@ void DownloadTransfer::giveUp(const TransferOutcome& outcome) {
   if (isWorthAnotherTry(outcome)) return startAgain();
   sink_ = {};
   reportResponse();
-  context_.reports.post(FailedReport{id(), outcome.sentence()});
+  context_.reports.post(FailedReport{id(), outcome});
 }
 
 bool DownloadTransfer::ask(const AuthenticationChallenge& challenge) {

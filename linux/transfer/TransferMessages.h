@@ -46,7 +46,7 @@ struct FinishedReport {
 };
 struct FailedReport {
   DownloadId id;
-  QString description;
+  TransferOutcome outcome;
 };
 using Report = std::variant<BeganReport, ChallengeReport, ResponseReport, DestinationReport, DataReport,
                             FinishedReport, FailedReport>;
