@@ -235,7 +235,7 @@ std::string ZshValues(const Option& option) {
 std::string ZshOption(const Option& option) {
   const std::vector<std::string> names = Split(option.names, ',');
   std::string shutOut(option.excludes.starts_with('-') ? option.excludes : "");
-  if (option.completes == Completes::settings || option.isRepeated) {
+  if (option.isRepeated) {
     shutOut = "*";
   } else {
     for (const std::string& name : names) shutOut += (shutOut.empty() ? "" : " ") + name;

@@ -67,7 +67,11 @@ Command Take(ParsedArguments& parsed) {
 
 Command TakeCommand(Parser& parser) {
   const std::string name = CommandName(parser.app);
-  if (name == "get") return Take<GetArguments>(parser.arguments);
+  if (name == "get") {
+    const auto& get = std::get<GetArguments>(parser.arguments.commands);
+    if (get.urls.empty() && get.inputFiles.empty()) return UsageError("get", "URL is required");
+    return Take<GetArguments>(parser.arguments);
+  }
   if (name == "links") return Take<LinksArguments>(parser.arguments);
   if (name == "classify") return Take<ClassifyArguments>(parser.arguments);
   if (name == "comment") return Take<CommentArguments>(parser.arguments);

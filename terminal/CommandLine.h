@@ -19,8 +19,34 @@ inline constexpr int kExitSuccess = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 
-struct GetArguments {
+/// Which links of pages are wanted.
+struct FilterArguments {
+  std::vector<std::string> accept;  ///< lists with commas
+  std::vector<std::string> reject;
+  std::vector<std::string> match;
+  std::vector<std::string> noMatch;
+  bool sameHost = false;
+};
+
+struct GetArguments : FilterArguments {
   std::vector<std::string> urls;
+  std::vector<std::string> inputFiles;
+  std::optional<std::string> rest;
+  bool unique = false;
+  bool dryRun = false;
+  bool skipExisting = false;
+  std::optional<std::string> archive;
+  std::optional<std::string> cookies;
+  std::vector<std::string> headers;
+  std::optional<std::string> referer;
+  std::optional<std::string> userAgent;
+  std::optional<std::string> retry;
+  std::optional<std::string> wait;
+  std::optional<std::string> limitRate;
+  bool noComment = false;
+  bool remoteTime = false;
+  bool quiet = false;
+  bool verbose = false;
   std::optional<std::string> to;
   bool page = false;  ///< not both
   bool file = false;

@@ -49,7 +49,9 @@ Environment:
                               /usr/local/share:/usr/share
   http_proxy, https_proxy,    proxies, and the hosts that are reached without
   ftp_proxy, all_proxy,       them, as for curl(1)
-  no_proxy
+  no_proxy                    (http_proxy in small letters only)
+  SSL_CERT_FILE,              the certificates to trust instead of the system's,
+  SSL_CERT_DIR                and a folder of more; as openssl-env(7) has them
   NO_COLOR                    when set and not empty: no colours
   TERM                        when unset or "dumb": no live display
 
@@ -61,16 +63,17 @@ Files:
   and XDG_DATA_DIRS                                    extensions
 )"},
     {"get",
-     R"(Usage: quillforth-cli get [OPTION...] URL...
+     R"(Usage: quillforth-cli get [OPTION...] [URL...]
 
 Each URL is judged to be a page or a file, as "classify" shows. The links of a
 page join a queue; so does a file. The queue is downloaded one file at a time.
 A file appears under its name only when it is complete; an existing file is kept
 and the new one gets a free name, unless overwriteFilesBySameName is set.
 
-A text in the queue that is no URL is reported as failed and passed over. When
-the connection is lost, the run ends. Ctrl-C ends it too, and leaves no partial
-file behind.
+A URL may be typed without http://, and with blanks and other characters that
+may not stand in one. A text in the queue that is no URL is reported as failed
+and passed over. When the connection is lost, the run ends. Ctrl-C ends it too,
+and leaves no partial file behind.
 )",
      R"(Output:
   On a terminal: what is under way at the bottom, with a progress bar and the
@@ -78,6 +81,10 @@ file behind.
   line a file, as soon as it is done, and nothing else:
     done URL -> PATH
     failed URL: reason
+    moved PATH -> PATH                     when files are sorted
+    retry URL: reason                      with --retry
+    skipped URL -> PATH                    with --skip-existing and --archive
+    would fetch URL -> NAME (a guess)      with --dry-run
   Messages go to standard error. User names and passwords in URLs are never
   shown. Control characters in texts from elsewhere are written as \xHH.
 
@@ -87,7 +94,12 @@ JSON events, one object a line, in ASCII; "event" says which:
   progress  "url", "received", "expected" (bytes, null when unknown); at most
             once a second
   done      "url", "path", "bytes": the file is complete
-  failed    "url", "reason": a page or a file
+  failed    "url", "reason", "kind" ("page" or "file"), "code" (a word for
+            programs), "httpStatus" when the code is "status"
+  retry     the same, of what is tried again later
+  moved     "from", "to": a file was sorted
+  skipped   "url", "where": the file, or the archive
+  wouldFetch  "url", "guessedName"
   end       "done", "failed", "notFetched" (how many), "status" (exit status)
 
 A user name and a password that a server asks for are asked on the terminal. An
@@ -97,6 +109,8 @@ Examples:
   quillforth-cli get --to pictures http://www.example.org/gallery/
   quillforth-cli get --file http://www.example.org/one.zip
   quillforth-cli get --set overwriteFilesBySameName=yes --to . URL
+  quillforth-cli get -i list.txt --rest left.txt --retry 5
+  quillforth-cli get --accept pictures --unique --skip-existing -d pictures URL
   quillforth-cli get --json URL | jq -r 'select(.event == "done") | .path'
 
 Exit status:

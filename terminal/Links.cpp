@@ -2,17 +2,13 @@
 
 #include "terminal/Links.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <QByteArray>
-#include <cerrno>
-#include <cstring>
 
 #include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
 #include "linkextract/ScanPage.h"
+#include "terminal/InputFile.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -22,37 +18,7 @@ namespace {
 // Links go out in portions of about this many bytes.
 constexpr qsizetype kPortion = 65536;
 
-struct Page {
-  QByteArray bytes;
-  QString error;  // null when the page was read
-};
-
-Page ReadDescriptor(int descriptor, const QString& name) {
-  QByteArray bytes;
-  QByteArray chunk(kPortion, Qt::Uninitialized);
-  for (;;) {
-    const ssize_t length = ::read(descriptor, chunk.data(), static_cast<std::size_t>(chunk.size()));
-    if (length < 0 && errno == EINTR) continue;
-    if (length < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
-    if (length == 0) return {bytes, {}};
-    bytes.append(chunk.constData(), length);
-    if (bytes.size() > platform::PageLoader::kMaxPageLength) {
-      return {{}, name + QStringLiteral(": longer than a page may be")};
-    }
-  }
-}
-
-Page ReadFile(const std::string& path) {
-  if (path == "-") return ReadDescriptor(STDIN_FILENO, QStringLiteral("standard input"));
-  const QString name = QString::fromStdString(path);
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
-  Page page = ReadDescriptor(descriptor, name);
-  ::close(descriptor);
-  return page;
-}
-
-Page LoadPage(const std::string& source, platform::PageLoader& pages) {
+InputFile LoadPage(const std::string& source, platform::PageLoader& pages) {
   const QString shown = platform::WithoutCredentials(QString::fromStdString(source));
   const std::optional<platform::URL> url = platform::URL::URLWithString(QString::fromStdString(source));
   if (!url) return {{}, shown + QStringLiteral(": not a valid URL")};
@@ -93,7 +59,9 @@ bool IsWebSource(const std::string& source) {
 std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
                                   const classify::CExtensionMap& extensions, platform::PageLoader& pages,
                                   Output& output) {
-  const Page page = IsWebSource(source) ? LoadPage(source, pages) : ReadFile(source);
+  const InputFile page = IsWebSource(source) ? LoadPage(source, pages)
+                                             : ReadInputFile(source, platform::PageLoader::kMaxPageLength,
+                                                             QStringLiteral("longer than a page may be"));
   if (!page.error.isNull()) return page.error;
   QByteArray portion;
   for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, source, arguments, extensions)) {

@@ -42,6 +42,30 @@ constexpr std::array kGetOptions{
                "the terminal is asked",
            .completes = Completes::folders,
            .example = "get --to pictures http://www.example.org/gallery/"},
+    Option{
+        .names = "-i,--input-file",
+        .value = "FILE",
+        .bind = Fill<GetArguments, &GetArguments::inputFiles>,
+        .text =
+            "take URLs from FILE, one a line, or from standard input when FILE is -. Empty lines and those "
+            "that begin with # are skipped. The output of \"classify\" is a list, too, and says which are "
+            "pages",
+        .completes = Completes::files,
+        .example = "get --input-file list.txt",
+        .isRepeated = true},
+    Option{.names = "--rest",
+           .value = "FILE",
+           .bind = Fill<GetArguments, &GetArguments::rest>,
+           .text =
+               "at the end, also after Ctrl-C, write the URLs that failed or were not fetched to FILE, for "
+               "--input-file. It is for its owner only, because it keeps passwords in URLs",
+           .completes = Completes::files,
+           .example = "get --rest left.txt --input-file list.txt"},
+    Option{.names = "--unique",
+           .value = "",
+           .bind = Fill<GetArguments, &GetArguments::unique>,
+           .text = "take each URL once, wherever it stands",
+           .example = "get --unique http://www.example.org/one/ http://www.example.org/two/"},
     Option{.names = "--page",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::page>,
@@ -54,6 +78,140 @@ constexpr std::array kGetOptions{
            .text = "all URLs are files; none is judged",
            .example = "get --file http://www.example.org/index.html",
            .excludes = "--page"},
+    Option{
+        .names = "--accept",
+        .value = "LIST",
+        .bind = Fill<GetArguments, &GetArguments::accept>,
+        .text =
+            "of the links of pages, take only these: extensions and kinds, with commas between. The kinds "
+            "are "
+            "pictures, sound, film, archives, documents and pages; a link without an extension counts as a "
+            "page",
+        .completes = Completes::list,
+        .words = "pictures sound film archives documents pages",
+        .example = "get --accept pictures,pdf http://www.example.org/gallery/",
+        .isRepeated = true},
+    Option{.names = "--reject",
+           .value = "LIST",
+           .bind = Fill<GetArguments, &GetArguments::reject>,
+           .text = "leave out these, also when --accept names them",
+           .completes = Completes::list,
+           .words = "pictures sound film archives documents pages",
+           .example = "get --reject pages,gif http://www.example.org/gallery/",
+           .isRepeated = true},
+    Option{
+        .names = "--match",
+        .value = "REGEX",
+        .bind = Fill<GetArguments, &GetArguments::match>,
+        .text =
+            "take only links in whose absolute URL this regular expression (of Perl's kind) is found; may be "
+            "repeated, and then one of them has to be found",
+        .example = "get --match '/full/.*[0-9]+[.]jpg$' http://www.example.org/gallery/",
+        .isRepeated = true},
+    Option{.names = "--no-match",
+           .value = "REGEX",
+           .bind = Fill<GetArguments, &GetArguments::noMatch>,
+           .text = "leave out links in which it is found; may be repeated",
+           .example = "get --no-match thumb http://www.example.org/gallery/",
+           .isRepeated = true},
+    Option{.names = "--same-host",
+           .value = "",
+           .bind = Fill<GetArguments, &GetArguments::sameHost>,
+           .text = "take only links to the host of their page",
+           .example = "get --same-host http://www.example.org/gallery/"},
+    Option{
+        .names = "-n,--dry-run",
+        .value = "",
+        .bind = Fill<GetArguments, &GetArguments::dryRun>,
+        .text =
+            "fetch no file, and print what would be fetched, with the name that the URL suggests. Pages are "
+            "judged and read as always",
+        .example = "get --dry-run --accept pictures http://www.example.org/gallery/"},
+    Option{.names = "--skip-existing",
+           .value = "",
+           .bind = Fill<GetArguments, &GetArguments::skipExisting>,
+           .text =
+               "skip a URL whose file is below the destination folder already, whatever its name is now. The "
+               "files are known by what \"get\" notes on them, see \"comment\"",
+           .example = "get --skip-existing --to pictures http://www.example.org/gallery/"},
+    Option{.names = "--archive",
+           .value = "FILE",
+           .bind = Fill<GetArguments, &GetArguments::archive>,
+           .text = "skip the URLs that FILE lists, and add each that is fetched, without password: for "
+                   "folders where "
+                   "nothing can be noted on files, or files that are moved away",
+           .completes = Completes::files,
+           .example = "get --archive done.txt http://www.example.org/gallery/"},
+    Option{.names = "--cookies",
+           .value = "FILE",
+           .bind = Fill<GetArguments, &GetArguments::cookies>,
+           .text = "send the cookies in FILE, as browsers export them (Netscape's form). FILE is never "
+                   "written; what "
+                   "servers set holds for the run",
+           .completes = Completes::files,
+           .example = "get --cookies cookies.txt http://www.example.org/members/",
+           .excludes = "--no-cookies"},
+    Option{
+        .names = "--header",
+        .value = "LINE",
+        .bind = Fill<GetArguments, &GetArguments::headers>,
+        .text =
+            "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. Not to "
+            "another host after a redirect; Authorization and Cookie only to the hosts of the URLs that you "
+            "give",
+        .example = "get --header 'Accept-Language: de' http://www.example.org/",
+        .isRepeated = true},
+    Option{
+        .names = "--referer",
+        .value = "WHAT",
+        .bind = Fill<GetArguments, &GetArguments::referer>,
+        .text =
+            "tell servers where a link stood: page is its page, without password and fragment; a URL is told "
+            "as it is, to all; none is nothing. Never from https to http. Without it the setting sendReferer "
+            "counts",
+        .completes = Completes::words,
+        .words = "page none",
+        .example = "get --referer page http://www.example.org/gallery/"},
+    Option{.names = "--user-agent",
+           .value = "TEXT",
+           .bind = Fill<GetArguments, &GetArguments::userAgent>,
+           .text = "what the program calls itself when it asks for pages and files",
+           .example = "get --user-agent 'Mozilla/5.0' http://www.example.org/"},
+    Option{
+        .names = "--retry",
+        .value = "N",
+        .bind = Fill<GetArguments, &GetArguments::retry>,
+        .text =
+            "when all else is done, try again what may pass: a time-out, a connection that broke off, an "
+            "answer of 408, 429 or 5xx; up to N times, after 1, 2, 4 and so on to 60 seconds. A server that "
+            "says how long (Retry-After) is left alone for that time, up to 10 minutes",
+        .completes = Completes::words,
+        .words = "1 2 3 5 10",
+        .example = "get --retry 5 --input-file list.txt"},
+    Option{.names = "--wait",
+           .value = "SECONDS",
+           .bind = Fill<GetArguments, &GetArguments::wait>,
+           .text =
+               "wait so long after each page and file; 0.5 is half a second. Nothing is asked for ahead then",
+           .example = "get --wait 2 http://www.example.org/gallery/"},
+    Option{
+        .names = "--limit-rate",
+        .value = "BYTES",
+        .bind = Fill<GetArguments, &GetArguments::limitRate>,
+        .text =
+            "fetch at most so many bytes a second; k, M or G behind the number multiply by 1024. Nothing is "
+            "asked for ahead then",
+        .example = "get --limit-rate 500k http://www.example.org/big.iso"},
+    Option{.names = "--no-comment",
+           .value = "",
+           .bind = Fill<GetArguments, &GetArguments::noComment>,
+           .text = "do not note on files where they came from. --skip-existing needs --archive then",
+           .example = "get --no-comment http://www.example.org/one.zip"},
+    Option{.names = "--remote-time",
+           .value = "",
+           .bind = Fill<GetArguments, &GetArguments::remoteTime>,
+           .text = "give each file the time of its last change that the server tells (Last-Modified)",
+           .example = "get --remote-time http://www.example.org/one.zip"},
     Option{.names = "--ahead",
            .value = "N",
            .bind = Fill<GetArguments, &GetArguments::ahead>,
@@ -69,7 +227,8 @@ constexpr std::array kGetOptions{
            .text = "use VALUE for a setting in this run only; may be repeated. Keys and values are those of "
                    "\"quillforth-cli settings\"",
            .completes = Completes::settings,
-           .example = "get --set overwriteFilesBySameName=yes http://www.example.org/one.zip"},
+           .example = "get --set overwriteFilesBySameName=yes http://www.example.org/one.zip",
+           .isRepeated = true},
     Option{.names = "--no-cookies",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::noCookies>,
@@ -89,12 +248,22 @@ constexpr std::array kGetOptions{
            .bind = Fill<GetArguments, &GetArguments::json>,
            .text = "one JSON object an event on standard output, see below",
            .example = "get --json http://www.example.org/ | jq -r 'select(.event == \"done\") | .path'"},
-    kHelp,
-    Option{.names = "URL",
+    Option{.names = "-q,--quiet",
            .value = "",
-           .bind = Fill<GetArguments, &GetArguments::urls>,
-           .text = "",
-           .isRequired = true},
+           .bind = Fill<GetArguments, &GetArguments::quiet>,
+           .text = "print only what failed",
+           .example = "get --quiet http://www.example.org/gallery/",
+           .excludes = "--json"},
+    Option{
+        .names = "-v,--verbose",
+        .value = "",
+        .bind = Fill<GetArguments, &GetArguments::verbose>,
+        .text =
+            "print requests and the heads of answers on standard error, without passwords, cookies and the "
+            "values of --header",
+        .example = "get --verbose http://www.example.org/one.zip"},
+    kHelp,
+    Option{.names = "URL", .value = "", .bind = Fill<GetArguments, &GetArguments::urls>, .text = ""},
 };
 
 constexpr std::array kLinksOptions{

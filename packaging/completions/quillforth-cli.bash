@@ -18,6 +18,20 @@ _quillforth_cli() {
   elif [[ -z $key ]]; then
     case $command:$previous in
       get:-d | get:-P | get:--to) kind=directory ;;
+      get:-i | get:--input-file) kind=file ;;
+      get:--rest) kind=file ;;
+      get:--accept) words='pictures sound film archives documents pages' prefix=, ;;
+      get:--reject) words='pictures sound film archives documents pages' prefix=, ;;
+      get:--match) return ;;
+      get:--no-match) return ;;
+      get:--archive) kind=file ;;
+      get:--cookies) kind=file ;;
+      get:--header) return ;;
+      get:--referer) words='page none' ;;
+      get:--user-agent) return ;;
+      get:--retry) words='1 2 3 5 10' ;;
+      get:--wait) return ;;
+      get:--limit-rate) return ;;
       get:--ahead) words='0 1 2 3 4 5 6 7 8' ;;
       get:--set) words=$keys suffix='=' ;;
       links:--base) return ;;
@@ -26,7 +40,7 @@ _quillforth_cli() {
       settings:--unset) words=$keys ;;
       settings:-*) ;;
       settings:*) if [[ $COMP_CWORD -eq 3 ]]; then key=$previous; else words="$keys --unset --help"; fi ;;
-      get:*) words='--to --page --file --ahead --set --no-cookies --local --json --help' ;;
+      get:*) words='--to --input-file --rest --unique --page --file --accept --reject --match --no-match --same-host --dry-run --skip-existing --archive --cookies --header --referer --user-agent --retry --wait --limit-rate --no-comment --remote-time --ahead --set --no-cookies --local --json --quiet --verbose --help' ;;
       links:*) words='--base --url --null --with-filename --help' kind=file ;;
       classify:*) words='--help' ;;
       comment:*) words='--set --help' kind=file ;;
