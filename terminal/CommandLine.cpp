@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 #include "terminal/HelpText.h"
 #include "terminal/Options.h"
 

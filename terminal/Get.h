@@ -23,7 +23,6 @@
 #include "app/MyAppController.h"
 #include "terminal/FinishedURLs.h"
 #include "terminal/GetOptions.h"
-#include "terminal/OverriddenDefaults.h"
 #include "terminal/TerminalOutlets.h"
 #include "terminal/WatchedServices.h"
 

@@ -12,7 +12,6 @@
 #include "common/BoundedText.h"
 #include "net/URL.h"
 #include "terminal/Folders.h"
-#include "terminal/OverriddenDefaults.h"
 
 namespace quillforth::terminal {
 
@@ -204,6 +203,11 @@ Error TakeDestination(const GetArguments& arguments, GetOptions& options) {
 }
 
 }  // namespace
+
+QVariant OverriddenDefaults::objectForKey(const QString& key) {
+  const auto found = overrides_.constFind(key);
+  return found != overrides_.constEnd() ? *found : defaults_.objectForKey(key);
+}
 
 Error MakeFilter(const FilterArguments& arguments, app::LinkFilter& filter) {
   QString error;

@@ -7,7 +7,6 @@
 #include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
-#include "linkextract/ScanPage.h"
 #include "terminal/InputFile.h"
 #include "terminal/Text.h"
 

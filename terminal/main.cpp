@@ -19,7 +19,6 @@
 #include <cstring>
 
 #include "classify/InternetConfig.h"
-#include "host/AssumedNetwork.h"
 #include "host/Exhaustion.h"
 #include "host/FileOrigins.h"
 #include "host/HeadlessHost.h"
@@ -35,10 +34,8 @@
 #include "linux/transfer/CurlReadStream.h"
 #include "linux/transfer/CurlSupport.h"
 #include "net/URL.h"
-#include "terminal/Aggregate.h"
-#include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
-#include "terminal/Comment.h"
+#include "terminal/Commands.h"
 #include "terminal/Folders.h"
 #include "terminal/Get.h"
 #include "terminal/Links.h"

@@ -17,8 +17,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "net/HeaderText.h"
 #include "net/URL.h"
-#include "net/UserAgent.h"
 
 namespace quillforth::platform {
 
