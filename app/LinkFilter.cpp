@@ -103,9 +103,16 @@ Found Find(const std::vector<QRegularExpression>& expressions, const QString& ur
   return Found::no;
 }
 
+// Also of what is no valid URL, because that is told when its turn comes.
 QString HostOf(const QString& text) {
-  const std::optional<platform::URL> url = platform::URL::URLWithString(text);
-  return url ? url->host().toLower() : QString();
+  const QString url = platform::WithoutCredentials(text).toLower();
+  const qsizetype slashes = url.indexOf(QStringLiteral("://"));
+  if (slashes < 0) return {};
+  const auto isEnd = [](QChar c) { return c == u'/' || c == u'?' || c == u'#' || c == u':'; };
+  const auto* const start = url.begin() + slashes + 3;
+  const auto* const end = std::find_if(start, url.end(), isEnd);
+  if (start == url.end()) return {};
+  return *start == u'[' ? url.sliced(slashes + 3).section(u']', 0, 0) : QString(start, end - start);
 }
 
 }  // namespace

@@ -73,7 +73,11 @@ Command TakeCommand(Parser& parser) {
     return Take<GetArguments>(parser.arguments);
   }
   if (name == "links") return Take<LinksArguments>(parser.arguments);
-  if (name == "classify") return Take<ClassifyArguments>(parser.arguments);
+  if (name == "classify") {
+    const auto& classify = std::get<ClassifyArguments>(parser.arguments.commands);
+    if (classify.urls.empty() && classify.inputFiles.empty()) return UsageError(name, "URL is required");
+    return Take<ClassifyArguments>(parser.arguments);
+  }
   if (name == "comment") return Take<CommentArguments>(parser.arguments);
   if (name == "settings") return Take<SettingsArguments>(parser.arguments);
   if (name == "aggregate") return Take<AggregateArguments>(parser.arguments);

@@ -57,16 +57,19 @@ struct GetArguments : FilterArguments {
   bool noCookies = false;
 };
 
-struct LinksArguments {
+struct LinksArguments : FilterArguments {
   std::vector<std::string> sources;  ///< files, "-" or URLs
   std::optional<std::string> base;
   std::optional<std::string> url;
   bool null = false;
   bool withFilename = false;  ///< with `null` only
+  bool json = false;
 };
 
 struct ClassifyArguments {
   std::vector<std::string> urls;
+  std::vector<std::string> inputFiles;
+  bool json = false;
 };
 
 struct ExtensionsArguments {};
@@ -75,11 +78,13 @@ struct SettingsArguments {
   std::optional<std::string> key;
   std::optional<std::string> value;
   bool unset = false;
+  bool json = false;
 };
 
 struct CommentArguments {
   std::vector<std::string> files;
   std::optional<std::string> text;  ///< the new comment; empty removes it
+  std::optional<std::string> find;  ///< part of an origin; `files` are folders then
 };
 
 struct AggregateArguments {

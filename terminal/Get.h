@@ -21,6 +21,7 @@
 #include "app/ControllerObserver.h"
 #include "app/Host.h"
 #include "app/MyAppController.h"
+#include "terminal/Commands.h"
 #include "terminal/FinishedURLs.h"
 #include "terminal/GetOptions.h"
 #include "terminal/TerminalOutlets.h"
@@ -30,11 +31,6 @@ namespace quillforth::terminal {
 
 class Get final : private app::ControllerObserver {
  public:
-  /// Tells where the files below a folder came from.
-  using FindOrigins = std::function<void(
-      const std::string& folder,
-      const std::function<void(const std::string& path, const std::string& origin)>& take)>;
-
   /// `services`: the host, some of whose services are observed from here. `status` is what `reporter` draws.
   Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
       const TerminalPrompt& prompt);

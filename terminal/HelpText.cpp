@@ -121,8 +121,7 @@ Exit status:
   130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
 )"},
     {"links",
-     R"(Usage: quillforth-cli links [--base URL | --url URL] [--null [--with-filename]]
-                            FILE|-|URL...
+     R"(Usage: quillforth-cli links [OPTION...] FILE|-|URL...
 
 Reads pages from files, from standard input (-), or from the web (a text that
 begins with http://, https:// or ftp://), and prints each link as an absolute
@@ -147,7 +146,8 @@ Exit status:
   2  a mistake on the command line
 )"},
     {"classify",
-     R"(Usage: quillforth-cli classify URL...
+     R"(Usage: quillforth-cli classify [--json] URL...
+       quillforth-cli classify [--json] --input-file FILE [URL...]
 
 A URL whose path ends in a file-name extension is judged by that alone: a page
 when "quillforth-cli extensions" lists a type for it that begins with "text/",
@@ -171,6 +171,7 @@ Exit status:
     {"comment",
      R"(Usage: quillforth-cli comment FILE...
        quillforth-cli comment --set TEXT FILE...
+       quillforth-cli comment --find URL-PART DIR...
 
 Prints the comment of each FILE, a file or a folder. Of several files, each line
 begins with "FILE: ". A file that "get" has downloaded has its source URL as
@@ -188,7 +189,8 @@ its control characters are written as \xHH.
 
 Exit status:
   0  all well, also when there is no comment
-  1  a FILE does not exist, or cannot carry the comment; the others were done
+  1  a FILE does not exist, or cannot carry the comment; the others were done;
+     or --find found nothing
   2  a mistake on the command line
 )"},
     {"extensions",

@@ -3,11 +3,13 @@
 #include "terminal/Links.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 
 #include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
 #include "terminal/InputFile.h"
+#include "terminal/Reporter.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -43,9 +45,22 @@ void AppendField(QByteArray& portion, std::string_view field) {
   portion.append(field).append('\0');
 }
 
-void AppendLine(QByteArray& portion, std::string_view url) {
-  if (!linkextract::IsValidUTF8(url)) return;
-  AppendPercentEncoded(portion, url);
+QByteArray JsonOf(const std::string& source, std::string_view link, const QString& url) {
+  return JsonLine({{QStringLiteral("source"), platform::WithoutCredentials(QString::fromStdString(source))},
+                   {QStringLiteral("link"), QString::fromUtf8(link)},
+                   {QStringLiteral("url"), url}});
+}
+
+// A link that is not valid UTF-8 is left out, as the queue does.
+void AppendLine(QByteArray& portion, const std::string& source, const linkextract::LinkEntry& entry,
+                bool isJson) {
+  const common::BoundedText url = entry.value();
+  if (!linkextract::IsValidUTF8(url.view())) return;
+  if (isJson) {
+    portion.append(JsonOf(source, entry.key(), QString::fromUtf8(url.view())));
+  } else {
+    AppendPercentEncoded(portion, url.view());
+  }
   portion.append('\n');
 }
 
@@ -56,21 +71,23 @@ bool IsWebSource(const std::string& source) {
 }
 
 std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
-                                  const classify::CExtensionMap& extensions, platform::PageLoader& pages,
-                                  Output& output) {
+                                  const classify::CExtensionMap& extensions, const app::LinkFilter& filter,
+                                  platform::PageLoader& pages, Output& output) {
   const InputFile page = IsWebSource(source) ? LoadPage(source, pages)
                                              : ReadInputFile(source, platform::PageLoader::kMaxPageLength,
                                                              QStringLiteral("longer than a page may be"));
   if (!page.error.isNull()) return page.error;
+  const QString own = QString::fromStdString(arguments.base.value_or(arguments.url.value_or(source)));
   QByteArray portion;
   for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, source, arguments, extensions)) {
     const common::BoundedText url = entry.value();
+    if (!filter.isEmpty() && !filter.passes({QString::fromUtf8(url.view()), own, own}, extensions)) continue;
     if (arguments.withFilename) AppendField(portion, source);
     if (arguments.null) {
       AppendField(portion, entry.key());
       AppendField(portion, url.view());
     } else {
-      AppendLine(portion, url.view());
+      AppendLine(portion, source, entry, arguments.json);
     }
     if (portion.size() < kPortion) continue;
     if (!output.write(portion)) return std::nullopt;

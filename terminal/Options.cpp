@@ -295,6 +295,53 @@ constexpr std::array kLinksOptions{
         .text = "with --null: before each link its FILE, - or URL and a NUL byte",
         .example = "links --url http://www.example.org/ --null --with-filename *.html | xargs -0 -n 3 echo",
         .needs = "--null"},
+    Option{
+        .names = "--accept",
+        .value = "LIST",
+        .bind = Fill<LinksArguments, &LinksArguments::accept>,
+        .text =
+            "of the links of pages, take only these: extensions and kinds, with commas between. The kinds "
+            "are "
+            "pictures, sound, film, archives, documents and pages; a link without an extension counts as a "
+            "page",
+        .completes = Completes::list,
+        .words = "pictures sound film archives documents pages",
+        .example = "links --accept pictures,pdf http://www.example.org/gallery/",
+        .isRepeated = true},
+    Option{.names = "--reject",
+           .value = "LIST",
+           .bind = Fill<LinksArguments, &LinksArguments::reject>,
+           .text = "leave out these, also when --accept names them",
+           .completes = Completes::list,
+           .words = "pictures sound film archives documents pages",
+           .example = "links --reject pages,gif http://www.example.org/gallery/",
+           .isRepeated = true},
+    Option{
+        .names = "--match",
+        .value = "REGEX",
+        .bind = Fill<LinksArguments, &LinksArguments::match>,
+        .text =
+            "take only links in whose absolute URL this regular expression (of Perl's kind) is found; may be "
+            "repeated, and then one of them has to be found",
+        .example = "links --match '/full/.*[0-9]+[.]jpg$' http://www.example.org/gallery/",
+        .isRepeated = true},
+    Option{.names = "--no-match",
+           .value = "REGEX",
+           .bind = Fill<LinksArguments, &LinksArguments::noMatch>,
+           .text = "leave out links in which it is found; may be repeated",
+           .example = "links --no-match thumb http://www.example.org/gallery/",
+           .isRepeated = true},
+    Option{.names = "--same-host",
+           .value = "",
+           .bind = Fill<LinksArguments, &LinksArguments::sameHost>,
+           .text = "take only links to the host of their page",
+           .example = "links --same-host http://www.example.org/gallery/"},
+    Option{.names = "--json",
+           .value = "",
+           .bind = Fill<LinksArguments, &LinksArguments::json>,
+           .text = "one JSON object a link, with \"source\", \"link\" (as it stands in the page) and \"url\"",
+           .example = "links --json http://www.example.org/ | jq -r .url",
+           .excludes = "--null"},
     kHelp,
     Option{.names = "FILE",
            .value = "",
@@ -305,12 +352,21 @@ constexpr std::array kLinksOptions{
 };
 
 constexpr std::array kClassifyOptions{
-    kHelp,
-    Option{.names = "URL",
+    Option{.names = "-i,--input-file",
+           .value = "FILE",
+           .bind = Fill<ClassifyArguments, &ClassifyArguments::inputFiles>,
+           .text = "take URLs from FILE, one a line, or from standard input when FILE is -; see \"get\"",
+           .completes = Completes::files,
+           .example = "classify --input-file list.txt > judged.txt",
+           .isRepeated = true},
+    Option{.names = "--json",
            .value = "",
-           .bind = Fill<ClassifyArguments, &ClassifyArguments::urls>,
-           .text = "",
-           .isRequired = true},
+           .bind = Fill<ClassifyArguments, &ClassifyArguments::json>,
+           .text = "one JSON object a URL, with \"kind\" (\"page\" or \"file\"), \"url\" and \"reason\"",
+           .example = "classify --json http://www.example.org/"},
+    kHelp,
+    Option{
+        .names = "URL", .value = "", .bind = Fill<ClassifyArguments, &ClassifyArguments::urls>, .text = ""},
 };
 
 constexpr std::array kCommentOptions{
@@ -319,6 +375,14 @@ constexpr std::array kCommentOptions{
            .bind = Fill<CommentArguments, &CommentArguments::text>,
            .text = "make TEXT the comment of each FILE; an empty TEXT removes it",
            .example = "comment --set \"the first of three\" one.zip"},
+    Option{.names = "--find",
+           .value = "URL-PART",
+           .bind = Fill<CommentArguments, &CommentArguments::find>,
+           .text = "print the files below each FILE, which is a folder then, that came from a URL with "
+                   "URL-PART in it: "
+                   "the path, a tab, the URL",
+           .example = "comment --find example.org/gallery ~/Pictures",
+           .excludes = "--set"},
     kHelp,
     Option{.names = "FILE",
            .value = "",
@@ -338,6 +402,12 @@ constexpr std::array kSettingsOptions{
            .example = "settings --unset DestinationDirectory",
            .excludes = "VALUE",
            .needs = "KEY"},
+    Option{.names = "--json",
+           .value = "",
+           .bind = Fill<SettingsArguments, &SettingsArguments::json>,
+           .text = "print one JSON object a setting, with \"key\", \"value\" and \"origin\" (\"default\" or "
+                   "\"stored\")",
+           .example = "settings --json"},
     kHelp,
     Option{.names = "KEY",
            .value = "",

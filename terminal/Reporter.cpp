@@ -68,6 +68,21 @@ QByteArray MovedLine(const QString& from, const QString& to) {
   return (QStringLiteral("moved ") + Printable(from) + QStringLiteral(" -> ") + Printable(to)).toUtf8();
 }
 
+QByteArray JsonLine(const QJsonObject& object) {
+  const QString text = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+  QByteArray line;
+  line.reserve(text.size());
+  // Beyond ASCII everything is escaped: some of it would steer a terminal.
+  for (const QChar c : text) {
+    if (c.unicode() < 0x7f) {
+      line.append(static_cast<char>(c.unicode()));
+    } else {
+      line.append("\\u").append(QByteArray::number(c.unicode(), 16).rightJustified(4, '0'));
+    }
+  }
+  return line;
+}
+
 QByteArray NoticeText(const QString& message) {
   return "quillforth-cli: " + Printable(message).toUtf8() + '\n';
 }
@@ -117,18 +132,7 @@ void LineReporter::end(const Summary& summary) {
 }
 
 void JsonReporter::write(const QJsonObject& event) {
-  const QString text = QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact));
-  QByteArray line;
-  line.reserve(text.size());
-  // Beyond ASCII everything is escaped: some of it would steer a terminal.
-  for (const QChar c : text) {
-    if (c.unicode() < 0x7f) {
-      line.append(static_cast<char>(c.unicode()));
-    } else {
-      line.append("\\u").append(QByteArray::number(c.unicode(), 16).rightJustified(4, '0'));
-    }
-  }
-  results_.writeLine(line);
+  results_.writeLine(JsonLine(event));
 }
 
 void JsonReporter::pageDidLoad(const QString& url, int links) {

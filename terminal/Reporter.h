@@ -130,6 +130,8 @@ class JsonReporter final : public Reporter {
 [[nodiscard]] QByteArray RetryLine(const Failure& failure);
 [[nodiscard]] QByteArray SkippedLine(const QString& url, const QString& where);
 [[nodiscard]] QByteArray MovedLine(const QString& from, const QString& to);
+/// The object in ASCII, so that nothing in it steers a terminal.
+[[nodiscard]] QByteArray JsonLine(const QJsonObject& object);
 /// What standard error gets: "quillforth-cli: " and the message, made one harmless line.
 [[nodiscard]] QByteArray NoticeText(const QString& message);
 /// What is worth saying at the end; empty when the lines before, or the user, have said it all.

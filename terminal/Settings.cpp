@@ -3,6 +3,8 @@
 #include "terminal/Settings.h"
 
 #include <QFile>
+#include <QJsonObject>
+#include <QJsonValue>
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -12,6 +14,7 @@
 #include "app/Preferences.h"
 #include "fileops/FolderItems.h"
 #include "terminal/Folders.h"
+#include "terminal/Reporter.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -56,7 +59,12 @@ const BooleanSetting* FindBoolean(const QString& key) {
 }
 
 SettingsError UnknownKey(const std::string& key) {
-  return {"no setting is called \"" + key + "\"", kExitUsage};
+  std::string known;
+  for (const BooleanSetting& setting : kBooleanSettings)
+    known.append(setting.preference.key.data()).append(", ");
+  return {"no setting is called \"" + key + "\"; there are " + known + app::kDownloadsAheadKey.data() +
+              " and " + app::kDestinationDirectoryKey.data(),
+          kExitUsage};
 }
 
 std::variant<Setting, SettingsError> MakeFolderSetting(const std::string& path,
@@ -69,6 +77,15 @@ std::variant<Setting, SettingsError> MakeFolderSetting(const std::string& path,
   const std::optional<QByteArray> alias = aliases.newAlias(platform::FileReference(*folder.path));
   if (!alias) return SettingsError{path + ": cannot be examined"};
   return Setting{app::kDestinationDirectoryKey, *alias};
+}
+
+// It is found again wherever it is moved, perhaps under a shorter path.
+void WarnOfLongFolder(const std::string& path, Output& errors) {
+  const FolderAtPath folder = ExistingFolder(path);
+  if (!folder.path || folder.path->size() <= app::kLongestUsedPath) return;
+  const QString text = QStringLiteral(
+      "the path of this folder is %1 bytes long; nothing is downloaded into one of more than %2");
+  errors.write(NoticeText(text.arg(folder.path->size()).arg(app::kLongestUsedPath)));
 }
 
 }  // namespace
@@ -113,21 +130,27 @@ std::variant<Setting, SettingsError> MakeSetting(const std::string& key, const s
   return Setting{name, *boolean};
 }
 
-std::optional<SettingsError> SettingsCommand::run(const SettingsArguments& arguments, Output& output) {
+std::optional<SettingsError> SettingsCommand::run(const SettingsArguments& arguments, Output& output,
+                                                  Output& errors) {
   if (!arguments.key) {
-    printAll(output);
+    printAll(arguments.json, output);
     return std::nullopt;
   }
   const QString key = QString::fromStdString(*arguments.key);
   if (arguments.value) {
     const auto setting = MakeSetting(*arguments.key, *arguments.value, aliases_);
     if (const auto* error = std::get_if<SettingsError>(&setting)) return *error;
+    if (key == app::kDestinationDirectoryKey) WarnOfLongFolder(*arguments.value, errors);
     return store(std::get<Setting>(setting));
   }
   const std::optional<QString> value = effectiveValue(key);
   if (!value) return UnknownKey(*arguments.key);
   if (arguments.unset) return unset(key);
-  output.writeLine(Printable(*value).toUtf8());
+  if (arguments.json) {
+    print(key, true, output);
+  } else {
+    output.writeLine(Printable(*value).toUtf8());
+  }
   return std::nullopt;
 }
 
@@ -156,16 +179,26 @@ std::optional<QString> SettingsCommand::effectiveValue(const QString& key) {
   return value ? QStringLiteral("yes") : QStringLiteral("no");
 }
 
-void SettingsCommand::printAll(Output& output) {
+void SettingsCommand::print(const QString& key, bool asJson, Output& output) {
+  const QString origin =
+      defaults_.objectForKey(key).isValid() ? QStringLiteral("stored") : QStringLiteral("default");
+  const QString value = effectiveValue(key).value_or(QString());
+  if (!asJson) {
+    output.writeLine((key + u'\t' + Printable(value) + u'\t' + origin).toUtf8());
+    return;
+  }
+  QJsonValue typed(value);
+  if (FindBoolean(key) != nullptr) typed = value == u"yes";
+  if (key == app::kDownloadsAheadKey) typed = value.toInt();
+  output.writeLine(JsonLine(
+      {{QStringLiteral("key"), key}, {QStringLiteral("value"), typed}, {QStringLiteral("origin"), origin}}));
+}
+
+void SettingsCommand::printAll(bool asJson, Output& output) {
   QStringList keys;
   for (const BooleanSetting& setting : kBooleanSettings) keys.append(setting.preference.key);
   keys << app::kDownloadsAheadKey << app::kDestinationDirectoryKey;
-  for (const QString& key : keys) {
-    const QString origin =
-        defaults_.objectForKey(key).isValid() ? QStringLiteral("stored") : QStringLiteral("default");
-    const QString value = Printable(effectiveValue(key).value_or(QString()));
-    output.writeLine((key + u'\t' + value + u'\t' + origin).toUtf8());
-  }
+  for (const QString& key : keys) print(key, asJson, output);
 }
 
 }  // namespace quillforth::terminal

@@ -61,15 +61,17 @@ class SettingsCommand {
                   platform::FileManager& files)
       : defaults_(defaults), aliases_(aliases), files_(files) {}
 
-  /// Prints or changes what `arguments` ask for; an error when it cannot.
-  [[nodiscard]] std::optional<SettingsError> run(const SettingsArguments& arguments, Output& output);
+  /// Prints or changes what `arguments` ask for; an error when it cannot. A warning goes to `errors`.
+  [[nodiscard]] std::optional<SettingsError> run(const SettingsArguments& arguments, Output& output,
+                                                 Output& errors);
 
  private:
   [[nodiscard]] std::optional<SettingsError> store(const Setting& setting);
   [[nodiscard]] std::optional<SettingsError> unset(const QString& key);
   /// "yes", "no", a number or a path; nothing for an unknown key.
   [[nodiscard]] std::optional<QString> effectiveValue(const QString& key);
-  void printAll(Output& output);
+  void print(const QString& key, bool asJson, Output& output);
+  void printAll(bool asJson, Output& output);
 
   platform::UserDefaults& defaults_;
   platform::AliasManager& aliases_;

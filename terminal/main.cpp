@@ -209,6 +209,8 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
   if (!hasBase && !std::all_of(arguments.sources.begin(), arguments.sources.end(), IsWebSource)) {
     return Complain(UsageError("links", "a file needs --base or --url"), errors);
   }
+  app::LinkFilter filter;
+  if (const auto error = MakeFilter(arguments, filter)) return Complain(*error, "links", errors);
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers = platform::SettingsFromEnvironment();
   platform::TransferThread thread(transfers);
@@ -216,7 +218,7 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
   const classify::CExtensionMap extensions = LoadExtensionMap();
   int exitStatus = kExitSuccess;
   for (const std::string& source : arguments.sources) {
-    if (const auto error = PrintLinks(source, arguments, extensions, pages, results)) {
+    if (const auto error = PrintLinks(source, arguments, extensions, filter, pages, results)) {
       errors.write(NoticeText(*error));
       exitStatus = kExitFailure;
     }
@@ -226,15 +228,24 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
 }
 
 int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
+  QStringList urls = StringList(arguments.urls);
+  for (const std::string& path : arguments.inputFiles) {
+    const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
+    if (!list.error.isNull()) return Complain(SettingsError{list.error.toStdString()}, "classify", errors);
+    for (const GivenURL& url : URLsOfList(list.bytes)) urls.append(url.text);
+  }
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers = platform::SettingsFromEnvironment();
   platform::TransferThread thread(transfers);
   platform::CurlReadStreamFactory streams(thread);
-  PrintClassifications(StringList(arguments.urls), LoadExtensionMap(), streams, results);
+  PrintClassifications(urls, arguments.json, LoadExtensionMap(), streams, results);
   return Finish(kExitSuccess, results, errors);
 }
 
 int Run(const CommentArguments& arguments, Output& results, Output& errors) {
+  if (arguments.find) {
+    return Finish(RunFind(arguments, &host::ForEachOrigin, results, errors), results, errors);
+  }
   platform::AppleEventManager events;
   const platform::LinuxFinder finder(events);
   return Finish(RunComment(arguments, events, results, errors), results, errors);
@@ -249,7 +260,7 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   platform::SettingsUserDefaults defaults;
   platform::LinuxAliasManager aliases(platform::HomeFolder());
   platform::LinuxFileManager files;
-  auto error = SettingsCommand(defaults, aliases, files).run(arguments, results);
+  auto error = SettingsCommand(defaults, aliases, files).run(arguments, results, errors);
   if (!error && defaults.hasFailed()) {
     error = SettingsError{defaults.fileName().toStdString() + ": damaged, or cannot be read or written"};
   }
