@@ -3,6 +3,10 @@
 // Sorting the destination folder: the question that comes first, and the sorting itself for the host.
 #pragma once
 
+#include <functional>
+#include <string>
+#include <utility>
+
 #include "app/Host.h"
 #include "app/Outlets.h"
 #include "fileops/AggregateFolder.h"
@@ -23,6 +27,10 @@ class ExtensionAggregation final : public FolderAggregation {
   /// Both outlive this.
   ExtensionAggregation(platform::FolderAccess& folders, platform::SystemLog& log) : services_{folders, log} {}
 
+  /// From now on `moved` hears of each item that is moved: its paths before and after.
+  void tellMoves(std::function<void(const std::string& from, const std::string& to)> moved) {
+    services_.itemMoved = std::move(moved);
+  }
   void aggregateFolder(const QString& path) override { (void)fileops::AggregateFolder(services_, path); }
 
  private:

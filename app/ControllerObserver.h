@@ -26,6 +26,7 @@ struct DownloadProgress {
   std::uint64_t received = 0;
   std::int64_t expected = -1;
   QString text = {};  ///< the URL as it was given, credentials included
+  QString page = {};  ///< URL of the page that it was found on; null: none
 };
 
 class ControllerObserver {

@@ -43,7 +43,7 @@ void MyAppController::downloadFile(const QString& url, const QString& page) {
   ++startedCount_;
   fileWebDownload_ = host_.downloads->startDownload(requestFor(*target, page), *this);
   inFlight_.push_back(
-      {fileWebDownload_, {.url = target->stringWithoutCredentials(), .path = {}, .text = url}});
+      {fileWebDownload_, {.url = target->stringWithoutCredentials(), .path = {}, .text = url, .page = page}});
   expectNextURLs();
 }
 
@@ -54,6 +54,12 @@ platform::WebDownloadRequest MyAppController::requestFor(const platform::URL& ur
 
 bool MyAppController::isBeginning() const {
   return std::any_of(inFlight_.begin(), inFlight_.end(), [](const InFlight& each) { return !each.hasBegun; });
+}
+
+QStringList MyAppController::textsInFlight() const {
+  QStringList texts;
+  for (const InFlight& each : inFlight_) texts.append(each.progress.text);
+  return texts;
 }
 
 MyAppController::InFlight& MyAppController::inFlight(const platform::WebDownload& download) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/ControllerObserver.h"
+#include "app/LinkFilter.h"
 #include "app/LocalizedText.h"
 #include "app/Outlets.h"
 #include "platform/Alias.h"
@@ -83,6 +84,7 @@ struct Host {
   const EventIntake* events = nullptr;              ///< null: no events come in
   platform::RunningProcesses* processes = nullptr;  ///< null: no browser ever runs
   platform::ScriptHost* scripts = nullptr;          ///< null: no script compiles
+  LinkChoice wantsLink = {};                        ///< null: every link of a page joins the queue
   Calculate calculate = [](const std::function<void()>& calculation) { return calculation(), true; };
 };
 

@@ -20,13 +20,16 @@ namespace {
 
 // A value that was cut inside a character makes no string.
 UrlQueue LinksOfPage(const platform::PageLoad& page, const QString& pageURL,
-                     const classify::CExtensionMap& extensions) {
+                     const classify::CExtensionMap& extensions, const LinkChoice& wantsLink) {
   const linkextract::LinkTable links =
       linkextract::ExtractPageLinks({page.data->constData(), static_cast<std::size_t>(page.data->size())},
                                     pageURL.toStdString(), extensions);
   UrlQueue urls;
   for (const linkextract::LinkEntry& link : links) {
-    if (linkextract::IsValidUTF8(link.value().view())) urls.append(link, page.url);
+    const common::BoundedText url = link.value();
+    if (!linkextract::IsValidUTF8(url.view())) continue;
+    if (wantsLink && !wantsLink({QString::fromUtf8(url.view()), page.url, pageURL})) continue;
+    urls.append(link, page.url);
   }
   return urls;
 }
@@ -87,7 +90,8 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
   const platform::PageLoad page = host_.pageLoader->resourceData(*url);
   if (!page.data) return fail(page.failure);
   UrlQueue urls;
-  if (!host_.calculate([&] { urls = LinksOfPage(page, pageURL, extensionMap_); })) return fail({});
+  if (!host_.calculate([&] { urls = LinksOfPage(page, pageURL, extensionMap_, host_.wantsLink); }))
+    return fail({});
   const std::size_t linkCount = urls.size();
   urlList_.append(std::move(urls));
   tell(&ControllerObserver::pageWasQueued, pageURL, linkCount);

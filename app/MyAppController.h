@@ -78,6 +78,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   [[nodiscard]] bool isBusy() const { return !inFlight_.empty(); }
   /// One of those has not begun.
   [[nodiscard]] bool isBeginning() const;
+  /// Their URLs as they were given, credentials included.
+  [[nodiscard]] QStringList textsInFlight() const;
   /// How many have been started so far.
   [[nodiscard]] int startedCount() const { return startedCount_; }
   void setDownloading(bool downloading);

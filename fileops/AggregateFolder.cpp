@@ -224,6 +224,9 @@ Status MoveItemPreservingComment(const AggregationServices& services, const Item
   if (comment && moved.status == common::kNoError) {
     services.comments->setComment(platform::FileReference(PathInFolder(destination, moved.name)), *comment);
   }
+  if (services.itemMoved && moved.status == common::kNoError) {
+    services.itemMoved(PathInFolder(item.parent, item.name), PathInFolder(destination, moved.name));
+  }
   return moved.status;
 }
 

@@ -124,6 +124,8 @@ struct AggregationServices {
   /// Hears of each item that could not be moved, and why: -37 when its name is not UTF-8 or too long, -1303
   /// for another file system, -1407 when its subfolder is no folder.
   std::function<void(const std::string& name, common::Status reason)> itemStays = {};
+  /// Hears of each item that was moved: its paths before and after.
+  std::function<void(const std::string& from, const std::string& to)> itemMoved = {};
 };
 
 struct AggregationResult {

@@ -28,13 +28,15 @@ const char* ReasonText(int error) {
   return error == EINTR ? "the wait for the disk was interrupted" : std::strerror(error);
 }
 
+platform::TransferSettings EndingWithInterruption(platform::TransferSettings settings) {
+  settings.interrupted = &platform::Interruption::flag();
+  return settings;
+}
+
 }  // namespace
 
-HeadlessHost::HeadlessHost(const platform::DownloadOptions& options, bool keepsCookies)
-    : transfers_{.caCertificateFile = {},
-                 .interrupted = &platform::Interruption::flag(),
-                 .keepsCookies = keepsCookies},
-      downloads_(transfers_, options) {}
+HeadlessHost::HeadlessHost(const platform::DownloadOptions& options, platform::TransferSettings transfers)
+    : transfers_(EndingWithInterruption(std::move(transfers))), downloads_(transfers_, options) {}
 
 HeadlessHost::~HeadlessHost() {
   downloads_.end();

@@ -59,7 +59,9 @@ class NoSounds final : public platform::SoundLoader {
 
 class HeadlessHost {
  public:
-  explicit HeadlessHost(const platform::DownloadOptions& options = {}, bool keepsCookies = true);
+  /// Transfers end with an Interruption, whatever `transfers` says.
+  explicit HeadlessHost(const platform::DownloadOptions& options = {},
+                        platform::TransferSettings transfers = platform::SettingsFromEnvironment());
   /// Waits some seconds until all files that were downloaded survive a power cut, and says on standard error
   /// if that is not sure.
   ~HeadlessHost();
@@ -73,6 +75,7 @@ class HeadlessHost {
   [[nodiscard]] platform::AppleEventManager& events() { return events_; }
   [[nodiscard]] platform::SettingsUserDefaults& userDefaults() { return defaults_; }
   [[nodiscard]] platform::NetworkDiagnostics& network() { return network_; }
+  [[nodiscard]] app::ExtensionAggregation& aggregation() { return aggregation_; }
   [[nodiscard]] platform::SystemLog& log() { return log_; }
 
  private:

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/BoundedText.h"
 #include "net/UTF8.h"
@@ -103,6 +104,36 @@ bool BracketsHoldAddress(const QString& text) {
          (end + 1 == host.size() || host[end + 1] == u':') && IsAddressLiteral(host.sliced(1, end - 1));
 }
 
+// Whether the text begins with a scheme, and not with a host and its port.
+bool HasScheme(const QString& text) {
+  const qsizetype end = SplitURL(text).scheme.length;
+  const qsizetype portEnd = FindAnyOf(text, u"/?#", std::min(end + 1, text.size()));
+  bool isPort = false;
+  static_cast<void>(
+      QStringView(text).sliced(0, portEnd).sliced(std::min(end + 1, portEnd)).toUShort(&isPort));
+  return end > 0 && !isPort;
+}
+
+// What may not stand in a URL, and a "%" or a second "#" that means itself, as %-escapes of UTF-8.
+QString Escaped(const QString& text) {
+  QString escaped;
+  bool inFragment = false;
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const QChar c = text[i];
+    const bool isEscape =
+        c == u'%' && i + 2 < text.size() && IsHexDigit(text[i + 1]) && IsHexDigit(text[i + 2]);
+    const bool beginsFragment = c == u'#' && !std::exchange(inFragment, inFragment || c == u'#');
+    if (isEscape || beginsFragment || MayStandInURL(c)) {
+      escaped += c;
+    } else {
+      const qsizetype length = c.isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+      escaped += QString::fromLatin1(text.sliced(i, length).toUtf8().toPercentEncoding());
+      i += length - 1;
+    }
+  }
+  return escaped;
+}
+
 // The part before its "@" is a mailbox: it is no user of a server, and holds no password.
 bool IsMailAddress(QStringView text) {
   constexpr QStringView kScheme(u"mailto:");
@@ -168,6 +199,27 @@ bool HasWebScheme(QStringView text) {
 
 bool CanBeFetched(const URL& url) {
   return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
+}
+
+std::optional<URL> URLOfTypedText(const QString& text) {
+  if (std::optional<URL> url = URL::URLWithString(text); url && CanBeFetched(*url)) return url;
+  QString typed = text.trimmed();
+  if (!HasWebScheme(typed) && HasScheme(typed)) return std::nullopt;
+  if (!HasWebScheme(typed)) typed.prepend(QStringLiteral("http://"));
+  const Span authority = SplitURL(typed).authority;
+  const qsizetype end = authority.start + authority.length;
+  const qsizetype at = typed.first(end).lastIndexOf(u'@', -1);
+  const qsizetype hostStart = std::max(authority.start, at + 1);
+  QString host = typed.sliced(hostStart, end - hostStart);
+  const bool isASCII = std::all_of(host.begin(), host.end(), [](QChar c) { return c.unicode() < 0x80; });
+  if (!isASCII) {
+    const qsizetype colon = FindAnyOf(host, u":", 0);
+    host = QString::fromLatin1(QUrl::toAce(host.first(colon))) + host.sliced(colon);
+  }
+  const QString user = Escaped(typed.sliced(authority.start, hostStart - authority.start));
+  std::optional<URL> url =
+      URL::URLWithString(typed.first(authority.start) + user + host + Escaped(typed.sliced(end)));
+  return url && CanBeFetched(*url) && !host.startsWith(u'.') ? url : std::nullopt;
 }
 
 QString WithoutCredentials(const QString& text) {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "net/URL.h"
+#include "platform/TransferFailure.h"
 
 namespace quillforth::platform {
 
@@ -19,6 +20,7 @@ struct PageLoad {
   /// Where the page came from in the end, after redirects, without credentials and fragment; null without a
   /// page.
   QString url{};
+  TransferFailure cause{};  ///< why there is nothing
 };
 
 class PageLoader {

@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "net/URL.h"
+#include "platform/TransferFailure.h"
 
 namespace quillforth::platform {
 
@@ -69,6 +70,7 @@ struct DownloadError {
   /// For people, ends in "."; null when there is none. Never holds credentials.
   QString localizedDescription;
   QString failingURLString;  ///< without credentials; null when unknown
+  TransferFailure cause{};
 };
 
 class WebDownload;

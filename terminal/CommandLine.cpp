@@ -6,10 +6,13 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <span>
+#include <string_view>
 #include <utility>
 
 #include "net/UTF8.h"
 #include "terminal/HelpText.h"
+#include "terminal/Options.h"
 
 namespace quillforth::terminal {
 
@@ -18,70 +21,33 @@ namespace {
 // The parser with the values that it fills; it keeps references to them.
 struct Parser {
   Parser();
-  // Whether `word` may be the first one.
-  [[nodiscard]] bool knows(const std::string& word) {
-    const auto isNamed = [&word](const CLI::App* command) { return command->get_name() == word; };
-    return !app.get_subcommands(isNamed).empty() || app.get_option_no_throw(word) != nullptr;
-  }
-
   CLI::App app;
-  GetArguments getArguments;
-  bool page = false;
-  bool file = false;
-  LinksArguments linksArguments;
-  ClassifyArguments classifyArguments;
-  CommentArguments commentArguments;
-  SettingsArguments settingsArguments;
-  AggregateArguments aggregateArguments;
-  CLI::App* get;
-  CLI::App* links;
-  CLI::App* classify;
-  CLI::App* comment;
-  CLI::App* extensions;
-  CLI::App* settings;
-  CLI::App* aggregate;
+  ParsedArguments arguments;
 };
 
-Parser::Parser()
-    : get(app.add_subcommand("get")),
-      links(app.add_subcommand("links")),
-      classify(app.add_subcommand("classify")),
-      comment(app.add_subcommand("comment")),
-      extensions(app.add_subcommand("extensions")),
-      settings(app.add_subcommand("settings")),
-      aggregate(app.add_subcommand("aggregate")) {
+CLI::Option* Find(CLI::App& command, std::string_view longName) {
+  return longName.empty() ? nullptr : command.get_option(std::string(longName));
+}
+
+void AddOptions(CLI::App& command, std::span<const Option> options, ParsedArguments& arguments) {
+  for (const Option& option : options) {
+    if (option.bind == nullptr) continue;
+    option.bind(command, std::string(option.names), arguments)->required(option.isRequired);
+  }
+  for (const Option& option : options) {
+    CLI::Option* own = option.bind == nullptr ? nullptr : Find(command, option.longName());
+    if (CLI::Option* other = Find(command, option.excludes)) own->excludes(other);
+    if (CLI::Option* other = Find(command, option.needs)) own->needs(other);
+  }
+}
+
+Parser::Parser() {
   app.require_subcommand(1);
-  app.set_version_flag("--version", VersionText());
-
-  get->add_option("--to", getArguments.to);
-  CLI::Option* pageFlag = get->add_flag("--page", page);
-  get->add_flag("--file", file)->excludes(pageFlag);
-  get->add_option("--ahead", getArguments.ahead);
-  get->add_option("--set", getArguments.settings)->allow_extra_args(false);
-  get->add_flag("--json", getArguments.json);
-  get->add_flag("--local", getArguments.local);
-  get->add_flag("!--no-cookies", getArguments.keepsCookies);
-  get->add_option("URL", getArguments.urls)->required();
-
-  CLI::Option* baseOption = links->add_option("--base", linksArguments.base);
-  links->add_option("--url", linksArguments.url)->excludes(baseOption);
-  CLI::Option* nullFlag = links->add_flag("--null", linksArguments.null);
-  links->add_flag("--with-filename", linksArguments.withFilename)->needs(nullFlag);
-  links->add_option("FILE", linksArguments.sources)->required();
-
-  classify->add_option("URL", classifyArguments.urls)->required();
-
-  comment->add_option("--set", commentArguments.text)->allow_extra_args(false);
-  comment->add_option("FILE", commentArguments.files)->required();
-
-  CLI::Option* valueOption = nullptr;
-  CLI::Option* keyOption = settings->add_option("KEY", settingsArguments.key);
-  valueOption = settings->add_option("VALUE", settingsArguments.value)->needs(keyOption);
-  settings->add_flag("--unset", settingsArguments.unset)->needs(keyOption)->excludes(valueOption);
-
-  aggregate->add_flag("--yes", aggregateArguments.yes);
-  aggregate->add_flag("--dry-run", aggregateArguments.dryRun);
-  aggregate->add_option("DIR", aggregateArguments.folder)->required();
+  app.set_version_flag("-V,--version", VersionText());
+  for (const CommandDescription& command : Commands()) {
+    if (command.name.empty()) continue;
+    AddOptions(*app.add_subcommand(std::string(command.name)), command.options, arguments);
+  }
 }
 
 std::string CommandName(const CLI::App& app) {
@@ -89,18 +55,45 @@ std::string CommandName(const CLI::App& app) {
   return parsed.empty() ? std::string() : parsed.front()->get_name();
 }
 
+bool IsCommand(const std::string& name) {
+  return !name.empty() &&
+         std::ranges::any_of(Commands(), [&](const auto& each) { return each.name == name; });
+}
+
+template <typename Arguments>
+Command Take(ParsedArguments& parsed) {
+  return std::move(std::get<Arguments>(parsed.commands));
+}
+
 Command TakeCommand(Parser& parser) {
-  if (parser.get->parsed()) {
-    if (parser.page) parser.getArguments.kind = GetArguments::Kind::page;
-    if (parser.file) parser.getArguments.kind = GetArguments::Kind::file;
-    return std::move(parser.getArguments);
+  const std::string name = CommandName(parser.app);
+  if (name == "get") {
+    const auto& get = std::get<GetArguments>(parser.arguments.commands);
+    if (get.urls.empty() && get.inputFiles.empty()) return UsageError("get", "URL is required");
+    return Take<GetArguments>(parser.arguments);
   }
-  if (parser.links->parsed()) return std::move(parser.linksArguments);
-  if (parser.classify->parsed()) return std::move(parser.classifyArguments);
-  if (parser.comment->parsed()) return std::move(parser.commentArguments);
-  if (parser.settings->parsed()) return std::move(parser.settingsArguments);
-  if (parser.aggregate->parsed()) return std::move(parser.aggregateArguments);
+  if (name == "links") return Take<LinksArguments>(parser.arguments);
+  if (name == "classify") {
+    const auto& classify = std::get<ClassifyArguments>(parser.arguments.commands);
+    if (classify.urls.empty() && classify.inputFiles.empty()) return UsageError(name, "URL is required");
+    return Take<ClassifyArguments>(parser.arguments);
+  }
+  if (name == "comment") return Take<CommentArguments>(parser.arguments);
+  if (name == "settings") return Take<SettingsArguments>(parser.arguments);
+  if (name == "aggregate") return Take<AggregateArguments>(parser.arguments);
   return ExtensionsArguments();
+}
+
+Answer UnknownCommand(const std::string& name) {
+  return UsageError("", "no command is called \"" + name + "\"");
+}
+
+// "help" and, perhaps, a command.
+Command Help(const std::vector<std::string>& arguments) {
+  const std::string name = arguments.size() > 1 ? arguments[1] : "";
+  if (arguments.size() > 2) return UsageError("", "help takes the name of one command");
+  if (!name.empty() && !IsCommand(name)) return UnknownCommand(name);
+  return Answer{.results = HelpText(name), .errors = {}, .exitStatus = kExitSuccess};
 }
 
 }  // namespace
@@ -114,10 +107,11 @@ Answer UsageError(const std::string& command, const std::string& message) {
 }
 
 Command ParseCommandLine(const std::vector<std::string>& arguments) {
+  if (!arguments.empty() && arguments.front() == "help") return Help(arguments);
   Parser parser;
-  if (!arguments.empty() && !parser.knows(arguments.front())) {
-    return UsageError("", "no command is called \"" + arguments.front() + "\"");
-  }
+  const bool isKnown = arguments.empty() || IsCommand(arguments.front()) ||
+                       parser.app.get_option_no_throw(arguments.front()) != nullptr;
+  if (!isKnown) return UnknownCommand(arguments.front());
   try {
     parser.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     return TakeCommand(parser);

@@ -4,10 +4,15 @@
 
 #include <unistd.h>
 
+#include <QJsonObject>
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "app/Aggregation.h"
 #include "appleevents/HFSPath.h"
@@ -24,9 +29,13 @@
 
 namespace quillforth::terminal {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 using fileops::AggregationResult;
+
+constexpr qsizetype kPortion = 65536;
 
 // What the system's log gets in a window goes to the person at the terminal.
 class NoticeLog final : public platform::SystemLog {
@@ -62,15 +71,62 @@ int Fail(const std::string& message, Output& errors) {
   return kExitFailure;
 }
 
-AggregationResult Plan(const QString& folder, const fileops::AggregationServices& services, Output& results) {
+// Where items would be, by where they are.
+using Moves = std::map<std::string, std::string>;
+
+std::vector<fs::path> LinksIn(const std::string& folder) {
+  std::vector<fs::path> links;
+  std::error_code error;
+  for (fs::directory_iterator item(folder, error); !error && item != fs::directory_iterator();
+       item.increment(error)) {
+    std::error_code unknown;
+    if (item->is_symlink(unknown)) links.push_back(item->path());
+  }
+  return links;
+}
+
+// Whether something will be at `path`, which is in `folder` or not, once nothing but `moves` has happened.
+bool WillExist(const fs::path& path, const fs::path& folder, const Moves& moves) {
+  std::error_code error;
+  const fs::path below = path.lexically_relative(folder);
+  const bool isInFolder = !below.empty() && *below.begin() != "..";
+  if (isInFolder && moves.contains((folder / *below.begin()).string())) return false;
+  if (fs::exists(path, error)) return true;
+  return std::ranges::any_of(moves, [&](const auto& move) { return move.second == path.string(); });
+}
+
+bool WillDangle(const fs::path& link, const fs::path& folder, const Moves& moves) {
+  std::error_code error;
+  const fs::path target = fs::read_symlink(link, error);
+  if (error || !fs::exists(link, error)) return false;  // it dangles already
+  const auto moved = moves.find(link.string());
+  const fs::path place = moved == moves.end() ? link : fs::path(moved->second);
+  return !WillExist((place.parent_path() / target).lexically_normal(), folder, moves);
+}
+
+AggregationResult Plan(const QString& folder, const fileops::AggregationServices& services, Output& results,
+                       Output& errors) {
   const auto relative = [&folder](const std::string& path) {
     const QString text = QString::fromStdString(path).sliced(folder.size());
     return Printable(text.startsWith(u'/') ? text.sliced(1) : text).toUtf8();
   };
+  const std::vector<fs::path> links = LinksIn(folder.toStdString());
+  Moves moves;
+  QByteArray portion;  // nobody waits for single lines of a plan
   fileops::MovePlan plan(services.folders, [&](const std::string& from, const std::string& to) {
-    results.writeLine(relative(from) + '\t' + relative(to));
+    portion += relative(from) + '\t' + relative(to) + '\n';
+    if (!links.empty()) moves.emplace(from, to);
+    if (portion.size() > kPortion) results.write(std::exchange(portion, {}));
   });
-  return fileops::AggregateFolder({plan, services.log, nullptr, services.itemStays}, folder);
+  const AggregationResult result =
+      fileops::AggregateFolder({plan, services.log, nullptr, services.itemStays}, folder);
+  results.write(portion);
+  for (const fs::path& link : links) {
+    if (!WillDangle(link, folder.toStdString(), moves)) continue;
+    errors.write(NoticeText(platform::LosslessText(link.filename().string()) +
+                            QStringLiteral(" would point to nothing after the move")));
+  }
+  return result;
 }
 
 }  // namespace
@@ -97,7 +153,7 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
             NoticeText(item + QStringLiteral(" stays: ") + QString::fromStdString(ReasonToStay(reason))));
       }};
   const AggregationResult result =
-      arguments.dryRun ? Plan(folder, services, results) : fileops::AggregateFolder(services, folder);
+      arguments.dryRun ? Plan(folder, services, results, errors) : fileops::AggregateFolder(services, folder);
   if (result.status != common::kNoError) return Fail(*found.path + ": cannot be read", errors);
   if (result.left == 0) return kExitSuccess;
   return Fail("not everything could be moved; items that stay: " + std::to_string(result.left), errors);
@@ -138,15 +194,18 @@ QByteArray TabSeparated(const QStringList& columns) {
 
 }  // namespace
 
-void PrintClassifications(const QStringList& urls, const classify::CExtensionMap& map,
+void PrintClassifications(const QStringList& urls, bool asJson, const classify::CExtensionMap& map,
                           platform::HTTPReadStreamFactory& streams, Output& output) {
   for (const QString& url : urls) {
     const classify::Classification classification = classify::classifyURL(url, map, streams);
     const QString kind = classification.isPage ? QStringLiteral("page") : QStringLiteral("file");
-    if (!output.writeLine(
-            TabSeparated({kind, platform::WithoutCredentials(url), ReasonText(classification)}))) {
-      return;
-    }
+    const QString shown = platform::WithoutCredentials(url);
+    const QString reason = ReasonText(classification);
+    const QByteArray line = asJson ? JsonLine({{QStringLiteral("kind"), kind},
+                                               {QStringLiteral("url"), shown},
+                                               {QStringLiteral("reason"), reason}})
+                                   : TabSeparated({kind, shown, reason});
+    if (!output.writeLine(line)) return;
   }
 }
 
@@ -158,8 +217,6 @@ void PrintExtensions(const classify::CExtensionMap& map, Output& output) {
   }
   output.write(lines);
 }
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -225,6 +282,22 @@ std::optional<std::string> ShowOrSet(const std::string& file, const CommentArgum
 }
 
 }  // namespace
+
+int RunFind(const CommentArguments& arguments, const FindOrigins& findOrigins, Output& results,
+            Output& errors) {
+  int exitStatus = kExitFailure;
+  for (const std::string& path : arguments.files) {
+    const FolderAtPath folder = ExistingFolder(path);
+    if (!folder.path) return Fail(folder.error, errors);
+    findOrigins(*folder.path, [&](const std::string& file, const std::string& origin) {
+      const QString url = platform::WithoutCredentials(QString::fromStdString(origin));
+      if (!url.contains(QString::fromStdString(*arguments.find))) return;
+      results.writeLine(TabSeparated({platform::LosslessText(file), url}));
+      exitStatus = kExitSuccess;
+    });
+  }
+  return exitStatus;
+}
 
 int RunComment(const CommentArguments& arguments, platform::AppleEventSender& events, Output& results,
                Output& errors) {

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <QStringList>
+#include <functional>
+#include <string>
 
 #include "appleevents/AppleEventManager.h"
 #include "classify/ExtensionMap.h"
@@ -27,11 +29,22 @@ namespace quillforth::terminal {
                                const TerminalPrompt& prompt, Output& results, Output& errors);
 
 /// `classify`: "page" or "file", the URL without credentials and the reason, separated by tabs, a line a URL.
-void PrintClassifications(const QStringList& urls, const classify::CExtensionMap& map,
+/// As JSON, one object a URL.
+void PrintClassifications(const QStringList& urls, bool asJson, const classify::CExtensionMap& map,
                           platform::HTTPReadStreamFactory& streams, Output& output);
 
 /// `extensions`: extension and MIME type, separated by a tab, a line an entry, in the table's order.
 void PrintExtensions(const classify::CExtensionMap& map, Output& output);
+
+/// Tells where the files below a folder came from.
+using FindOrigins =
+    std::function<void(const std::string& folder,
+                       const std::function<void(const std::string& path, const std::string& origin)>& take)>;
+
+/// `comment --find`: path and origin, separated by a tab, of each file below the folders whose origin holds
+/// the text. The exit status; 1 when there is none, or a folder cannot be read.
+[[nodiscard]] int RunFind(const CommentArguments& arguments, const FindOrigins& findOrigins, Output& results,
+                          Output& errors);
 
 /// `comment`: prints the comments that there are, or sets them, file by file. The exit status; 1 when a file
 /// failed, which stops none of the others. Of several files each line begins with "FILE: ".

@@ -2,14 +2,35 @@
 
 #include "terminal/Get.h"
 
+#include <QThread>
+#include <algorithm>
 #include <utility>
+
+#include "net/SuggestedFilename.h"
 
 namespace quillforth::terminal {
 
-QVariant OverriddenDefaults::objectForKey(const QString& key) {
-  const auto found = overrides_.constFind(key);
-  return found != overrides_.constEnd() ? *found : defaults_.objectForKey(key);
+namespace {
+
+constexpr std::chrono::seconds kLongestBackOff{60};
+// So often it is looked whether the run is to stop while it waits.
+constexpr std::chrono::milliseconds kLookInterval{50};
+
+std::chrono::seconds BackOff(int tries) {
+  return std::min(std::chrono::seconds(1LL << std::min(tries - 1, 10)), kLongestBackOff);
 }
+
+QString HostOf(const QString& text) {
+  const std::optional<platform::URL> url = platform::URL::URLWithString(text);
+  return url ? url->host().toLower() : QString();
+}
+
+QString NameOf(const QString& url) {
+  const std::string text = url.toStdString();
+  return platform::SuggestedFilename({{}, text, {}}, [](std::string_view) { return QString(); });
+}
+
+}  // namespace
 
 Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
          const TerminalPrompt& prompt)
@@ -17,51 +38,85 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
       reporter_(reporter),
       outlets_(status, reporter, prompt),
       defaults_(*services.userDefaults, settings.preferences),
-      downloads_(*services.downloads),
+      downloads_(*services.downloads, settings.wait.count() == 0 && !settings.arguments.limitRate),
+      pages_(*services.pageLoader),
+      sorting_(services.aggregation),
       controller_(outlets_.outlets(), host(services)) {
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
+  downloads_.pauseBy([this] { return pauseBeforeNext(); });
+  downloads_.hearFailures(
+      [this](const platform::WebDownload& download, const platform::TransferFailure& failure) {
+        leaveAlone(download.requestURL().host().toLower(), failure);
+      });
+  pages_.afterEach([this] { waitHere(); });
+  sorting_.deferWhile([this] { return !retries_.empty() && !isStopped_; });
 }
 
 // No other program asks for anything here, and no browser is asked.
 app::Host Get::host(const app::Host& services) {
   app::Host host = services;
   host.userDefaults = &defaults_;
+  host.downloads = &downloads_;
+  host.pageLoader = &pages_;
+  host.aggregation = &sorting_;
   host.observers = {this};
   host.events = nullptr;
   host.processes = nullptr;
   host.scripts = nullptr;
+  const GetArguments& arguments = settings_.arguments;
+  const bool chooses = !settings_.filter.isEmpty() || arguments.unique || arguments.dryRun ||
+                       arguments.skipExisting || arguments.archive;
+  if (chooses) host.wantsLink = [this](const app::FoundLink& link) { return wants(link); };
   return host;
 }
 
-Summary Get::run(const QStringList& urls) {
-  urls_.assign(urls.begin(), urls.end());
+Summary Get::run() {
+  urls_.assign(settings_.urls.begin(), settings_.urls.end());
   controller_.awakeFromNib();
   controller_.applicationWillFinishLaunching();
-  moveOnLater();
-  if (!isStopped_) loop_.exec();
-  summary_.notFetched += static_cast<int>(urls_.size() + controller_.numberOfRows()) + lostCount_;
+  if (openArchive()) {
+    findFiles();
+    moveOnLater();
+    if (!isStopped_) loop_.exec();
+  }
+  leaveAll();
   const bool allWell = summary_.failed == 0 && summary_.notFetched == 0;
-  summary_.exitStatus = allWell ? kExitSuccess : kExitFailure;
+  summary_.exitStatus = std::max(summary_.exitStatus, allWell ? kExitSuccess : kExitFailure);
   return summary_;
+}
+
+bool Get::openArchive() {
+  if (!settings_.arguments.archive) return true;
+  const std::optional<QString> error = finished_.openArchive(*settings_.arguments.archive);
+  if (error) reporter_.notice(*error);
+  return !error;
+}
+
+void Get::findFiles() {
+  if (!settings_.arguments.skipExisting || !findOrigins_) return;
+  const QString folder = controller_.destinationFolder().decidedDestinationPath();
+  if (folder.isNull()) return;
+  findOrigins_(folder.toStdString(), [this](const std::string& path, const std::string& origin) {
+    finished_.addFile(QString::fromStdString(origin), QString::fromStdString(path));
+  });
 }
 
 void Get::stop() {
   isStopped_ = true;
   downloads_.end();
-  if (controller_.isBusy()) ++summary_.notFetched;  // another may have been asked for
   loop_.quit();
 }
 
-void Get::moveOnLater() {
-  if (!next_.isActive()) next_.start();
+void Get::moveOnLater(std::chrono::milliseconds delay) {
+  if (!next_.isActive() || next_.intervalAsDuration() > delay) next_.start(delay);
 }
 
 void Get::moveOn() {
   if (isStopped_) return;
   if (shouldStop_()) return stop();
   if (const QString refused = std::exchange(refusedURL_, QString()); !refused.isNull()) {
-    fail(refused, app::InvalidURLReason());
+    fail({refused, kindOf(refused)}, {}, {platform::WithoutCredentials(refused), app::InvalidURLReason()});
     controller_.tryAgain();
     return moveOnLater();
   }
@@ -69,58 +124,155 @@ void Get::moveOn() {
   if (!isIdle && !controller_.isDownloading()) return;
   // Without a connection every further URL would be lost.
   if (!urls_.empty() && lostCount_ == 0) {
-    const QString url = urls_.front();
+    const std::chrono::milliseconds pause =
+        isIdle ? pauseOfHost(urls_.front().text) : std::chrono::milliseconds(0);
+    if (pause.count() > 0) return moveOnLater(pause);
+    const GivenURL url = urls_.front();
     urls_.pop_front();
     handOver(url);
     return moveOnLater();
   }
-  if (isIdle) loop_.quit();
+  if (!isIdle) return;
+  if (!retries_.empty() && lostCount_ == 0) return tryNextAgain();
+  sorting_.catchUp();
+  loop_.quit();
 }
 
-void Get::handOver(const QString& url) {
+void Get::handOver(const GivenURL& url) {
+  if (isDouble(url.text)) return;
   controller_.showStatusAndActivate();
   const bool isAPage = isPage(url);
   if (shouldStop_()) {
     urls_.push_front(url);
   } else if (isAPage) {
-    workPage(url);
-  } else {
-    controller_.startURL(url, true);
+    workPage(url.text);
+  } else if (!isSettled(url.text)) {
+    if (url.kind == GivenURL::Kind::judged) judged_.insert(url.text);
+    controller_.startURL(url.text, true);
   }
 }
 
-bool Get::isPage(const QString& url) {
-  if (settings_.kind != GetArguments::Kind::decide) return settings_.kind == GetArguments::Kind::page;
-  const std::optional<platform::URL> target = platform::URL::URLWithString(url);
+void Get::tryNextAgain() {
+  const auto next = std::ranges::min_element(retries_, {}, &Retry::due);
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next->due - Clock::now());
+  if (wait.count() > 0) return moveOnLater(wait);
+  const Retry retry = *next;
+  retries_.erase(next);
+  if (retry.url.kind == GivenURL::Kind::page) {
+    workPage(retry.url.text);
+  } else {
+    controller_.startURL(retry.url.text, false, retry.page);
+  }
+  moveOnLater();
+}
+
+bool Get::isPage(const GivenURL& url) {
+  if (url.kind != GivenURL::Kind::judged) return url.kind == GivenURL::Kind::page;
+  const std::optional<platform::URL> target = platform::URL::URLWithString(url.text);
   // Only then may the answer take its time.
   const bool mustAsk = target && target->pathExtension().isEmpty();
-  if (mustAsk) reporter_.willWait(QStringLiteral("Asking"), platform::WithoutCredentials(url));
-  const bool answer = controller_.isWebPageURL(url);
+  if (mustAsk) reporter_.willWait(QStringLiteral("Asking"), platform::WithoutCredentials(url.text));
+  const bool answer = controller_.isWebPageURL(url.text);
+  if (mustAsk) waitHere();
   if (mustAsk) reporter_.didWait();
   return answer;
 }
 
 void Get::workPage(const QString& url) {
+  foundLinks_ = passedLinks_ = 0;
   reporter_.willWait(QStringLiteral("Loading"), platform::WithoutCredentials(url));
   controller_.extractLinks(url);
   reporter_.didWait();
 }
 
+bool Get::wants(const app::FoundLink& link) {
+  ++foundLinks_;
+  if (!settings_.filter.passes(link, controller_.extensionMap())) return false;
+  ++passedLinks_;
+  return !isDouble(link.url) && !isSettled(link.url);
+}
+
+bool Get::isDouble(const QString& url) {
+  if (!settings_.arguments.unique) return false;
+  const auto before = seen_.size();
+  seen_.insert(SameFileKey(url));
+  return seen_.size() == before;
+}
+
+bool Get::isSettled(const QString& url) {
+  const QString shown = platform::WithoutCredentials(url);
+  if (const std::optional<QString> where = finished_.whereIs(url)) {
+    ++summary_.skipped;
+    reporter_.didSkip(shown, *where);
+    return true;
+  }
+  if (!settings_.arguments.dryRun) return false;
+  if (platform::URL::URLWithString(url)) {
+    reporter_.wouldFetch(shown, NameOf(url));
+  } else {
+    fail({url, GivenURL::Kind::file}, {}, {shown, app::InvalidURLReason()});
+  }
+  return true;
+}
+
 void Get::pageWasQueued(const QString& url, std::size_t linkCount) {
-  reporter_.pageDidLoad(platform::WithoutCredentials(url), static_cast<int>(linkCount));
+  const QString shown = platform::WithoutCredentials(url);
+  if (foundLinks_ > 0 && passedLinks_ == 0) {
+    reporter_.notice(QStringLiteral("none of the %1 links on %2 is wanted").arg(foundLinks_).arg(shown));
+  } else {
+    reporter_.pageDidLoad(shown, foundLinks_ > 0 ? passedLinks_ : static_cast<int>(linkCount));
+  }
 }
 
 void Get::pageDidNotLoad(const QString& url, const QString& reason) {
+  const GivenURL page{url, GivenURL::Kind::page};
   if (shouldStop_()) {
     ++summary_.notFetched;
-    return;
+    return leave(page);
   }
-  fail(url, reason);
+  leaveAlone(HostOf(url), pages_.failure());
+  fail(page, {}, {platform::WithoutCredentials(url), reason, true, pages_.failure()});
 }
 
-void Get::fail(const QString& url, const QString& reason) {
+void Get::fail(const GivenURL& url, const QString& page, const Failure& failure) {
+  if (failure.cause.mayPass && tries_.value(url.text) < settings_.retries) {
+    const int tries = ++tries_[url.text];
+    const Clock::time_point due =
+        Clock::now() + std::max<std::chrono::milliseconds>(BackOff(tries), pauseOfHost(url.text));
+    retries_.push_back({url, page, due});
+    return reporter_.willRetry(failure);
+  }
   ++summary_.failed;
-  reporter_.didFail(platform::WithoutCredentials(url), reason);
+  leave(url);
+  reporter_.didFail(failure);
+}
+
+void Get::leaveAlone(const QString& host, const platform::TransferFailure& failure) {
+  if (settings_.retries > 0 && failure.retryAfter > 0) {
+    hostsLeftAlone_[host] = Clock::now() + std::chrono::seconds(failure.retryAfter);
+  }
+}
+
+std::chrono::milliseconds Get::pauseOfHost(const QString& url) const {
+  if (hostsLeftAlone_.isEmpty()) return {};
+  const Clock::time_point until = hostsLeftAlone_.value(HostOf(url));
+  return std::max(std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()),
+                  std::chrono::milliseconds(0));
+}
+
+// Nothing is waited for when nothing is to come.
+std::chrono::milliseconds Get::pauseBeforeNext() const {
+  if (controller_.numberOfRows() == 0 && urls_.empty()) return {};
+  const QString next = controller_.numberOfRows() > 0 ? controller_.objectValueForRow(0) : urls_.front().text;
+  return std::max(settings_.wait, pauseOfHost(next));
+}
+
+// Where nothing else may happen meanwhile.
+void Get::waitHere() const {
+  const Clock::time_point end = Clock::now() + settings_.wait;
+  while (!shouldStop_() && Clock::now() < end) {
+    QThread::msleep(static_cast<unsigned long>(kLookInterval.count()));
+  }
 }
 
 void Get::downloadBegan(const app::DownloadProgress& progress) {
@@ -135,14 +287,23 @@ void Get::downloadReceived(const app::DownloadProgress& progress) {
 void Get::downloadFinished(const app::DownloadProgress& progress) {
   ++summary_.finished;
   reporter_.fileDidFinish(progress.url, progress.path, progress.received);
+  if (settings_.arguments.skipExisting) finished_.addFile(progress.text, progress.path);
+  if (!finished_.archive(progress.text)) {
+    reporter_.notice(QStringLiteral("cannot add to the archive: ") + progress.url);
+    summary_.exitStatus = kExitFailure;
+  }
+  if (judged_.contains(progress.text) && downloads_.mimeType() == u"text/html") {
+    reporter_.notice(progress.url + QStringLiteral(": this looks like a page; use --page"));
+  }
 }
 
 void Get::downloadFailed(const app::DownloadProgress& progress, const QString& reason) {
+  const GivenURL url{progress.text, kindOf(progress.text)};
   if (shouldStop_()) {  // a question that was broken off
     ++summary_.notFetched;
-    return;
+    return leave(url);
   }
-  fail(progress.url, reason);
+  fail(url, progress.page, {progress.url, reason, false, downloads_.failure()});
 }
 
 void Get::controllerMovedOn() {
@@ -153,6 +314,41 @@ void Get::urlWasRefused(const QString& text) {
   // Reported and passed over from the event loop: a long run of such texts must not nest.
   refusedURL_ = text.isNull() ? QString::fromLatin1("") : text;
   moveOnLater();
+}
+
+void Get::urlWasLost(const QString& url) {
+  ++lostCount_;
+  leave({url, kindOf(url)});
+}
+
+// Links are files, whatever their URLs look like.
+GivenURL::Kind Get::kindOf(const QString& file) const {
+  return judged_.contains(file) ? GivenURL::Kind::judged : GivenURL::Kind::file;
+}
+
+// The kind stands on the line where the URL would be taken for something else.
+void Get::leave(const GivenURL& url) {
+  const std::optional<platform::URL> target = platform::URL::URLWithString(url.text);
+  const bool isPage = url.kind == GivenURL::Kind::page;
+  const bool isPlain = url.kind == GivenURL::Kind::judged || !target ||
+                       (!target->pathExtension().isEmpty() && controller_.isWebPageURL(url.text) == isPage);
+  if (!isPlain) rest_ += isPage ? "page\t" : "file\t";
+  rest_ += url.text.toUtf8() + '\n';
+}
+
+// What is still there when the run ends was not fetched.
+void Get::leaveAll() {
+  const QStringList inFlight = controller_.textsInFlight();
+  for (const QString& text : inFlight) leave({text, kindOf(text)});
+  for (std::size_t row = 0; row < controller_.numberOfRows(); ++row) {
+    const QString text = controller_.objectValueForRow(row);
+    leave({text, kindOf(text)});
+  }
+  for (const Retry& retry : retries_) leave(retry.url);
+  for (const GivenURL& url : urls_) leave(url);
+  for (const QString& text : settings_.refused) rest_ += text.toUtf8() + '\n';
+  summary_.notFetched += lostCount_ + static_cast<int>(inFlight.size() + retries_.size() + urls_.size()) +
+                         static_cast<int>(controller_.numberOfRows());
 }
 
 }  // namespace quillforth::terminal

@@ -3,48 +3,31 @@
 // One run of `get`: URLs in, the controller's work on them, one outcome a file out.
 //
 // URLs are handed to the controller one a turn of the event loop, and only while it is idle or a download
-// has begun: one that came between a start and its beginning would start a second download at once. The run
-// is over when nothing waits and nothing is under way. Main thread, with an event loop of its own.
+// has begun: one that came between a start and its beginning would start a second download at once. What may
+// pass is tried again once nothing else is left. The run is over when nothing waits and nothing is under way.
+// Main thread, with an event loop of its own.
 #pragma once
 
 #include <QEventLoop>
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QTimer>
-#include <QVariant>
+#include <chrono>
 #include <deque>
 #include <functional>
+#include <vector>
 
 #include "app/ControllerObserver.h"
 #include "app/Host.h"
 #include "app/MyAppController.h"
-#include "platform/UserDefaults.h"
-#include "terminal/CommandLine.h"
+#include "terminal/Commands.h"
+#include "terminal/FinishedURLs.h"
+#include "terminal/GetOptions.h"
 #include "terminal/TerminalOutlets.h"
+#include "terminal/WatchedServices.h"
 
 namespace quillforth::terminal {
-
-/// The user's settings, some of them replaced for the life of this object; nothing of that is stored.
-class OverriddenDefaults final : public platform::UserDefaults {
- public:
-  OverriddenDefaults(platform::UserDefaults& defaults, QHash<QString, QVariant> overrides)
-      : defaults_(defaults), overrides_(std::move(overrides)) {}
-
-  void synchronize() override { defaults_.synchronize(); }
-  [[nodiscard]] QVariant objectForKey(const QString& key) override;
-  void setObject(const QString& key, const QVariant& value) override { defaults_.setObject(key, value); }
-  void removeObject(const QString& key) override { defaults_.removeObject(key); }
-
- private:
-  platform::UserDefaults& defaults_;
-  QHash<QString, QVariant> overrides_;
-};
-
-/// What a run needs besides the host's services.
-struct GetSettings {
-  GetArguments::Kind kind = GetArguments::Kind::decide;
-  QHash<QString, QVariant> preferences;  ///< replaced for this run
-};
 
 class Get final : private app::ControllerObserver {
  public:
@@ -52,20 +35,30 @@ class Get final : private app::ControllerObserver {
   Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
       const TerminalPrompt& prompt);
 
-  /// Works `urls` to the end, or until one of the two below. The exit status is 0, or 1 when something
+  void findOriginsBy(FindOrigins find) { findOrigins_ = std::move(find); }
+  /// Works the URLs to the end, or until one of the two below. The exit status is 0, or 1 when something
   /// failed.
-  [[nodiscard]] Summary run(const QStringList& urls);
+  [[nodiscard]] Summary run();
   /// Ends the run. A file that is complete is still reported, the transfer in flight is cancelled. From the
   /// event loop, or before `run`.
   void stop();
   /// Asked between two steps; once it is true, the run stops.
   void stopWhen(std::function<bool()> condition) { shouldStop_ = std::move(condition); }
+  /// After `run`: a list of the URLs that failed or were not fetched (`URLsOfList`).
+  [[nodiscard]] const QByteArray& rest() const { return rest_; }
 
  private:
+  using Clock = std::chrono::steady_clock;
+  struct Retry {
+    GivenURL url;
+    QString page;  // that it was found on; null: none
+    Clock::time_point due;
+  };
+
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
   void pageDidNotLoad(const QString& url, const QString& reason) override;
   void urlWasRefused(const QString& text) override;
-  void urlWasLost(const QString& /*url*/) override { ++lostCount_; }
+  void urlWasLost(const QString& url) override;
   void downloadBegan(const app::DownloadProgress& progress) override;
   void downloadReceived(const app::DownloadProgress& progress) override;
   void downloadFinished(const app::DownloadProgress& progress) override;
@@ -74,27 +67,55 @@ class Get final : private app::ControllerObserver {
 
   /// What the controller stands on: `services`, with what is changed about them here.
   [[nodiscard]] app::Host host(const app::Host& services);
-  void moveOnLater();
+  [[nodiscard]] bool openArchive();
+  void findFiles();
+  void moveOnLater(std::chrono::milliseconds delay = std::chrono::milliseconds(0));
   void moveOn();
-  void handOver(const QString& url);
-  [[nodiscard]] bool isPage(const QString& url);
+  void handOver(const GivenURL& url);
+  void tryNextAgain();
+  [[nodiscard]] bool isPage(const GivenURL& url);
   void workPage(const QString& url);
-  void fail(const QString& url, const QString& reason);
+
+  [[nodiscard]] bool wants(const app::FoundLink& link);
+  [[nodiscard]] bool isDouble(const QString& url);
+  /// Whether the file needs no fetching, which is told.
+  [[nodiscard]] bool isSettled(const QString& url);
+
+  void fail(const GivenURL& url, const QString& page, const Failure& failure);
+  void leaveAlone(const QString& host, const platform::TransferFailure& failure);
+  [[nodiscard]] std::chrono::milliseconds pauseOfHost(const QString& url) const;
+  [[nodiscard]] std::chrono::milliseconds pauseBeforeNext() const;
+  void waitHere() const;
+  [[nodiscard]] GivenURL::Kind kindOf(const QString& file) const;
+  void leave(const GivenURL& url);
+  void leaveAll();
 
   GetSettings settings_;
   Reporter& reporter_;
   TerminalOutlets outlets_;
   OverriddenDefaults defaults_;
-  platform::WebDownloadService& downloads_;
+  WatchedDownloads downloads_;
+  WatchedPages pages_;
+  DeferredAggregation sorting_;
   app::MyAppController controller_;
+  FindOrigins findOrigins_;
+  FinishedURLs finished_;
   std::function<bool()> shouldStop_ = [] { return false; };
-  std::deque<QString> urls_;
+  std::deque<GivenURL> urls_;
+  QSet<QString> seen_;    // with `--unique`
+  QSet<QString> judged_;  // what was given and judged to be a file
+  int foundLinks_ = 0;    // on the page that is being read
+  int passedLinks_ = 0;
+  std::vector<Retry> retries_;
+  QHash<QString, int> tries_;  // of URLs that have failed
+  QHash<QString, Clock::time_point> hostsLeftAlone_;
   Summary summary_;
+  QByteArray rest_;
   QString refusedURL_;  // null: none waits to be passed over
   int lostCount_ = 0;   // URLs, for want of a connection
   bool isStopped_ = false;
   QEventLoop loop_;
-  QTimer next_;  // fires as soon as the event loop is reached
+  QTimer next_;  // fires as soon as the event loop is reached, or when a wait is over
 };
 
 }  // namespace quillforth::terminal

@@ -8,7 +8,7 @@
 
 namespace quillforth::terminal {
 
-/// The page of `command` ("get", …), or of the program for any other text.
+/// The page of `command` ("get", …), or of the program when it is empty.
 [[nodiscard]] std::string HelpText(std::string_view command);
 /// Name and version, without a newline.
 [[nodiscard]] std::string VersionText();

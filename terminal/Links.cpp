@@ -2,16 +2,14 @@
 
 #include "terminal/Links.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <QByteArray>
-#include <cerrno>
-#include <cstring>
+#include <QJsonObject>
 
 #include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
+#include "terminal/InputFile.h"
+#include "terminal/Reporter.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -21,37 +19,7 @@ namespace {
 // Links go out in portions of about this many bytes.
 constexpr qsizetype kPortion = 65536;
 
-struct Page {
-  QByteArray bytes;
-  QString error;  // null when the page was read
-};
-
-Page ReadDescriptor(int descriptor, const QString& name) {
-  QByteArray bytes;
-  QByteArray chunk(kPortion, Qt::Uninitialized);
-  for (;;) {
-    const ssize_t length = ::read(descriptor, chunk.data(), static_cast<std::size_t>(chunk.size()));
-    if (length < 0 && errno == EINTR) continue;
-    if (length < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
-    if (length == 0) return {bytes, {}};
-    bytes.append(chunk.constData(), length);
-    if (bytes.size() > platform::PageLoader::kMaxPageLength) {
-      return {{}, name + QStringLiteral(": longer than a page may be")};
-    }
-  }
-}
-
-Page ReadFile(const std::string& path) {
-  if (path == "-") return ReadDescriptor(STDIN_FILENO, QStringLiteral("standard input"));
-  const QString name = QString::fromStdString(path);
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return {{}, name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno))};
-  Page page = ReadDescriptor(descriptor, name);
-  ::close(descriptor);
-  return page;
-}
-
-Page LoadPage(const std::string& source, platform::PageLoader& pages) {
+InputFile LoadPage(const std::string& source, platform::PageLoader& pages) {
   const QString shown = platform::WithoutCredentials(QString::fromStdString(source));
   const std::optional<platform::URL> url = platform::URL::URLWithString(QString::fromStdString(source));
   if (!url) return {{}, shown + QStringLiteral(": not a valid URL")};
@@ -77,9 +45,22 @@ void AppendField(QByteArray& portion, std::string_view field) {
   portion.append(field).append('\0');
 }
 
-void AppendLine(QByteArray& portion, std::string_view url) {
-  if (!linkextract::IsValidUTF8(url)) return;
-  AppendPercentEncoded(portion, url);
+QByteArray JsonOf(const std::string& source, std::string_view link, const QString& url) {
+  return JsonLine({{QStringLiteral("source"), platform::WithoutCredentials(QString::fromStdString(source))},
+                   {QStringLiteral("link"), QString::fromUtf8(link)},
+                   {QStringLiteral("url"), url}});
+}
+
+// A link that is not valid UTF-8 is left out, as the queue does.
+void AppendLine(QByteArray& portion, const std::string& source, const linkextract::LinkEntry& entry,
+                bool isJson) {
+  const common::BoundedText url = entry.value();
+  if (!linkextract::IsValidUTF8(url.view())) return;
+  if (isJson) {
+    portion.append(JsonOf(source, entry.key(), QString::fromUtf8(url.view())));
+  } else {
+    AppendPercentEncoded(portion, url.view());
+  }
   portion.append('\n');
 }
 
@@ -90,19 +71,23 @@ bool IsWebSource(const std::string& source) {
 }
 
 std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
-                                  const classify::CExtensionMap& extensions, platform::PageLoader& pages,
-                                  Output& output) {
-  const Page page = IsWebSource(source) ? LoadPage(source, pages) : ReadFile(source);
+                                  const classify::CExtensionMap& extensions, const app::LinkFilter& filter,
+                                  platform::PageLoader& pages, Output& output) {
+  const InputFile page = IsWebSource(source) ? LoadPage(source, pages)
+                                             : ReadInputFile(source, platform::PageLoader::kMaxPageLength,
+                                                             QStringLiteral("longer than a page may be"));
   if (!page.error.isNull()) return page.error;
+  const QString own = QString::fromStdString(arguments.base.value_or(arguments.url.value_or(source)));
   QByteArray portion;
   for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, source, arguments, extensions)) {
     const common::BoundedText url = entry.value();
+    if (!filter.isEmpty() && !filter.passes({QString::fromUtf8(url.view()), own, own}, extensions)) continue;
     if (arguments.withFilename) AppendField(portion, source);
     if (arguments.null) {
       AppendField(portion, entry.key());
       AppendField(portion, url.view());
     } else {
-      AppendLine(portion, url.view());
+      AppendLine(portion, source, entry, arguments.json);
     }
     if (portion.size() < kPortion) continue;
     if (!output.write(portion)) return std::nullopt;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <optional>
 
+#include "app/LinkFilter.h"
 #include "classify/ExtensionMap.h"
 #include "platform/PageLoader.h"
 #include "terminal/CommandLine.h"
@@ -16,10 +17,11 @@ namespace quillforth::terminal {
 /// Whether a source of `links` is loaded from the web: it begins with "http://", "https://" or "ftp://".
 [[nodiscard]] bool IsWebSource(const std::string& source);
 
-/// Prints the links of one of the sources; what went wrong when the page could not be read. A source that is
-/// not on the web comes with a base or a URL.
+/// Prints those links of one of the sources that pass the filter; what went wrong when the page could not be
+/// read. A source that is not on the web comes with a base or a URL.
 [[nodiscard]] std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
                                                 const classify::CExtensionMap& extensions,
-                                                platform::PageLoader& pages, Output& output);
+                                                const app::LinkFilter& filter, platform::PageLoader& pages,
+                                                Output& output);
 
 }  // namespace quillforth::terminal

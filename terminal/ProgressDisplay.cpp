@@ -76,8 +76,8 @@ void ProgressDisplay::fileDidFinish(const QString& url, const QString& path, std
   appendLine(kGreen, DoneLine(url, path));
 }
 
-void ProgressDisplay::didFail(const QString& url, const QString& reason) {
-  appendLine(kRed, FailedLine(url, reason));
+void ProgressDisplay::didFail(const Failure& failure) {
+  appendLine(kRed, FailedLine(failure));
 }
 
 void ProgressDisplay::appendLine(const char* colour, const QByteArray& line) {

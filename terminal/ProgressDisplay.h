@@ -44,7 +44,12 @@ class ProgressDisplay final : public Reporter {
   void fileDidBegin(const QString& /*url*/) override {}
   void fileDidProgress(const QString&, std::uint64_t, std::int64_t) override {}
   void fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) override;
-  void didFail(const QString& url, const QString& reason) override;
+  void didFail(const Failure& failure) override;
+  void willRetry(const Failure& failure) override { appendLine("", RetryLine(failure)); }
+  void didSkip(const QString& url, const QString& where) override { appendLine("", SkippedLine(url, where)); }
+  /// A dry run shows lines.
+  void wouldFetch(const QString&, const QString&) override {}
+  void didMove(const QString& from, const QString& to) override { appendLine("", MovedLine(from, to)); }
   void notice(const QString& message) override;
   void suspend() override;
   void end(const Summary& summary) override;

@@ -31,6 +31,15 @@ QJsonObject URLEvent(QLatin1String name, const QString& url) {
   return event;
 }
 
+QJsonObject FailureEvent(QLatin1String name, const Failure& failure) {
+  QJsonObject event = URLEvent(name, failure.url);
+  event.insert(QStringLiteral("reason"), failure.reason);
+  event.insert(QStringLiteral("kind"), failure.isPage ? QStringLiteral("page") : QStringLiteral("file"));
+  if (!failure.cause.code.isNull()) event.insert(QStringLiteral("code"), failure.cause.code);
+  if (failure.cause.httpStatus != 0) event.insert(QStringLiteral("httpStatus"), failure.cause.httpStatus);
+  return event;
+}
+
 QString NoLinksNotice(const QString& url) {
   return QStringLiteral("no links on %1").arg(url);
 }
@@ -41,8 +50,37 @@ QByteArray DoneLine(const QString& url, const QString& path) {
   return (QStringLiteral("done ") + Printable(url) + QStringLiteral(" -> ") + Printable(path)).toUtf8();
 }
 
-QByteArray FailedLine(const QString& url, const QString& reason) {
-  return (QStringLiteral("failed ") + Printable(url) + QStringLiteral(": ") + Printable(reason)).toUtf8();
+QByteArray FailedLine(const Failure& failure) {
+  return (QStringLiteral("failed ") + Printable(failure.url) + QStringLiteral(": ") +
+          Printable(failure.reason))
+      .toUtf8();
+}
+
+QByteArray RetryLine(const Failure& failure) {
+  return "retry" + FailedLine(failure).sliced(6);
+}
+
+QByteArray SkippedLine(const QString& url, const QString& where) {
+  return (QStringLiteral("skipped ") + Printable(url) + QStringLiteral(" -> ") + Printable(where)).toUtf8();
+}
+
+QByteArray MovedLine(const QString& from, const QString& to) {
+  return (QStringLiteral("moved ") + Printable(from) + QStringLiteral(" -> ") + Printable(to)).toUtf8();
+}
+
+QByteArray JsonLine(const QJsonObject& object) {
+  const QString text = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+  QByteArray line;
+  line.reserve(text.size());
+  // Beyond ASCII everything is escaped: some of it would steer a terminal.
+  for (const QChar c : text) {
+    if (c.unicode() < 0x7f) {
+      line.append(static_cast<char>(c.unicode()));
+    } else {
+      line.append("\\u").append(QByteArray::number(c.unicode(), 16).rightJustified(4, '0'));
+    }
+  }
+  return line;
 }
 
 QByteArray NoticeText(const QString& message) {
@@ -63,8 +101,25 @@ void LineReporter::fileDidFinish(const QString& url, const QString& path, std::u
   results_.writeLine(DoneLine(url, path));
 }
 
-void LineReporter::didFail(const QString& url, const QString& reason) {
-  results_.writeLine(FailedLine(url, reason));
+void LineReporter::didFail(const Failure& failure) {
+  results_.writeLine(FailedLine(failure));
+}
+
+void LineReporter::willRetry(const Failure& failure) {
+  results_.writeLine(RetryLine(failure));
+}
+
+void LineReporter::didSkip(const QString& url, const QString& where) {
+  results_.writeLine(SkippedLine(url, where));
+}
+
+void LineReporter::wouldFetch(const QString& url, const QString& name) {
+  results_.writeLine(
+      (QStringLiteral("would fetch %1 -> %2 (a guess)").arg(Printable(url), Printable(name))).toUtf8());
+}
+
+void LineReporter::didMove(const QString& from, const QString& to) {
+  results_.writeLine(MovedLine(from, to));
 }
 
 void LineReporter::notice(const QString& message) {
@@ -77,18 +132,7 @@ void LineReporter::end(const Summary& summary) {
 }
 
 void JsonReporter::write(const QJsonObject& event) {
-  const QString text = QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact));
-  QByteArray line;
-  line.reserve(text.size());
-  // Beyond ASCII everything is escaped: some of it would steer a terminal.
-  for (const QChar c : text) {
-    if (c.unicode() < 0x7f) {
-      line.append(static_cast<char>(c.unicode()));
-    } else {
-      line.append("\\u").append(QByteArray::number(c.unicode(), 16).rightJustified(4, '0'));
-    }
-  }
-  results_.writeLine(line);
+  results_.writeLine(JsonLine(event));
 }
 
 void JsonReporter::pageDidLoad(const QString& url, int links) {
@@ -118,9 +162,30 @@ void JsonReporter::fileDidFinish(const QString& url, const QString& path, std::u
   write(event);
 }
 
-void JsonReporter::didFail(const QString& url, const QString& reason) {
-  QJsonObject event = URLEvent(QLatin1String("failed"), url);
-  event.insert(QStringLiteral("reason"), reason);
+void JsonReporter::didFail(const Failure& failure) {
+  write(FailureEvent(QLatin1String("failed"), failure));
+}
+
+void JsonReporter::willRetry(const Failure& failure) {
+  write(FailureEvent(QLatin1String("retry"), failure));
+}
+
+void JsonReporter::didSkip(const QString& url, const QString& where) {
+  QJsonObject event = URLEvent(QLatin1String("skipped"), url);
+  event.insert(QStringLiteral("where"), where);
+  write(event);
+}
+
+void JsonReporter::wouldFetch(const QString& url, const QString& name) {
+  QJsonObject event = URLEvent(QLatin1String("wouldFetch"), url);
+  event.insert(QStringLiteral("guessedName"), name);
+  write(event);
+}
+
+void JsonReporter::didMove(const QString& from, const QString& to) {
+  QJsonObject event = Event(QLatin1String("moved"));
+  event.insert(QStringLiteral("from"), from);
+  event.insert(QStringLiteral("to"), to);
   write(event);
 }
 
@@ -133,6 +198,7 @@ void JsonReporter::end(const Summary& summary) {
   event.insert(QStringLiteral("done"), summary.finished);
   event.insert(QStringLiteral("failed"), summary.failed);
   event.insert(QStringLiteral("notFetched"), summary.notFetched);
+  if (summary.skipped > 0) event.insert(QStringLiteral("skipped"), summary.skipped);
   event.insert(QStringLiteral("status"), summary.exitStatus);
   write(event);
 }

@@ -10,6 +10,7 @@
 #include <QString>
 #include <cstdint>
 
+#include "platform/TransferFailure.h"
 #include "terminal/Output.h"
 
 class QJsonObject;
@@ -20,7 +21,16 @@ struct Summary {
   int finished = 0;
   int failed = 0;
   int notFetched = 0;  ///< still waiting when the run ended
+  int skipped = 0;     ///< there already
   int exitStatus = 0;
+};
+
+/// A page or a file that did not come.
+struct Failure {
+  QString url;  ///< without credentials
+  QString reason;
+  bool isPage = false;
+  platform::TransferFailure cause = {};
 };
 
 class Reporter {
@@ -34,8 +44,15 @@ class Reporter {
   /// Comes often. `expected`: -1 when unknown.
   virtual void fileDidProgress(const QString& url, std::uint64_t received, std::int64_t expected) = 0;
   virtual void fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) = 0;
-  /// A page or a file.
-  virtual void didFail(const QString& url, const QString& reason) = 0;
+  virtual void didFail(const Failure& failure) = 0;
+  /// It has failed, and will be tried again when all else is done.
+  virtual void willRetry(const Failure& failure) = 0;
+  /// `where`: its file, or the list that it stands in.
+  virtual void didSkip(const QString& url, const QString& where) = 0;
+  /// `name`: what the URL suggests.
+  virtual void wouldFetch(const QString& url, const QString& name) = 0;
+  /// A file was sorted.
+  virtual void didMove(const QString& from, const QString& to) = 0;
   /// A message for the person at the terminal, apart from the results; one line or more.
   virtual void notice(const QString& message) = 0;
   /// Leaves the terminal to somebody else, until the next event.
@@ -43,8 +60,8 @@ class Reporter {
   virtual void end(const Summary& summary) = 0;
 };
 
-/// "done URL -> PATH" and "failed URL: reason" on `results`, a line each; all else on `errors`.
-class LineReporter final : public Reporter {
+/// "done URL -> PATH", "failed URL: reason" and the like on `results`, a line each; all else on `errors`.
+class LineReporter : public Reporter {
  public:
   LineReporter(Output& results, Output& errors) : results_(results), errors_(errors) {}
 
@@ -54,7 +71,11 @@ class LineReporter final : public Reporter {
   void fileDidBegin(const QString& /*url*/) override {}
   void fileDidProgress(const QString&, std::uint64_t, std::int64_t) override {}
   void fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) override;
-  void didFail(const QString& url, const QString& reason) override;
+  void didFail(const Failure& failure) override;
+  void willRetry(const Failure& failure) override;
+  void didSkip(const QString& url, const QString& where) override;
+  void wouldFetch(const QString& url, const QString& name) override;
+  void didMove(const QString& from, const QString& to) override;
   void notice(const QString& message) override;
   void suspend() override {}
   void end(const Summary& summary) override;
@@ -62,6 +83,16 @@ class LineReporter final : public Reporter {
  private:
   Output& results_;
   Output& errors_;
+};
+
+/// Of these lines, only those of what failed, and of a dry run.
+class QuietReporter final : public LineReporter {
+ public:
+  using LineReporter::LineReporter;
+  void fileDidFinish(const QString&, const QString&, std::uint64_t) override {}
+  void willRetry(const Failure& /*failure*/) override {}
+  void didSkip(const QString&, const QString&) override {}
+  void didMove(const QString&, const QString&) override {}
 };
 
 /// One JSON object (RFC 8259) a line on `results`; its member "event" says what it is.
@@ -76,7 +107,11 @@ class JsonReporter final : public Reporter {
   /// At most one object a second.
   void fileDidProgress(const QString& url, std::uint64_t received, std::int64_t expected) override;
   void fileDidFinish(const QString& url, const QString& path, std::uint64_t bytes) override;
-  void didFail(const QString& url, const QString& reason) override;
+  void didFail(const Failure& failure) override;
+  void willRetry(const Failure& failure) override;
+  void didSkip(const QString& url, const QString& where) override;
+  void wouldFetch(const QString& url, const QString& name) override;
+  void didMove(const QString& from, const QString& to) override;
   void notice(const QString& message) override;
   void suspend() override {}
   void end(const Summary& summary) override;
@@ -91,7 +126,12 @@ class JsonReporter final : public Reporter {
 
 /// The lines of a LineReporter, without their newlines.
 [[nodiscard]] QByteArray DoneLine(const QString& url, const QString& path);
-[[nodiscard]] QByteArray FailedLine(const QString& url, const QString& reason);
+[[nodiscard]] QByteArray FailedLine(const Failure& failure);
+[[nodiscard]] QByteArray RetryLine(const Failure& failure);
+[[nodiscard]] QByteArray SkippedLine(const QString& url, const QString& where);
+[[nodiscard]] QByteArray MovedLine(const QString& from, const QString& to);
+/// The object in ASCII, so that nothing in it steers a terminal.
+[[nodiscard]] QByteArray JsonLine(const QJsonObject& object);
 /// What standard error gets: "quillforth-cli: " and the message, made one harmless line.
 [[nodiscard]] QByteArray NoticeText(const QString& message);
 /// What is worth saying at the end; empty when the lines before, or the user, have said it all.

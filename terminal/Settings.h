@@ -9,10 +9,12 @@
 #include <QString>
 #include <QVariant>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
 
+#include "app/Preferences.h"
 #include "platform/Alias.h"
 #include "platform/FileManager.h"
 #include "platform/UserDefaults.h"
@@ -31,6 +33,14 @@ struct Setting {
   QString key;
   QVariant value;  ///< as it is stored
 };
+
+/// A setting that is yes or no.
+struct BooleanSetting {
+  app::BooleanPreference preference;
+  bool (app::Preferences::*read)() const;
+  const char* text;  ///< what it does, for people: plain ASCII
+};
+[[nodiscard]] std::span<const BooleanSetting> BooleanSettings();
 
 /// yes, true, on and 1, no, false, off and 0, letter case apart; nothing for all else.
 [[nodiscard]] std::optional<bool> BooleanFromText(const QString& text);
@@ -51,15 +61,17 @@ class SettingsCommand {
                   platform::FileManager& files)
       : defaults_(defaults), aliases_(aliases), files_(files) {}
 
-  /// Prints or changes what `arguments` ask for; an error when it cannot.
-  [[nodiscard]] std::optional<SettingsError> run(const SettingsArguments& arguments, Output& output);
+  /// Prints or changes what `arguments` ask for; an error when it cannot. A warning goes to `errors`.
+  [[nodiscard]] std::optional<SettingsError> run(const SettingsArguments& arguments, Output& output,
+                                                 Output& errors);
 
  private:
   [[nodiscard]] std::optional<SettingsError> store(const Setting& setting);
   [[nodiscard]] std::optional<SettingsError> unset(const QString& key);
   /// "yes", "no", a number or a path; nothing for an unknown key.
   [[nodiscard]] std::optional<QString> effectiveValue(const QString& key);
-  void printAll(Output& output);
+  void print(const QString& key, bool asJson, Output& output);
+  void printAll(bool asJson, Output& output);
 
   platform::UserDefaults& defaults_;
   platform::AliasManager& aliases_;

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <utility>
 
 #include "terminal/Text.h"
 
@@ -77,19 +78,32 @@ app::AlertResult TerminalApplication::runModalAlert(const app::Alert& alert) {
   const bool isQuestion = !alert.alternateButton.isNull();
   QString text = alert.messageText;
   if (!isQuestion && !alert.informativeText.isEmpty()) text += QStringLiteral(" ") + alert.informativeText;
+  // The only question is whether the connection shall be examined.
+  if (isQuestion) text += QStringLiteral(" For servers in the local network, use --local.");
   reporter_.notice(text);
   return isQuestion ? app::AlertResult::alternateButton : app::AlertResult::defaultButton;
 }
 
 std::optional<QString> TerminalApplication::runOpenPanel(const app::FolderPanel& panel) {
   if (!destination_.isNull()) return destination_;
+  if (!TerminalPrompt::isAvailable()) {
+    if (!std::exchange(hasToldOfTo_, true)) {
+      reporter_.notice(QStringLiteral("a folder is to be asked for, and there is no terminal; use --to DIR"));
+    }
+    return std::nullopt;
+  }
   reporter_.suspend();
   const QString title = panel.title.isEmpty() ? panel.prompt : panel.title;
-  const QString typed =
-      prompt_.ask(Printable(title) + QStringLiteral(": "), TerminalPrompt::Echo::shown).value_or(QString());
-  if (typed.isEmpty()) return std::nullopt;
-  const QString path = AbsolutePath(typed);
-  if (QFileInfo(path).isDir() || QDir().mkpath(path)) return path;
+  const QString before =
+      typedFolder_.isNull() ? QString() : QStringLiteral(" [%1]").arg(Printable(typedFolder_));
+  const QString question = Printable(title) + before + QStringLiteral(": ");
+  const QString typed = prompt_.ask(question, TerminalPrompt::Echo::shown).value_or(QString());
+  if (typed.isEmpty() && typedFolder_.isNull()) return std::nullopt;
+  const QString path = typed.isEmpty() ? typedFolder_ : AbsolutePath(typed);
+  if (QFileInfo(path).isDir() || QDir().mkpath(path)) {
+    typedFolder_ = path;
+    return path;
+  }
   reporter_.notice(QStringLiteral("cannot make the folder ") + path);
   return std::nullopt;
 }

@@ -112,6 +112,8 @@ class TerminalApplication final : public app::Application {
   Reporter& reporter_;
   const TerminalPrompt& prompt_;
   QString destination_;
+  QString typedFolder_;  // the last that was typed, which Return alone keeps; null: none
+  bool hasToldOfTo_ = false;
 };
 
 /// Whether the user answers the question with its first button. False without a terminal.

@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QSaveFile>
 #include <QSocketNotifier>
 #include <algorithm>
 #include <clocale>
@@ -18,6 +20,7 @@
 
 #include "classify/InternetConfig.h"
 #include "host/Exhaustion.h"
+#include "host/FileOrigins.h"
 #include "host/HeadlessHost.h"
 #include "linux/files/LinuxAliasManager.h"
 #include "linux/files/LinuxFileManager.h"
@@ -39,6 +42,7 @@
 #include "terminal/Output.h"
 #include "terminal/ProgressDisplay.h"
 #include "terminal/Settings.h"
+#include "terminal/Text.h"
 
 namespace quillforth::terminal {
 
@@ -79,20 +83,6 @@ QStringList StringList(const std::vector<std::string>& texts) {
   return list;
 }
 
-// Those that can be downloaded from. The others are reported and left out.
-QStringList UsableURLs(const std::vector<std::string>& arguments, Output& errors) {
-  QStringList urls = StringList(arguments);
-  urls.removeIf([&errors](const QString& text) {
-    const std::optional<platform::URL> url = platform::URL::URLWithString(text);
-    const bool isUsable = url && platform::CanBeFetched(*url);
-    if (!isUsable)
-      errors.write(
-          NoticeText(platform::WithoutCredentials(text) + QStringLiteral(": no http, https or ftp URL")));
-    return !isUsable;
-  });
-  return urls;
-}
-
 int Finish(int exitStatus, const Output& results, Output& errors) {
   ReportFailure(results, errors);
   return results.failed() && exitStatus == kExitSuccess ? kExitFailure : exitStatus;
@@ -120,50 +110,65 @@ classify::CExtensionMap LoadExtensionMap() {
 std::unique_ptr<Reporter> MakeReporter(const GetArguments& arguments, Output& results, Output& errors,
                                        const Status& status) {
   if (arguments.json) return std::make_unique<JsonReporter>(results, errors);
-  if (!IsCapableTerminal(results)) return std::make_unique<LineReporter>(results, errors);
+  if (arguments.quiet) return std::make_unique<QuietReporter>(results, errors);
+  const bool hasLines = arguments.dryRun || arguments.verbose;
+  if (hasLines || !IsCapableTerminal(results)) return std::make_unique<LineReporter>(results, errors);
   const auto colour = HasValue("NO_COLOR") ? ProgressDisplay::Colour::none : ProgressDisplay::Colour::some;
   return std::make_unique<ProgressDisplay>(results, errors, status, colour);
 }
 
-struct GetOptions {
-  GetSettings settings;
-  QString destination;  // null: folder panels ask
-};
+platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt) {
+  const GetArguments& arguments = options.run.arguments;
+  platform::TransferSettings transfers = platform::SettingsFromEnvironment();
+  transfers.keepsCookies = !arguments.noCookies;
+  transfers.cookies = options.cookies;
+  for (const auto& [name, value] : options.headers) transfers.headers.push_back({name, value});
+  for (const GivenURL& url : options.run.urls) {
+    const auto target = platform::URL::URLWithString(url.text);
+    if (target) transfers.trustedHosts.insert(target->host().toLower().toStdString());
+  }
+  transfers.userAgent = arguments.userAgent.value_or("");
+  transfers.referrer = options.referrer;
+  transfers.tellsWholeReferrer = options.tellsWholeReferrer;
+  transfers.maxBytesASecond = options.maxBytesASecond;
+  transfers.keepsRemoteTime = arguments.remoteTime;
+  if (arguments.verbose) {
+    transfers.trace = [interrupt](const std::string& line) {
+      Output(STDERR_FILENO, interrupt).writeLine(Printable(QString::fromStdString(line)).toUtf8());
+    };
+  }
+  return transfers;
+}
 
-// Everything about the options of `get` that is checked, or made, before anything is fetched.
-std::optional<SettingsError> TakeOptions(const GetArguments& arguments, GetOptions& options) {
-  platform::LinuxAliasManager aliases(platform::HomeFolder());
-  options.settings.kind = arguments.kind;
-  for (const std::string& text : arguments.settings) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos) return SettingsError{"--set: \"" + text + "\" has no \"=\"", kExitUsage};
-    const auto setting = MakeSetting(text.substr(0, equals), text.substr(equals + 1), aliases);
-    if (const auto* error = std::get_if<SettingsError>(&setting)) return *error;
-    options.settings.preferences.insert(std::get<Setting>(setting).key, std::get<Setting>(setting).value);
-  }
-  if (arguments.ahead) {
-    const auto setting = MakeDownloadsAhead("--ahead", *arguments.ahead);
-    if (const auto* error = std::get_if<SettingsError>(&setting)) return *error;
-    options.settings.preferences.insert(app::kDownloadsAheadKey, std::get<Setting>(setting).value);
-  }
-  if (!arguments.to) return std::nullopt;
-  const FolderAtPath folder = ExistingOrNewFolder(*arguments.to);
-  if (!folder.path) return SettingsError{folder.error};
-  options.destination = QString::fromStdString(*folder.path);
-  if (options.destination.toStdString() != *folder.path) return SettingsError{*folder.path + ": not UTF-8"};
-  options.settings.preferences.insert(app::kAlwaysPromptForOutputLocation.key, true);
-  return std::nullopt;
+// For its owner only: URLs may hold passwords. False when it could not be written, which is said.
+bool WriteRest(const std::string& path, const QByteArray& rest, Output& errors) {
+  QSaveFile file(QFile::decodeName(path.c_str()));
+  file.setDirectWriteFallback(true);
+  const bool isWritten = file.open(QIODevice::WriteOnly) &&
+                         file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+                         file.write(rest) == rest.size() && file.commit();
+  if (!isWritten) errors.write(NoticeText(file.fileName() + QStringLiteral(": ") + file.errorString()));
+  return isWritten;
 }
 
 // With outputs of its own: waiting for their readers ends with a signal too.
-int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) {
+int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErrors) {
+  GetOptions options;
+  // A list may come from a person who types it, and who may press Ctrl-C.
+  if (const auto error = TakeURLs(arguments, options.run)) return Complain(*error, "get", unguardedErrors);
   const platform::Interruption interruption;
   Output results(STDOUT_FILENO, interruption.descriptor());
   Output errors(STDERR_FILENO, interruption.descriptor());
-  const QStringList urls = UsableURLs(arguments.urls, errors);
-  if (urls.isEmpty()) return kExitUsage;
-  GetOptions options;
-  if (const auto error = TakeOptions(arguments, options)) return Complain(*error, "get", errors);
+  for (const QString& text : options.run.refused) {
+    errors.write(
+        NoticeText(platform::WithoutCredentials(text) + QStringLiteral(": no http, https or ftp URL")));
+  }
+  if (options.run.urls.empty() && !options.run.refused.isEmpty()) return kExitUsage;
+  platform::LinuxAliasManager aliases(platform::HomeFolder());
+  platform::SettingsUserDefaults defaults;
+  if (const auto error = TakeOptions(arguments, aliases, defaults, options)) {
+    return Complain(*error, "get", errors);
+  }
 
   UseUTF8Locale();
   int argumentCount = 1;
@@ -175,11 +180,15 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
   // Nothing else is to be done here while a disk is slow.
-  host::HeadlessHost services({.mayWaitForDisk = true}, arguments.keepsCookies);
+  host::HeadlessHost services({.mayWaitForDisk = true}, TransfersFor(options, interruption.descriptor()));
+  services.aggregation().tellMoves([&reporter](const std::string& from, const std::string& to) {
+    reporter->didMove(QString::fromStdString(from), QString::fromStdString(to));
+  });
   host::AssumedNetwork assumedNetwork;
   const app::Host host = arguments.local ? services.host(terminalApplication, assumedNetwork)
                                          : services.host(terminalApplication);
-  Get get(host, options.settings, *reporter, status, prompt);
+  Get get(host, options.run, *reporter, status, prompt);
+  get.findOriginsBy(&host::ForEachOrigin);
   get.stopWhen([&interruption, &results] { return interruption.happened() || results.failed(); });
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated, [&get, &notifier] {
@@ -187,8 +196,9 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
     get.stop();
   });
 
-  Summary summary = get.run(urls);
-  if (static_cast<std::size_t>(urls.size()) < arguments.urls.size()) summary.exitStatus = kExitUsage;
+  Summary summary = get.run();
+  if (arguments.rest && !WriteRest(*arguments.rest, get.rest(), errors)) summary.exitStatus = kExitFailure;
+  if (!options.run.refused.isEmpty()) summary.exitStatus = kExitUsage;
   if (interruption.happened()) summary.exitStatus = interruption.exitStatus();
   reporter->end(summary);
   return Finish(summary.exitStatus, results, errors);
@@ -199,14 +209,16 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
   if (!hasBase && !std::all_of(arguments.sources.begin(), arguments.sources.end(), IsWebSource)) {
     return Complain(UsageError("links", "a file needs --base or --url"), errors);
   }
+  app::LinkFilter filter;
+  if (const auto error = MakeFilter(arguments, filter)) return Complain(*error, "links", errors);
   const platform::CurlGlobal curl;
-  const platform::TransferSettings transfers;
+  const platform::TransferSettings transfers = platform::SettingsFromEnvironment();
   platform::TransferThread thread(transfers);
   platform::CurlPageLoader pages(thread);
   const classify::CExtensionMap extensions = LoadExtensionMap();
   int exitStatus = kExitSuccess;
   for (const std::string& source : arguments.sources) {
-    if (const auto error = PrintLinks(source, arguments, extensions, pages, results)) {
+    if (const auto error = PrintLinks(source, arguments, extensions, filter, pages, results)) {
       errors.write(NoticeText(*error));
       exitStatus = kExitFailure;
     }
@@ -216,15 +228,24 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
 }
 
 int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
+  QStringList urls = StringList(arguments.urls);
+  for (const std::string& path : arguments.inputFiles) {
+    const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
+    if (!list.error.isNull()) return Complain(SettingsError{list.error.toStdString()}, "classify", errors);
+    for (const GivenURL& url : URLsOfList(list.bytes)) urls.append(url.text);
+  }
   const platform::CurlGlobal curl;
-  const platform::TransferSettings transfers;
+  const platform::TransferSettings transfers = platform::SettingsFromEnvironment();
   platform::TransferThread thread(transfers);
   platform::CurlReadStreamFactory streams(thread);
-  PrintClassifications(StringList(arguments.urls), LoadExtensionMap(), streams, results);
+  PrintClassifications(urls, arguments.json, LoadExtensionMap(), streams, results);
   return Finish(kExitSuccess, results, errors);
 }
 
 int Run(const CommentArguments& arguments, Output& results, Output& errors) {
+  if (arguments.find) {
+    return Finish(RunFind(arguments, &host::ForEachOrigin, results, errors), results, errors);
+  }
   platform::AppleEventManager events;
   const platform::LinuxFinder finder(events);
   return Finish(RunComment(arguments, events, results, errors), results, errors);
@@ -239,7 +260,7 @@ int Run(const SettingsArguments& arguments, Output& results, Output& errors) {
   platform::SettingsUserDefaults defaults;
   platform::LinuxAliasManager aliases(platform::HomeFolder());
   platform::LinuxFileManager files;
-  auto error = SettingsCommand(defaults, aliases, files).run(arguments, results);
+  auto error = SettingsCommand(defaults, aliases, files).run(arguments, results, errors);
   if (!error && defaults.hasFailed()) {
     error = SettingsError{defaults.fileName().toStdString() + ": damaged, or cannot be read or written"};
   }

@@ -133,6 +133,11 @@ void DestinationFile::takeNextName() {
   name_ = NumberedName(wantedName_, ++number_);
 }
 
+void DestinationFile::setModified(std::int64_t seconds) {
+  const timespec times[] = {{0, UTIME_OMIT}, {static_cast<time_t>(seconds), 0}};
+  static_cast<void>(::futimens(file_.get(), times));
+}
+
 int DestinationFile::write(std::string_view bytes) {
   if (const int error = writeAll(bytes); error != 0) return error;
   length_ += static_cast<std::int64_t>(bytes.size());

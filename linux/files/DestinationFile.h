@@ -48,6 +48,9 @@ class DestinationFile {
   [[nodiscard]] std::string movedFolder() const;
   /// Appends all of `bytes`.
   [[nodiscard]] int write(std::string_view bytes);
+  /// What the file gives as the time of its last change, in seconds since 1970. After the last byte; a
+  /// failure is ignored.
+  void setModified(std::int64_t seconds);
   /// Gives the file its final name. Without permission to overwrite, the wanted name or the next free of
   /// "name-1.ext", "name-2.ext", …. With it, what has the name is replaced; a link itself, not what it names;
   /// a folder is never replaced (EISDIR). ESTALE when somebody has removed or replaced the temporary file.

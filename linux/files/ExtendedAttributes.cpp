@@ -13,6 +13,9 @@ namespace quillforth::platform {
 
 namespace {
 
+// Of nearly all values: only longer ones cost another call.
+constexpr std::size_t kUsualLength = 512;
+
 common::Status StatusOfAttributeError(int error) {
   if (error == ENOTSUP) return common::kWrongVolumeType;
   return error == E2BIG || error == ERANGE ? common::kDataTooBig : StatusOfErrno(error);
@@ -31,8 +34,12 @@ common::Status ReadAttribute(const std::string& path, const char* name, std::str
   value.clear();
   const common::Status kind = CheckKind(path);
   if (kind != common::kNoError) return kind;
-  std::string buffer(kMaxAttributeLength, '\0');
-  const ssize_t length = ::lgetxattr(path.c_str(), name, buffer.data(), buffer.size());
+  std::string buffer(kUsualLength, '\0');
+  ssize_t length = ::lgetxattr(path.c_str(), name, buffer.data(), buffer.size());
+  if (length < 0 && errno == ERANGE) {
+    buffer.resize(kMaxAttributeLength);
+    length = ::lgetxattr(path.c_str(), name, buffer.data(), buffer.size());
+  }
   if (length < 0) return errno == ENODATA ? common::kNoError : StatusOfAttributeError(errno);
   buffer.resize(static_cast<std::size_t>(length));
   value = std::move(buffer);

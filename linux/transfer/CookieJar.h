@@ -29,6 +29,8 @@ class CookieJar {
   /// The requests of `handle` carry the cookies that concern them, and their answers set cookies. To be
   /// called before the first request. `handle` does not outlive the jar.
   void serve(CURL* handle);
+  /// Adds a cookie: a line of a file of Netscape's form. What is none is left out.
+  void add(const std::string& line) { curl_easy_setopt(handle_.get(), CURLOPT_COOKIELIST, line.c_str()); }
   /// Those that a request to `host` may carry, and perhaps some of its neighbours', as texts of libcurl.
   [[nodiscard]] std::vector<std::string> cookiesNear(std::string_view host);
   /// The requests of `handle` carry of `cookies` those that concern them, and what their answers set goes

@@ -7,8 +7,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include "platform/LocalizedStrings.h"
-
 namespace quillforth::platform {
 
 /// One download as its delegate sees it.
@@ -85,7 +83,7 @@ void CurlDownload::receive(ChallengeReport& report) {
 void CurlDownload::answer(const std::optional<Credential>& credential) {
   const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
   if (service_ == nullptr || !asked) return;
-  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked).sentence());
+  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked));
   service_->thread_.post(
       AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
 }
@@ -105,7 +103,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   isDeciding_ = false;
   if (service_ == nullptr) return;
   if (!destination_) {
-    service_->fail(id_, LOCALIZED("There is no destination folder for the file."));
+    service_->fail(id_, {OutcomeKind::noDestination});
     return;
   }
   // The root keeps its only character.
@@ -131,7 +129,8 @@ void CurlDownload::receive(FinishedReport&) {
 
 void CurlDownload::receive(FailedReport& report) {
   service_->forget(id_);
-  delegate_.downloadDidFailWithError(*this, {report.description, url_.stringWithoutCredentials()});
+  delegate_.downloadDidFailWithError(
+      *this, {report.outcome.sentence(), url_.stringWithoutCredentials(), report.outcome.failure()});
 }
 
 namespace {
@@ -244,7 +243,7 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const WebDownloa
     thread_.postQuietly(ahead ? Command(AdoptCommand{id}) : StartCommand{makeTransfer(id, request, {})});
     if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
-    fail(id, TransferOutcome{OutcomeKind::unsupportedURL}.sentence());
+    fail(id, {OutcomeKind::unsupportedURL});
   }
   return download;
 }
@@ -310,9 +309,9 @@ void CurlDownloadService::decide(DestinationCommand command) {
 }
 
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.
-void CurlDownloadService::fail(DownloadId id, const QString& description) {
+void CurlDownloadService::fail(DownloadId id, const TransferOutcome& outcome) {
   thread_.post(CancelCommand{id});
-  reports_.post(FailedReport{id, description});
+  reports_.post(FailedReport{id, outcome});
 }
 
 void CurlDownloadService::forget(DownloadId id) {

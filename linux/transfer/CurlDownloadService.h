@@ -107,7 +107,7 @@ class CurlDownloadService final : public WebDownloadService {
   void rest();
   void cancelAll();
   void decide(DestinationCommand command);
-  void fail(DownloadId id, const QString& description);
+  void fail(DownloadId id, const TransferOutcome& outcome);
   void forget(DownloadId id);
 
   const TransferSettings& settings_;

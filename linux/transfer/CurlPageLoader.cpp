@@ -20,10 +20,14 @@ TransferOutcome Decode(const Fetch& fetch, QByteArray& page) {
   return UndoContentCodings(header->valuesOfField("Content-Encoding"), PageLoader::kMaxPageLength, page);
 }
 
+PageLoad Failed(const TransferOutcome& outcome) {
+  return {std::nullopt, outcome.sentence(), {}, outcome.failure()};
+}
+
 }  // namespace
 
 PageLoad CurlPageLoader::resourceData(const URL& url) {
-  if (!CanBeFetched(url)) return {std::nullopt, TransferOutcome{OutcomeKind::unsupportedURL}.sentence()};
+  if (!CanBeFetched(url)) return Failed({OutcomeKind::unsupportedURL});
   Fetch fetch(thread_, {.purpose = Purpose::page,
                         .url = url.absoluteString().toStdString(),
                         .maxBodyLength = kMaxPageLength,
@@ -35,8 +39,8 @@ PageLoad CurlPageLoader::resourceData(const URL& url) {
     const std::optional<TransferOutcome> outcome = fetch.outcome();
     if (!outcome) continue;
     const TransferOutcome decoded = outcome->isWhole() ? Decode(fetch, page) : *outcome;
-    if (!decoded.isWhole()) return {std::nullopt, decoded.sentence()};
-    return {std::move(page), {}, QString::fromStdString(fetch.url())};
+    if (!decoded.isWhole()) return Failed(decoded);
+    return {std::move(page), {}, QString::fromStdString(fetch.url()), {}};
   }
   return {};
 }

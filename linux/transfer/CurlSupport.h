@@ -10,8 +10,12 @@
 #include <QString>
 #include <atomic>
 #include <csignal>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <unordered_set>
+#include <vector>
 
 #include "net/HeaderText.h"
 #include "net/URL.h"
@@ -31,12 +35,38 @@ class CurlGlobal {
   CurlGlobal& operator=(const CurlGlobal&) = delete;
 };
 
+/// A field of a request's head (RFC 9110, section 5): a token, and a text that a head may hold.
+struct HeaderField {
+  std::string name;
+  std::string value;
+  [[nodiscard]] bool tellsWhoAsks() const;
+};
+
 /// Settings of one front end for all its transfers; outlives them.
 struct TransferSettings {
   std::string caCertificateFile;  ///< PEM bundle to trust instead of the system's; empty: the system's
   const std::atomic<bool>* interrupted = nullptr;  ///< blocking transfers give up soon after it turns true
   bool keepsCookies = true;                        ///< for pages and files; probes have none
+  std::string caCertificateFolder{};               ///< hashed, to trust as well; empty: the system's
+
+  // What follows is for pages and files only, and probes go without.
+  /// Cookies to begin with: lines of a file of Netscape's form.
+  std::vector<std::string> cookies{};
+  /// Go to the host of each URL that is asked for, and not to others where that redirects to.
+  std::vector<HeaderField> headers{};
+  /// The hosts, in lower case, that may also be told who asks.
+  std::unordered_set<std::string> trustedHosts{};
+  std::string userAgent{};          ///< empty: the program's own
+  std::string referrer{};           ///< for every request; may hold what nobody is told; empty: the request's
+  bool tellsWholeReferrer = false;  ///< also to other hosts
+  std::int64_t maxBytesASecond = 0;  ///< of each transfer; 0: no limit
+  bool keepsRemoteTime = false;      ///< files get the time that their server gives
+  /// Gets each line of requests and heads, those of probes too, without what is secret; on any thread.
+  std::function<void(const std::string& line)> trace{};
 };
+
+/// That trust what the environment says (SSL_CERT_FILE, SSL_CERT_DIR; openssl-env(7)).
+[[nodiscard]] TransferSettings SettingsFromEnvironment();
 
 inline constexpr int kMaxRedirects = 20;
 /// Seconds without a byte after which a transfer counts as stalled.

@@ -23,8 +23,9 @@ bool BodySink::append(std::string_view bytes) {
   return true;
 }
 
-int BodySink::finish() {
+int BodySink::finish(std::int64_t modified) {
   writeHeld();
+  if (modified > 0) file_->setModified(modified);
   return error_ != 0 ? error_ : file_->publish();
 }
 
@@ -103,7 +104,8 @@ void DownloadTransfer::finish() {
 }
 
 void DownloadTransfer::finishFile() {
-  if (const int error = sink_.finish(); error != 0) return fail({OutcomeKind::file, error});
+  if (const int error = sink_.finish(exchange().modified()); error != 0)
+    return fail({OutcomeKind::file, error});
   std::vector<Report> reports;
   const std::string& name = sink_.file()->name();
   std::string movedTo = sink_.file()->movedFolder();
@@ -140,7 +142,7 @@ void DownloadTransfer::giveUp(const TransferOutcome& outcome) {
   if (isWorthAnotherTry(outcome)) return startAgain();
   sink_ = {};
   reportResponse();
-  context_.reports.post(FailedReport{id(), outcome.sentence()});
+  context_.reports.post(FailedReport{id(), outcome});
 }
 
 bool DownloadTransfer::ask(const AuthenticationChallenge& challenge) {

@@ -56,7 +56,7 @@ struct FinishedReport {
 };
 struct FailedReport {
   DownloadId id;
-  QString description;
+  TransferOutcome outcome;
 };
 using Report = std::variant<BeganReport, ChallengeReport, ResponseReport, DestinationReport, DataReport,
                             FinishedReport, FailedReport>;
@@ -74,8 +74,9 @@ class BodySink {
   /// From now on bytes go here. There is none before.
   void setFile(std::unique_ptr<DestinationFile> file) { file_ = std::move(file); }
   [[nodiscard]] DestinationFile* file() { return file_.get(); }
-  /// Writes what is held, and publishes the file; 0 or the error number. There is a file.
-  [[nodiscard]] int finish();
+  /// Writes what is held, and publishes the file; 0 or the error number. There is a file. `modified`: what it
+  /// is to give as its time, in seconds since 1970; 0: none.
+  [[nodiscard]] int finish(std::int64_t modified);
 
   /// The error number of the first write that failed; 0: none.
   [[nodiscard]] int error() const { return error_; }

@@ -12,10 +12,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <ctime>
 #include <new>
 
 #include "common/BoundedText.h"
 #include "linux/transfer/ContentCoding.h"
+#include "linux/transfer/HeadTrace.h"
 
 namespace quillforth::platform {
 
@@ -172,6 +174,9 @@ void Exchange::setOptions(const std::string& url) {
   if (const std::string& file = context_.settings.caCertificateFile; !file.empty()) {
     curl_easy_setopt(handle, CURLOPT_CAINFO, file.c_str());
   }
+  if (const std::string& folder = context_.settings.caCertificateFolder; !folder.empty()) {
+    curl_easy_setopt(handle, CURLOPT_CAPATH, folder.c_str());
+  }
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   // A name server that does not answer must not hold up the end of an aborted transfer.
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
@@ -193,8 +198,46 @@ void Exchange::setOptions(const std::string& url) {
   curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
   if (hasCookies_ && lentCookies_ == nullptr) context_.cookies.serve(handle);
   if (hasCookies_ && lentCookies_ != nullptr) CookieJar::lend(handle, *lentCookies_);
+  if (request_.purpose != Purpose::probe) setUsersOptions();
+  if (context_.settings.trace) TraceHeads(handle, context_.settings);
   context_.sockets.watch(handle);
   WatchTLSEnd(handle);
+}
+
+void Exchange::setUsersOptions() {
+  const TransferSettings& settings = context_.settings;
+  if (!settings.userAgent.empty()) {
+    curl_easy_setopt(handle_.get(), CURLOPT_USERAGENT, settings.userAgent.c_str());
+  }
+  if (settings.maxBytesASecond > 0) {
+    // What is received at a time is not more than an eighth of a second's.
+    const auto piece = std::clamp<std::int64_t>(settings.maxBytesASecond / 8, 1024, kReceiveBytes);
+    curl_easy_setopt(handle_.get(), CURLOPT_BUFFERSIZE, static_cast<long>(piece));
+  }
+  if (settings.keepsRemoteTime) curl_easy_setopt(handle_.get(), CURLOPT_FILETIME, 1L);
+}
+
+void Exchange::carry(const std::vector<HeaderField>& fields) {
+  for (const HeaderField& field : fields) {
+    // A name alone would leave the field out.
+    const std::string line = field.value.empty() ? field.name + ';' : field.name + ": " + field.value;
+    curl_slist* longer = curl_slist_append(fields_.get(), line.c_str());
+    if (longer == nullptr) throw std::bad_alloc();
+    static_cast<void>(fields_.release());
+    fields_.reset(longer);
+  }
+  curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, fields_.get());
+}
+
+std::int64_t Exchange::modified() const {
+  if (!context_.settings.keepsRemoteTime) return 0;
+  const auto time = InfoOf(handle_.get(), CURLINFO_FILETIME_T, curl_off_t{0});
+  return time > 0 && time <= std::time(nullptr) ? time : 0;
+}
+
+int Exchange::retryAfter() const {
+  const auto seconds = InfoOf(handle_.get(), CURLINFO_RETRY_AFTER, curl_off_t{0});
+  return static_cast<int>(std::clamp<curl_off_t>(seconds, 0, kMaxRetryAfter));
 }
 
 int Exchange::willRequest(void* self, char* /*remoteAddress*/, char* /*localAddress*/, int /*remotePort*/,
@@ -258,7 +301,21 @@ std::size_t Exchange::receiveBody(const char* data, std::size_t /*size*/, std::s
   return exchange.takeBody({data, count});
 }
 
+// libcurl's own limit lets much pass before it takes hold.
+bool Exchange::isTooFast(std::size_t length) {
+  const std::int64_t rate = context_.settings.maxBytesASecond;
+  if (rate == 0 || request_.purpose == Purpose::probe) return false;
+  const Clock::time_point now = Clock::now();
+  isSlowedDown_ = isPaused_ = now < due_;
+  if (!isSlowedDown_) {
+    const std::chrono::duration<double> time(static_cast<double>(length) / static_cast<double>(rate));
+    due_ = now + std::chrono::ceil<std::chrono::milliseconds>(time);
+  }
+  return isSlowedDown_;
+}
+
 std::size_t Exchange::takeBody(std::string_view bytes) {
+  if (isTooFast(bytes.size())) return CURL_WRITEFUNC_PAUSE;
   if (!isWanted_) isWanted_ = taker_.wantsBody();
   if (!*isWanted_) {
     discardedLength_ += bytes.size();
@@ -278,6 +335,7 @@ std::size_t Exchange::takeBody(std::string_view bytes) {
 
 void Exchange::resume() {
   if (!std::exchange(isPaused_, false)) return;
+  isSlowedDown_ = false;
   hasMoved_ = true;
   curl_easy_pause(handle_.get(), CURLPAUSE_CONT);
 }

@@ -79,6 +79,8 @@ struct TransferContext {
   bool isDiskFull = false;  ///< nothing is kept ahead any more
 };
 
+inline constexpr int kMaxRetryAfter = 600;
+
 class Exchange {
  public:
   using Clock = std::chrono::steady_clock;
@@ -108,9 +110,17 @@ class Exchange {
   /// Null when memory was short.
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
   [[nodiscard]] const ResponseHead& head() const { return head_; }
+  /// The request carries these fields. Before it is driven.
+  void carry(const std::vector<HeaderField>& fields);
   [[nodiscard]] bool isFTP() const;
   /// As ResponseHead's, also of a file by FTP. The head is whole.
   [[nodiscard]] std::int64_t announcedLength() const;
+  /// When the server says that the file was changed last, in seconds since 1970; 0 when nobody wants to know,
+  /// or that is nowhere in the past.
+  [[nodiscard]] std::int64_t modified() const;
+  /// Seconds for which the server wants to be left alone (RFC 9110, section 10.2.3), at most
+  /// `kMaxRetryAfter`.
+  [[nodiscard]] int retryAfter() const;
   /// Whether anything has come since the last call.
   [[nodiscard]] bool takeMove() { return std::exchange(hasMoved_, false); }
   /// Whether bytes of the head have come lately, when nothing whole has for `limit`.
@@ -118,6 +128,10 @@ class Exchange {
   /// "address:port" of who is connected: the server, or a proxy.
   [[nodiscard]] std::string peer() const;
   [[nodiscard]] bool isPaused() const { return isPaused_; }
+  /// When to go on, where it is paused because it was faster than the user wants it.
+  [[nodiscard]] std::optional<Clock::time_point> slowedDownUntil() const {
+    return isSlowedDown_ ? std::optional(due_) : std::nullopt;
+  }
   /// The answer sets a cookie, which nobody has kept: it was asked for with cookies that were lent.
   [[nodiscard]] bool hasLostCookie() const { return hasLostCookie_; }
   void resume();
@@ -137,16 +151,19 @@ class Exchange {
   static int willRequest(void* self, char* remoteAddress, char* localAddress, int remotePort, int localPort);
 
   void setOptions(const std::string& url);
+  void setUsersOptions();
   void noteCookie(std::string_view line);
   void takeLine(std::string_view line);
   void judgeHead();
   [[nodiscard]] bool isTunnelsHead() const;
   std::size_t takeBody(std::string_view bytes);
+  [[nodiscard]] bool isTooFast(std::size_t length);
   [[nodiscard]] TransferOutcome outcomeOf(CURLcode result) const;
 
   TransferContext& context_;
   const TransferRequest& request_;
   Taker& taker_;
+  std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> fields_{nullptr, &curl_slist_free_all};
   CurlEasy handle_;
   ResponseHead head_;
   TransferOutcome outcome_;
@@ -165,6 +182,8 @@ class Exchange {
   bool hasFTPLength_ = true;  // but for an answer to SIZE that gives none
   bool hasMoved_ = true;
   bool isPaused_ = false;
+  bool isSlowedDown_ = false;
+  Clock::time_point due_{};  // of the next bytes, where the rate is limited
   bool mustBeRepeated_ = false;
 };
 

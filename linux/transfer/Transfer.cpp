@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/BoundedText.h"
+
 namespace quillforth::platform {
 
 namespace {
@@ -13,6 +15,11 @@ constexpr int kUnauthorized = 401;
 constexpr int kProxyUnauthorized = 407;
 constexpr int kTooManyRequests = 429;
 constexpr int kUnavailable = 503;
+
+std::string LowerCase(std::string text) {
+  std::ranges::transform(text, text.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+  return text;
+}
 
 bool IsWantedStatus(Purpose purpose, int status) {
   switch (purpose) {
@@ -38,15 +45,31 @@ void Transfer::start(TransferContext& context) {
   if (!url) return fail({OutcomeKind::malformedURL});
   if (request_.login) url->login = request_.login;
   logins_.emplace(context.credentials, request_.purpose != Purpose::probe);
-  referrer_ = request_.referrer;
+  const bool hasFixedReferrer = request_.purpose != Purpose::probe && !context.settings.referrer.empty();
+  referrer_ = hasFixedReferrer ? context.settings.referrer : request_.referrer;
+  firstOrigin_ = url->origin;
+  firstHost_ = url->host;
   goTo(*std::move(url));
 }
 
 void Transfer::goTo(RequestURL url) {
   url_ = std::move(url);
-  if (!referrer_.empty()) referrer_ = url_.reducedReferrer(referrer_);
+  if (!referrer_.empty()) referrer_ = url_.reducedReferrer(referrer_, context_->settings.tellsWholeReferrer);
   logins_->goTo(url_);
   beginExchange(false);
+}
+
+// The user's, as far as a server may see them.
+std::vector<HeaderField> Transfer::fieldsFor(const RequestURL& url) const {
+  const TransferSettings& settings = context_->settings;
+  const bool isLessSecure = firstOrigin_.starts_with("https:") && !url.origin.starts_with("https:");
+  const bool isSameHost = common::EqualsNoCase(url.host, firstHost_) && !isLessSecure;
+  if (request_.purpose == Purpose::probe || !isSameHost) return {};
+  std::vector<HeaderField> fields = settings.headers;
+  if (!settings.trustedHosts.contains(LowerCase(url.host))) {
+    std::erase_if(fields, [](const HeaderField& field) { return field.tellsWhoAsks(); });
+  }
+  return fields;
 }
 
 void Transfer::beginExchange(bool isFresh) {
@@ -57,6 +80,7 @@ void Transfer::beginExchange(bool isFresh) {
   if (exchange_->handle() == nullptr) return fail({OutcomeKind::outOfMemory});
   curl_easy_setopt(exchange_->handle(), CURLOPT_PRIVATE, this);
   if (!referrer_.empty()) curl_easy_setopt(exchange_->handle(), CURLOPT_REFERER, referrer_.c_str());
+  if (const auto fields = fieldsFor(url_); !fields.empty()) exchange_->carry(fields);
   logins_->apply(exchange_->handle(), url_.origin);
   fault_ = {};
   phase_ = Phase::requesting;
@@ -90,7 +114,8 @@ TransferOutcome Transfer::judgeAnswer() const {
     const bool isFolder = request_.purpose == Purpose::file && IsFTPFolder(url_.text);
     return {isFolder ? OutcomeKind::folder : OutcomeKind::whole};
   }
-  if (!IsWantedStatus(request_.purpose, head.status())) return {OutcomeKind::status, head.status()};
+  if (!IsWantedStatus(request_.purpose, head.status()))
+    return {OutcomeKind::status, head.status(), exchange_->retryAfter()};
   const std::int64_t length = exchange_->announcedLength();
   const bool isTooLong = length > 0 && static_cast<std::uint64_t>(length) > request_.maxBodyLength;
   return {isTooLong ? OutcomeKind::tooLong : OutcomeKind::whole};
@@ -198,6 +223,10 @@ void Transfer::resume() {
 
 Transfer::Clock::time_point Transfer::lookAtClock(Clock::time_point now) {
   if (phase_ != Phase::requesting) return Clock::time_point::max();
+  if (const auto due = exchange_->slowedDownUntil()) {
+    if (now < *due) return *due;
+    exchange_->resume();
+  }
   if (exchange_->takeMove()) lastMove_ = now;
   if (exchange_->isPaused()) return Clock::time_point::max();
   const Clock::time_point stallTime = lastMove_ + request_.stallTimeout;

@@ -108,6 +108,7 @@ class Transfer : private Exchange::Taker {
   Exchange::Taking takeBody(std::string_view bytes) final;
 
   void goTo(RequestURL url);
+  [[nodiscard]] std::vector<HeaderField> fieldsFor(const RequestURL& url) const;
   void beginExchange(bool isFresh);
   void beginBody();
   [[nodiscard]] bool isRefused() const;
@@ -129,7 +130,9 @@ class Transfer : private Exchange::Taker {
   TransferContext* context_ = nullptr;
   Phase phase_ = Phase::requesting;
   RequestURL url_;
-  std::string referrer_;  // what `url_` may be told; it never grows again on the way
+  std::string referrer_;     // what `url_` may be told; it never grows again on the way
+  std::string firstOrigin_;  // what was asked for, before any redirect
+  std::string firstHost_;
   int redirectsLeft_ = kMaxRedirects;
   std::optional<DownloadLogins> logins_;
   std::unique_ptr<Exchange> exchange_;

@@ -61,12 +61,12 @@ std::optional<RequestURL> RequestURL::redirectedTo(const std::string& location) 
   return TakeApart(url);
 }
 
-std::string RequestURL::reducedReferrer(const std::string& referrer) const {
+std::string RequestURL::reducedReferrer(const std::string& referrer, bool isWhole) const {
   constexpr std::size_t kMaxReferrerLength = 4096;
   const std::optional<RequestURL> page = parse(referrer);
   const bool isSecure = page && page->origin.starts_with("https:");
   if (!page || page->origin.starts_with("ftp:") || (isSecure && !origin.starts_with("https:"))) return {};
-  if (page->origin == origin && page->text.size() <= kMaxReferrerLength) return page->text;
+  if ((isWhole || page->origin == origin) && page->text.size() <= kMaxReferrerLength) return page->text;
   return page->text.substr(0, page->text.find('/', page->text.find("://") + 3)) + '/';
 }
 

@@ -39,7 +39,8 @@ struct RequestURL {
   [[nodiscard]] std::optional<RequestURL> redirectedTo(const std::string& location) const;
   /// What a request for this may tell of the page at `referrer`: all, its origin, or nothing (empty), as
   /// "strict-origin-when-cross-origin" has it (Referrer Policy, section 8).
-  [[nodiscard]] std::string reducedReferrer(const std::string& referrer) const;
+  /// With `isWhole` other origins are told all, too.
+  [[nodiscard]] std::string reducedReferrer(const std::string& referrer, bool isWhole = false) const;
 };
 
 /// What an answer is for, which says what it must be.

@@ -74,44 +74,66 @@ constexpr Phrase kStatusPhrases[] = {
 
 struct OutcomePhrase {
   OutcomeKind kind;
-  const char* text;
+  const char* word;
+  const char* text;  // null: the detail says more
 };
 
 constexpr OutcomePhrase kOutcomePhrases[] = {
-    {OutcomeKind::malformedURL, LOCALIZED_CHARS("The URL is malformed.")},
-    {OutcomeKind::unsupportedURL, LOCALIZED_CHARS("Only http, https and ftp URLs can be downloaded.")},
-    {OutcomeKind::proxyNotFound, LOCALIZED_CHARS("The proxy was not found.")},
-    {OutcomeKind::hostNotFound, LOCALIZED_CHARS("The server was not found.")},
-    {OutcomeKind::unreachable, LOCALIZED_CHARS("The server cannot be reached.")},
-    {OutcomeKind::noSecureConnection, LOCALIZED_CHARS("No secure connection to the server could be made.")},
-    {OutcomeKind::untrustedCertificate, LOCALIZED_CHARS("The server's certificate is not trusted.")},
-    {OutcomeKind::unreadableCertificates,
+    {OutcomeKind::malformedURL, "malformedURL", LOCALIZED_CHARS("The URL is malformed.")},
+    {OutcomeKind::unsupportedURL, "unsupportedURL",
+     LOCALIZED_CHARS("Only http, https and ftp URLs can be downloaded.")},
+    {OutcomeKind::proxyNotFound, "proxyNotFound", LOCALIZED_CHARS("The proxy was not found.")},
+    {OutcomeKind::hostNotFound, "hostNotFound", LOCALIZED_CHARS("The server was not found.")},
+    {OutcomeKind::unreachable, "unreachable", LOCALIZED_CHARS("The server cannot be reached.")},
+    {OutcomeKind::noSecureConnection, "noSecureConnection",
+     LOCALIZED_CHARS("No secure connection to the server could be made.")},
+    {OutcomeKind::untrustedCertificate, "untrustedCertificate",
+     LOCALIZED_CHARS("The server's certificate is not trusted.")},
+    {OutcomeKind::unreadableCertificates, "unreadableCertificates",
      LOCALIZED_CHARS("The file of trusted certificates cannot be read.")},
-    {OutcomeKind::silence, LOCALIZED_CHARS("The server has sent nothing for too long.")},
-    {OutcomeKind::slowHead, LOCALIZED_CHARS("The server took too long to send the header of its answer.")},
-    {OutcomeKind::timeout, LOCALIZED_CHARS("The server took too long.")},
-    {OutcomeKind::noAnswer, LOCALIZED_CHARS("The server closed the connection without an answer.")},
-    {OutcomeKind::connectionLost, LOCALIZED_CHARS("The connection to the server broke off.")},
-    {OutcomeKind::brokenOff, LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
-    {OutcomeKind::incomplete, LOCALIZED_CHARS("The server sent less than the whole file.")},
-    {OutcomeKind::malformedAnswer, LOCALIZED_CHARS("The server's answer cannot be understood.")},
-    {OutcomeKind::impossibleLength, LOCALIZED_CHARS("The server announced an impossible length.")},
-    {OutcomeKind::headTooLong, LOCALIZED_CHARS("The header of the server's answer is too long.")},
-    {OutcomeKind::unknownCoding, LOCALIZED_CHARS("The server sent the page in a coding that is not known.")},
-    {OutcomeKind::tooLong, LOCALIZED_CHARS("The page is too long.")},
-    {OutcomeKind::folder, LOCALIZED_CHARS("This is a folder, not a file.")},
-    {OutcomeKind::accessDenied, LOCALIZED_CHARS("The server refused access.")},
-    {OutcomeKind::fileRefused, LOCALIZED_CHARS("The server refused to send the file.")},
-    {OutcomeKind::noSuchFile, LOCALIZED_CHARS("The server has no such file.")},
-    {OutcomeKind::tooManyRedirects, LOCALIZED_CHARS("The server redirected too many times.")},
-    {OutcomeKind::forbiddenRedirect,
+    {OutcomeKind::silence, "silence", LOCALIZED_CHARS("The server has sent nothing for too long.")},
+    {OutcomeKind::slowHead, "slowHead",
+     LOCALIZED_CHARS("The server took too long to send the header of its answer.")},
+    {OutcomeKind::timeout, "timeout", LOCALIZED_CHARS("The server took too long.")},
+    {OutcomeKind::noAnswer, "noAnswer",
+     LOCALIZED_CHARS("The server closed the connection without an answer.")},
+    {OutcomeKind::connectionLost, "connectionLost",
+     LOCALIZED_CHARS("The connection to the server broke off.")},
+    {OutcomeKind::brokenOff, "brokenOff", LOCALIZED_CHARS("The server's answer broke off or was damaged.")},
+    {OutcomeKind::incomplete, "incomplete", LOCALIZED_CHARS("The server sent less than the whole file.")},
+    {OutcomeKind::malformedAnswer, "malformedAnswer",
+     LOCALIZED_CHARS("The server's answer cannot be understood.")},
+    {OutcomeKind::impossibleLength, "impossibleLength",
+     LOCALIZED_CHARS("The server announced an impossible length.")},
+    {OutcomeKind::headTooLong, "headTooLong",
+     LOCALIZED_CHARS("The header of the server's answer is too long.")},
+    {OutcomeKind::unknownCoding, "unknownCoding",
+     LOCALIZED_CHARS("The server sent the page in a coding that is not known.")},
+    {OutcomeKind::tooLong, "tooLong", LOCALIZED_CHARS("The page is too long.")},
+    {OutcomeKind::folder, "folder", LOCALIZED_CHARS("This is a folder, not a file.")},
+    {OutcomeKind::accessDenied, "accessDenied", LOCALIZED_CHARS("The server refused access.")},
+    {OutcomeKind::fileRefused, "fileRefused", LOCALIZED_CHARS("The server refused to send the file.")},
+    {OutcomeKind::noSuchFile, "noSuchFile", LOCALIZED_CHARS("The server has no such file.")},
+    {OutcomeKind::tooManyRedirects, "tooManyRedirects",
+     LOCALIZED_CHARS("The server redirected too many times.")},
+    {OutcomeKind::forbiddenRedirect, "forbiddenRedirect",
      LOCALIZED_CHARS("The server redirected to something other than http, https or ftp.")},
-    {OutcomeKind::loginWanted, LOCALIZED_CHARS("The server asks for a user name and a password.")},
-    {OutcomeKind::loginRefused, LOCALIZED_CHARS("The server refused the user name or the password.")},
-    {OutcomeKind::proxyLoginWanted, LOCALIZED_CHARS("The proxy server asks for a user name and a password.")},
-    {OutcomeKind::proxyLoginRefused,
+    {OutcomeKind::loginWanted, "loginWanted",
+     LOCALIZED_CHARS("The server asks for a user name and a password.")},
+    {OutcomeKind::loginRefused, "loginRefused",
+     LOCALIZED_CHARS("The server refused the user name or the password.")},
+    {OutcomeKind::proxyLoginWanted, "proxyLoginWanted",
+     LOCALIZED_CHARS("The proxy server asks for a user name and a password.")},
+    {OutcomeKind::proxyLoginRefused, "proxyLoginRefused",
      LOCALIZED_CHARS("The proxy server refused the user name or the password.")},
-    {OutcomeKind::outOfMemory, LOCALIZED_CHARS("There is not enough memory for the transfer.")},
+    {OutcomeKind::noDestination, "noDestination",
+     LOCALIZED_CHARS("There is no destination folder for the file.")},
+    {OutcomeKind::status, "status", nullptr},
+    {OutcomeKind::system, "system", nullptr},
+    {OutcomeKind::file, "file", nullptr},
+    {OutcomeKind::other, "other", nullptr},
+    {OutcomeKind::outOfMemory, "outOfMemory",
+     LOCALIZED_CHARS("There is not enough memory for the transfer.")},
 };
 
 struct OutcomeCode {
@@ -178,6 +200,20 @@ QString StatusText(long status) {
   return answer.arg(phrase == nullptr ? number : number + u' ' + QLatin1StringView(phrase));
 }
 
+const OutcomePhrase& PhraseOf(OutcomeKind kind) {
+  return *std::find_if(std::begin(kOutcomePhrases), std::end(kOutcomePhrases),
+                       [kind](const OutcomePhrase& p) { return p.kind == kind; });
+}
+
+// What is about a moment and not about the file.
+bool MayPass(OutcomeKind kind, long status) {
+  constexpr OutcomeKind kPassing[] = {
+      OutcomeKind::silence,        OutcomeKind::slowHead,  OutcomeKind::timeout,   OutcomeKind::noAnswer,
+      OutcomeKind::connectionLost, OutcomeKind::brokenOff, OutcomeKind::incomplete};
+  if (kind == OutcomeKind::status) return status == 408 || status == 429 || status >= 500;
+  return std::find(std::begin(kPassing), std::end(kPassing), kind) != std::end(kPassing);
+}
+
 }  // namespace
 
 QString TransferOutcome::sentence() const {
@@ -194,10 +230,14 @@ QString TransferOutcome::sentence() const {
     case OutcomeKind::other:
       return LOCALIZED("The transfer failed: %1.").arg(QStringLiteral("libcurl %1").arg(detail));
     default:
-      return QLatin1StringView(std::find_if(std::begin(kOutcomePhrases), std::end(kOutcomePhrases),
-                                            [this](const OutcomePhrase& p) { return p.kind == kind; })
-                                   ->text);
+      return QLatin1StringView(PhraseOf(kind).text);
   }
+}
+
+TransferFailure TransferOutcome::failure() const {
+  if (isWhole()) return {};
+  const int status = kind == OutcomeKind::status ? static_cast<int>(detail) : 0;
+  return {QString::fromLatin1(PhraseOf(kind).word), status, retryAfter, MayPass(kind, detail)};
 }
 
 TransferOutcome OutcomeOf(CURLcode code) {

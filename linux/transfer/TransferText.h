@@ -8,6 +8,8 @@
 
 #include <QString>
 
+#include "platform/TransferFailure.h"
+
 namespace quillforth::platform {
 
 enum class OutcomeKind {
@@ -46,6 +48,7 @@ enum class OutcomeKind {
   outOfMemory,
   system,
   file,
+  noDestination,
   other
 };
 
@@ -53,11 +56,13 @@ struct TransferOutcome {
   OutcomeKind kind = OutcomeKind::whole;
   /// The status for `status`, an error number for `system` and `file`, libcurl's code for `other`.
   long detail = 0;
+  int retryAfter = 0;  ///< seconds for which the server wants to be left alone
 
   [[nodiscard]] bool isWhole() const { return kind == OutcomeKind::whole; }
   /// "The server answered 404 Not Found."; codes without a registered phrase (RFC 9110, section 15) stand
   /// alone. Null when all is here.
   [[nodiscard]] QString sentence() const;
+  [[nodiscard]] TransferFailure failure() const;
 };
 
 [[nodiscard]] TransferOutcome OutcomeOf(CURLcode code);

@@ -35,6 +35,7 @@ TransferThread::TransferThread(const TransferSettings& settings)
     : context_{.settings = settings}, multi_(curl_multi_init()) {
   if (!multi_) throw std::bad_alloc();
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kKeptConnections);
+  for (const std::string& cookie : settings.cookies) context_.cookies.add(cookie);
   thread_ = std::thread([this] { run(); });
 }
 

@@ -145,7 +145,8 @@ TEST_F(Get, WithoutAConnectionTheRunEndsWithTheAlertsText) {
   if (std::system("unshare -rn true 2>/dev/null") != 0) GTEST_SKIP() << "no network namespaces here";
   const Outcome outcome = Program(unconnected).wait();
   EXPECT_EQ(outcome.errors,
-            "quillforth-cli: You are not connected to the Internet.\n"
+            "quillforth-cli: You are not connected to the Internet. For servers in the local network, use "
+            "--local.\n"
             "quillforth-cli: 2 of the URLs not fetched\n");
   EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(outcome.exitStatus, 1);

@@ -48,5 +48,12 @@ TEST(URL, ShowsNoCredentialsInWhateverFormTheyCome) {
   }
 }
 
+TEST(URL, TypedTextsAreMendedWhereTheyAreNone) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/typed_urls.tsv", 2)) {
+    const auto url = URLOfTypedText(QString::fromStdString(row[0]));
+    EXPECT_EQ(url ? url->absoluteString().toStdString() : "none", row[1]) << row[0];
+  }
+}
+
 }  // namespace
 }  // namespace quillforth::platform

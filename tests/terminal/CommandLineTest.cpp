@@ -18,8 +18,7 @@ TEST(CommandLine, TakesEveryOptionInItsPlace) {
   EXPECT_EQ(get.urls, (std::vector<std::string>{"-u2", "links"}));
   EXPECT_EQ(get.settings, (std::vector<std::string>{"a=b", "c=d"}));
   EXPECT_EQ(get.to, "d");
-  EXPECT_EQ(get.kind, GetArguments::Kind::page);
-  EXPECT_TRUE(get.json && get.local);
+  EXPECT_TRUE(get.page && get.json && get.local && !get.file);
 }
 
 TEST(CommandLine, MistakesAreStatusTwoWithAWordOfHelp) {

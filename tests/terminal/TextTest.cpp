@@ -69,7 +69,7 @@ TEST(Reporter, LinesHoldHostileTextsHarmlessly) {
   Output output(ends[1]);
   LineReporter lines(output, output);
   lines.fileDidFinish(QStringLiteral("http://h/a"), QStringLiteral("/tmp/\u00e9\n.jpg"), 5);
-  lines.didFail(QStringLiteral("bad url"), QStringLiteral("no\n\u001b]0;title\u0007 \u202e"));
+  lines.didFail({QStringLiteral("bad url"), QStringLiteral("no\n\u001b]0;title\u0007 \u202e")});
   lines.notice(QStringLiteral("no\nquillforth-cli: all is well"));
   char written[4096] = {};
   EXPECT_GT(::read(ends[0], written, sizeof written - 1), 0);

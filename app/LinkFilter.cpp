@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+
+#include "app/LinkFilter.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/BoundedText.h"
+#include "net/URL.h"
+
+namespace quillforth::app {
+
+namespace {
+
+// Steps that an expression may take on one URL: far more than one needs that is not out to take long.
+constexpr QLatin1String kWorkLimit("(*LIMIT_MATCH=50000)");
+
+struct Kind {
+  QLatin1String name;
+  QLatin1String typePrefix;  // of MIME types that belong to it; may be empty
+  QLatin1String extensions;  // that belong to it whatever the table says, with a blank around each
+};
+
+constexpr Kind kKinds[] = {
+    {QLatin1String("pictures"), QLatin1String("image/"),
+     QLatin1String(" jpg jpeg jpe png gif webp avif jxl svg bmp tif tiff heic heif psd xcf ")},
+    {QLatin1String("sound"), QLatin1String("audio/"),
+     QLatin1String(" mp3 ogg oga opus flac wav aac m4a wma aif aiff mid midi ")},
+    {QLatin1String("film"), QLatin1String("video/"),
+     QLatin1String(" mp4 m4v mkv webm avi mov mpg mpeg ogv wmv flv 3gp ")},
+    {QLatin1String("archives"),
+     {},
+     QLatin1String(" zip tar gz tgz bz2 tbz tbz2 xz txz zst lz lzma 7z rar cab iso jar deb rpm ")},
+    {QLatin1String("documents"),
+     {},
+     QLatin1String(" pdf ps djvu epub mobi doc docx odt rtf xls xlsx ods csv ppt pptx odp txt md tex ")},
+    {QLatin1String("pages"), QLatin1String("text/html"),
+     QLatin1String(" htm html shtml xhtml xht php php3 php5 phtml asp aspx jsp cgi ")},
+};
+
+// In lower case, without its dot; empty when there is none. Also of what is no valid URL.
+QString ExtensionOf(const QString& url) {
+  const auto end = std::find_if(url.begin(), url.end(), [](QChar c) { return c == u'?' || c == u'#'; });
+  const QStringView whole(url.begin(), end);
+  const qsizetype authority = whole.indexOf(u"://");
+  const qsizetype slash = whole.lastIndexOf(u'/');
+  if (authority >= 0 && slash < authority + 3) return {};  // only a host
+  const QStringView name = whole.sliced(slash + 1);
+  const qsizetype dot = name.lastIndexOf(u'.');
+  return dot <= 0 ? QString() : name.sliced(dot + 1).toString().toLower();
+}
+
+QByteArray TypeOf(const QString& extension, const classify::CExtensionMap& extensions) {
+  const QByteArray key = '.' + extension.toUtf8();
+  const platform::ICMapEntry* record =
+      extensions.find({key.constData(), static_cast<std::size_t>(key.size())});
+  if (record == nullptr) return {};
+  const std::string_view type = platform::PascalStringView(record->MIMEType);
+  return {type.data(), static_cast<qsizetype>(type.size())};
+}
+
+bool IsOfKind(const Kind& kind, const QString& extension, const QByteArray& type) {
+  if (extension.isEmpty()) return kind.name == QLatin1String("pages");
+  if (QString(kind.extensions).contains(u' ' + extension + u' ')) return true;
+  return !kind.typePrefix.isEmpty() && type.startsWith(kind.typePrefix.data());
+}
+
+bool IsListed(const QStringList& list, const QString& extension, const QByteArray& type) {
+  return std::any_of(list.begin(), list.end(), [&](const QString& item) {
+    const auto* const kind =
+        std::ranges::find_if(kKinds, [&](const Kind& each) { return each.name == item; });
+    return kind != std::end(kKinds) ? IsOfKind(*kind, extension, type) : item == extension;
+  });
+}
+
+QStringList Items(const QStringList& list) {
+  QStringList items;
+  for (const QString& item : list) {
+    const QString word = item.trimmed().toLower();
+    if (!word.isEmpty()) items.append(word.startsWith(u'.') ? word.sliced(1) : word);
+  }
+  return items;
+}
+
+bool MakeExpressions(const QStringList& patterns, std::vector<QRegularExpression>& expressions,
+                     QString& error) {
+  for (const QString& pattern : patterns) {
+    const QRegularExpression& expression = expressions.emplace_back(kWorkLimit + pattern);
+    if (expression.isValid()) continue;
+    error = QStringLiteral("\"%1\" is no regular expression: %2").arg(pattern, expression.errorString());
+    return false;
+  }
+  return true;
+}
+
+enum class Found { no, yes, tooMuchWork };
+Found Find(const std::vector<QRegularExpression>& expressions, const QString& url) {
+  for (const QRegularExpression& expression : expressions) {
+    const QRegularExpressionMatch match = expression.match(url);
+    if (!match.isValid()) return Found::tooMuchWork;
+    if (match.hasMatch()) return Found::yes;
+  }
+  return Found::no;
+}
+
+// Also of what is no valid URL, because that is told when its turn comes.
+QString HostOf(const QString& text) {
+  const QString url = platform::WithoutCredentials(text).toLower();
+  const qsizetype slashes = url.indexOf(QStringLiteral("://"));
+  if (slashes < 0) return {};
+  const auto isEnd = [](QChar c) { return c == u'/' || c == u'?' || c == u'#' || c == u':'; };
+  const auto* const start = url.begin() + slashes + 3;
+  const auto* const end = std::find_if(start, url.end(), isEnd);
+  if (start == url.end()) return {};
+  return *start == u'[' ? url.sliced(slashes + 3).section(u']', 0, 0) : QString(start, end - start);
+}
+
+}  // namespace
+
+const QStringList& LinkFilter::kinds() {
+  static const QStringList names = [] {
+    QStringList all;
+    for (const Kind& kind : kKinds) all.append(kind.name);
+    return all;
+  }();
+  return names;
+}
+
+std::optional<LinkFilter> LinkFilter::make(const Rules& rules, QString& error) {
+  LinkFilter filter;
+  filter.accept_ = Items(rules.accept);
+  filter.reject_ = Items(rules.reject);
+  filter.sameHost_ = rules.sameHost;
+  if (!MakeExpressions(rules.match, filter.match_, error)) return std::nullopt;
+  if (!MakeExpressions(rules.noMatch, filter.noMatch_, error)) return std::nullopt;
+  return filter;
+}
+
+bool LinkFilter::isEmpty() const {
+  return accept_.isEmpty() && reject_.isEmpty() && match_.empty() && noMatch_.empty() && !sameHost_;
+}
+
+bool LinkFilter::passes(const FoundLink& link, const classify::CExtensionMap& extensions) const {
+  if (!accept_.isEmpty() || !reject_.isEmpty()) {
+    const QString extension = ExtensionOf(link.url);
+    const QByteArray type = TypeOf(extension, extensions);
+    if (!accept_.isEmpty() && !IsListed(accept_, extension, type)) return false;
+    if (IsListed(reject_, extension, type)) return false;
+  }
+  if (sameHost_) {
+    const QString host = HostOf(link.url);
+    if (host.isEmpty() || (host != HostOf(link.page) && host != HostOf(link.askedPage))) return false;
+  }
+  return (match_.empty() || Find(match_, link.url) == Found::yes) && Find(noMatch_, link.url) == Found::no;
+}
+
+}  // namespace quillforth::app
