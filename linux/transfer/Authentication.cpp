@@ -11,13 +11,11 @@ namespace quillforth::platform {
 
 namespace {
 
-bool IsNoCase(std::string_view text, std::string_view wanted) {
-  return text.size() == wanted.size() && common::StartsWithNoCase(text, wanted);
-}
+using common::EqualsNoCase;
 
 unsigned long MethodOf(std::string_view scheme) {
-  if (IsNoCase(scheme, "Digest")) return CURLAUTH_DIGEST;
-  return IsNoCase(scheme, "Basic") ? CURLAUTH_BASIC : 0;
+  if (EqualsNoCase(scheme, "Digest")) return CURLAUTH_DIGEST;
+  return EqualsNoCase(scheme, "Basic") ? CURLAUTH_BASIC : 0;
 }
 
 // The list mixes schemes and their parameters: Basic realm="a", charset="UTF-8", Digest realm="b", ….
@@ -32,7 +30,7 @@ void CollectSchemes(std::string_view field, std::vector<OfferedScheme>& schemes)
       hasScheme = true;
       name = blank == std::string_view::npos ? std::string_view() : TrimmedBlanks(name.substr(blank));
     }
-    if (hasScheme && IsNoCase(name, "realm")) schemes.back().realm = parameter->value;
+    if (hasScheme && EqualsNoCase(name, "realm")) schemes.back().realm = parameter->value;
   }
 }
 

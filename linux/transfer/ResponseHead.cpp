@@ -15,6 +15,8 @@ namespace quillforth::platform {
 
 namespace {
 
+using common::EqualsNoCase;
+
 constexpr std::size_t kMaxMIMETypeLength = 255;
 
 // A whole number of digits alone, or nothing.
@@ -24,10 +26,6 @@ std::optional<std::int64_t> ParseLength(std::string_view text) {
   const auto [stop, error] = std::from_chars(text.data(), end, length);
   const bool isNumber = error == std::errc() && stop == end && text.front() != '-';
   return isNumber ? std::optional(length) : std::nullopt;
-}
-
-bool EqualsNoCase(std::string_view text, std::string_view other) {
-  return text.size() == other.size() && common::StartsWithNoCase(text, other);
 }
 
 std::string_view WithoutLineEnd(std::string_view line) {
@@ -167,8 +165,7 @@ std::string MIMETypeOf(const ResponseHead& head) {
   const std::string_view field = head.firstValue("Content-Type");
   const std::string_view type = TrimmedBlanks(field.substr(0, field.find(';')));
   std::string lower(type.substr(0, kMaxMIMETypeLength));
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  std::transform(lower.begin(), lower.end(), lower.begin(), common::LowerCased);
   return lower;
 }
 
