@@ -50,6 +50,10 @@ std::optional<std::chrono::milliseconds> OpenSockets::ageOfLastByte(int port) co
   return std::chrono::milliseconds(info.tcpi_last_data_recv);
 }
 
+void OpenSockets::shutDown() {
+  for (const curl_socket_t socket : sockets_) ::shutdown(socket, SHUT_RDWR);
+}
+
 curl_socket_t OpenSockets::open(void* self, curlsocktype /*purpose*/, curl_sockaddr* address) {
   const curl_socket_t socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
   if (socket != CURL_SOCKET_BAD) static_cast<OpenSockets*>(self)->sockets_.push_back(socket);

@@ -27,6 +27,9 @@ class OpenSockets {
   /// How long ago the peer has sent something on it, or the connection was made; nothing when it is closed.
   [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(int port) const;
 
+  /// Nobody waits for a word on them any more.
+  void shutDown();
+
  private:
   [[nodiscard]] curl_socket_t find(int port) const;  // CURL_SOCKET_BAD: none
   static curl_socket_t open(void* self, curlsocktype purpose, curl_sockaddr* address);

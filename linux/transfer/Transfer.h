@@ -108,7 +108,7 @@ class Transfer : private Exchange::Taker {
   Exchange::Taking takeBody(std::string_view bytes) final;
 
   void goTo(RequestURL url);
-  void beginExchange(bool isFresh);
+  void beginExchange(Exchange::Attempt attempt = Exchange::Attempt::first);
   void beginBody();
   [[nodiscard]] bool isRefused() const;
   [[nodiscard]] bool isOnlyForItsTurn() const;
