@@ -21,18 +21,15 @@
 #include "desktop/DesktopApplication.h"
 #include "desktop/DesktopWindow.h"
 #include "desktop/FramePacer.h"
-#include "desktop/ImportOutlet.h"
 #include "desktop/ImportWindow.h"
 #include "desktop/MimePasteboard.h"
 #include "desktop/Outcomes.h"
 #include "desktop/PacedIntake.h"
-#include "desktop/PastedURLs.h"
 #include "desktop/PreferencesWindow.h"
 #include "desktop/QueueTable.h"
 #include "desktop/SelectionReader.h"
 #include "desktop/StatusWindow.h"
 #include "desktop/Waiting.h"
-#include "desktop/WaitingScripts.h"
 #include "desktop/WidgetOutlets.h"
 
 namespace quillforth::desktop {

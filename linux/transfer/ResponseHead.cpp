@@ -13,6 +13,8 @@
 
 namespace quillforth::platform {
 
+using common::EqualsNoCase;
+
 namespace {
 
 using common::EqualsNoCase;
