@@ -72,6 +72,11 @@ void SafeAppend(BoundedText& destination, const char* source) noexcept;
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+/// The other way round.
+[[nodiscard]] constexpr char LowerCased(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 /// Compares at most `n` bytes after upper-casing each: 0 when equal, else the difference of the first unequal
 /// pair as unsigned bytes. A text that ends early counts as ending in a NUL byte.
 [[nodiscard]] int CompareNoCaseN(std::string_view a, std::string_view b, std::size_t n) noexcept;

@@ -61,9 +61,12 @@ void AppendPercentEncoded(QByteArray& text, std::string_view bytes) {
   const auto appendEscape = [&text](unsigned char byte) {
     text.append('%').append(kDigits[byte >> 4]).append(kDigits[byte & 15]);
   };
-  bool isPlain = true;  // as nearly all links are
-  for (const char c : bytes) isPlain &= static_cast<unsigned char>(c) >= 0x20 && c != '\x7f' && c != '\xc2';
-  if (isPlain) {
+  unsigned char isOdd = 0;  // hardly any link is
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    isOdd |= static_cast<unsigned char>((byte < 0x20) | (byte == 0x7f) | (byte == 0xc2));
+  }
+  if (isOdd == 0) {
     text.append(bytes);
     return;
   }

@@ -6,6 +6,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -21,8 +22,9 @@ namespace {
 
 constexpr qsizetype kMaxFilenameBytes = 255;
 constexpr int kMaxTemporaryNames = 100;
-// A file is handed to the disk in pieces of this size. At most two of them are on their way, so that the wait
-// before the file gets its name is short.
+// A file is handed to the disk in pieces, so that the wait before it gets its name is short. They grow with
+// the file, because the disk takes large ones faster. At most two of the largest are on their way.
+constexpr std::int64_t kFirstPieceBytes = 256L * 1024;
 constexpr std::int64_t kPieceBytes = 8L * 1024 * 1024;
 constexpr unsigned int kStart = SYNC_FILE_RANGE_WRITE;
 constexpr unsigned int kWait =
@@ -141,15 +143,16 @@ void DestinationFile::setModified(std::int64_t seconds) {
 int DestinationFile::write(std::string_view bytes) {
   if (const int error = writeAll(bytes); error != 0) return error;
   length_ += static_cast<std::int64_t>(bytes.size());
-  return length_ - startedLength_ < kPieceBytes ? 0 : writeBackPiece();
+  const std::int64_t piece = std::clamp(startedLength_, kFirstPieceBytes, kPieceBytes);
+  return length_ - startedLength_ < piece ? 0 : writeBackPiece();
 }
 
 // Starts the latest piece before it waits for the earlier ones, so that the disk is never idle.
 int DestinationFile::writeBackPiece() {
   const std::int64_t offset = std::exchange(startedLength_, length_);
   const int error = ErrorOfWriteBack(calls_.writeBack(file_.get(), offset, length_ - offset, kStart));
-  return error != 0 || offset == 0 ? error
-                                   : ErrorOfWriteBack(calls_.writeBack(file_.get(), 0, offset, kWait));
+  const bool isSmall = length_ - offset < kPieceBytes;
+  return error != 0 || isSmall ? error : ErrorOfWriteBack(calls_.writeBack(file_.get(), 0, offset, kWait));
 }
 
 int DestinationFile::writeAll(std::string_view bytes) {

@@ -280,7 +280,7 @@ void CurlDownloadService::deliverReports() {
 }
 
 bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) {
-  std::optional<Report> report = reports_.take();
+  std::optional<Report> report = reports_.takeAwake();
   if (!report) {
     thread_.work(end, [this] { return !reports_.isEmpty(); });
     report = reports_.take();

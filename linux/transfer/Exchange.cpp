@@ -58,6 +58,10 @@ std::optional<std::chrono::milliseconds> OpenSockets::ageOfLastByte(int port) co
   return std::chrono::milliseconds(info.tcpi_last_data_recv);
 }
 
+void OpenSockets::shutDown() {
+  for (const curl_socket_t socket : sockets_) ::shutdown(socket, SHUT_RDWR);
+}
+
 curl_socket_t OpenSockets::open(void* self, curlsocktype /*purpose*/, curl_sockaddr* address) {
   const curl_socket_t socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
   if (socket != CURL_SOCKET_BAD) static_cast<OpenSockets*>(self)->sockets_.push_back(socket);
@@ -140,7 +144,7 @@ bool IsMemoryLeft() {
   return std::unique_ptr<char[]>(new (std::nothrow) char[ResponseHead::kMaxLength]) != nullptr;
 }
 
-// Of an answer to SIZE (RFC 3659, section 4): libcurl finds a number in any.
+// Of an answer to SIZE (RFC 3659, section 4). libcurl finds a number in any, and takes no byte more.
 bool SaysLength(std::string_view text) {
   std::int64_t length = 0;
   const char* end = text.data() + text.size();
@@ -152,14 +156,14 @@ bool SaysLength(std::string_view text) {
 }  // namespace
 
 Exchange::Exchange(TransferContext& context, const TransferRequest& request, const std::string& url,
-                   bool isFresh, const std::vector<std::string>* lentCookies, Taker& taker)
+                   Attempt attempt, const std::vector<std::string>* lentCookies, Taker& taker)
     : context_(context),
       request_(request),
       taker_(taker),
       handle_(curl_easy_init()),
       hasCookies_(context.settings.keepsCookies && request.purpose != Purpose::probe),
       lentCookies_(lentCookies),
-      isFresh_(isFresh) {
+      attempt_(attempt) {
   if (handle_) setOptions(url);
 }
 
@@ -181,13 +185,17 @@ void Exchange::setOptions(const std::string& url) {
   // A name server that does not answer must not hold up the end of an aborted transfer.
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
   curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kReceiveBytes);
-  curl_easy_setopt(handle, CURLOPT_FRESH_CONNECT, isFresh_ ? 1L : 0L);
+  curl_easy_setopt(handle, CURLOPT_FRESH_CONNECT, attempt_ == Attempt::first ? 0L : 1L);
   if (request_.method == "HEAD") {
     curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
     curl_easy_setopt(handle, CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
   } else if (request_.method != "GET") {
     curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.method.c_str());
   }
+  if (attempt_ == Attempt::anewWithoutSize) curl_easy_setopt(handle, CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
+  curl_easy_setopt(handle, CURLOPT_NOPROGRESS, url.starts_with("ftp:") ? 0L : 1L);
+  curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &Exchange::mayGoOn);
+  curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
   curl_easy_setopt(handle, CURLOPT_HTTP_CONTENT_DECODING, 0L);
   if (request_.purpose == Purpose::page) curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, kAcceptedCodings);
   curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &Exchange::receiveHeader);
@@ -250,15 +258,26 @@ int Exchange::willRequest(void* self, char* /*remoteAddress*/, char* /*localAddr
   exchange.localPort_ = localPort;
   exchange.requestTime_ = Clock::now();
   const bool hasSaidMore = exchange.context_.sockets.isReadable(localPort) || HasUnreadTLS(handle);
-  exchange.mustBeRepeated_ = exchange.isOnUsedConnection_ && !exchange.isFresh_ && hasSaidMore;
-  return exchange.mustBeRepeated_ ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+  if (!exchange.isOnUsedConnection_ || exchange.attempt_ != Attempt::first || !hasSaidMore)
+    return CURL_PREREQFUNC_OK;
+  exchange.nextAttempt_ = Attempt::anew;
+  return CURL_PREREQFUNC_ABORT;
 }
 
 std::size_t Exchange::receiveHeader(const char* data, std::size_t /*size*/, std::size_t count, void* self) {
   auto& exchange = *static_cast<Exchange*>(self);
   exchange.hasMoved_ = true;
   exchange.takeLine({data, count});
-  return exchange.outcome_.isWhole() ? count : 0;
+  return exchange.outcome_.isWhole() && !exchange.nextAttempt_ ? count : 0;
+}
+
+// What a server has not said yet may come later: the connection is good for nothing else.
+int Exchange::mayGoOn(void* self, curl_off_t /*total*/, curl_off_t /*now*/, curl_off_t /*uploadTotal*/,
+                      curl_off_t /*uploadNow*/) {
+  const auto& exchange = *static_cast<Exchange*>(self);
+  if (!exchange.context_.isGivingUp() && Clock::now() < exchange.context_.endOfTurn) return 0;
+  curl_easy_setopt(exchange.handle(), CURLOPT_FORBID_REUSE, 1L);
+  return 1;
 }
 
 void Exchange::noteCookie(std::string_view line) {
@@ -270,7 +289,7 @@ void Exchange::takeLine(std::string_view line) {
   const bool wasComplete = head_.isComplete();
   if (isFTP()) {
     head_.passOver(line);
-    if (line.starts_with("213 ")) hasFTPLength_ = SaysLength(line.substr(4));
+    if (line.starts_with("213 ") && !SaysLength(line.substr(4))) nextAttempt_ = Attempt::anewWithoutSize;
   } else {
     head_.addLine(line);
     if (hasCookies_) noteCookie(line);
@@ -347,7 +366,6 @@ bool Exchange::isFTP() const {
 
 std::int64_t Exchange::announcedLength() const {
   if (!isFTP()) return head_.announcedLength().value_or(-1);
-  if (!hasFTPLength_) return -1;
   return std::max<std::int64_t>(InfoOf(handle_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, curl_off_t{-1}),
                                 -1);
 }
@@ -371,8 +389,9 @@ void Exchange::end(CURLcode result) {
   context_.cookies.trim();
   const bool isBroken = result == CURLE_GOT_NOTHING || result == CURLE_RECV_ERROR ||
                         result == CURLE_SEND_ERROR || result == CURLE_OK;
-  mustBeRepeated_ = mustBeRepeated_ || (isOnUsedConnection_ && !isFresh_ && isBroken && !isFTP() &&
-                                        outcome_.isWhole() && !head_.isComplete());
+  const bool isAnswered = isFTP() || !outcome_.isWhole() || head_.isComplete();
+  if (isOnUsedConnection_ && attempt_ == Attempt::first && isBroken && !isAnswered)
+    nextAttempt_ = Attempt::anew;
   if (!outcome_.isWhole()) return;
   const bool hasHead = isFTP() ? result == CURLE_OK : head_.isComplete();
   if (hasHead && !isWanted_) isWanted_ = taker_.wantsBody();

@@ -9,6 +9,7 @@
 
 #include <curl/curl.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -44,6 +45,8 @@ class OpenSockets {
   [[nodiscard]] bool isReadable(int port) const;
   /// How long ago the peer has sent something on it, or the connection was made; nothing when it is closed.
   [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(int port) const;
+  /// Nobody waits for a word on them any more.
+  void shutDown();
 
  private:
   [[nodiscard]] curl_socket_t find(int port) const;  // CURL_SOCKET_BAD: none
@@ -71,12 +74,18 @@ void WatchTLSEnd(CURL* handle);
 /// What the transfers of one thread share.
 struct TransferContext {
   const TransferSettings& settings;
+  std::atomic<bool> isStopped = false;
+  /// libcurl waits for a server of FTP with all its other work undone; no longer than until then.
+  std::chrono::steady_clock::time_point endOfTurn{};
   OpenSockets sockets{};
   CookieJar cookies{};
   CredentialStore credentials{};
   std::unordered_set<std::string> hostsInTurnOnly{};  ///< whose answer ahead was of no use
   bool hasLookedAhead = false;
   bool isDiskFull = false;  ///< nothing is kept ahead any more
+
+  /// The program is interrupted, or the thread has stopped: nothing comes any more. Any thread.
+  [[nodiscard]] bool isGivingUp() const { return isStopped || IsInterrupted(settings); }
 };
 
 inline constexpr int kMaxRetryAfter = 600;
@@ -85,6 +94,11 @@ class Exchange {
  public:
   using Clock = std::chrono::steady_clock;
   enum class Taking { taken, later, never };
+  enum class Attempt {
+    first,
+    anew,            ///< on a new connection
+    anewWithoutSize  ///< and a server of FTP is not asked how long the file is
+  };
 
   /// Takes the answer, inside libcurl's work.
   class Taker {
@@ -100,9 +114,9 @@ class Exchange {
 
   /// Each has a handle of its own: in one that was used before, libcurl 7.88 goes on from the last field of
   /// the answer before, which it has freed, when an answer's first field begins with a blank. `url` is where
-  /// the request has got to. `isFresh`: on a new connection. `lentCookies`: instead of those that all share;
-  /// null: those. All but `url` outlive this.
-  Exchange(TransferContext& context, const TransferRequest& request, const std::string& url, bool isFresh,
+  /// the request has got to. `lentCookies`: instead of those that all share; null: those. All but `url`
+  /// outlive this.
+  Exchange(TransferContext& context, const TransferRequest& request, const std::string& url, Attempt attempt,
            const std::vector<std::string>* lentCookies, Taker& taker);
   Exchange(const Exchange&) = delete;
   Exchange& operator=(const Exchange&) = delete;
@@ -140,14 +154,16 @@ class Exchange {
 
   /// The handle has come to its end. Asks the taker if nobody has yet and there is a head.
   void end(CURLcode result);
-  /// After `end`: the same is to be asked for once more, on a new connection.
-  [[nodiscard]] bool mustBeRepeated() const { return mustBeRepeated_; }
+  /// After `end`: how the same is to be asked for once more, if it is.
+  [[nodiscard]] std::optional<Attempt> nextAttempt() const { return nextAttempt_; }
   /// After `end`; for a body that is not wanted, whole.
   [[nodiscard]] const TransferOutcome& outcome() const { return outcome_; }
 
  private:
   static std::size_t receiveHeader(const char* data, std::size_t size, std::size_t count, void* self);
   static std::size_t receiveBody(const char* data, std::size_t size, std::size_t count, void* self);
+  static int mayGoOn(void* self, curl_off_t total, curl_off_t now, curl_off_t uploadTotal,
+                     curl_off_t uploadNow);
   static int willRequest(void* self, char* remoteAddress, char* localAddress, int remotePort, int localPort);
 
   void setOptions(const std::string& url);
@@ -176,15 +192,14 @@ class Exchange {
   long connectionCount_ = 0;  // before the request that is going on
   std::optional<Clock::time_point> requestTime_;
   int localPort_ = -1;
-  const bool isFresh_;
+  const Attempt attempt_;
   bool isOnUsedConnection_ = false;
   bool isTunnelRefused_ = false;
-  bool hasFTPLength_ = true;  // but for an answer to SIZE that gives none
   bool hasMoved_ = true;
   bool isPaused_ = false;
   bool isSlowedDown_ = false;
   Clock::time_point due_{};  // of the next bytes, where the rate is limited
-  bool mustBeRepeated_ = false;
+  std::optional<Attempt> nextAttempt_;
 };
 
 }  // namespace quillforth::platform

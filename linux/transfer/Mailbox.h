@@ -66,14 +66,17 @@ class Mailbox {
   /// To be repeated until there is none: only then the descriptor is no longer readable.
   [[nodiscard]] std::optional<Message> take() {
     const std::lock_guard lock(mutex_);
-    if (messages_.empty()) {
-      eventfd_t count = 0;
-      if (isSignalled_ && ::eventfd_read(signal_.get(), &count) == 0) isSignalled_ = false;
-      return std::nullopt;
-    }
-    std::optional<Message> message(std::move(messages_.front()));
-    messages_.pop_front();
-    return message;
+    eventfd_t count = 0;
+    const bool isToBeCleared = messages_.empty() && isSignalled_;
+    if (isToBeCleared && ::eventfd_read(signal_.get(), &count) == 0) isSignalled_ = false;
+    return next();
+  }
+
+  /// The same for a receiver that will take again before it sleeps. The descriptor stays readable, so that
+  /// senders pay for nothing meanwhile.
+  [[nodiscard]] std::optional<Message> takeAwake() {
+    const std::lock_guard lock(mutex_);
+    return next();
   }
 
   [[nodiscard]] bool isEmpty() {
@@ -84,6 +87,13 @@ class Mailbox {
   [[nodiscard]] int descriptor() const { return signal_.get(); }
 
  private:
+  std::optional<Message> next() {
+    if (messages_.empty()) return std::nullopt;
+    std::optional<Message> message(std::move(messages_.front()));
+    messages_.pop_front();
+    return message;
+  }
+
   FileDescriptor signal_;
   std::mutex mutex_;
   std::deque<Message> messages_;

@@ -17,6 +17,8 @@ using common::EqualsNoCase;
 
 namespace {
 
+using common::EqualsNoCase;
+
 constexpr std::size_t kMaxMIMETypeLength = 255;
 
 // A whole number of digits alone, or nothing.
@@ -165,8 +167,7 @@ std::string MIMETypeOf(const ResponseHead& head) {
   const std::string_view field = head.firstValue("Content-Type");
   const std::string_view type = TrimmedBlanks(field.substr(0, field.find(';')));
   std::string lower(type.substr(0, kMaxMIMETypeLength));
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  std::transform(lower.begin(), lower.end(), lower.begin(), common::LowerCased);
   return lower;
 }
 

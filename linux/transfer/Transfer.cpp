@@ -56,7 +56,7 @@ void Transfer::goTo(RequestURL url) {
   url_ = std::move(url);
   if (!referrer_.empty()) referrer_ = url_.reducedReferrer(referrer_, context_->settings.tellsWholeReferrer);
   logins_->goTo(url_);
-  beginExchange(false);
+  beginExchange();
 }
 
 // The user's, as far as a server may see them.
@@ -72,9 +72,9 @@ std::vector<HeaderField> Transfer::fieldsFor(const RequestURL& url) const {
   return fields;
 }
 
-void Transfer::beginExchange(bool isFresh) {
+void Transfer::beginExchange(Exchange::Attempt attempt) {
   if (isAhead_) lent_.push_back({url_.host, context_->cookies.cookiesNear(url_.host)});
-  exchange_ = std::make_unique<Exchange>(*context_, request_, url_.text, isFresh,
+  exchange_ = std::make_unique<Exchange>(*context_, request_, url_.text, attempt,
                                          isAhead_ ? &lent_.back().cookies : nullptr,
                                          static_cast<Exchange::Taker&>(*this));
   if (exchange_->handle() == nullptr) return fail({OutcomeKind::outOfMemory});
@@ -141,7 +141,7 @@ Exchange::Taking Transfer::takeBody(std::string_view bytes) {
 
 void Transfer::requestDone(CURLcode result) {
   exchange_->end(result);
-  if (exchange_->mustBeRepeated()) return beginExchange(true);
+  if (const auto attempt = exchange_->nextAttempt()) return beginExchange(*attempt);
   if (isOnlyForItsTurn()) {
     context_->hostsInTurnOnly.insert(url_.host);
     return isAhead_ ? drop() : startAgain();
@@ -176,7 +176,7 @@ void Transfer::handleRefusal() {
       exchange_->head().header().valuesOfField(isProxy ? "Proxy-Authenticate" : "WWW-Authenticate");
   switch (logins_->refused(refusal)) {
     case DownloadLogins::Next::retry:
-      return beginExchange(false);
+      return beginExchange();
     case DownloadLogins::Next::ask:
       phase_ = Phase::waiting;
       if (ask(logins_->challenge())) return;
@@ -214,7 +214,7 @@ void Transfer::startAgain() {
 
 void Transfer::answer(const std::string& user, const std::string& password) {
   if (phase_ != Phase::waiting || !logins_->answer(user, password)) return;
-  beginExchange(false);
+  beginExchange();
 }
 
 void Transfer::resume() {

@@ -109,7 +109,7 @@ class Transfer : private Exchange::Taker {
 
   void goTo(RequestURL url);
   [[nodiscard]] std::vector<HeaderField> fieldsFor(const RequestURL& url) const;
-  void beginExchange(bool isFresh);
+  void beginExchange(Exchange::Attempt attempt = Exchange::Attempt::first);
   void beginBody();
   [[nodiscard]] bool isRefused() const;
   [[nodiscard]] bool isOnlyForItsTurn() const;

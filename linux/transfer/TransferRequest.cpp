@@ -4,7 +4,10 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <memory>
+
+#include "common/BoundedText.h"
 
 namespace quillforth::platform {
 
@@ -37,6 +40,7 @@ std::optional<RequestURL> TakeApart(const CurlURL& url) {
     if (curl_url_set(url.get(), part, nullptr, 0) != CURLUE_OK) return std::nullopt;
   }
   request.host = Part(url.get(), CURLUPART_HOST);
+  std::transform(request.host.begin(), request.host.end(), request.host.begin(), common::LowerCased);
   request.port = Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
   request.origin = scheme + "://" + request.host + Part(url.get(), CURLUPART_ZONEID) + ":" + request.port;
   request.path = Part(url.get(), CURLUPART_PATH);

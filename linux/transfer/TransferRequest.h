@@ -27,9 +27,9 @@ struct Login {
 struct RequestURL {
   std::string text;    ///< absolute; no user name, password or fragment
   std::string origin;  ///< "scheme://host:port", always with the port; an address has its zone after it
-  std::string host;
-  std::string port;  ///< always there
-  std::string path;  ///< begins with "/"
+  std::string host;    ///< in lower case, as in the origin
+  std::string port;    ///< always there
+  std::string path;    ///< begins with "/"
   std::optional<Login> login;
 
   /// Nothing when `text` is no absolute URL of http, https or ftp.

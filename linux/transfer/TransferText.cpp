@@ -151,6 +151,7 @@ constexpr OutcomeCode kOutcomeCodes[] = {
     {CURLE_PEER_FAILED_VERIFICATION, OutcomeKind::untrustedCertificate},
     {CURLE_SSL_CACERT_BADFILE, OutcomeKind::unreadableCertificates},
     {CURLE_OPERATION_TIMEDOUT, OutcomeKind::timeout},
+    {CURLE_ABORTED_BY_CALLBACK, OutcomeKind::silence},
     {CURLE_GOT_NOTHING, OutcomeKind::noAnswer},
     {CURLE_SEND_ERROR, OutcomeKind::connectionLost},
     {CURLE_RECV_ERROR, OutcomeKind::brokenOff},

@@ -21,6 +21,8 @@ constexpr int kMaxConnectionsAHost = 6;
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(1);
 // libcurl 7.88 waits for nothing where it has to go on: when the answer to EPSV was there at once.
 constexpr std::chrono::milliseconds kLongestFTPWait{20};
+// A server of FTP may take so long for its last word on a file. All other transfers wait for it.
+constexpr std::chrono::seconds kLongestTurn{10};
 
 // Signals are the main thread's; SIGPIPE and SIGXFSZ are wanted as error numbers.
 void BlockAllSignals() {
@@ -40,7 +42,7 @@ TransferThread::TransferThread(const TransferSettings& settings)
 }
 
 void TransferThread::stop() {
-  if (isStopped_.exchange(true)) return;
+  if (context_.isStopped.exchange(true)) return;
   post(StopCommand{});
   thread_.join();
 }
@@ -58,6 +60,8 @@ void TransferThread::run() {
       turn.lock();
     }
   }
+  // libcurl says goodbye to servers of FTP, and would wait minutes for an answer.
+  context_.sockets.shutDown();
   while (!entries_.empty()) release(entries_.begin());
 }
 
@@ -144,6 +148,7 @@ void TransferThread::obeyStart(StartCommand& command) {
 }
 
 void TransferThread::drive() {
+  context_.endOfTurn = Clock::now() + kLongestTurn;
   int running = 0;
   curl_multi_perform(multi_.get(), &running);
   int waiting = 0;

@@ -66,8 +66,7 @@ class TransferThread {
   /// These three on any thread. A number is given once.
   [[nodiscard]] TransferId newId() { return ++lastId_; }
   void post(Command command) { commands_.post(std::move(command)); }
-  /// The program is interrupted, or this thread has stopped: nothing comes any more.
-  [[nodiscard]] bool isGivingUp() const { return isStopped_ || IsInterrupted(context_.settings); }
+  [[nodiscard]] bool isGivingUp() const { return context_.isGivingUp(); }
   /// On one thread only, as all below: `work` or `handOver` is to follow, and until then nothing comes of it.
   void postQuietly(Command command);
   /// Obeys what `postQuietly` was given, and does this thread's work on the calling one until `isDone`, but
@@ -106,7 +105,6 @@ class TransferThread {
   void release(Entries::iterator entry);
 
   std::atomic<TransferId> lastId_ = 0;
-  std::atomic<bool> isStopped_ = false;
   TransferContext context_;
   Mailbox<Command> commands_;
   bool hasQuietCommand_ = false;  // from the thread that starts files

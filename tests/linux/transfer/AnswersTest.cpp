@@ -117,7 +117,7 @@ TEST_F(Answers, OfOneHostComeOverOneConnectionWithCookiesForAllButProbes) {
 
 TEST(Referrer, SaysNoMoreThanStrictOriginWhenCrossOrigin) {
   const std::string rows[][3] = {{"http://h/g/?q#f", "http://h/a", "http://h/g/?q"},
-                                 {"http://us:er@h/g/", "http://h:80/a", "http://h/g/"},
+                                 {"http://us:er@H/g/", "http://h:80/a", "http://H/g/"},
                                  {"http://us:er@h/g/", "http://h:81/a", "http://h/"},
                                  {"http://h:81/g/", "http://i/a", "http://h:81/"},
                                  {"http://h/g/", "https://h/a", "http://h/"},
