@@ -308,6 +308,10 @@ _arguments -C \
   return text + ")' ;;\nesac\n";
 }
 
+std::string FishText(std::string_view text) {
+  return " -d '" + Replaced(Gist(text), "'", "\\'") + "'\n";
+}
+
 std::string FishValues(const Option& option) {
   switch (option.completes) {
     case Completes::nothing:
@@ -343,8 +347,7 @@ std::string Fish() {
   text += start + " -f\n";
   for (const CommandDescription& command : Commands()) {
     if (command.name.empty()) continue;
-    text += start + " -n __fish_use_subcommand -a " + std::string(command.name) + " -d '" +
-            Gist(command.summary) + "'\n";
+    text += start + " -n __fish_use_subcommand -a " + std::string(command.name) + FishText(command.summary);
   }
   text += start + " -n __fish_use_subcommand -a help -d 'explain a command'\n";
   for (const CommandDescription& command : Commands()) {
@@ -365,7 +368,7 @@ std::string Fish() {
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
       }
       if (!option.value.empty()) text += FishValues(option);
-      text += " -d '" + Replaced(Gist(option.text), "'", "\\'") + "'\n";
+      text += FishText(option.text);
     }
   }
   return text;

@@ -140,7 +140,6 @@ void Get::moveOn() {
 
 void Get::handOver(const GivenURL& url) {
   if (isDouble(url.text)) return;
-  controller_.showStatusAndActivate();
   const bool isAPage = isPage(url);
   if (shouldStop_()) {
     urls_.push_front(url);
@@ -148,7 +147,8 @@ void Get::handOver(const GivenURL& url) {
     workPage(url.text);
   } else if (!isSettled(url.text)) {
     if (url.kind == GivenURL::Kind::judged) judged_.insert(url.text);
-    controller_.startURL(url.text, true);
+    // A folder that was given is decided on once; another may be asked for, or stored meanwhile.
+    controller_.startURL(url.text, !std::exchange(hasDecided_, settings_.arguments.to.has_value()));
   }
 }
 

@@ -17,7 +17,7 @@ complete -c quillforth-cli -n __fish_use_subcommand -a classify -d 'tell pages f
 complete -c quillforth-cli -n __fish_use_subcommand -a comment -d 'show or change the comments of files'
 complete -c quillforth-cli -n __fish_use_subcommand -a extensions -d 'list the table of file-name extensions and types'
 complete -c quillforth-cli -n __fish_use_subcommand -a settings -d 'show or change the settings'
-complete -c quillforth-cli -n __fish_use_subcommand -a aggregate -d 'sort a folder's files into subfolders by extension'
+complete -c quillforth-cli -n __fish_use_subcommand -a aggregate -d 'sort a folder\'s files into subfolders by extension'
 complete -c quillforth-cli -n __fish_use_subcommand -a help -d 'explain a command'
 complete -c quillforth-cli -n __fish_use_subcommand -s h -l help -d 'show this text'
 complete -c quillforth-cli -n __fish_use_subcommand -s V -l version -d 'show the version'
