@@ -63,7 +63,7 @@ void CurlDownload::setDestinationAllowOverwrite(const QString& path, bool allowO
 
 void CurlDownload::cancel() {
   if (service_ == nullptr) return;
-  service_->thread_.post(CancelCommand{id_});
+  service_->thread_.post(ChangeCommand{id_, &Transfer::cancel});
   service_->forget(id_);
 }
 
@@ -86,8 +86,9 @@ void CurlDownload::answer(const std::optional<Credential>& credential) {
   const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
   if (service_ == nullptr || !asked) return;
   if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked).sentence());
-  service_->thread_.post(
-      AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
+  const auto give = [user = credential->user.toStdString(), password = credential->password.toStdString()](
+                        Transfer& transfer) { transfer.answer(user, password); };
+  service_->thread_.post(ChangeCommand{id_, give});
 }
 
 // A coded body is stored as it was sent, whatever the delegate answers: there is no decoder here.
@@ -112,7 +113,8 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
-  service_->decide({id_, std::move(target)});
+  service_->decide(
+      {id_, [target = std::move(target)](Transfer& transfer) { transfer.setDestination(target); }});
 }
 
 void CurlDownload::receive(DestinationReport& report) {
@@ -158,7 +160,7 @@ void LookAhead::expect(const std::vector<WebDownloadRequest>& requests, const st
       thread_.post(StartCommand{make_(items_.back().id, request, folder)});
     }
   }
-  for (const Item& item : before) thread_.post(CancelCommand{item.id});
+  for (const Item& item : before) thread_.post(ChangeCommand{item.id, &Transfer::cancel});
 }
 
 std::optional<TransferId> LookAhead::take(const WebDownloadRequest& request) {
@@ -241,7 +243,8 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const WebDownloa
   downloads_.emplace(id, download);
   reports_.post(BeganReport{id});
   if (CanBeFetched(request.url)) {
-    thread_.postQuietly(ahead ? Command(AdoptCommand{id}) : StartCommand{makeTransfer(id, request, {})});
+    thread_.postQuietly(ahead ? Command(ChangeCommand{id, &Transfer::adopt})
+                              : StartCommand{makeTransfer(id, request, {})});
     if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
     fail(id, TransferOutcome{OutcomeKind::unsupportedURL}.sentence());
@@ -301,7 +304,7 @@ void CurlDownloadService::deliver(Report& report) {
 }
 
 // Not where windows are to be drawn meanwhile.
-void CurlDownloadService::decide(DestinationCommand command) {
+void CurlDownloadService::decide(ChangeCommand command) {
   if (options_.mayWaitForDisk) {
     thread_.postQuietly(std::move(command));
   } else {
@@ -311,7 +314,7 @@ void CurlDownloadService::decide(DestinationCommand command) {
 
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.
 void CurlDownloadService::fail(DownloadId id, const QString& description) {
-  thread_.post(CancelCommand{id});
+  thread_.post(ChangeCommand{id, &Transfer::cancel});
   reports_.post(FailedReport{id, description});
 }
 

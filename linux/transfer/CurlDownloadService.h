@@ -106,7 +106,7 @@ class CurlDownloadService final : public WebDownloadService {
   void deliver(Report& report);
   void rest();
   void cancelAll();
-  void decide(DestinationCommand command);
+  void decide(ChangeCommand command);
   void fail(DownloadId id, const QString& description);
   void forget(DownloadId id);
 
