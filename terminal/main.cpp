@@ -175,7 +175,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& /*errors*/) 
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
   // Nothing else is to be done here while a disk is slow.
-  host::HeadlessHost services({.mayWaitForDisk = true}, arguments.keepsCookies);
+  host::HeadlessHost services({.mayWait = true}, arguments.keepsCookies);
   host::AssumedNetwork assumedNetwork;
   const app::Host host = arguments.local ? services.host(terminalApplication, assumedNetwork)
                                          : services.host(terminalApplication);

@@ -175,6 +175,8 @@ namespace {
 
 // A fraction of a frame: so long at most other events wait for their turn.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
+// The same where nothing is drawn. Many servers have answered by then, and wake no other thread.
+constexpr std::chrono::milliseconds kLongDeliveryTime{50};
 // So long nothing has been downloaded when the disks are made to keep what was.
 constexpr std::chrono::seconds kRest{1};
 
@@ -275,7 +277,7 @@ void CurlDownloadService::setDelivering(bool isDelivering) {
 // before it is delivered. What a delegate starts can report at once, without end, so other events get their
 // turn in between.
 void CurlDownloadService::deliverReports() {
-  const auto end = std::chrono::steady_clock::now() + kDeliveryTime;
+  const auto end = std::chrono::steady_clock::now() + (options_.mayWait ? kLongDeliveryTime : kDeliveryTime);
   const bool wasDelivering = std::exchange(isDelivering_, true);
   while (deliverOne(end) && std::chrono::steady_clock::now() < end) {
   }
@@ -305,7 +307,7 @@ void CurlDownloadService::deliver(Report& report) {
 
 // Not where windows are to be drawn meanwhile.
 void CurlDownloadService::decide(ChangeCommand command) {
-  if (options_.mayWaitForDisk) {
+  if (options_.mayWait) {
     thread_.postQuietly(std::move(command));
   } else {
     thread_.post(std::move(command));
