@@ -72,13 +72,24 @@ list_files() {
   while read -r name; do printf 'url = %s\noutput = %s\n' "$name" "$out/${name##*/}"; done < "$work/list" > "$work/curl"
 }
 
+# An empty folder $out. The files of the run before are emptied and put aside: ext4 without a journal looks at each
+# inode that was removed lately before it makes a new one, and that would be most of what is measured.
+renew_out() {
+  if [[ $out == "$memory"/* ]]; then
+    rm -rf "$out"
+  elif [[ -e $out ]]; then
+    find "$out" -type f -exec truncate -s 0 {} +
+    mv "$out" "$(mktemp -d "$work/aside.XXXXXX")"
+  fi
+  mkdir "$out"
+}
+
 # measure NAME COMMAND...: runs it into an empty folder $out, holds what is there against www/$wanted, and notes wall
 # and processor seconds and the peak memory in KiB.
 measure() {
   local name=$1 start end
   shift
-  rm -rf "$out"
-  mkdir "$out"
+  renew_out
   start=$EPOCHREALTIME
   timeout 300 /usr/bin/time -o "$work/time" -f '%U %S %M' "$@" > /dev/null
   end=$EPOCHREALTIME

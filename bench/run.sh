@@ -73,15 +73,15 @@ for place in "to the disk" "into memory"; do
   row "the same without comments" ours-bare curl
   row "the same without waiting for the disk" ours-hasty curl
 done
-rm -r "$memory/out" "$work/www/small"
+rm -r "$memory/out"
 out=$work/out
 
 make_files middle "$((many / 10))" 1024
 wanted=middle
 list_files middle "$base"
-in_turn "$several" ours curl_list
+in_turn "$several" ours without_waiting curl_list
 row "$((many / 10)) files of 1 MiB to the disk" ours curl
-rm -r "$work/www/middle"
+row "the same without waiting for the disk" ours-hasty curl
 
 make_files late 100 10
 exec 3< <(exec bench/slow_server.py "$work/www")

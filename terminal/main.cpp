@@ -180,7 +180,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   const TerminalPrompt prompt(interruption.descriptor());
   TerminalApplication terminalApplication(*reporter, prompt, options.destination);
   // Nothing else is to be done here while a disk is slow.
-  host::HeadlessHost services({.mayWaitForDisk = true}, TransfersFor(options, interruption.descriptor()));
+  host::HeadlessHost services({.mayWait = true}, TransfersFor(options, interruption.descriptor()));
   services.aggregation().tellMoves([&reporter](const std::string& from, const std::string& to) {
     reporter->didMove(QString::fromStdString(from), QString::fromStdString(to));
   });

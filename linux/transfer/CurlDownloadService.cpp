@@ -61,7 +61,7 @@ void CurlDownload::setDestinationAllowOverwrite(const QString& path, bool allowO
 
 void CurlDownload::cancel() {
   if (service_ == nullptr) return;
-  service_->thread_.post(CancelCommand{id_});
+  service_->thread_.post(ChangeCommand{id_, &Transfer::cancel});
   service_->forget(id_);
 }
 
@@ -84,8 +84,9 @@ void CurlDownload::answer(const std::optional<Credential>& credential) {
   const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
   if (service_ == nullptr || !asked) return;
   if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked));
-  service_->thread_.post(
-      AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
+  const auto give = [user = credential->user.toStdString(), password = credential->password.toStdString()](
+                        Transfer& transfer) { transfer.answer(user, password); };
+  service_->thread_.post(ChangeCommand{id_, give});
 }
 
 // A coded body is stored as it was sent, whatever the delegate answers: there is no decoder here.
@@ -110,7 +111,8 @@ void CurlDownload::decideDestination(ResponseReport& report) {
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
-  service_->decide({id_, std::move(target)});
+  service_->decide(
+      {id_, [target = std::move(target)](Transfer& transfer) { transfer.setDestination(target); }});
 }
 
 void CurlDownload::receive(DestinationReport& report) {
@@ -157,7 +159,7 @@ void LookAhead::expect(const std::vector<WebDownloadRequest>& requests, const st
       thread_.post(StartCommand{make_(items_.back().id, request, folder)});
     }
   }
-  for (const Item& item : before) thread_.post(CancelCommand{item.id});
+  for (const Item& item : before) thread_.post(ChangeCommand{item.id, &Transfer::cancel});
 }
 
 std::optional<TransferId> LookAhead::take(const WebDownloadRequest& request) {
@@ -172,6 +174,8 @@ namespace {
 
 // A fraction of a frame: so long at most other events wait for their turn.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
+// The same where nothing is drawn. Many servers have answered by then, and wake no other thread.
+constexpr std::chrono::milliseconds kLongDeliveryTime{50};
 // So long nothing has been downloaded when the disks are made to keep what was.
 constexpr std::chrono::seconds kRest{1};
 
@@ -240,7 +244,8 @@ std::shared_ptr<WebDownload> CurlDownloadService::startDownload(const WebDownloa
   downloads_.emplace(id, download);
   reports_.post(BeganReport{id});
   if (CanBeFetched(request.url)) {
-    thread_.postQuietly(ahead ? Command(AdoptCommand{id}) : StartCommand{makeTransfer(id, request, {})});
+    thread_.postQuietly(ahead ? Command(ChangeCommand{id, &Transfer::adopt})
+                              : StartCommand{makeTransfer(id, request, {})});
     if (!isDelivering_ || !notifier_.isEnabled()) thread_.handOver();
   } else {
     fail(id, {OutcomeKind::unsupportedURL});
@@ -271,7 +276,7 @@ void CurlDownloadService::setDelivering(bool isDelivering) {
 // before it is delivered. What a delegate starts can report at once, without end, so other events get their
 // turn in between.
 void CurlDownloadService::deliverReports() {
-  const auto end = std::chrono::steady_clock::now() + kDeliveryTime;
+  const auto end = std::chrono::steady_clock::now() + (options_.mayWait ? kLongDeliveryTime : kDeliveryTime);
   const bool wasDelivering = std::exchange(isDelivering_, true);
   while (deliverOne(end) && std::chrono::steady_clock::now() < end) {
   }
@@ -300,8 +305,8 @@ void CurlDownloadService::deliver(Report& report) {
 }
 
 // Not where windows are to be drawn meanwhile.
-void CurlDownloadService::decide(DestinationCommand command) {
-  if (options_.mayWaitForDisk) {
+void CurlDownloadService::decide(ChangeCommand command) {
+  if (options_.mayWait) {
     thread_.postQuietly(std::move(command));
   } else {
     thread_.post(std::move(command));
@@ -310,7 +315,7 @@ void CurlDownloadService::decide(DestinationCommand command) {
 
 // Always by way of the mailbox, so that the delegate hears of it from the main loop.
 void CurlDownloadService::fail(DownloadId id, const TransferOutcome& outcome) {
-  thread_.post(CancelCommand{id});
+  thread_.post(ChangeCommand{id, &Transfer::cancel});
   reports_.post(FailedReport{id, outcome});
 }
 

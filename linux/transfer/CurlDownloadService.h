@@ -70,8 +70,9 @@ struct DownloadOptions {
   /// Without a byte for so long, a transfer has failed.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
   FileCalls* files = nullptr;  ///< outlives the service; null: the kernel's
-  /// The service's thread has nothing else to do while a disk takes a small file: it may store it itself.
-  bool mayWaitForDisk = false;
+  /// The service's thread has nothing to draw: it may wait for a server, and for a disk that takes a small
+  /// file, for some hundredths of a second.
+  bool mayWait = false;
 };
 
 class CurlDownloadService final : public WebDownloadService {
@@ -106,7 +107,7 @@ class CurlDownloadService final : public WebDownloadService {
   void deliver(Report& report);
   void rest();
   void cancelAll();
-  void decide(DestinationCommand command);
+  void decide(ChangeCommand command);
   void fail(DownloadId id, const TransferOutcome& outcome);
   void forget(DownloadId id);
 

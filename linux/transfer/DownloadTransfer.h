@@ -45,7 +45,7 @@ struct ResponseReport {
 struct DestinationReport {
   DownloadId id;
   std::string name;
-  std::string folder;  ///< where it lies by now; empty: in the folder of the DestinationCommand
+  std::string folder;  ///< where it lies by now; empty: in the folder that was decided
 };
 struct DataReport {
   DownloadId id;

@@ -46,16 +46,26 @@ curl_socket_t OpenSockets::find(int port) const {
   return found == sockets_.end() ? CURL_SOCKET_BAD : *found;
 }
 
-bool OpenSockets::isReadable(int port) const {
-  pollfd entry{find(port), POLLIN, 0};
+bool OpenSockets::isOpen(curl_socket_t socket) const {
+  return std::find(sockets_.begin(), sockets_.end(), socket) != sockets_.end();
+}
+
+bool OpenSockets::isReadable(curl_socket_t socket) const {
+  pollfd entry{socket, POLLIN, 0};
   return ::poll(&entry, 1, 0) > 0;
 }
 
-std::optional<std::chrono::milliseconds> OpenSockets::ageOfLastByte(int port) const {
+std::optional<std::chrono::milliseconds> OpenSockets::ageOfLastByte(curl_socket_t socket) const {
   tcp_info info{};
   socklen_t length = sizeof info;
-  if (::getsockopt(find(port), IPPROTO_TCP, TCP_INFO, &info, &length) != 0) return std::nullopt;
+  if (!isOpen(socket) || ::getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &length) != 0)
+    return std::nullopt;
   return std::chrono::milliseconds(info.tcpi_last_data_recv);
+}
+
+void OpenSockets::acknowledge(curl_socket_t socket) const {
+  const int isOn = 1;
+  if (isOpen(socket)) ::setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &isOn, sizeof isOn);
 }
 
 void OpenSockets::shutDown() {
@@ -255,9 +265,9 @@ int Exchange::willRequest(void* self, char* /*remoteAddress*/, char* /*localAddr
   const long count = InfoOf(handle, CURLINFO_NUM_CONNECTS, 0L);
   exchange.isOnUsedConnection_ = count == std::exchange(exchange.connectionCount_, count);
   exchange.tlsEnd_ = TLSEndOf(handle);
-  exchange.localPort_ = localPort;
+  exchange.socket_ = exchange.context_.sockets.find(localPort);
   exchange.requestTime_ = Clock::now();
-  const bool hasSaidMore = exchange.context_.sockets.isReadable(localPort) || HasUnreadTLS(handle);
+  const bool hasSaidMore = exchange.context_.sockets.isReadable(exchange.socket_) || HasUnreadTLS(handle);
   if (!exchange.isOnUsedConnection_ || exchange.attempt_ != Attempt::first || !hasSaidMore)
     return CURL_PREREQFUNC_OK;
   exchange.nextAttempt_ = Attempt::anew;
@@ -380,12 +390,13 @@ std::string Exchange::peer() const {
 
 bool Exchange::isTrickling(std::chrono::milliseconds limit) const {
   if (!requestTime_ || head_.isComplete()) return false;
-  const std::optional<std::chrono::milliseconds> age = context_.sockets.ageOfLastByte(localPort_);
+  const std::optional<std::chrono::milliseconds> age = context_.sockets.ageOfLastByte(socket_);
   return age && Clock::now() - *age > *requestTime_ + limit / 2;
 }
 
 void Exchange::end(CURLcode result) {
   hasMoved_ = true;
+  context_.sockets.acknowledge(socket_);
   context_.cookies.trim();
   const bool isBroken = result == CURLE_GOT_NOTHING || result == CURLE_RECV_ERROR ||
                         result == CURLE_SEND_ERROR || result == CURLE_OK;

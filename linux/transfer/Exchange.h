@@ -41,15 +41,20 @@ class OpenSockets {
   /// From now on the sockets that `handle` opens are here until they are closed, which may be after the end
   /// of `handle`, but not of this.
   void watch(CURL* handle);
-  /// Whether the peer has said something more, or has gone, on the connection from local port `port`.
-  [[nodiscard]] bool isReadable(int port) const;
-  /// How long ago the peer has sent something on it, or the connection was made; nothing when it is closed.
-  [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(int port) const;
+  /// Of the connection from local port `port`; CURL_SOCKET_BAD: none.
+  [[nodiscard]] curl_socket_t find(int port) const;
+  /// Whether the peer has said something more, or has gone.
+  [[nodiscard]] bool isReadable(curl_socket_t socket) const;
+  /// How long ago the peer has sent something, or the connection was made; nothing when it is closed.
+  [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(curl_socket_t socket) const;
+  /// Has the kernel say at once what has arrived. A peer may hold back what else it has to say until then
+  /// (RFC 9293, section 3.7.4), which would be after the next look. Nothing when it is closed.
+  void acknowledge(curl_socket_t socket) const;
   /// Nobody waits for a word on them any more.
   void shutDown();
 
  private:
-  [[nodiscard]] curl_socket_t find(int port) const;  // CURL_SOCKET_BAD: none
+  [[nodiscard]] bool isOpen(curl_socket_t socket) const;
   static curl_socket_t open(void* self, curlsocktype purpose, curl_sockaddr* address);
   static int close(void* self, curl_socket_t socket);
 
@@ -191,7 +196,7 @@ class Exchange {
   bool hasLostCookie_ = false;
   long connectionCount_ = 0;  // before the request that is going on
   std::optional<Clock::time_point> requestTime_;
-  int localPort_ = -1;
+  curl_socket_t socket_ = CURL_SOCKET_BAD;
   const Attempt attempt_;
   bool isOnUsedConnection_ = false;
   bool isTunnelRefused_ = false;

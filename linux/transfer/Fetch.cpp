@@ -67,7 +67,7 @@ Fetch::Fetch(TransferThread& thread, TransferRequest request)
 }
 
 Fetch::~Fetch() {
-  thread_.post(CancelCommand{id_});
+  thread_.post(ChangeCommand{id_, &Transfer::cancel});
 }
 
 bool Fetch::wait(Clock::time_point until) {
@@ -81,7 +81,7 @@ bool Fetch::wait(Clock::time_point until) {
 
 std::string Fetch::takeBytes() {
   const std::lock_guard lock(shared_->mutex);
-  if (std::exchange(shared_->isPaused, false)) thread_.post(ResumeCommand{id_});
+  if (std::exchange(shared_->isPaused, false)) thread_.post(ChangeCommand{id_, &Transfer::resume});
   return std::exchange(shared_->bytes, {});
 }
 

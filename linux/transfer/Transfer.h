@@ -72,6 +72,8 @@ class Transfer : private Exchange::Taker {
   virtual void setDestination(const DestinationFile::Target& /*target*/) {}
   /// Goes on with a body that was not taken.
   void resume();
+  /// Ends it, and nobody hears of it.
+  void cancel() { phase_ = Phase::ended; }
   /// The handle has come to its end and is driven by nobody.
   void requestDone(CURLcode result);
   /// Finds stalls. When to look again.

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <new>
-#include <type_traits>
 
 namespace quillforth::platform {
 
@@ -43,7 +42,7 @@ TransferThread::TransferThread(const TransferSettings& settings)
 
 void TransferThread::stop() {
   if (context_.isStopped.exchange(true)) return;
-  post(StopCommand{});
+  commands_.signal();
   thread_.join();
 }
 
@@ -106,38 +105,17 @@ TransferThread::Clock::time_point TransferThread::step() {
 
 bool TransferThread::obeyCommands() {
   while (std::optional<Command> command = commands_.take()) {
-    if (!obey(*command)) return false;
-  }
-  return true;
-}
-
-bool TransferThread::obey(Command& command) {
-  if (std::holds_alternative<StopCommand>(command)) return false;
-  if (auto* start = std::get_if<StartCommand>(&command)) {
-    obeyStart(*start);
-    return true;
-  }
-  const auto toTransfer = [this](const auto& specific) {
-    using Specific = std::decay_t<decltype(specific)>;
-    if constexpr (!std::is_same_v<Specific, StopCommand> && !std::is_same_v<Specific, StartCommand>) {
-      const auto entry = entries_.find(specific.id);
-      if (entry == entries_.end()) return;
-      if constexpr (std::is_same_v<Specific, DestinationCommand>) {
-        entry->second.transfer->setDestination(specific.target);
-      } else if constexpr (std::is_same_v<Specific, AnswerCommand>) {
-        entry->second.transfer->answer(specific.user, specific.password);
-      } else if constexpr (std::is_same_v<Specific, AdoptCommand>) {
-        entry->second.transfer->adopt();
-      } else if constexpr (std::is_same_v<Specific, ResumeCommand>) {
-        entry->second.transfer->resume();
-      } else if constexpr (std::is_same_v<Specific, CancelCommand>) {
-        return release(entry);
-      }
-      settle(entry);
+    if (auto* start = std::get_if<StartCommand>(&*command)) {
+      obeyStart(*start);
+      continue;
     }
-  };
-  std::visit(toTransfer, command);
-  return true;
+    const auto& [id, change] = std::get<ChangeCommand>(*command);
+    const auto entry = entries_.find(id);
+    if (entry == entries_.end()) continue;
+    change(*entry->second.transfer);
+    settle(entry);
+  }
+  return !context_.isStopped;
 }
 
 void TransferThread::obeyStart(StartCommand& command) {
@@ -196,7 +174,8 @@ void TransferThread::waitForCommand() {
 void TransferThread::settle(Entries::iterator entry) {
   Entry& settled = entry->second;
   Transfer& transfer = *settled.transfer;
-  if (transfer.isAhead() && context_.isDiskFull) transfer.drop();
+  const bool hasEnded = transfer.phase() == Transfer::Phase::ended;
+  if (!hasEnded && transfer.isAhead() && context_.isDiskFull) transfer.drop();
   if (transfer.phase() != Transfer::Phase::requesting) stopDriving(settled);
   if (transfer.phase() == Transfer::Phase::again) transfer.start(context_);
   if (transfer.phase() == Transfer::Phase::ended) return release(entry);

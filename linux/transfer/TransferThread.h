@@ -28,29 +28,12 @@ namespace quillforth::platform {
 struct StartCommand {
   std::unique_ptr<Transfer> transfer;
 };
-// The others mean nothing to a transfer that has ended.
-struct DestinationCommand {
+/// Means nothing to a transfer that has ended.
+struct ChangeCommand {
   TransferId id;
-  DestinationFile::Target target;
+  std::function<void(Transfer&)> change;
 };
-struct AnswerCommand {
-  TransferId id;
-  std::string user;  ///< UTF-8, as the password
-  std::string password;
-};
-/// Its turn has come.
-struct AdoptCommand {
-  TransferId id;
-};
-struct ResumeCommand {
-  TransferId id;
-};
-struct CancelCommand {
-  TransferId id;
-};
-struct StopCommand {};
-using Command = std::variant<StartCommand, DestinationCommand, AnswerCommand, AdoptCommand, ResumeCommand,
-                             CancelCommand, StopCommand>;
+using Command = std::variant<StartCommand, ChangeCommand>;
 
 class TransferThread {
  public:
@@ -89,7 +72,6 @@ class TransferThread {
   // Lets libcurl work; returns when to look again at the latest.
   Clock::time_point step();
   bool obeyCommands();
-  bool obey(Command& command);
   void obeyStart(StartCommand& command);
   void drive();
   [[nodiscard]] bool isRequesting() const;
