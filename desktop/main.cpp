@@ -34,6 +34,7 @@
 #include "linux/browser/WindowWatcher.h"
 #include "linux/session/Interruption.h"
 #include "linux/session/SingleInstance.h"
+#include "net/URL.h"
 #include "net/UTF8.h"
 
 namespace quillforth::desktop {
@@ -348,6 +349,8 @@ int main(int argc, char** argv) {
   using namespace quillforth::desktop;
   quillforth::host::EndInALineWhenExhausted();
   std::signal(SIGPIPE, SIG_IGN);
-  const auto command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  char** const arguments = argv + (argc > 0 ? 1 : 0);
+  const auto command = ParseCommandLine(std::vector<std::string>(arguments, argv + argc));
+  std::for_each(arguments, argv + argc, &quillforth::platform::OverwriteCredentials);
   return std::visit([&](const auto& chosen) { return Run(chosen, argc, argv); }, command);
 }

@@ -222,18 +222,33 @@ std::optional<URL> URLOfTypedText(const QString& text) {
   return url && CanBeFetched(*url) && !host.startsWith(u'.') ? url : std::nullopt;
 }
 
-QString WithoutCredentials(const QString& text) {
-  if (IsMailAddress(text)) return text;
+namespace {
+
+// "user:password@", with its "@"; empty where there is none.
+Span CredentialsIn(QStringView text) {
+  if (IsMailAddress(text)) return {};
   const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
   const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';
   const qsizetype slashes = hasScheme ? schemeEnd + 1 : 0;
   qsizetype start = slashes;
   while (start < text.size() && (text[start] == u'/' || text[start] == u'\\')) ++start;
-  if (!hasScheme && start - slashes < 2) return text;
+  if (!hasScheme && start - slashes < 2) return {};
   qsizetype end = FindAnyOf(text, u"/?#\\", start);
-  if (HasImpossiblePort(QStringView(text).sliced(start, end - start))) end = text.size();
-  const qsizetype at = QStringView(text).sliced(start, end - start).lastIndexOf(u'@');
-  return at < 0 ? text : text.first(start) + text.sliced(start + at + 1);
+  if (HasImpossiblePort(text.sliced(start, end - start))) end = text.size();
+  return {start, text.sliced(start, end - start).lastIndexOf(u'@') + 1};
+}
+
+}  // namespace
+
+QString WithoutCredentials(const QString& text) {
+  const Span credentials = CredentialsIn(text);
+  return QString(text).remove(credentials.start, credentials.length);
+}
+
+void OverwriteCredentials(char* text) {
+  // A character for each byte, so that they have the same positions.
+  const Span credentials = CredentialsIn(QString::fromLatin1(text));
+  if (credentials.length > 0) std::fill_n(text + credentials.start, credentials.length - 1, '*');
 }
 
 namespace {

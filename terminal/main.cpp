@@ -290,6 +290,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   Output results(STDOUT_FILENO);
   Output errors(STDERR_FILENO);
-  const Command command = ParseCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
-  return std::visit([&](const auto& arguments) { return Run(arguments, results, errors); }, command);
+  char** const arguments = argv + (argc > 0 ? 1 : 0);
+  const Command command = ParseCommandLine(std::vector<std::string>(arguments, argv + argc));
+  std::for_each(arguments, argv + argc, &quillforth::platform::OverwriteCredentials);
+  return std::visit([&](const auto& chosen) { return Run(chosen, results, errors); }, command);
 }

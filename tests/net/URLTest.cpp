@@ -45,6 +45,10 @@ TEST(URL, IsNotMadeOfOtherCharacters) {
 TEST(URL, ShowsNoCredentialsInWhateverFormTheyCome) {
   for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/credentials.tsv", 2)) {
     EXPECT_EQ(WithoutCredentials(QString::fromStdString(row[0])).toStdString(), row[1]);
+    std::string argument = row[0];
+    OverwriteCredentials(argument.data());
+    EXPECT_EQ(argument.size(), row[0].size());
+    EXPECT_EQ(argument.find("sec"), std::string::npos) << argument;
   }
 }
 
