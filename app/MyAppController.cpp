@@ -13,7 +13,7 @@ namespace quillforth::app {
 MyAppController::MyAppController(const Outlets& outlets, const Host& host)
     : outlets_(outlets), host_(host), preferences_(*host.userDefaults), destination_(host, preferences_) {}
 
-// Downloads call their delegate to their end, and this was it.
+// Downloads call their delegate until they end, and this delegate is about to go.
 MyAppController::~MyAppController() {
   removeEventHandlers();
   for (const InFlight& each : inFlight_) each.download->cancel();

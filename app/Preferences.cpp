@@ -27,8 +27,8 @@ std::optional<bool> BooleanValue(const QVariant& stored) {
 bool Preferences::read(const BooleanPreference& preference) const {
   userDefaults_.synchronize();
   const QVariant stored = userDefaults_.objectForKey(preference.key);
-  // Whatever reads as neither falls to the default's side: a setting that is on by default goes off only by a
-  // NO, one that is off goes on only by a YES.
+  // A value that is neither YES nor NO counts as the default. So a setting that is on by default goes off
+  // only by a NO, and one that is off goes on only by a YES.
   return BooleanValue(stored).value_or(preference.defaultValue);
 }
 

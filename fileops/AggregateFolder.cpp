@@ -88,7 +88,7 @@ void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const
                QString::fromStdString(subfolder.path())));
 }
 
-// Whether something that is missing is the item itself.
+// Whether the item itself is what is missing.
 bool IsGone(const ItemReference& item, Status status) {
   return status == common::kFileNotFound && item.parent.findItem(item.name) == common::kFileNotFound;
 }

@@ -108,7 +108,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
     service_->fail(id_, LOCALIZED("There is no destination folder for the file."));
     return;
   }
-  // The root keeps its only character.
+  // The path of the root folder is its only character.
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
@@ -143,7 +143,7 @@ bool CanGoAhead(const URL& url) {
 
 }  // namespace
 
-// What is named twice is asked for twice.
+// A URL that is named twice is asked for twice.
 void LookAhead::expect(const std::vector<WebDownloadRequest>& requests, const std::string& folder) {
   Items before = std::exchange(items_, {});
   for (const WebDownloadRequest& request : requests) {
@@ -171,9 +171,9 @@ std::optional<TransferId> LookAhead::take(const WebDownloadRequest& request) {
 
 namespace {
 
-// A fraction of a frame: so long at most other events wait for their turn.
+// A fraction of a frame. Other events wait for their turn no longer than this.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
-// So long nothing has been downloaded when the disks are made to keep what was.
+// Once nothing has been downloaded for so long, the disks are made to keep what was.
 constexpr std::chrono::seconds kRest{1};
 
 }  // namespace
@@ -199,7 +199,7 @@ void CurlDownloadService::cancelAll() {
   for (const auto& [id, download] : std::exchange(downloads_, {})) download->end();
 }
 
-// What was posted before the thread stopped may tell of a file that is there.
+// A report from before the thread stopped may be about a file that is complete.
 void CurlDownloadService::end() {
   isEnding_ = true;
   thread_.stop();
@@ -222,7 +222,7 @@ int CurlDownloadService::makeDurable(std::chrono::milliseconds limit) {
   return folders_.disks().finish(files_, limit);
 }
 
-// As soon as nothing is being downloaded for a while, also when it is only a pause.
+// Whenever nothing has been downloaded for a while, even if it is only a pause.
 void CurlDownloadService::rest() {
   if (!downloads_.empty()) return;
   lookAhead_.expect({}, {});
@@ -268,9 +268,9 @@ void CurlDownloadService::setDelivering(bool isDelivering) {
   if (!isDelivering) thread_.handOver();
 }
 
-// Also called from loops that a delegate runs inside a callback; order is kept, because each report is taken
-// before it is delivered. What a delegate starts can report at once, without end, so other events get their
-// turn in between.
+// A delegate may run an event loop inside a callback, which calls this, too. Order is kept, because each
+// report is taken out before it is delivered. What a delegate starts can report at once and without end, so
+// other events get their turn in between.
 void CurlDownloadService::deliverReports() {
   const auto end = std::chrono::steady_clock::now() + kDeliveryTime;
   const bool wasDelivering = std::exchange(isDelivering_, true);
@@ -300,7 +300,7 @@ void CurlDownloadService::deliver(Report& report) {
   std::visit(receive, report);
 }
 
-// Not where windows are to be drawn meanwhile.
+// Not in a program whose windows must be drawn meanwhile.
 void CurlDownloadService::decide(DestinationCommand command) {
   if (options_.mayWaitForDisk) {
     thread_.postQuietly(std::move(command));
@@ -309,7 +309,7 @@ void CurlDownloadService::decide(DestinationCommand command) {
   }
 }
 
-// Always by way of the mailbox, so that the delegate hears of it from the main loop.
+// Always through the mailbox, so that the delegate hears of it from the main loop.
 void CurlDownloadService::fail(DownloadId id, const QString& description) {
   thread_.post(CancelCommand{id});
   reports_.post(FailedReport{id, description});
