@@ -11,7 +11,11 @@
 namespace quillforth::app {
 
 MyAppController::MyAppController(const Outlets& outlets, const Host& host)
-    : outlets_(outlets), host_(host), preferences_(*host.userDefaults), destination_(host, preferences_) {}
+    : outlets_(outlets),
+      host_(host),
+      preferences_(*host.userDefaults),
+      destination_({*host.application, *host.userDefaults, *host.aliases, *host.files, host.localizedText},
+                   preferences_) {}
 
 // Downloads call their delegate until they end, and this delegate is about to go.
 MyAppController::~MyAppController() {
