@@ -44,14 +44,6 @@ void MyAppController::applicationWillFinishLaunching() {
   host_.application->updateDynamicServices();
 }
 
-void MyAppController::applicationWillBecomeActive() {
-  setOutputFolderButtonToolTip();
-}
-
-void MyAppController::windowDidBecomeKey() {
-  setDownloadDestinationTextFieldValue();
-}
-
 void MyAppController::showStatusAndActivate() {
   if (preferences_.bringApplicationToFront()) host_.application->activateIgnoringOtherApps();
   if (preferences_.showStatusWindow()) outlets_.statusWindow.orderFrontForNewWork();

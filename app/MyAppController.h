@@ -39,8 +39,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   // Start-up and general actions (MyAppController.cpp).
   void awakeFromNib();
   void applicationWillFinishLaunching();
-  void applicationWillBecomeActive();
-  void windowDidBecomeKey();
+  void applicationWillBecomeActive() { setOutputFolderButtonToolTip(); }
+  void windowDidBecomeKey() { setDownloadDestinationTextFieldValue(); }
   void showStatusAndActivate();
   void showPreferencesWindow();
   /// Beeps, shows the texts, in the user's language, with one button "OK", and waits for it.
@@ -50,7 +50,6 @@ class MyAppController final : public platform::WebDownloadDelegate,
   /// Null when the sound could not be loaded. The controller never plays it.
   [[nodiscard]] const platform::Sound* completionSound() const { return harpSound_.get(); }
   /// Empty until `applicationWillFinishLaunching`.
-  [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
   /// Of these, `page` is the URL of the page that `url` was found on; null: none.

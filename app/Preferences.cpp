@@ -32,52 +32,12 @@ bool Preferences::read(const BooleanPreference& preference) const {
   return BooleanValue(stored).value_or(preference.defaultValue);
 }
 
-bool Preferences::showStatusWindow() const {
-  return read(kShowStatusWindow);
-}
-
 bool Preferences::bringApplicationToFront() const {
   return showStatusWindow() && read(kBringApplicationToFront);
 }
 
-bool Preferences::setCommentToLocationURL() const {
-  return read(kSetCommentToLocationURL);
-}
-
-bool Preferences::overwriteFilesBySameName() const {
-  return read(kOverwriteFilesBySameName);
-}
-
 bool Preferences::preserveFileCommentsWhenAggregatingFiles() const {
   return read(kPreserveFileCommentsWhenAggregatingFiles);
-}
-
-bool Preferences::alwaysPromptForOutputLocation() const {
-  return read(kAlwaysPromptForOutputLocation);
-}
-
-bool Preferences::aggregateFiles() const {
-  return read(kAggregateFiles);
-}
-
-bool Preferences::showAlertsWhenErrorsOccur() const {
-  return read(kShowAlertsWhenErrorsOccur);
-}
-
-bool Preferences::notifyWhenDone() const {
-  return read(kNotifyWhenDone);
-}
-
-bool Preferences::playSoundWhenDone() const {
-  return read(kPlaySoundWhenDone);
-}
-
-bool Preferences::sendReferer() const {
-  return read(kSendReferer);
-}
-
-bool Preferences::allowKeystrokesForBrowserURL() const {
-  return read(kAllowKeystrokesForBrowserURL);
 }
 
 int Preferences::downloadsAhead() const {

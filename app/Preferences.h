@@ -72,19 +72,19 @@ class Preferences {
  public:
   explicit Preferences(platform::UserDefaults& userDefaults) : userDefaults_(userDefaults) {}
 
-  [[nodiscard]] bool showStatusWindow() const;
+  [[nodiscard]] bool showStatusWindow() const { return read(kShowStatusWindow); }
   /// NO whenever `showStatusWindow` is NO; its own key is then not looked at.
   [[nodiscard]] bool bringApplicationToFront() const;
-  [[nodiscard]] bool setCommentToLocationURL() const;
-  [[nodiscard]] bool overwriteFilesBySameName() const;
+  [[nodiscard]] bool setCommentToLocationURL() const { return read(kSetCommentToLocationURL); }
+  [[nodiscard]] bool overwriteFilesBySameName() const { return read(kOverwriteFilesBySameName); }
   [[nodiscard]] bool preserveFileCommentsWhenAggregatingFiles() const;
-  [[nodiscard]] bool alwaysPromptForOutputLocation() const;
-  [[nodiscard]] bool aggregateFiles() const;
-  [[nodiscard]] bool showAlertsWhenErrorsOccur() const;
-  [[nodiscard]] bool notifyWhenDone() const;
-  [[nodiscard]] bool playSoundWhenDone() const;
-  [[nodiscard]] bool sendReferer() const;
-  [[nodiscard]] bool allowKeystrokesForBrowserURL() const;
+  [[nodiscard]] bool alwaysPromptForOutputLocation() const { return read(kAlwaysPromptForOutputLocation); }
+  [[nodiscard]] bool aggregateFiles() const { return read(kAggregateFiles); }
+  [[nodiscard]] bool showAlertsWhenErrorsOccur() const { return read(kShowAlertsWhenErrorsOccur); }
+  [[nodiscard]] bool notifyWhenDone() const { return read(kNotifyWhenDone); }
+  [[nodiscard]] bool playSoundWhenDone() const { return read(kPlaySoundWhenDone); }
+  [[nodiscard]] bool sendReferer() const { return read(kSendReferer); }
+  [[nodiscard]] bool allowKeystrokesForBrowserURL() const { return read(kAllowKeystrokesForBrowserURL); }
   /// 0 to `kMaxDownloadsAhead`, the nearest to what is stored; 0 when that is no number.
   [[nodiscard]] int downloadsAhead() const;
 

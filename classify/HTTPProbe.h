@@ -69,9 +69,9 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
   void runWorker();
   void exchange();
   void streamEvent(platform::StreamEvent event) override;
-  void streamDeadlinePassed() override;
+  void streamDeadlinePassed() override { finish(Outcome::failed); }
   void readAvailableBytes();
-  void moveDeadline();
+  void moveDeadline() { stream_->setDeadline(platform::HTTPReadStream::Clock::now() + timeout_); }
   /// Runs at most once an exchange.
   void finish(Outcome outcome);
 

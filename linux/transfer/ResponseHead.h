@@ -32,9 +32,7 @@ class ResponseHead {
 
   ResponseHead() = default;
 
-  /// A head has begun, but its blank line has not come.
-  [[nodiscard]] bool isInside() const { return isInside_; }
-  /// The head of a final answer is here.
+  /// Whether the head of a final answer is complete.
   [[nodiscard]] bool isComplete() const { return !isInside_ && status_ >= 200; }
   /// What is wrong with one of the lines so far.
   [[nodiscard]] OutcomeKind lineFault() const;
