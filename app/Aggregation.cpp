@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The controller's command for sorting the destination folder, on the user's word.
+// The controller's command that sorts the destination folder, once the user has agreed.
 
 #include "app/Aggregation.h"
 

@@ -2,8 +2,8 @@
 //
 // URLs from other programs: the two Apple events, and the Services menu.
 //
-// What is no URL, no file or no file with a URL is passed over in silence. A handler never fails: whoever
-// sent the event learns no more than that it came.
+// An item that is no URL, no file, or a file without a URL is ignored in silence. A handler never fails: the
+// sender of an event learns only that it came.
 
 #include "app/MyAppController.h"
 #include "app/Pasteboard.h"

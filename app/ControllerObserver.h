@@ -2,8 +2,8 @@
 //
 // What the controller says of its work.
 //
-// Outlets show where the work stands. A front end that must tell the fate of every URL hears it here. Main
-// thread, from inside the controller, which must not be called from there.
+// Outlets show where the work stands. A front end that must tell what becomes of every URL hears it here.
+// Main thread, from inside the controller, which must not be called from there.
 #pragma once
 
 #include <QString>
@@ -32,20 +32,21 @@ struct DownloadProgress {
 class ControllerObserver {
  public:
   virtual ~ControllerObserver() = default;
-  /// `linkCount` links of the page have joined the queue. Before its head is started.
+  /// `linkCount` links of the page have joined the queue, whose head is about to be started.
   virtual void pageWasQueued(const QString& /*url*/, std::size_t /*linkCount*/) {}
-  /// `reason`: for people, ends in "."; null when the user or the program's end has broken it off.
+  /// `reason`: for people, ends in "."; null when the user or the end of the program has interrupted the
+  /// load.
   virtual void pageDidNotLoad(const QString& /*url*/, const QString& /*reason*/) {}
   /// `downloadFile` was given a text that makes no URL; the queue waits for `tryAgain`.
   virtual void urlWasRefused(const QString& /*text*/) {}
   /// There was no connection, and the URL is lost.
   virtual void urlWasLost(const QString& /*url*/) {}
-  /// These four come before the controller does what it does then.
+  /// These four come before the controller acts on it.
   virtual void downloadBegan(const DownloadProgress& /*progress*/) {}
   virtual void downloadReceived(const DownloadProgress& /*progress*/) {}
   virtual void downloadFinished(const DownloadProgress& /*progress*/) {}
   virtual void downloadFailed(const DownloadProgress& /*progress*/, const QString& /*reason*/) {}
-  /// A download has begun, ended or been cancelled, and the controller has done what it does then.
+  /// A download has begun, ended or been cancelled, and the controller has acted on it.
   virtual void controllerMovedOn() {}
 };
 

@@ -44,8 +44,8 @@ const QString& DestinationFolder::decidedDestinationPath() {
 
 std::optional<platform::FileReference> DestinationFolder::storedDestinationFolder() {
   std::optional<platform::FileReference> folder =
-      StoredFolder(*host_.userDefaults, *host_.aliases, kDestinationDirectoryKey);
-  return folder ? folder : fileops::GetSupportFolder(*host_.files);
+      StoredFolder(services_.userDefaults, services_.aliases, kDestinationDirectoryKey);
+  return folder ? folder : fileops::GetSupportFolder(services_.files);
 }
 
 void DestinationFolder::decideDestinationFolder() {
@@ -53,7 +53,7 @@ void DestinationFolder::decideDestinationFolder() {
   if (preferences_.alwaysPromptForOutputLocation()) {
     const FolderPanel panel{localizedString(LOCALIZED("Choose a Destination Folder")),
                             localizedString(LOCALIZED("Choose")), QString(), QDir::homePath()};
-    path = host_.application->runOpenPanel(panel).value_or(QString());
+    path = services_.application.runOpenPanel(panel).value_or(QString());
   } else if (const std::optional<platform::FileReference> folder = storedDestinationFolder()) {
     path = FolderPath(*folder, kLongestUsedPath);
   }
@@ -64,12 +64,12 @@ QString DestinationFolder::chooseAndStoreDestinationFolder(const QString& key) {
   const ChosenFolder chosen = chooseFolderDialog();
   if (chosen.status != 0 || !chosen.folder) return {};
   QString path = FolderPath(*chosen.folder, kLongestShownPath);
-  StoreFolder(*host_.userDefaults, *host_.aliases, key, *chosen.folder);
+  StoreFolder(services_.userDefaults, services_.aliases, key, *chosen.folder);
   return path;
 }
 
 ChosenFolder DestinationFolder::chooseFolderDialog() {
-  return host_.application->runChooseFolderDialog(chooseFolderPanel());
+  return services_.application.runChooseFolderDialog(chooseFolderPanel());
 }
 
 FolderPanel DestinationFolder::chooseFolderPanel() {
@@ -81,7 +81,7 @@ FolderPanel DestinationFolder::chooseFolderPanel() {
 
 QString DestinationFolder::localizedString(const QString& key) {
   auto found = localizedStrings_.find(key);
-  if (found == localizedStrings_.end()) found = localizedStrings_.insert(key, host_.localizedText(key));
+  if (found == localizedStrings_.end()) found = localizedStrings_.insert(key, services_.localizedText(key));
   return *found;
 }
 

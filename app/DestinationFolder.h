@@ -11,11 +11,15 @@
 #include <QString>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
-#include "app/Host.h"
+#include "app/LocalizedText.h"
 #include "app/Outlets.h"
 #include "app/Preferences.h"
 #include "common/FileReference.h"
+#include "platform/Alias.h"
+#include "platform/FileManager.h"
+#include "platform/UserDefaults.h"
 
 namespace quillforth::app {
 
@@ -38,9 +42,17 @@ bool StoreFolder(platform::UserDefaults& userDefaults, platform::AliasManager& a
 
 class DestinationFolder {
  public:
+  /// What it asks of the host; all outlive it.
+  struct Services {
+    Application& application;
+    platform::UserDefaults& userDefaults;
+    platform::AliasManager& aliases;
+    platform::FileManager& files;
+    LocalizedText localizedText;
+  };
   /// `preferences` outlives this.
-  DestinationFolder(const Host& host, const Preferences& preferences)
-      : host_(host), preferences_(preferences) {}
+  DestinationFolder(Services services, const Preferences& preferences)
+      : services_(std::move(services)), preferences_(preferences) {}
 
   /// Null until first decided.
   [[nodiscard]] const QString& currentDestinationPath() const { return currentDestinationPath_; }
@@ -63,7 +75,7 @@ class DestinationFolder {
   [[nodiscard]] QString localizedString(const QString& key);
 
  private:
-  Host host_;
+  Services services_;
   const Preferences& preferences_;
   QString currentDestinationPath_;
   QHash<QString, QString> localizedStrings_;

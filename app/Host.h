@@ -42,7 +42,7 @@ class FolderAggregation {
   virtual void aggregateFolder(const QString& path) = 0;
 };
 
-/// Notes on a file where it came from. Main thread.
+/// Writes on a file where it came from. Main thread.
 class FileComments {
  public:
   virtual ~FileComments() = default;
@@ -57,12 +57,12 @@ struct EventIntake {
   platform::ResourceManager& resources;
 };
 
-/// Runs a long calculation that touches nothing else, on any thread, and returns when it is done: false when
-/// the user has given up meanwhile, so that nobody wants its result.
+/// Runs a long calculation on any thread, and returns when it is done. The calculation uses nothing that
+/// others use meanwhile. False when the user has given up, so that nobody wants the result.
 using Calculate = std::function<bool(const std::function<void()>& calculation)>;
 
-/// All outlive the controller, and none is null where it is not told what null means. Pointers, so that a
-/// front end can take a copy and put its own service in the place of one.
+/// All outlive the controller. A member may be null only where its comment says what null means. They are
+/// pointers, so that a front end can copy this and replace a service by one of its own.
 struct Host {
   Application* application;
   platform::UserDefaults* userDefaults;

@@ -11,9 +11,13 @@
 namespace quillforth::app {
 
 MyAppController::MyAppController(const Outlets& outlets, const Host& host)
-    : outlets_(outlets), host_(host), preferences_(*host.userDefaults), destination_(host, preferences_) {}
+    : outlets_(outlets),
+      host_(host),
+      preferences_(*host.userDefaults),
+      destination_({*host.application, *host.userDefaults, *host.aliases, *host.files, host.localizedText},
+                   preferences_) {}
 
-// Downloads call their delegate to their end, and this was it.
+// Downloads call their delegate until they end, and this delegate is about to go.
 MyAppController::~MyAppController() {
   removeEventHandlers();
   for (const InFlight& each : inFlight_) each.download->cancel();
@@ -38,14 +42,6 @@ void MyAppController::applicationWillFinishLaunching() {
   classify::loadExtensionMappings(*host_.internetConfig, *host_.mainBundle, extensionMap_);
   host_.application->setServicesProvider(*this);
   host_.application->updateDynamicServices();
-}
-
-void MyAppController::applicationWillBecomeActive() {
-  setOutputFolderButtonToolTip();
-}
-
-void MyAppController::windowDidBecomeKey() {
-  setDownloadDestinationTextFieldValue();
 }
 
 void MyAppController::showStatusAndActivate() {

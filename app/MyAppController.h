@@ -3,8 +3,8 @@
 // The one controller: the URL queue, the download in flight, and what the interface shows of both.
 //
 // It is the delegate of every download and the data source of the queue table. It knows no widget and no
-// terminal: it sees its outlets (Outlets.h) and its host (Host.h). Its methods stand in one source file a
-// concern. Main thread only; nothing is saved when it goes.
+// terminal: it sees its outlets (Outlets.h) and its host (Host.h). Its methods are in several source files,
+// one for each concern. Main thread only; nothing is saved when it goes.
 #pragma once
 
 #include <QString>
@@ -39,18 +39,17 @@ class MyAppController final : public platform::WebDownloadDelegate,
   // Start-up and general actions (MyAppController.cpp).
   void awakeFromNib();
   void applicationWillFinishLaunching();
-  void applicationWillBecomeActive();
-  void windowDidBecomeKey();
+  void applicationWillBecomeActive() { setOutputFolderButtonToolTip(); }
+  void windowDidBecomeKey() { setDownloadDestinationTextFieldValue(); }
   void showStatusAndActivate();
   void showPreferencesWindow();
   /// Beeps, shows the texts, in the user's language, with one button "OK", and waits for it.
   /// `informativeText` is a format: a literal percent sign in it is doubled.
   void doAlertAdding(const QString& messageText, const QString& informativeText);
   [[nodiscard]] Window& statusWindow() { return outlets_.statusWindow; }
-  /// Null when the sound could not be loaded. Never played here.
+  /// Null when the sound could not be loaded. The controller never plays it.
   [[nodiscard]] const platform::Sound* completionSound() const { return harpSound_.get(); }
   /// Empty until `applicationWillFinishLaunching`.
-  [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
   /// Of these, `page` is the URL of the page that `url` was found on; null: none.
@@ -73,10 +72,10 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void downloadFile(const QString& url, const QString& page = {});
   void cancelDownloadFile();
   [[nodiscard]] bool isDownloading() const { return isDownloading_; }
-  /// One or more downloads are started, and neither ended nor cancelled; also one of which `isDownloading`
-  /// knows nothing yet, or any more.
+  /// Whether a download has been started that has neither ended nor been cancelled. This counts also what
+  /// `isDownloading` does not count yet, or does not count any more.
   [[nodiscard]] bool isBusy() const { return !inFlight_.empty(); }
-  /// One of those has not begun.
+  /// Whether one of these downloads has not begun.
   [[nodiscard]] bool isBeginning() const;
   /// Their URLs as they were given, credentials included.
   [[nodiscard]] QStringList textsInFlight() const;
@@ -100,8 +99,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
                                 const platform::DownloadError& error) override;
 
   // URL intake (Intake.cpp).
-  /// Replaces the queue with the links of the page that stands in the import field, and orders `sender` out.
-  /// An empty field only does the latter.
+  /// Replaces the queue with the links of the page whose URL is in the import field, and orders `sender` out.
+  /// With an empty field it only orders `sender` out.
   void importURL(Window& sender);
   /// Whether the dragged string makes a URL.
   [[nodiscard]] DragOperation tableViewValidateDrop(const Pasteboard& pasteboard) const;
@@ -109,7 +108,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   bool tableViewAcceptDrop(const Pasteboard& pasteboard);
   /// Loads the page, queues its links, and starts the queue's head. Silent on every failure.
   void extractLinks(const QString& pageURL);
-  /// Page or file; may ask the server, up to ten seconds of silence.
+  /// Whether it is a page rather than a file. May ask the server, and waits through up to ten seconds of
+  /// silence.
   [[nodiscard]] bool isWebPageURL(const QString& url);
   /// Takes the page that a running browser shows, or says that there is none. Blocks, for seconds at most.
   void processCurrentBrowserURL();
@@ -121,7 +121,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void openWithReplyEvent(const platform::AppleEvent& event, platform::AppleEvent& reply);
   /// `handleGetURL` with the text of the direct object. Ignores `reply`.
   void getUrlWithReplyEvent(const platform::AppleEvent& event, platform::AppleEvent& reply);
-  /// Takes the host of the URL as a page or a file. Only the host travels on; that is kept.
+  /// Takes the host of the URL as a page or a file. Only the host is passed on; this is intended.
   void handleGetURL(const QString& urlString);
   void downloadURLUserDataError(const Pasteboard& pasteboard, const QString& userData,
                                 QString* error) override;

@@ -40,7 +40,7 @@ class Button {
 class ProgressIndicator {
  public:
   virtual ~ProgressIndicator() = default;
-  /// 0.0 to 1.0; what lies outside, after counters have wrapped, is shown as the nearer end.
+  /// 0.0 to 1.0. Counters may have wrapped; then a value outside is shown as the nearer end.
   virtual void setDoubleValue(double value) = 0;
   virtual void setHidden(bool hidden) = 0;
   virtual void startAnimation() = 0;
@@ -54,8 +54,8 @@ class TableViewDataSource {
   [[nodiscard]] virtual std::size_t numberOfRows() const = 0;
   /// Null when there is no such row.
   [[nodiscard]] virtual QString objectValueForRow(std::size_t row) const = 0;
-  /// Stays with an entry while it waits, whatever row it stands in; never used again, and ascending with the
-  /// rows. A selection follows it over a reload.
+  /// An entry keeps its identifier while it waits, whatever row it is in. Identifiers ascend with the rows,
+  /// and none is used again. A selection follows it over a reload.
   [[nodiscard]] virtual std::uint64_t identifierOfRow(std::size_t row) const = 0;
 };
 
@@ -64,15 +64,15 @@ class TableView {
   virtual ~TableView() = default;
   /// MIME types, the preferred one first.
   virtual void registerForDraggedTypes(const QStringList& types) = 0;
-  /// The rows may have changed in any way; entries that are still there stay selected. Must not cost more
-  /// than what is visible: it comes after every change. Whoever owns the table tells the controller when the
-  /// selection has changed, by this too.
+  /// The rows may have changed in any way; entries that are still there stay selected. It is called after
+  /// every change, so its cost must depend on the visible rows only. Whoever owns the table tells the
+  /// controller when the selection has changed, by this too.
   virtual void reloadData() = 0;
   /// Ascending, without duplicates.
   [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
 };
 
-/// A modal alert; texts are shown as they stand.
+/// A modal alert. Its texts are shown literally.
 struct Alert {
   QString messageText;
   QString informativeText;
@@ -88,10 +88,10 @@ inline constexpr int kAlertSecondButtonReturn = 1001;
 class Window : public platform::AuthenticationSheetParent {
  public:
   virtual void makeKeyAndOrderFront() = 0;
-  /// The same because work has come in, not in the middle of it: a window that the user has put away may come
-  /// back.
+  /// The same, when new work comes in rather than in the middle of it. A window that the user has minimised
+  /// may come back.
   virtual void orderFrontForNewWork() { makeKeyAndOrderFront(); }
-  /// Takes the window off the screen; nothing when it is not there.
+  /// Takes the window off the screen. Nothing happens when it is not there.
   virtual void orderOut() = 0;
   /// A sheet with the default button only, which nobody waits for.
   virtual void beginAlertSheet(const QString& title, const QString& message) = 0;
@@ -108,7 +108,7 @@ struct FolderPanel {
   QString directory;  ///< where it opens; null: left to the panel
 };
 
-/// What a choose-folder dialog came to: a cancel is success without a folder.
+/// The result of a choose-folder dialog. A cancel is a success without a folder.
 struct ChosenFolder {
   int status = 0;
   std::optional<platform::FileReference> folder;

@@ -27,57 +27,17 @@ std::optional<bool> BooleanValue(const QVariant& stored) {
 bool Preferences::read(const BooleanPreference& preference) const {
   userDefaults_.synchronize();
   const QVariant stored = userDefaults_.objectForKey(preference.key);
-  // Whatever reads as neither falls to the default's side: a setting that is on by default goes off only by a
-  // NO, one that is off goes on only by a YES.
+  // A value that is neither YES nor NO counts as the default. So a setting that is on by default goes off
+  // only by a NO, and one that is off goes on only by a YES.
   return BooleanValue(stored).value_or(preference.defaultValue);
-}
-
-bool Preferences::showStatusWindow() const {
-  return read(kShowStatusWindow);
 }
 
 bool Preferences::bringApplicationToFront() const {
   return showStatusWindow() && read(kBringApplicationToFront);
 }
 
-bool Preferences::setCommentToLocationURL() const {
-  return read(kSetCommentToLocationURL);
-}
-
-bool Preferences::overwriteFilesBySameName() const {
-  return read(kOverwriteFilesBySameName);
-}
-
 bool Preferences::preserveFileCommentsWhenAggregatingFiles() const {
   return read(kPreserveFileCommentsWhenAggregatingFiles);
-}
-
-bool Preferences::alwaysPromptForOutputLocation() const {
-  return read(kAlwaysPromptForOutputLocation);
-}
-
-bool Preferences::aggregateFiles() const {
-  return read(kAggregateFiles);
-}
-
-bool Preferences::showAlertsWhenErrorsOccur() const {
-  return read(kShowAlertsWhenErrorsOccur);
-}
-
-bool Preferences::notifyWhenDone() const {
-  return read(kNotifyWhenDone);
-}
-
-bool Preferences::playSoundWhenDone() const {
-  return read(kPlaySoundWhenDone);
-}
-
-bool Preferences::sendReferer() const {
-  return read(kSendReferer);
-}
-
-bool Preferences::allowKeystrokesForBrowserURL() const {
-  return read(kAllowKeystrokesForBrowserURL);
 }
 
 int Preferences::downloadsAhead() const {

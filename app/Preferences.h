@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The boolean settings, and a number, one reader a key.
+// The settings: booleans and a number, with one reader for each key.
 //
 // Every reader synchronizes the user defaults first, so that a change made elsewhere counts at once. Nothing
-// here writes: that is up to whoever lets the user change a setting. Main thread.
+// here writes a setting. Main thread.
 #pragma once
 
 #include <QString>
@@ -32,15 +32,15 @@ inline constexpr BooleanPreference kAlwaysPromptForOutputLocation{
 inline constexpr BooleanPreference kAggregateFiles{QLatin1String("aggregateFiles"), false};
 inline constexpr BooleanPreference kShowAlertsWhenErrorsOccur{QLatin1String("showAlertsWhenErrorsOccur"),
                                                               false};
-// These two are for a front end with windows that nobody may be looking at.
+// These two are for a front end with windows: the user may be looking elsewhere.
 inline constexpr BooleanPreference kNotifyWhenDone{QLatin1String("notifyWhenDone"), true};
 inline constexpr BooleanPreference kPlaySoundWhenDone{QLatin1String("playSoundWhenDone"), true};
 
 /// Tells servers on which page a file was found.
 inline constexpr BooleanPreference kSendReferer{QLatin1String("sendReferer"), false};
 
-/// Lets the script for Firefox type into its window and read the clipboard, where it says its address in no
-/// other way.
+/// Lets the script for Firefox type into its window and read the clipboard, if Firefox does not say its
+/// address in another way.
 inline constexpr BooleanPreference kAllowKeystrokesForBrowserURL{
     QLatin1String("allowKeystrokesForBrowserURL"), false};
 
@@ -72,23 +72,23 @@ class Preferences {
  public:
   explicit Preferences(platform::UserDefaults& userDefaults) : userDefaults_(userDefaults) {}
 
-  [[nodiscard]] bool showStatusWindow() const;
+  [[nodiscard]] bool showStatusWindow() const { return read(kShowStatusWindow); }
   /// NO whenever `showStatusWindow` is NO; its own key is then not looked at.
   [[nodiscard]] bool bringApplicationToFront() const;
-  [[nodiscard]] bool setCommentToLocationURL() const;
-  [[nodiscard]] bool overwriteFilesBySameName() const;
+  [[nodiscard]] bool setCommentToLocationURL() const { return read(kSetCommentToLocationURL); }
+  [[nodiscard]] bool overwriteFilesBySameName() const { return read(kOverwriteFilesBySameName); }
   [[nodiscard]] bool preserveFileCommentsWhenAggregatingFiles() const;
-  [[nodiscard]] bool alwaysPromptForOutputLocation() const;
-  [[nodiscard]] bool aggregateFiles() const;
-  [[nodiscard]] bool showAlertsWhenErrorsOccur() const;
-  [[nodiscard]] bool notifyWhenDone() const;
-  [[nodiscard]] bool playSoundWhenDone() const;
-  [[nodiscard]] bool sendReferer() const;
-  [[nodiscard]] bool allowKeystrokesForBrowserURL() const;
+  [[nodiscard]] bool alwaysPromptForOutputLocation() const { return read(kAlwaysPromptForOutputLocation); }
+  [[nodiscard]] bool aggregateFiles() const { return read(kAggregateFiles); }
+  [[nodiscard]] bool showAlertsWhenErrorsOccur() const { return read(kShowAlertsWhenErrorsOccur); }
+  [[nodiscard]] bool notifyWhenDone() const { return read(kNotifyWhenDone); }
+  [[nodiscard]] bool playSoundWhenDone() const { return read(kPlaySoundWhenDone); }
+  [[nodiscard]] bool sendReferer() const { return read(kSendReferer); }
+  [[nodiscard]] bool allowKeystrokesForBrowserURL() const { return read(kAllowKeystrokesForBrowserURL); }
   /// 0 to `kMaxDownloadsAhead`, the nearest to what is stored; 0 when that is no number.
   [[nodiscard]] int downloadsAhead() const;
 
-  /// What is stored for this one alone, whether or not another one makes it count for nothing.
+  /// The stored value of this setting alone, even where another setting overrides it.
   [[nodiscard]] bool read(const BooleanPreference& preference) const;
 
  private:

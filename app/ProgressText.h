@@ -4,9 +4,8 @@
 //
 //   42 percent, (1,234 of 2,938 bytes, Elapsed: 1 min 3 secs , Remaining: 1 min 26 secs )
 //
-// In the user's language, and where nobody says which that is, in English. Byte counts are 32-bit and may
-// have wrapped, so that a fraction can be negative or far above 1; every result is defined all the same.
-// Pure; any thread.
+// In the user's language, or in English where that is unknown. Byte counts are 32-bit and may have wrapped,
+// so that a fraction can be negative or far above 1; every result is defined all the same. Pure; any thread.
 #pragma once
 
 #include <QLocale>
@@ -18,7 +17,8 @@
 
 namespace quillforth::app {
 
-/// The count in the locale's digits, in groups of three parted by ",", whatever the locale says of groups.
+/// The count in the locale's digits, in groups of three that "," separates, whatever the locale says of
+/// groups.
 [[nodiscard]] QString groupedNumberText(std::int64_t count, QLocale locale);
 
 /// Appends "0 secs", or what is not zero of "2 hrs ", "1 min ", "5 secs ", each with its trailing blank.

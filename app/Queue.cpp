@@ -86,7 +86,7 @@ void MyAppController::startURL(const QString& url, bool promptForDestination, co
 void MyAppController::takeNextURL(bool promptForDestination) {
   if (urlList_.empty()) return;
   const UrlQueue::Taken next = urlList_.takeFirst();
-  showQueue();  // what comes after this one is told when it has been started
+  showQueue();  // the look-ahead hears of the rest once this one is started
   startURL(next.url, promptForDestination, next.page);
 }
 

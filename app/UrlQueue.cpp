@@ -33,7 +33,7 @@ QString UrlQueue::TextOf(const Entry& entry) {
   return FromUTF8(url.view());
 }
 
-// That of the last entry, if it is the same, so that it is shared.
+// The source of the last entry if it is the same, so that both share it.
 UrlQueue::SharedSource UrlQueue::sourceOf(const linkextract::SharedBase& base, const QString& page) const {
   if (!base && page.isNull()) return nullptr;
   const SharedSource last = entries_.empty() ? nullptr : entries_.back().source;

@@ -3,10 +3,10 @@
 // The URLs that wait, first in, first out.
 //
 // Entries are kept exactly as they came; nothing is merged. They are kept as bytes, which for nearly all URLs
-// are half of the text, and a page's links as they stand in the page, beside the base and the page that they
-// share: a page of millions of links under a long base then takes memory in proportion to the page. Taking
-// the head, reading a row and appending are constant time, removing any set of rows is one pass. Main thread
-// only, but for a queue that nobody else has yet.
+// take half the memory of the text. A page's links are kept as they stand in the page, and share their base
+// and page. So even millions of links under a long base take memory in proportion to the page. Taking the
+// head, reading a row and appending are constant time, removing any set of rows is one pass. Main thread
+// only, except a queue that is still being made.
 #pragma once
 
 #include <QString>

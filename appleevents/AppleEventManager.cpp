@@ -45,10 +45,6 @@ void AppleEventManager::registerTarget(common::FourCharCode signature,
   targets_[signature] = &dispatcher;
 }
 
-void AppleEventManager::unregisterTarget(common::FourCharCode signature) {
-  targets_.erase(signature);
-}
-
 const AppleEventDispatcher* AppleEventManager::dispatcherFor(common::FourCharCode signature) const {
   const auto found = targets_.find(signature);
   return found == targets_.end() ? nullptr : found->second;

@@ -78,7 +78,7 @@ class AppleEventManager final : public QObject, public AppleEventSender {
  public:
   /// `dispatcher` outlives its registration. An earlier one of the same signature is replaced.
   void registerTarget(common::FourCharCode signature, const AppleEventDispatcher& dispatcher);
-  void unregisterTarget(common::FourCharCode signature);
+  void unregisterTarget(common::FourCharCode signature) { targets_.erase(signature); }
 
   /// Targets answer at once, so no time-out ever passes. The idle function is called once, before the
   /// handler. -1711 when it gives up, and then the handler is not called; -1716 when the target address is

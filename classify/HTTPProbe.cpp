@@ -10,7 +10,6 @@
 
 namespace quillforth::classify {
 
-using platform::HTTPReadStream;
 using platform::StreamEvent;
 
 CHTTPProbe::CHTTPProbe(std::int32_t timeoutSeconds, bool waitForCompletion,
@@ -99,10 +98,6 @@ void CHTTPProbe::streamEvent(StreamEvent event) {
   }
 }
 
-void CHTTPProbe::streamDeadlinePassed() {
-  finish(Outcome::failed);
-}
-
 void CHTTPProbe::readAvailableBytes() {
   if (cancelRequested_ || readBuffer_ == nullptr) return finish(Outcome::failed);
   const std::ptrdiff_t count = stream_->read({readBuffer_.get(), kReadBufferLength});
@@ -111,10 +106,6 @@ void CHTTPProbe::readAvailableBytes() {
   if (static_cast<std::size_t>(count) > kMaxBodyLength - body_.size()) return finish(Outcome::failed);
   body_.insert(body_.end(), readBuffer_.get(), readBuffer_.get() + count);
   moveDeadline();
-}
-
-void CHTTPProbe::moveDeadline() {
-  stream_->setDeadline(HTTPReadStream::Clock::now() + timeout_);
 }
 
 void CHTTPProbe::finish(Outcome outcome) {

@@ -2,8 +2,8 @@
 //
 // Makes one HTTP request on a thread of its own, for the header of the response.
 //
-// The time-out counts silence. Only body bytes move it, so an exchange without a body has one in all,
-// redirects included. The status code does not count: a 404 that ends cleanly has succeeded.
+// The time-out limits silence. Only body bytes start it anew, so an exchange without a body has one time-out
+// in all, redirects included. The status code does not matter: a 404 that ends cleanly has succeeded.
 //
 // The thread that starts the probe owns it. The flags may be read at any time from any thread; header and
 // body only by the owner, and only once the worker has finished.
@@ -69,9 +69,9 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
   void runWorker();
   void exchange();
   void streamEvent(platform::StreamEvent event) override;
-  void streamDeadlinePassed() override;
+  void streamDeadlinePassed() override { finish(Outcome::failed); }
   void readAvailableBytes();
-  void moveDeadline();
+  void moveDeadline() { stream_->setDeadline(platform::HTTPReadStream::Clock::now() + timeout_); }
   /// Runs at most once an exchange.
   void finish(Outcome outcome);
 

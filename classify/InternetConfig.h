@@ -50,7 +50,7 @@ class CInternetConfig {
 [[nodiscard]] common::FourCharCode bundleCreatorCode(platform::MainBundle& bundle);
 
 /// Fills `map` from the component's preference. Of several records for one extension the last is kept, in the
-/// first one's place. Every failure leaves the map as far as it was filled, in silence.
+/// first one's place. After a failure the map keeps what it holds by then, and nothing is reported.
 void loadExtensionMappings(platform::InternetConfigComponent& component, platform::MainBundle& bundle,
                            CExtensionMap& map);
 

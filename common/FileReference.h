@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace quillforth::platform {
@@ -24,5 +25,11 @@ class FileReference {
  private:
   std::string path_;
 };
+
+/// The path of the item `name` in the folder at the path `folder`.
+[[nodiscard]] inline std::string PathInFolder(std::string folder, std::string_view name) {
+  if (!folder.ends_with('/')) folder += '/';
+  return folder.append(name);
+}
 
 }  // namespace quillforth::platform

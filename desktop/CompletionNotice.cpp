@@ -118,10 +118,6 @@ void DesktopNotification::takeActivationToken(uint id, const QString& token) {
   if (id != 0 && id == shown_) activationToken_ = token;
 }
 
-void DesktopNotification::takeClosing(uint id, uint /*reason*/) {
-  if (id == shown_) shown_ = 0;
-}
-
 namespace {
 
 constexpr qsizetype kLongestLine = 300;  // of a notification

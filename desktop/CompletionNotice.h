@@ -54,7 +54,9 @@ class DesktopNotification final : public QObject {
  private slots:
   void takeAction(uint id, const QString& action);
   void takeActivationToken(uint id, const QString& token);
-  void takeClosing(uint id, uint reason);
+  void takeClosing(uint id, uint /*reason*/) {
+    if (id == shown_) shown_ = 0;
+  }
 
  private:
   template <typename Handler>

@@ -59,10 +59,6 @@ void WaitingPageLoader::setGivenUp(bool isGivenUp) {
   loader_.setGivenUp(isGivenUp);
 }
 
-void WaitingReadStreams::join(std::thread& worker) {
-  WaitFor(gate_, [&worker] { worker.join(); });
-}
-
 void WaitingAggregation::aggregateFolder(const QString& path) {
   if (aggregation_ != nullptr) WaitFor(gate_, [this, &path] { aggregation_->aggregateFolder(path); });
 }
@@ -92,10 +88,6 @@ DesktopScriptFrontEnd::DesktopScriptFrontEnd(platform::UserDefaults& userDefault
         answer->set_value(preferences_.allowKeystrokesForBrowserURL());
       },
       Qt::QueuedConnection);
-}
-
-void DesktopScriptFrontEnd::activateThisProgram() {
-  emit activationWanted();
 }
 
 void DesktopScriptFrontEnd::activateOtherWindow(const std::vector<std::int64_t>& processIDs,

@@ -54,7 +54,9 @@ class WaitingReadStreams final : public platform::HTTPReadStreamFactory {
       const platform::HTTPRequest& request) override {
     return streams_.createStream(request);
   }
-  void join(std::thread& worker) override;
+  void join(std::thread& worker) override {
+    WaitFor(gate_, [&worker] { worker.join(); });
+  }
 
  private:
   platform::HTTPReadStreamFactory& streams_;
@@ -96,7 +98,7 @@ class DesktopScriptFrontEnd final : public QObject, public platform::ScriptFront
   /// Both outlive this, and are used on the main thread.
   DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate);
 
-  void activateThisProgram() override;
+  void activateThisProgram() override { emit activationWanted(); }
   void activateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) override;
   /// As the setting `allowKeystrokesForBrowserURL` says.
   [[nodiscard]] bool allowsKeystrokes() override;

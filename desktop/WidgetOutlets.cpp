@@ -44,14 +44,6 @@ void Spinner::followVisibility() {
   }
 }
 
-void Spinner::showEvent(QShowEvent* /*event*/) {
-  followVisibility();
-}
-
-void Spinner::hideEvent(QHideEvent* /*event*/) {
-  followVisibility();
-}
-
 void Spinner::timerEvent(QTimerEvent* /*event*/) {
   step_ = (step_ + 1) % kSpokes;
   update();

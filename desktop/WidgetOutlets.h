@@ -36,8 +36,8 @@ class Spinner final : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
-  void showEvent(QShowEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
+  void showEvent(QShowEvent* /*event*/) override { followVisibility(); }
+  void hideEvent(QHideEvent* /*event*/) override { followVisibility(); }
 
  private:
   void followVisibility();

@@ -17,10 +17,6 @@ constexpr int kUsesBetweenLooks = 64;
 
 }  // namespace
 
-std::string Subfolder::path() const {
-  return PathInFolder(parent_, name_);
-}
-
 common::Status Subfolder::open() {
   if (folder_ && (++uses_ < kUsesBetweenLooks || !wasReplaced())) return common::kNoError;
   platform::FolderResult opened = parent_.openFolder(name_);
@@ -84,11 +80,11 @@ void LogThatItemStays(platform::SystemLog& log, const ItemReference& item, const
   log.log(
       QStringLiteral("The file \"%1\" could not be moved to \"%2\". A file by the same name may exists there "
                      "already.")
-          .arg(QString::fromStdString(PathInFolder(item.parent, item.name)),
+          .arg(QString::fromStdString(platform::PathInFolder(item.parent.path(), item.name)),
                QString::fromStdString(subfolder.path())));
 }
 
-// Whether something that is missing is the item itself.
+// Whether the item itself is what is missing.
 bool IsGone(const ItemReference& item, Status status) {
   return status == common::kFileNotFound && item.parent.findItem(item.name) == common::kFileNotFound;
 }
@@ -217,12 +213,14 @@ Status MoveItemPreservingComment(const AggregationServices& services, const Item
                                  Folder& destination) {
   std::optional<QString> comment;
   if (services.comments != nullptr) {
-    comment = services.comments->comment(platform::FileReference(PathInFolder(item.parent, item.name)));
+    comment = services.comments->comment(
+        platform::FileReference(platform::PathInFolder(item.parent.path(), item.name)));
   }
   if (item.parent.isSameFolder(destination)) return common::kNoError;
   const Moved moved = MoveUnderFreeName(item, destination);
   if (comment && moved.status == common::kNoError) {
-    services.comments->setComment(platform::FileReference(PathInFolder(destination, moved.name)), *comment);
+    services.comments->setComment(
+        platform::FileReference(platform::PathInFolder(destination.path(), moved.name)), *comment);
   }
   if (services.itemMoved && moved.status == common::kNoError) {
     services.itemMoved(PathInFolder(item.parent, item.name), PathInFolder(destination, moved.name));

@@ -38,7 +38,7 @@ class Subfolder {
   /// `parent` outlives this.
   Subfolder(const platform::Folder& parent, std::string name) : parent_(parent), name_(std::move(name)) {}
 
-  [[nodiscard]] std::string path() const;
+  [[nodiscard]] std::string path() const { return platform::PathInFolder(parent_.path(), name_); }
   /// Opens it, unless it is open. From time to time it is checked that the name is still that folder's. -43
   /// when there is nothing of that name, -1407 when it is something else, a link included.
   [[nodiscard]] common::Status open();

@@ -21,12 +21,6 @@ std::string_view CutAtCharacter(std::string_view text, std::size_t length) {
 
 }  // namespace
 
-std::string PathInFolder(const platform::Folder& folder, std::string_view name) {
-  std::string path = folder.path();
-  if (!path.ends_with('/')) path += '/';
-  return path.append(name);
-}
-
 std::string_view PathExtension(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string_view::npos || dot == 0 ? std::string_view{} : name.substr(dot + 1);

@@ -29,9 +29,6 @@ namespace quillforth::fileops {
 /// The same in a folder that is held open. Not 0 when the name may be taken, but that cannot be told.
 [[nodiscard]] common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& name);
 
-/// Where the item is; it need not exist.
-[[nodiscard]] std::string PathInFolder(const platform::Folder& folder, std::string_view name);
-
 /// The text after the last "."; empty for "name.", and for a name whose only "." is its first character.
 [[nodiscard]] std::string_view PathExtension(std::string_view name);
 

@@ -67,8 +67,8 @@ FolderResult PlannedFolder::openFolder(const std::string& name) const {
     opened = real_->openFolder(name);
     if (opened.status != common::kNoError) return opened;
   }
-  opened.folder =
-      std::make_unique<PlannedFolder>(std::move(opened.folder), PathInFolder(*this, name), planned_);
+  opened.folder = std::make_unique<PlannedFolder>(std::move(opened.folder),
+                                                  platform::PathInFolder(path(), name), planned_);
   return opened;
 }
 
@@ -91,7 +91,7 @@ Status PlannedFolder::moveItem(const std::string& name, Folder& destination, con
   if (found != common::kFileNotFound) return found;
   const Status status = checkMove(name, destination);
   if (status != common::kNoError) return status;
-  planned_(PathInFolder(*this, name), PathInFolder(destination, newName));
+  planned_(platform::PathInFolder(path(), name), platform::PathInFolder(destination.path(), newName));
   return common::kNoError;
 }
 

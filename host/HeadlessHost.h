@@ -36,10 +36,10 @@ class AssumedNetwork final : public platform::NetworkDiagnostics {
   void diagnoseProblemInteractively() override {}
 };
 
-/// Notes on a finished file where it came from: its comment, and the extended attribute "user.xdg.origin.url"
-/// (freedesktop.org, common extended attributes).
+/// Writes on a finished file where it came from: as its comment, and in the extended attribute
+/// "user.xdg.origin.url" (freedesktop.org, common extended attributes).
 ///
-/// What cannot be noted is left out in silence. Main thread.
+/// A failure is ignored. Main thread.
 class LinuxFileComments final : public app::FileComments {
  public:
   /// `events` outlives this.

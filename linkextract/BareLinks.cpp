@@ -97,10 +97,6 @@ class WordFinder {
 
 }  // namespace
 
-bool IsUrlChar(char c) noexcept {
-  return (c >= '!' && c <= '@') || IsLetter(c) || c == '_';
-}
-
 KnownSuffixes::KnownSuffixes(const classify::CExtensionMap& extensions) : extensions_(extensions) {
   const std::size_t longestKey = extensions.longestKey();
   longest_ =

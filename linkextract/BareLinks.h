@@ -15,9 +15,6 @@
 
 namespace quillforth::linkextract {
 
-/// ASCII letters, digits, every printable character from "!" to "@", and "_".
-[[nodiscard]] bool IsUrlChar(char c) noexcept;
-
 /// The extensions of a table, with a filter before them. Most words of a page are no extension, and a page of
 /// dots asks at every byte.
 class KnownSuffixes {

@@ -61,10 +61,6 @@ bool TextBuffer::assign(std::string_view text) {
   return true;
 }
 
-void TextBuffer::copyFrom(const TextBuffer& source) {
-  if (hasData() && source.hasData()) *this = source;
-}
-
 std::int32_t TextBuffer::grow(std::int32_t count) {
   if (!hasData() || count < 0) return 0;
   const std::int64_t capacity = BlocksFor(count) + capacity_;

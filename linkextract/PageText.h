@@ -66,7 +66,9 @@ class TextBuffer {
   [[nodiscard]] bool assign(std::string_view text);
   [[nodiscard]] bool assign(char c) { return assign(std::string_view(&c, 1)); }
   /// Takes over all of `source`; does nothing when either of the two has no data.
-  void copyFrom(const TextBuffer& source);
+  void copyFrom(const TextBuffer& source) {
+    if (hasData() && source.hasData()) *this = source;
+  }
   /// The new capacity, at least `count` more; 0 without data and when refused.
   std::int32_t grow(std::int32_t count);
   /// False without data and when refused; the buffer is unchanged then.

@@ -2,7 +2,7 @@
 //
 // Reads what servers write into header fields: texts of unknown encoding, and lists of "name=value".
 //
-// Servers follow the grammar loosely, so this one takes what it can: blanks in unquoted values, a missing
+// Servers follow the grammar loosely, so this reader takes what it can: blanks in unquoted values, a missing
 // closing quote, raw bytes of any encoding. Pure; safe from any thread.
 #pragma once
 

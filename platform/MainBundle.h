@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the program knows of itself: its information dictionary, and the files that belong to it.
+// The program's information dictionary, and the paths of its resource files.
 //
 // Any thread.
 #pragma once

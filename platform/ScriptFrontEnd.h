@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What a script host needs of the front end that it serves, which it may not name.
+// What a script host asks of the front end that it serves. The host must not include the front end's room.
 //
 // Called on the thread that runs the script. What has to be asked on the main thread is waited for a moment
 // only: the program may be about to end.
@@ -17,7 +17,7 @@ class ScriptFrontEnd {
  public:
   virtual ~ScriptFrontEnd() = default;
   virtual void activateThisProgram() = 0;
-  /// Asks for a window of these processes to come forward. That it was asked says nothing.
+  /// Asks for a window of these processes to come forward. The window may still stay where it is.
   virtual void activateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) = 0;
   /// Whether the user lets scripts type into a browser and read the clipboard.
   [[nodiscard]] virtual bool allowsKeystrokes() = 0;

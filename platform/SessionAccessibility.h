@@ -2,8 +2,8 @@
 //
 // Whether programs of this session show their windows to other programs, as assistive technologies need it.
 //
-// A window asks, and may not name the host that answers. Any thread, one call at a time: a call may take some
-// seconds.
+// Windows use it; they must not include the rooms of a host. Any thread, one call at a time: a call may take
+// some seconds.
 #pragma once
 
 namespace quillforth::platform {

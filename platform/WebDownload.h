@@ -11,7 +11,7 @@
 //   downloadShouldDecodeSourceDataOfMIMEType      only for a body that arrives encoded
 //   downloadDecideDestinationWithSuggestedFilename
 //   downloadDidCreateDestination                  again if the final name had to differ
-//   downloadDidReceiveDataOfLength                any number of times, with the counts of a while summed
+//   downloadDidReceiveDataOfLength                any number of times, each with the sum of a short while
 //   downloadDidFinish
 //
 // At any point downloadDidFailWithError may come instead of the rest. Nothing follows after either end, or

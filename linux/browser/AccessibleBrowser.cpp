@@ -47,7 +47,7 @@ std::vector<AccessibleObject> TakeObjects(sd_bus_message* message) {
   return objects;
 }
 
-// Of an array of relations, each a kind and its targets.
+// The targets in an array of relations, each of which is a kind and its targets.
 std::vector<AccessibleObject> TakeEmbeddedObjects(sd_bus_message* message) {
   std::vector<AccessibleObject> embedded;
   if (sd_bus_message_enter_container(message, 'a', "(ua(so))") < 0) return embedded;

@@ -30,8 +30,8 @@ class LinuxScriptHost final : public ScriptHost {
   LinuxScriptHost(RunningProcesses& processes, SystemLog& log, const WindowHistory& windows)
       : processes_(processes), log_(log), history_(windows) {}
 
-  /// Without one, as at first, nothing is allowed. It outlives its use here. Not to be called while a script
-  /// runs.
+  /// At first there is none, and nothing is allowed. It outlives its use here. Must not be called while a
+  /// script runs.
   void setFrontEnd(ScriptFrontEnd* frontEnd) { frontEnd_ = frontEnd; }
   [[nodiscard]] std::optional<AEDescriptor> compileAndRun(const QString& source) override;
 

@@ -9,7 +9,7 @@
 
 namespace quillforth::platform {
 
-/// Also while a screen reader runs. Starts nothing.
+/// True also while a screen reader runs. Starts nothing.
 [[nodiscard]] bool IsAccessibilityOn(sd_bus& session, const QDeadlineTimer& deadline);
 /// Null when the session has none, or it does not let this process in before the deadline. Only the
 /// launcher of that bus is asked, and only if it runs.

@@ -36,7 +36,7 @@ std::string NumberedName(const std::string& name, std::uint64_t number) {
       .toStdString();
 }
 
-// The errors of file systems and sandboxes that know no such call.
+// The errors of file systems and sandboxes that do not have the call.
 bool IsUnsupported(int error) {
   return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM || error == EMLINK;
 }

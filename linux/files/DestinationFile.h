@@ -34,7 +34,7 @@ class DestinationFile {
   DestinationFile(const DestinationFile&) = delete;
   DestinationFile& operator=(const DestinationFile&) = delete;
 
-  /// The file is to be `target` after all, which is in the same folder. Before all that follows.
+  /// Changes the target to another one in the same folder. Only before all that follows.
   void aimAt(const Target& target);
   /// Looks for a free name, or whether the wanted one may be overwritten. For callers that need a name before
   /// the file is there.
@@ -43,7 +43,7 @@ class DestinationFile {
   [[nodiscard]] const std::string& name() const { return name_; }
   /// Whether the temporary file is where it was made, in a folder that still has its path.
   [[nodiscard]] bool isInPlace() const { return isOurs(temporaryName_) && movedFolder().empty(); }
-  /// The path of the folder where it is no longer the path that was asked for; else empty. A folder keeps its
+  /// The path of the folder, if it is no longer the one that was asked for; else empty. A folder keeps its
   /// files when it is moved, or another one takes its path.
   [[nodiscard]] std::string movedFolder() const;
   /// Appends all of `bytes`.

@@ -21,7 +21,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// Between two looks at a process that has no descriptor.
+// The time between two looks at a process that has no descriptor.
 constexpr std::chrono::milliseconds kPause(20);
 
 // Closes everything of the program except `items`: no lock and no pipe stays open. `items` is sorted.

@@ -10,7 +10,7 @@
 
 namespace quillforth::platform {
 
-/// Results as the kernel's: -1 and `errno` for a failure.
+/// Results are those of the kernel: -1 and `errno` for a failure.
 class FileCalls {
  public:
   virtual ~FileCalls() = default;

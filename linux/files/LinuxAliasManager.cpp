@@ -154,13 +154,12 @@ std::optional<std::string> FolderSearch::scan(const std::string& folder, Subfold
   const int descriptor = ::dirfd(directory.get());
   const std::optional<FolderIdentity> own = IdentityOfEntry(descriptor, ".");
   if (!own) return std::nullopt;
-  const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
   while (const dirent* entry = ::readdir(directory.get())) {
     if (Clock::now() >= deadline_) return std::nullopt;
     if (!MayBeFolder(*entry)) continue;
     const std::optional<FolderIdentity> identity = IdentityOfEntry(descriptor, entry->d_name);
     if (!identity || !SameDevice(*identity, *own)) continue;
-    std::string path = prefix + entry->d_name;
+    std::string path = PathInFolder(folder, entry->d_name);
     if (SameFolder(wanted_, *identity)) return path;
     if (subfolders == Subfolders::ignored || visible_.size() + hidden_.size() >= kMostWaiting) continue;
     (entry->d_name[0] == '.' ? hidden_ : visible_).push_back(std::move(path));

@@ -21,9 +21,7 @@ namespace {
 FileResult ItemIn(const FileReference& folder, std::string_view name) {
   if (folder.isEmpty()) return {common::kBadParameter, {}};
   if (!IsComponent(name)) return {common::kBadName, {}};
-  std::string path = folder.path();
-  if (!path.ends_with('/')) path += '/';
-  return {common::kNoError, FileReference(path.append(name))};
+  return {common::kNoError, FileReference(PathInFolder(folder.path(), name))};
 }
 
 // Makes the folder and those above it that are missing, for this user only.

@@ -243,9 +243,7 @@ common::Status LinuxFolder::createFolder(const std::string& name) {
 
 FolderResult LinuxFolder::openFolder(const std::string& name) const {
   if (!IsComponent(name)) return {common::kBadName, nullptr};
-  std::string path = path_;
-  if (!path.ends_with('/')) path += '/';
-  return open(descriptor_.get(), name, kHeld | O_NOFOLLOW, path.append(name));
+  return open(descriptor_.get(), name, kHeld | O_NOFOLLOW, PathInFolder(path_, name));
 }
 
 bool LinuxFolder::isSameFolder(const Folder& other) const {

@@ -33,7 +33,7 @@ bool IsBinary(QByteArrayView bytes) {
   return bytes.startsWith(kBinaryMagic);
 }
 
-// Of an array, a set or a dictionary.
+// Whether the marker is that of an array, a set or a dictionary.
 bool IsContainerMarker(std::uint8_t marker) {
   return marker >= 0xA0 && marker <= 0xDF;
 }
@@ -139,7 +139,7 @@ struct Name {
   bool mayHoldVariables = false;  // what is under it
 };
 
-// Of a key or a group, without the flags of KDE after it: what is under "name[$i]" is not to be changed, the
+// A key or a group, without the flags of KDE after it: what is under "name[$i]" is not to be changed, the
 // value of "name[$e]" may hold variables. Unknown flags stay.
 Name NameWithoutFlags(QByteArrayView text) {
   Name name{text};

@@ -39,7 +39,7 @@ void SettingsUserDefaults::synchronize() {
   owner_.check();
   const FileState state = currentState();
   if (!hasPendingChanges_ && seen_ == state) return;
-  // A QSettings never forgets a fault. A new one does not find the fault again in an unchanged file.
+  // A QSettings object never forgets a fault, and a new one does not look at an unchanged file again.
   if (hasFailed() && !hasPendingChanges_ && seen_ && seen_ != state) open();
   settings_->sync();
   // After a write of our own the file is read once more: somebody else may have written meanwhile.

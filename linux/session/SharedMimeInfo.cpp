@@ -106,20 +106,8 @@ std::int16_t PackedLength(const ICMapEntry& entry) {
 
 }  // namespace
 
-common::Status SharedMimeInfo::start(common::FourCharCode /*creator*/) {
-  return common::kNoError;
-}
-
-common::Status SharedMimeInfo::stop() {
-  return common::kNoError;
-}
-
 common::Status SharedMimeInfo::begin(ICPermission permission) {
   return permission == ICPermission::readOnly ? common::kNoError : common::kPermissionDenied;
-}
-
-common::Status SharedMimeInfo::end() {
-  return common::kNoError;
 }
 
 common::Status SharedMimeInfo::getPrefHandle(std::string_view key) {

@@ -28,10 +28,10 @@ class SharedMimeInfo final : public InternetConfigComponent {
   static constexpr std::size_t kMaxEntries = 32768;
 
   [[nodiscard]] int countComponents() override { return 1; }
-  [[nodiscard]] common::Status start(common::FourCharCode creator) override;
-  common::Status stop() override;
+  [[nodiscard]] common::Status start(common::FourCharCode /*creator*/) override { return common::kNoError; }
+  common::Status stop() override { return common::kNoError; }
   [[nodiscard]] common::Status begin(ICPermission permission) override;
-  common::Status end() override;
+  common::Status end() override { return common::kNoError; }
   /// Only "Mapping" exists. Of several records for one extension the last is the type to pick. So the
   /// records are ordered by weight. Of equal weights the user's own folder comes after all others, then
   /// types that are not text after those that are, then earlier folders and lines after later ones. So

@@ -26,7 +26,7 @@ class SingleInstance {
   enum class Outcome {
     isFirst,     ///< this process is the instance from now on
     handedOver,  ///< the running instance has answered the line: it has taken it
-    noAnswer,    ///< there is a running instance, which was not asked, hangs, or had no room in all the time
+    noAnswer,    ///< there is a running instance. It was not asked, hangs, or had no room all the time
     noFolder,    ///< there is no safe place to meet, so that other instances stay unknown
   };
 

@@ -107,7 +107,7 @@ void CurlDownload::decideDestination(ResponseReport& report) {
     service_->fail(id_, {OutcomeKind::noDestination});
     return;
   }
-  // The root keeps its only character.
+  // The path of the root folder is its only character.
   std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
   DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
                                  destination_->allowOverwrite};
@@ -144,7 +144,7 @@ bool CanGoAhead(const URL& url) {
 
 }  // namespace
 
-// What is named twice is asked for twice.
+// A URL that is named twice is asked for twice.
 void LookAhead::expect(const std::vector<WebDownloadRequest>& requests, const std::string& folder) {
   Items before = std::exchange(items_, {});
   for (const WebDownloadRequest& request : requests) {
@@ -172,7 +172,7 @@ std::optional<TransferId> LookAhead::take(const WebDownloadRequest& request) {
 
 namespace {
 
-// A fraction of a frame: so long at most other events wait for their turn.
+// A fraction of a frame. Other events wait for their turn no longer than this.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
 // The same where nothing is drawn. Many servers have answered by then, and wake no other thread.
 constexpr std::chrono::milliseconds kLongDeliveryTime{50};
@@ -202,7 +202,7 @@ void CurlDownloadService::cancelAll() {
   for (const auto& [id, download] : std::exchange(downloads_, {})) download->end();
 }
 
-// What was posted before the thread stopped may tell of a file that is there.
+// A report from before the thread stopped may be about a file that is complete.
 void CurlDownloadService::end() {
   isEnding_ = true;
   thread_.stop();
@@ -225,7 +225,7 @@ int CurlDownloadService::makeDurable(std::chrono::milliseconds limit) {
   return folders_.disks().finish(files_, limit);
 }
 
-// As soon as nothing is being downloaded for a while, also when it is only a pause.
+// Whenever nothing has been downloaded for a while, even if it is only a pause.
 void CurlDownloadService::rest() {
   if (!downloads_.empty()) return;
   lookAhead_.expect({}, {});
@@ -272,9 +272,9 @@ void CurlDownloadService::setDelivering(bool isDelivering) {
   if (!isDelivering) thread_.handOver();
 }
 
-// Also called from loops that a delegate runs inside a callback; order is kept, because each report is taken
-// before it is delivered. What a delegate starts can report at once, without end, so other events get their
-// turn in between.
+// A delegate may run an event loop inside a callback, which calls this, too. Order is kept, because each
+// report is taken out before it is delivered. What a delegate starts can report at once and without end, so
+// other events get their turn in between.
 void CurlDownloadService::deliverReports() {
   const auto end = std::chrono::steady_clock::now() + (options_.mayWait ? kLongDeliveryTime : kDeliveryTime);
   const bool wasDelivering = std::exchange(isDelivering_, true);

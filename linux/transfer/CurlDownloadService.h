@@ -2,11 +2,11 @@
 //
 // The program's downloads, by libcurl.
 //
-// Here is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
+// This is the main thread's side: it keeps the downloads in flight, turns the transfer thread's reports into
 // the delegate's callbacks, and hands the delegate's answers back. Reports of a download that is over or was
-// cancelled fall away. What a callback starts is waited for here, too, for a moment: most files of a page
-// come without a thread having to wake. All members are called on the thread that made the service, which
-// runs a Qt event loop.
+// cancelled are dropped. After a callback has started a download, the main thread waits for it for a moment:
+// so most files of a page come without waking a thread. All members are called on the thread that made the
+// service, which runs a Qt event loop.
 #pragma once
 
 #include <QSocketNotifier>
@@ -29,8 +29,8 @@ namespace quillforth::platform {
 
 /// The downloads that are asked for before anybody has started them, as the main thread knows them.
 ///
-/// The transfer thread has the transfers, and sees to their limits; here is which is for which URL. Main
-/// thread.
+/// The transfer thread has the transfers and keeps to their limits. This knows which transfer is for which
+/// URL. Main thread.
 class LookAhead {
  public:
   /// Makes the transfer that fetches into a folder ahead of its turn.
@@ -40,10 +40,10 @@ class LookAhead {
   /// `thread` outlives this.
   LookAhead(TransferThread& thread, Make make) : thread_(thread), make_(std::move(make)) {}
 
-  /// Asks for what is new of `requests`, in their order, and cancels what is not named any more, or was for
-  /// another folder. `folder`: as in a DestinationFile::Target; empty: nothing is asked for.
+  /// Asks for the new ones of `requests`, in their order. Cancels those that are not in `requests` any more,
+  /// or were for another folder. `folder`: as in a DestinationFile::Target; empty: nothing is asked for.
   void expect(const std::vector<WebDownloadRequest>& requests, const std::string& folder);
-  /// The transfer that has been made for `request`; it is the caller's to adopt. Nothing when there is none.
+  /// The transfer that has been made for `request`, if there is one. The caller adopts it.
   [[nodiscard]] std::optional<TransferId> take(const WebDownloadRequest& request);
 
  private:
@@ -67,7 +67,7 @@ class LookAhead {
 class CurlDownload;
 
 struct DownloadOptions {
-  /// Without a byte for so long, a transfer has failed.
+  /// A transfer fails when no byte comes for so long.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
   FileCalls* files = nullptr;  ///< outlives the service; null: the kernel's
   /// The service's thread has nothing to draw: it may wait for a server, and for a disk that takes a small
@@ -79,7 +79,7 @@ class CurlDownloadService final : public WebDownloadService {
  public:
   /// A CurlGlobal exists. `settings` outlives the service.
   explicit CurlDownloadService(const TransferSettings& settings, const DownloadOptions& options = {});
-  /// Not from inside a callback.
+  /// Must not be called from inside a callback.
   ~CurlDownloadService() override;
   CurlDownloadService(const CurlDownloadService&) = delete;
   CurlDownloadService& operator=(const CurlDownloadService&) = delete;
@@ -88,11 +88,11 @@ class CurlDownloadService final : public WebDownloadService {
                                                            WebDownloadDelegate& delegate) override;
   void expectDownloads(const std::vector<WebDownloadRequest>& requests, const QString& folder) override;
   void end() override;
-  /// Waits, after `end`, until all that was stored survives a power cut. 0; or the error number that says why
-  /// that is not sure: ETIME when `limit` has passed, EINTR after a signal.
+  /// Waits, after `end`, until all that was stored survives a power cut. 0, or an error number when that is
+  /// not sure: ETIME when `limit` has passed, EINTR after a signal.
   [[nodiscard]] int makeDurable(std::chrono::milliseconds limit);
-  /// Holds callbacks back, in their order, until it is true again; for an owner whose event loop runs while
-  /// a delegate is busy.
+  /// While false, callbacks are held back and keep their order. For an owner whose event loop runs while a
+  /// delegate is busy.
   void setDelivering(bool isDelivering);
   /// For pages and probes, which then share connections with the files.
   [[nodiscard]] TransferThread& thread() { return thread_; }

@@ -11,7 +11,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// So often it is looked whether the load is given up.
+// How often the loader checks whether the load is given up.
 constexpr std::chrono::milliseconds kLookInterval{100};
 
 TransferOutcome Decode(const Fetch& fetch, QByteArray& page) {

@@ -13,15 +13,15 @@ namespace quillforth::platform {
 
 class CurlPageLoader final : public PageLoader {
  public:
-  /// `thread` outlives the loader. Once it gives up, loads fail within a fifth of a second. `stallLimit`
-  /// without a byte of header or body fails a load.
+  /// `thread` outlives the loader. Once the thread gives up, loads fail within a fifth of a second. A load
+  /// fails when neither header nor body brings a byte for `stallLimit`.
   explicit CurlPageLoader(TransferThread& thread,
                           std::chrono::milliseconds stallLimit = std::chrono::seconds(kStallSeconds))
       : thread_(thread), stallLimit_(stallLimit) {}
 
-  /// Also a failure for an HTTP status of 400 and above: what a server says when it has no page is not one. A
-  /// body that ends before its announced length, a broken chunk and a stall are failures. A user name and
-  /// password in `url` answer Basic and Digest challenges of its host.
+  /// An HTTP status of 400 and above is a failure: what a server then sends is not the page. A body that ends
+  /// before its announced length, a broken chunk and a stall are failures. A user name and password in `url`
+  /// answer Basic and Digest challenges of its host.
   [[nodiscard]] PageLoad resourceData(const URL& url) override;
   /// Within a fifth of a second.
   void setGivenUp(bool isGivenUp) override { isGivenUp_ = isGivenUp; }

@@ -2,7 +2,7 @@
 //
 // Makes read streams whose requests go through a transfer thread.
 //
-// A redirected "HEAD" stays one.
+// A "HEAD" request stays "HEAD" after a redirect.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@ namespace quillforth::platform {
 
 class CurlReadStreamFactory final : public HTTPReadStreamFactory {
  public:
-  /// `thread` outlives the factory and its streams. Once that gives up, streams fail within a fifth of
+  /// `thread` outlives the factory and its streams. Once the thread gives up, streams fail within a fifth of
   /// a second.
   explicit CurlReadStreamFactory(TransferThread& thread) : thread_(thread) {}
 

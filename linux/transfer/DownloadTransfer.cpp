@@ -36,7 +36,7 @@ void BodySink::writeHeld() {
 
 namespace {
 
-// So often progress is reported at most.
+// The shortest time between two reports of progress.
 constexpr std::chrono::milliseconds kReportInterval{40};
 
 }  // namespace
@@ -70,7 +70,7 @@ void DownloadTransfer::setDestination(const DestinationFile::Target& target) {
   if (hasBegun()) place();
 }
 
-// What has come is of one in its turn, or is where it is wanted now.
+// Whether what has come can be used: it was not asked for ahead, or it is in the folder that is wanted now.
 bool DownloadTransfer::isExpectedAt(const DestinationFile::Target& target) {
   if (folderAhead_.empty()) return true;
   return folderAhead_ == target.folder && (sink_.file() == nullptr || sink_.file()->isInPlace());
@@ -128,8 +128,8 @@ void DownloadTransfer::discard() {
   folderAhead_.clear();
 }
 
-// A server does not wait for ever for what has come too far ahead, and what is ahead takes room on the disk:
-// no download shall fail for that.
+// A download must not fail because it was asked for ahead: a server that had to wait too long may give up,
+// and files that are ahead fill the disk. So it is tried once more.
 bool DownloadTransfer::isWorthAnotherTry(const TransferOutcome& outcome) {
   const bool isFull = outcome.kind == OutcomeKind::file &&
                       (outcome.detail == ENOSPC || outcome.detail == EDQUOT) && context().hasLookedAhead;
@@ -137,7 +137,7 @@ bool DownloadTransfer::isWorthAnotherTry(const TransferOutcome& outcome) {
   return (isFull || hasWaitedAhead_) && !std::exchange(isSecondTry_, true);
 }
 
-// Who hears of it finds nothing left of the file.
+// The file is gone before anybody hears of the failure.
 void DownloadTransfer::giveUp(const TransferOutcome& outcome) {
   if (isWorthAnotherTry(outcome)) return startAgain();
   sink_ = {};
@@ -156,7 +156,7 @@ void DownloadTransfer::reportResponse() {
   context_.reports.post(*std::exchange(response_, std::nullopt));
 }
 
-// Nobody is to say any more where the file goes: the download is ahead, or has been started again.
+// The place of the file need not be asked for: the download is ahead, or has been started again.
 void DownloadTransfer::findPlace() {
   if (target_) return place();
   if (!isAhead() || !exchange().isPaused()) return;

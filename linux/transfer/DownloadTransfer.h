@@ -2,8 +2,9 @@
 //
 // The transfer of one download: its body becomes a file.
 //
-// While nobody has said where the file goes, the body is held; when it no longer fits, the transfer pauses.
-// Ahead of its turn it then goes on in a hidden file, up to a limit, in the folder that is expected.
+// Until it is known where the file goes, the body is held in memory; when it no longer fits there, the
+// transfer pauses. A transfer ahead of its turn goes on in a hidden file in the expected folder then, up to a
+// limit.
 #pragma once
 
 #include <QString>
@@ -23,8 +24,8 @@ namespace quillforth::platform {
 
 // What the transfer thread tells the main thread about downloads.
 //
-// A download is a number here: the main thread may have forgotten it by the time a report arrives, and then
-// the report means nothing.
+// Reports name a download by its number. The main thread may have forgotten it when a report arrives, and
+// then drops the report.
 
 /// The number of its transfer.
 using DownloadId = TransferId;
@@ -63,15 +64,15 @@ using Report = std::variant<BeganReport, ChallengeReport, ResponseReport, Destin
 
 /// Takes a body in the small pieces that libcurl hands over, and writes it to its file in large ones.
 ///
-/// It also holds what arrives before anybody has said where the file goes: a small file is there whole by
-/// then, and costs no further exchange with its server. One thread at a time.
+/// It also holds what arrives before it is known where the file goes. A small file has come whole by then, so
+/// nobody has to wait for its server again. One thread at a time.
 class BodySink {
  public:
   static constexpr std::size_t kCapacity = 256UL * 1024;
 
   /// Takes all of `bytes`, or nothing when they do not fit and there is no file yet.
   [[nodiscard]] bool append(std::string_view bytes);
-  /// From now on bytes go here. There is none before.
+  /// The file that bytes go to from now on. To be called once.
   void setFile(std::unique_ptr<DestinationFile> file) { file_ = std::move(file); }
   [[nodiscard]] DestinationFile* file() { return file_.get(); }
   /// Writes what is held, and publishes the file; 0 or the error number. There is a file. `modified`: what it
@@ -105,7 +106,7 @@ class DownloadTransfer final : public Transfer {
   /// The most that is taken of a body ahead of its turn.
   static constexpr std::uint64_t kMaxBytesAhead = std::uint64_t{64} * 1024 * 1024;
 
-  /// `folderAhead`: of a download that is ahead of its turn, where it is expected to go; else empty.
+  /// `folderAhead`: the folder into which a download that is ahead of its turn is expected to go; else empty.
   /// `context` outlives this.
   DownloadTransfer(TransferId id, TransferRequest request, const DownloadContext& context,
                    std::string folderAhead = {})

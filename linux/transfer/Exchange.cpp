@@ -23,7 +23,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// Of IPv4 or IPv6, in which it stands at the same place.
+// The port lies at the same offset in an IPv4 and an IPv6 address.
 int LocalPort(curl_socket_t socket) {
   sockaddr_in6 address{};
   socklen_t length = sizeof address;
@@ -92,7 +92,7 @@ void FreeEnd(void* /*parent*/, void* end, CRYPTO_EX_DATA* /*data*/, int /*index*
   delete static_cast<SharedEnd*>(end);
 }
 
-// Where a connection keeps its SharedEnd.
+// The index under which a connection keeps its SharedEnd.
 int EndIndex() {
   static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeEnd);
   return index;
@@ -138,7 +138,7 @@ bool HasUnreadTLS(CURL* handle) {
 
 namespace {
 
-// Received at a time; libcurl's greatest. Fewer, larger steps are what makes large files fast.
+// How much is received at a time: the most that libcurl allows. Large files are fast with few, large steps.
 constexpr long kReceiveBytes = 512L * 1024;
 // A body that nobody wants is read to its end up to this size, which keeps the connection usable.
 constexpr std::size_t kMaxDiscardedBytes = 64UL * 1024;
@@ -149,7 +149,7 @@ Value InfoOf(CURL* handle, CURLINFO info, Value value) {
   return value;
 }
 
-// For as much as a line of a head may need.
+// Whether there is memory for the longest line that a head may have.
 bool IsMemoryLeft() {
   return std::unique_ptr<char[]>(new (std::nothrow) char[ResponseHead::kMaxLength]) != nullptr;
 }
@@ -409,11 +409,11 @@ void Exchange::end(CURLcode result) {
   if (isWanted_.value_or(true)) outcome_ = outcomeOf(result);
 }
 
-// libcurl takes a head that is cut off for a whole one, and so a body without a length whose end TLS has not
-// said.
+// libcurl accepts a head that is cut off as a whole one. It also accepts a body without a length when the TLS
+// connection was cut off.
 TransferOutcome Exchange::outcomeOf(CURLcode result) const {
   if (isTunnelRefused_) return {};
-  // What libcurl has no room for, where there is memory, is a line without end.
+  // When memory is left, libcurl ran out of room because a line has no end.
   const bool isInHead = requestTime_ && !head_.isComplete();
   if (result == CURLE_OUT_OF_MEMORY && isInHead && IsMemoryLeft()) return {OutcomeKind::headTooLong};
   if (result != CURLE_OK) return OutcomeOf(result);

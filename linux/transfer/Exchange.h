@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// One request and its answer. Here it is judged whether the answer counts, for whatever it is wanted.
+// One request and its answer. This is where it is judged whether the answer counts.
 //
-// libcurl speaks the protocols; redirects and refused logins are the owner's business. A kept connection is
-// looked at just before it is used again: whatever its server has said since then is not the answer. What
-// arrives after that look cannot be told from the answer. The transfer thread only.
+// libcurl speaks the protocols. The owner handles redirects and refused logins. A kept connection is looked
+// at just before it is used again: whatever its server has said since then is not the answer. What arrives
+// after that look cannot be told from the answer. The transfer thread only.
 #pragma once
 
 #include <curl/curl.h>
@@ -38,8 +38,8 @@ class OpenSockets {
   OpenSockets(const OpenSockets&) = delete;
   OpenSockets& operator=(const OpenSockets&) = delete;
 
-  /// From now on the sockets that `handle` opens are here until they are closed, which may be after the end
-  /// of `handle`, but not of this.
+  /// Follows the sockets that `handle` opens from now on until they are closed. They may outlive `handle`,
+  /// but not this.
   void watch(CURL* handle);
   /// Of the connection from local port `port`; CURL_SOCKET_BAD: none.
   [[nodiscard]] curl_socket_t find(int port) const;
@@ -61,7 +61,7 @@ class OpenSockets {
   std::vector<curl_socket_t> sockets_;
 };
 
-// How a TLS connection ends: by its server's word, or cut off by whoever is in between.
+// How a TLS connection ends: the server says so, or somebody in between cuts it off.
 //
 // libcurl takes both for the end of a body that has no length. The transfer thread only.
 
@@ -70,8 +70,8 @@ using TLSEnd = std::shared_ptr<const bool>;
 
 /// Makes the connections that `handle` opens take notice of their end.
 void WatchTLSEnd(CURL* handle);
-/// Of the connection that `handle` is using now; null when it is not one of TLS. To be taken before the end
-/// can come; it outlives the connection.
+/// The end of the connection that `handle` is using now; null for one without TLS. Take it before the
+/// connection can end; it outlives the connection.
 [[nodiscard]] TLSEnd TLSEndOf(CURL* handle);
 /// Whether bytes of the connection that `handle` is using now have come, but nobody has read them.
 [[nodiscard]] bool HasUnreadTLS(CURL* handle);
@@ -105,12 +105,13 @@ class Exchange {
     anewWithoutSize  ///< and a server of FTP is not asked how long the file is
   };
 
-  /// Takes the answer, inside libcurl's work.
+  /// Takes the answer. Called while libcurl works.
   class Taker {
    public:
-    /// The head is here, and nothing is wrong with it. Once.
+    /// Called once, when the head is complete and nothing is wrong with it.
     [[nodiscard]] virtual bool wantsBody() = 0;
-    /// Of a body that is wanted. `later`: nothing has been taken, and there is more to be had after `resume`.
+    /// Called for a body that is wanted. `later`: nothing has been taken now, and `resume` brings the bytes
+    /// again.
     [[nodiscard]] virtual Taking takeBody(std::string_view bytes) = 0;
 
    protected:
@@ -132,7 +133,7 @@ class Exchange {
   /// The request carries these fields. Before it is driven.
   void carry(const std::vector<HeaderField>& fields);
   [[nodiscard]] bool isFTP() const;
-  /// As ResponseHead's, also of a file by FTP. The head is whole.
+  /// As in ResponseHead; also for FTP. Only once the head is complete.
   [[nodiscard]] std::int64_t announcedLength() const;
   /// When the server says that the file was changed last, in seconds since 1970; 0 when nobody wants to know,
   /// or that is nowhere in the past.
@@ -142,9 +143,9 @@ class Exchange {
   [[nodiscard]] int retryAfter() const;
   /// Whether anything has come since the last call.
   [[nodiscard]] bool takeMove() { return std::exchange(hasMoved_, false); }
-  /// Whether bytes of the head have come lately, when nothing whole has for `limit`.
+  /// Whether bytes of the head still come, although the head has not been complete for `limit`.
   [[nodiscard]] bool isTrickling(std::chrono::milliseconds limit) const;
-  /// "address:port" of who is connected: the server, or a proxy.
+  /// "address:port" of the peer: the server or a proxy.
   [[nodiscard]] std::string peer() const;
   [[nodiscard]] bool isPaused() const { return isPaused_; }
   /// When to go on, where it is paused because it was faster than the user wants it.
@@ -154,10 +155,10 @@ class Exchange {
   /// The answer sets a cookie, which nobody has kept: it was asked for with cookies that were lent.
   [[nodiscard]] bool hasLostCookie() const { return hasLostCookie_; }
   void resume();
-  /// The taker was asked, and wants the body.
+  /// Whether the taker was asked, and wants the body.
   [[nodiscard]] bool isWanted() const { return isWanted_.value_or(false); }
 
-  /// The handle has come to its end. Asks the taker if nobody has yet and there is a head.
+  /// To be called when the handle is done. Asks the taker now if there is a head and it was not asked.
   void end(CURLcode result);
   /// After `end`: how the same is to be asked for once more, if it is.
   [[nodiscard]] std::optional<Attempt> nextAttempt() const { return nextAttempt_; }

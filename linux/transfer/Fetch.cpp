@@ -13,9 +13,9 @@ namespace quillforth::platform {
 
 namespace {
 
-// Bytes that wait for their reader; the transfer pauses at more.
+// The most bytes that wait for their reader; then the transfer pauses.
 constexpr std::size_t kMaxWaiting = std::size_t{1024} * 1024;
-// The longest wait, so that an interruption is seen soon.
+// The longest wait between two looks for an interruption.
 constexpr std::chrono::milliseconds kMaxWait{100};
 
 }  // namespace

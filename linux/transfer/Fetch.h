@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A transfer whose body goes to memory, to a thread that waits for it.
+// A transfer whose body goes through memory to a thread that waits for it.
 //
 // The body is handed over in pieces: when the reader is slow, the transfer pauses. A Fetch belongs to one
 // thread, which need not be the one that made it.
@@ -24,7 +24,7 @@ class Fetch {
 
   /// Starts. `thread` outlives this.
   Fetch(TransferThread& thread, TransferRequest request);
-  /// Aborts what has not ended.
+  /// Aborts the transfer if it has not ended.
   ~Fetch();
   Fetch(const Fetch&) = delete;
   Fetch& operator=(const Fetch&) = delete;
@@ -36,9 +36,9 @@ class Fetch {
   [[nodiscard]] std::string takeBytes();
   /// Nothing until all bytes have been taken.
   [[nodiscard]] std::optional<TransferOutcome> outcome() const;
-  /// Of the answer that counted; nothing when it was not of HTTP, or has not ended well.
+  /// The header of the answer that counted. Nothing when it was not HTTP, or has not ended well.
   [[nodiscard]] std::optional<HTTPResponseHeader> header() const;
-  /// Where that came from, after redirects, without credentials and fragment.
+  /// The URL that the answer came from, after redirects, without credentials and fragment.
   [[nodiscard]] std::string url() const;
 
  private:

@@ -3,8 +3,8 @@
 // Carries messages to another thread, in order, and tells an event loop when there are some.
 //
 // The descriptor (eventfd) is readable as long as messages wait, and until the receiver has found the box
-// empty; so a loop that polls it, a nested one included, cannot miss a message, and a sender pays for a
-// system call only when the receiver may be asleep.
+// empty; so a loop that polls it cannot miss a message, and neither can a nested one. A sender makes a system
+// call only when the receiver may be asleep.
 #pragma once
 
 #include <sys/eventfd.h>
@@ -37,7 +37,8 @@ class Mailbox {
     signal();
   }
 
-  /// The receiver does not wake for it: `signal` is to follow, or the sender takes the message itself.
+  /// Does not wake the receiver. Afterwards either `signal` is called, or the sender takes the message
+  /// itself.
   void postQuietly(Message message) {
     const std::lock_guard lock(mutex_);
     messages_.push_back(std::move(message));
@@ -63,7 +64,7 @@ class Mailbox {
     if (mustSignal) ::eventfd_write(signal_.get(), 1);
   }
 
-  /// To be repeated until there is none: only then the descriptor is no longer readable.
+  /// The next message. Repeat this until there is none: only then is the descriptor no longer readable.
   [[nodiscard]] std::optional<Message> take() {
     const std::lock_guard lock(mutex_);
     eventfd_t count = 0;

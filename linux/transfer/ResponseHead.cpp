@@ -21,7 +21,7 @@ using common::EqualsNoCase;
 
 constexpr std::size_t kMaxMIMETypeLength = 255;
 
-// A whole number of digits alone, or nothing.
+// The number, if the text is all digits; otherwise nothing.
 std::optional<std::int64_t> ParseLength(std::string_view text) {
   std::int64_t length = 0;
   const char* end = text.data() + text.size();
@@ -40,7 +40,7 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// The status of "HTTP/1.1 200 OK" (RFC 9112, section 4); nothing when the line is no such. Reasons may be
+// The status of "HTTP/1.1 200 OK" (RFC 9112, section 4); nothing for any other line. The reason may be
 // absent.
 std::optional<int> StatusOf(std::string_view line) {
   constexpr std::string_view kForm = "HTTP/0.0 000";
@@ -60,7 +60,7 @@ std::string_view FTPTransferType(std::string_view url) {
   return common::StartsWithNoCase(end, kType) ? end : std::string_view();
 }
 
-// The fields may be repeated, and each may list its number again; all must say the same.
+// The field may be repeated, and each may repeat its number in a list. All numbers must be the same.
 std::optional<std::int64_t> AgreedLength(const std::vector<std::string_view>& fields) {
   std::optional<std::int64_t> agreed = -1;
   for (std::string_view rest : fields) {

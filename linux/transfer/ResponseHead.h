@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// What an answer of HTTP says before its body, whether that can be, and what follows from it for the body.
+// The head of an HTTP answer: what it says, whether that is possible, and what it means for the body.
 //
-// The lines are collected here as they come: to look a field up, libcurl goes through all of them, and it
-// takes a head that is cut off for a whole one, and much that is no head for one. One thread at a time.
+// The lines are collected here as they come. libcurl goes through all lines to look a field up, and it
+// accepts a head that is cut off, and much that is not a head. One thread at a time.
 #pragma once
 
 #include <QString>
@@ -19,31 +19,29 @@ namespace quillforth::platform {
 
 class ResponseHead {
  public:
-  /// Bytes of all lines of one request's answer, interim ones included; more are not kept.
+  /// The most bytes that are kept of one request's lines, those of interim answers included.
   static constexpr std::size_t kMaxLength = std::size_t{256} * 1024;
 
-  /// Takes the next line, with its end. A status line begins a new head; what else follows a head's blank
-  /// line (a trailer) only counts.
+  /// Takes the next line, with its end. A status line begins a new head. Other lines after a head's blank
+  /// line (a trailer) are only counted.
   void addLine(std::string_view line);
-  /// Only counts the line: it is not one of HTTP.
+  /// Only counts the line, which is not HTTP.
   void passOver(std::string_view line) { length_ += line.size(); }
-  /// What has come was the word of a proxy; the server's own is to follow.
+  /// The head so far came from a proxy. The server's own head follows.
   void expectAnother() { *this = ResponseHead(length_); }
 
   ResponseHead() = default;
 
-  /// A head has begun, but its blank line has not come.
-  [[nodiscard]] bool isInside() const { return isInside_; }
-  /// The head of a final answer is here.
+  /// Whether the head of a final answer is complete.
   [[nodiscard]] bool isComplete() const { return !isInside_ && status_ >= 200; }
-  /// What is wrong with the lines so far, each for itself.
+  /// What is wrong with one of the lines so far.
   [[nodiscard]] OutcomeKind lineFault() const;
   /// What is wrong with a complete head. `hasBody`: also with the fields that say how long the body is.
   /// Readers that disagree about it take a part of it for the whole, or what follows it for the next answer
   /// (RFC 9112, section 6).
   [[nodiscard]] OutcomeKind fault(bool hasBody) const;
 
-  /// Of the last head, as everything below; 0 when there was none.
+  /// The status of the last head; 0 when there was none. All below is about the last head, too.
   [[nodiscard]] int status() const { return status_; }
   [[nodiscard]] const HTTPResponseHeader& header() const { return header_; }
   [[nodiscard]] std::string_view firstValue(std::string_view name) const;
@@ -52,7 +50,7 @@ class ResponseHead {
   /// Bytes that are announced, -1 when none are. Nothing when what it says cannot be: no number, one that 63
   /// bits cannot hold, or two that differ (RFC 9112, section 6.3).
   [[nodiscard]] std::optional<std::int64_t> announcedLength() const;
-  /// The body ends where the connection does.
+  /// Whether the body ends where the connection does.
   [[nodiscard]] bool endsWithConnection() const;
 
  private:
@@ -66,7 +64,7 @@ class ResponseHead {
   HTTPResponseHeader header_;
   std::size_t length_ = 0;
   int status_ = 0;
-  bool isInside_ = false;
+  bool isInside_ = false;  // a head has begun, but its blank line has not come
   bool isMalformed_ = false;
   bool isFraming_ = false;  // the last field says how long the body is
   bool hasBrokenFraming_ = false;

@@ -99,15 +99,15 @@ bool Transfer::isRefused() const {
   return request_.purpose != Purpose::probe && (status == kUnauthorized || status == kProxyUnauthorized);
 }
 
-// Of what was asked for ahead: the server wants to know who asks, is asked for too much, or tells the one who
-// asks apart by a cookie, which must not come before those of earlier answers.
+// Whether an answer ahead of its turn is of no use: the server wants a login, is too busy, or sets a cookie,
+// which must not come before the cookies of earlier answers.
 bool Transfer::isOnlyForItsTurn() const {
   if (exchange_->hasLostCookie()) return true;
   const int status = exchange_->head().status();
   return isAhead_ && (isRefused() || status == kTooManyRequests || status == kUnavailable);
 }
 
-// FTP has no status and is good as it is.
+// FTP has no status, and every complete answer is good.
 TransferOutcome Transfer::judgeAnswer() const {
   const ResponseHead& head = exchange_->head();
   if (exchange_->isFTP()) {

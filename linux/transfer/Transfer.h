@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// One transfer on the transfer thread: its exchanges one after another, to the one whose body is wanted.
+// One transfer on the transfer thread. It makes exchanges one after another, until one brings the body that
+// is wanted.
 //
-// Usually there is one. A redirect ends an exchange, and the next asks where it leads; so does a refused
-// login (401, 407), once there is another. Who wants a body derives from this, and takes it.
+// Usually one is enough. After a redirect the next exchange asks the new URL; after a refused login (401,
+// 407) it brings another login. A class that wants the body derives from this one.
 //
 // A transfer may be made ahead of its turn. Until it is adopted nobody hears of it, no user is asked, and no
-// login that was asked for goes along. What goes wrong then is of no account: it is asked for again in its
+// login that was asked for goes along. A failure does not matter then: the URL is asked for again in its
 // turn.
 #pragma once
 
@@ -40,7 +41,7 @@ class Transfer : private Exchange::Taker {
     ended
   };
 
-  /// Any thread; everything else is for the transfer thread.
+  /// Any thread may call this; everything else is for the transfer thread.
   Transfer(TransferId id, TransferRequest request, bool isAhead = false)
       : id_(id), request_(std::move(request)), isAhead_(isAhead) {}
   virtual ~Transfer() = default;
@@ -49,26 +50,26 @@ class Transfer : private Exchange::Taker {
 
   [[nodiscard]] TransferId id() const { return id_; }
   [[nodiscard]] Phase phase() const { return phase_; }
-  /// The connection is one of FTP.
+  /// Whether it goes over FTP.
   [[nodiscard]] bool isFTP() const { return exchange_ && exchange_->isFTP(); }
-  /// That it has got to; empty for a malformed URL.
+  /// The host now, after redirects; empty for a malformed URL.
   [[nodiscard]] const std::string& host() const { return url_.host; }
   [[nodiscard]] bool isAhead() const { return isAhead_; }
-  /// Of the exchange that is going on; its CURLINFO_PRIVATE is this object.
+  /// The handle of the present exchange. Its CURLINFO_PRIVATE is this object.
   [[nodiscard]] CURL* handle() const { return exchange_->handle(); }
 
   /// `context` outlives this.
   void start(TransferContext& context);
-  /// Of one that is ahead: the next request may be made before its turn.
+  /// For a transfer that is ahead: whether its next request may be made before its turn.
   [[nodiscard]] bool mayGoAhead() const;
-  /// Of one that is ahead: what it has is let go.
+  /// For a transfer that is ahead: drops what it has.
   void drop();
-  /// It is no longer ahead. It is started again when it was dropped, or would carry another login or
-  /// other cookies now.
+  /// From now on it is no longer ahead. It is started again when it was dropped, or when its request would
+  /// carry another login or other cookies now.
   virtual void adopt();
-  /// To a challenge.
+  /// The answer to a challenge.
   void answer(const std::string& user, const std::string& password);
-  /// Where a file goes.
+  /// Says where the file goes.
   virtual void setDestination(const DestinationFile::Target& /*target*/) {}
   /// Goes on with a body that was not taken.
   void resume();
@@ -76,12 +77,12 @@ class Transfer : private Exchange::Taker {
   void cancel() { phase_ = Phase::ended; }
   /// The handle has come to its end and is driven by nobody.
   void requestDone(CURLcode result);
-  /// Finds stalls. When to look again.
+  /// Looks for a stall. Gives the time for the next look.
   [[nodiscard]] virtual Clock::time_point lookAtClock(Clock::time_point now);
 
  protected:
   [[nodiscard]] const TransferRequest& request() const { return request_; }
-  /// Of the last answer; there is one.
+  /// The exchange of the last answer; only when there is one.
   [[nodiscard]] const Exchange& exchange() const { return *exchange_; }
   [[nodiscard]] const std::string& url() const { return url_.text; }
   [[nodiscard]] bool hasBegun() const { return hasBegun_; }
@@ -91,18 +92,18 @@ class Transfer : private Exchange::Taker {
   void fail(const TransferOutcome& outcome);
   void startAgain();
 
-  /// The answer counts, and its body begins.
+  /// Called when the answer counts and its body begins.
   virtual void begin() {}
   /// `later`: until `resume`. `never`: `bodyFault` says why.
   [[nodiscard]] virtual Exchange::Taking take(std::string_view bytes) = 0;
   [[nodiscard]] virtual TransferOutcome bodyFault() const { return {}; }
-  /// All bytes have been taken; ends it, or waits.
+  /// Called when all bytes have been taken. Ends the transfer, or lets it wait.
   virtual void finish() = 0;
-  /// Lets go of what has come: it is dropped, or to be started again.
+  /// Drops what has come, because the transfer is dropped or starts again.
   virtual void discard() {}
-  /// It has failed, or cannot begin. It may be started again from here.
+  /// Called when it has failed, or cannot begin. It may be started again from here.
   virtual void giveUp(const TransferOutcome& outcome) = 0;
-  /// Somebody may know the answer; false when there is nobody to ask.
+  /// Asks for a login. False when there is nobody to ask.
   [[nodiscard]] virtual bool ask(const AuthenticationChallenge& /*challenge*/) { return false; }
 
  private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What is asked of the transfer thread, by whoever asks.
+// What callers ask of the transfer thread.
 #pragma once
 
 #include <chrono>
@@ -43,7 +43,7 @@ struct RequestURL {
   [[nodiscard]] std::string reducedReferrer(const std::string& referrer, bool isWhole = false) const;
 };
 
-/// What an answer is for, which says what it must be.
+/// What an answer is for. The purpose decides which answers count.
 enum class Purpose {
   probe,  ///< of any status; no login but the request's own is sent
   page,   ///< not of 400 and above; may come with a content coding
@@ -53,14 +53,15 @@ enum class Purpose {
 struct TransferRequest {
   Purpose purpose = Purpose::file;
   std::string url;  ///< absolute; may hold a user name and a password
-  /// URL of the page that `url` was found on; may hold what nobody is told. Empty: nothing is told of it.
+  /// URL of the page that `url` was found on. It may hold secrets, which no server is told. Empty: no server
+  /// is told of a page.
   std::string referrer{};
   std::string method = "GET";          ///< an HTTP token; "HEAD" has no body
   std::string userAgent = kUserAgent;  ///< a text that a header may hold
   std::optional<Login> login{};        ///< for the origin of `url`
-  /// Of the body, as it is sent.
+  /// The longest body that is taken, in bytes as they are sent.
   std::uint64_t maxBodyLength = std::numeric_limits<std::uint64_t>::max();
-  /// Without a byte for so long, the transfer has failed.
+  /// The transfer fails when no byte comes for so long.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
 };
 

@@ -243,7 +243,7 @@ TransferFailure TransferOutcome::failure() const {
 
 TransferOutcome OutcomeOf(CURLcode code) {
   if (code == CURLE_OK) return {};
-  // libcurl says of a socket that was not to be had only that there is no connection.
+  // When there is no socket to be had, libcurl says only that there is no connection.
   const bool isUnconnected = code == CURLE_COULDNT_CONNECT || code == CURLE_COULDNT_RESOLVE_HOST;
   if (isUnconnected && !FileDescriptor(::eventfd(0, EFD_CLOEXEC)).isOpen())
     return {OutcomeKind::system, errno};

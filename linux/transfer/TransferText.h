@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What came of a transfer, and what people read of it. Sentences of our own: nothing of what a server sent,
-// no credentials. Pure; any thread.
+// The outcome of a transfer, and the sentence that people read about it. The sentences are our own: they hold
+// nothing that a server sent, and no credentials. Pure; any thread.
 #pragma once
 
 #include <curl/curl.h>

@@ -15,15 +15,15 @@ namespace {
 
 // Connections kept between files; a page's files lie on a few hosts.
 constexpr long kKeptConnections = 16;
-// With what is ahead; as browsers do.
+// Including those ahead; as in browsers.
 constexpr int kMaxConnectionsAHost = 6;
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(1);
-// libcurl 7.88 waits for nothing where it has to go on: when the answer to EPSV was there at once.
+// libcurl 7.88 may wait although it could go on: it does when the answer to EPSV came at once.
 constexpr std::chrono::milliseconds kLongestFTPWait{20};
 // A server of FTP may take so long for its last word on a file. All other transfers wait for it.
 constexpr std::chrono::seconds kLongestTurn{10};
 
-// Signals are the main thread's; SIGPIPE and SIGXFSZ are wanted as error numbers.
+// The main thread takes the signals. SIGPIPE and SIGXFSZ are to become error numbers.
 void BlockAllSignals() {
   sigset_t all;
   sigfillset(&all);
@@ -150,7 +150,7 @@ TransferThread::Clock::time_point TransferThread::lookAtClock() {
   for (auto entry = entries_.begin(); entry != entries_.end();) {
     const auto current = entry++;
     Transfer& transfer = *current->second.transfer;
-    // One that is ahead and has no room yet is not late.
+    // A transfer that is ahead and has no connection yet is not late.
     const bool isQueued = transfer.phase() == Transfer::Phase::requesting && !current->second.isDriven;
     if (!isQueued) next = std::min(next, transfer.lookAtClock(now));
     settle(current);

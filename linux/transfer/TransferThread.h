@@ -3,10 +3,10 @@
 // The thread that all transfers of a program go through, for as long as it runs.
 //
 // One libcurl multi handle drives them, so that a page, its probe and its files share connections. Commands
-// come in through a mailbox; who is told what comes of them is the transfer's own business.
+// come in through a mailbox; each transfer itself says what has come of it.
 //
-// What a small file costs is mostly the waking of threads. While no transfer is under way this thread sleeps,
-// and the one that starts files may take its place for a moment: a file that comes at once wakes nobody.
+// Most of the cost of a small file is the waking of threads. While this thread has no transfer it sleeps, and
+// the thread that starts files may do its work for a moment. So a file that comes at once wakes nobody.
 #pragma once
 
 #include <curl/curl.h>
@@ -46,14 +46,14 @@ class TransferThread {
   /// Ends what is in flight, and waits until no partial file of it is left.
   void stop();
 
-  /// These three on any thread. A number is given once.
+  /// These three may be called on any thread. Each number is given once.
   [[nodiscard]] TransferId newId() { return ++lastId_; }
   void post(Command command) { commands_.post(std::move(command)); }
   [[nodiscard]] bool isGivingUp() const { return context_.isGivingUp(); }
   /// On one thread only, as all below: `work` or `handOver` is to follow, and until then nothing comes of it.
   void postQuietly(Command command);
-  /// Obeys what `postQuietly` was given, and does this thread's work on the calling one until `isDone`, but
-  /// not past `until`. What is under way then is this thread's.
+  /// Does what `postQuietly` was given, and this thread's work on the calling thread, until `isDone` or
+  /// `until`. This thread goes on with what is under way then.
   void work(std::chrono::steady_clock::time_point until, const std::function<bool()>& isDone);
   void handOver();
 
@@ -69,7 +69,7 @@ class TransferThread {
   using Clock = Transfer::Clock;
 
   void run();
-  // Lets libcurl work; returns when to look again at the latest.
+  // Lets libcurl work. Gives the latest time for the next look.
   Clock::time_point step();
   bool obeyCommands();
   void obeyStart(StartCommand& command);
@@ -79,9 +79,9 @@ class TransferThread {
   Clock::time_point lookAtClock();
   void wait(Clock::time_point until);
   void waitForCommand();
-  // Makes the multi handle agree with the transfer's phase; an ended one goes.
+  // Makes the multi handle agree with the phase of the transfer, and removes an ended transfer.
   void settle(Entries::iterator entry);
-  // Whether it may be driven now. Who comes in turn may, and takes the place of one that is ahead.
+  // Whether it may be driven now. A transfer in its turn may, and takes the place of one that is ahead.
   [[nodiscard]] bool findRoom(Transfer& transfer);
   void stopDriving(Entry& entry);
   void release(Entries::iterator entry);
