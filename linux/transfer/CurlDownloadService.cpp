@@ -176,7 +176,7 @@ namespace {
 constexpr std::chrono::milliseconds kDeliveryTime{5};
 // The same where nothing is drawn. Many servers have answered by then, and wake no other thread.
 constexpr std::chrono::milliseconds kLongDeliveryTime{50};
-// So long nothing has been downloaded when the disks are made to keep what was.
+// Once nothing has been downloaded for so long, the disks are made to keep what was.
 constexpr std::chrono::seconds kRest{1};
 
 }  // namespace
@@ -304,7 +304,7 @@ void CurlDownloadService::deliver(Report& report) {
   std::visit(receive, report);
 }
 
-// Not where windows are to be drawn meanwhile.
+// Not in a program whose windows must be drawn meanwhile.
 void CurlDownloadService::decide(ChangeCommand command) {
   if (options_.mayWait) {
     thread_.postQuietly(std::move(command));
@@ -313,7 +313,7 @@ void CurlDownloadService::decide(ChangeCommand command) {
   }
 }
 
-// Always by way of the mailbox, so that the delegate hears of it from the main loop.
+// Always through the mailbox, so that the delegate hears of it from the main loop.
 void CurlDownloadService::fail(DownloadId id, const TransferOutcome& outcome) {
   thread_.post(ChangeCommand{id, &Transfer::cancel});
   reports_.post(FailedReport{id, outcome});

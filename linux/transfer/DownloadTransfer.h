@@ -75,8 +75,8 @@ class BodySink {
   /// The file that bytes go to from now on. To be called once.
   void setFile(std::unique_ptr<DestinationFile> file) { file_ = std::move(file); }
   [[nodiscard]] DestinationFile* file() { return file_.get(); }
-  /// Writes what is held, and publishes the file; 0 or the error number. There is a file. `modified`: what it
-  /// is to give as its time, in seconds since 1970; 0: none.
+  /// Writes what is held, and publishes the file, which must be set. 0 or the error number. `modified`: the
+  /// time of change that the file gets, in seconds since 1970; 0: none.
   [[nodiscard]] int finish(std::int64_t modified);
 
   /// The error number of the first write that failed; 0: none.

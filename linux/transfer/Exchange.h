@@ -118,10 +118,9 @@ class Exchange {
     ~Taker() = default;
   };
 
-  /// Each has a handle of its own: in one that was used before, libcurl 7.88 goes on from the last field of
-  /// the answer before, which it has freed, when an answer's first field begins with a blank. `url` is where
-  /// the request has got to. `lentCookies`: instead of those that all share; null: those. All but `url`
-  /// outlive this.
+  /// Each has a handle of its own. In a used handle, libcurl 7.88 reads freed memory when the first field of
+  /// an answer begins with a blank. `url`: the URL now, after redirects. `lentCookies`: cookies to send
+  /// instead of the shared ones; null: the shared ones. All but `url` outlive this.
   Exchange(TransferContext& context, const TransferRequest& request, const std::string& url, Attempt attempt,
            const std::vector<std::string>* lentCookies, Taker& taker);
   Exchange(const Exchange&) = delete;
