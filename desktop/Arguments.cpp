@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "desktop/Options.h"
 #include "net/UTF8.h"
 
 namespace quillforth::desktop {
@@ -20,23 +21,16 @@ std::variant<Arguments, Answer> ParseCommandLine(std::vector<std::string> argume
   Arguments parsed;
   CLI::App parser("Downloads files from the web in batches, in a window.", "quillforth");
   parser.set_version_flag("--version", "quillforth " QUILLFORTH_VERSION);
-  parser.add_flag("--local", parsed.isNetworkAssumedUp,
-                  "Take the network as up without asking, for servers on this machine");
-  parser.add_flag("--download-selection", parsed.isSelectionWanted,
-                  "Download the URL that is selected on the screen, or else in the clipboard");
-  parser.add_flag("--service", parsed.isService,
-                  "Show no window before another program asks for something over D-Bus");
-  parser.add_flag("--wait", parsed.isWaiting,
-                  "Where a Quillforth runs already, end when that one does, and not at once");
+  for (const common::Option& option : Options().options) {
+    if (option.bind == nullptr) continue;
+    option.bind(parser, std::string(option.names), &parsed)->description(std::string(option.text));
+  }
   const auto addHelper = [&](const char* option, SelectionSource source) {
     parser.add_flag_callback(option, [&parsed, source] { parsed.printed = source; })->group("");
   };
   addHelper("--print-selection", SelectionSource::selectionOrClipboard);
   addHelper("--print-clipboard", SelectionSource::clipboard);
   addHelper("--print-pasteboard", SelectionSource::pasteboard);
-  parser.add_option("FILE-OR-URL", parsed.filesAndURLs,
-                    "Link files, opened for the URL in them; URLs, taken as if dropped on the window: pages "
-                    "with all their links, files");
   parser.footer(
       "What is asked of a second start is done by the one that runs.\nIn a terminal: quillforth-cli --help");
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

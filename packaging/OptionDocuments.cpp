@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Writes what is made of the table of options: the option sections of the manual page, and the completions
+// Writes what is made of the tables of options: the option sections of the manual pages, and the completions
 // for bash, zsh and fish. With "--check" it compares instead, and fails where a file would change.
 //
 //     option_documents [--check] packaging
@@ -14,12 +14,20 @@
 #include <string>
 #include <vector>
 
+#include "desktop/Options.h"
 #include "terminal/Options.h"
 #include "terminal/Settings.h"
 
-namespace quillforth::terminal {
+namespace quillforth {
 
 namespace {
+
+using common::CommandDescription;
+using common::Completes;
+using common::Option;
+using terminal::BooleanSetting;
+using terminal::BooleanSettings;
+using terminal::Commands;
 
 constexpr std::string_view kFoldersKey = "DestinationDirectory";
 constexpr std::string_view kNumberKey = "downloadsAhead";
@@ -69,7 +77,7 @@ std::string Prose(std::string_view text) {
   return prose + ".\n";
 }
 
-std::string ManualOptions(const CommandDescription& command) {
+std::string ManualOptions(const CommandDescription& command, const std::string& program) {
   std::string text = ".Bl -tag -width Ds\n";
   for (const Option& option : command.options) {
     if (option.isArgument() || option.bind == nullptr) continue;
@@ -81,7 +89,7 @@ std::string ManualOptions(const CommandDescription& command) {
     text += '\n' + Prose(option.text);
     if (option.example.empty()) continue;
     const std::string example = Replaced(std::string(option.example), "\\", "\\e");
-    text += ".Pp\n.Dl quillforth-cli " + Replaced(example, "\"", "\\(dq") + '\n';
+    text += ".Pp\n.Dl " + program + ' ' + Replaced(example, "\"", "\\(dq") + '\n';
   }
   return text + ".El\n";
 }
@@ -105,12 +113,12 @@ std::string Manual(const std::string& page) {
     if (!isMade) text += line + '\n';
     for (const CommandDescription& command : Commands()) {
       if (command.name.empty() || line != ".\\\" made: options of " + std::string(command.name)) continue;
-      text += ManualOptions(command);
+      text += ManualOptions(command, "quillforth-cli");
       isMade = true;
     }
-    if (line != ".\\\" made: settings") continue;
-    text += ManualSettings();
-    isMade = true;
+    if (line == ".\\\" made: options") text += ManualOptions(desktop::Options(), "quillforth");
+    if (line == ".\\\" made: settings") text += ManualSettings();
+    isMade = isMade || line == ".\\\" made: options" || line == ".\\\" made: settings";
   }
   return text;
 }
@@ -374,6 +382,43 @@ std::string Fish() {
   return text;
 }
 
+// The program with windows has options, files and URLs, and no commands.
+std::string DesktopBash() {
+  std::string text =
+      "# SPDX-License-Identifier: MIT\n#\n"
+      "# Completion of quillforth for bash. Made by packaging/OptionDocuments.cpp.\n\n"
+      "complete -f -W '";
+  for (const Option& option : desktop::Options().options) {
+    if (!option.isArgument()) text.append(text.ends_with('\'') ? "" : " ").append(option.longName());
+  }
+  return text + "' quillforth\n";
+}
+
+std::string DesktopZsh() {
+  std::string text =
+      "#compdef quillforth\n# SPDX-License-Identifier: MIT\n#\n"
+      "# Completion of quillforth for zsh. Made by packaging/OptionDocuments.cpp.\n\n_arguments -s";
+  for (const Option& option : desktop::Options().options) {
+    text += " \\\n  " + (option.isArgument() ? "'*:file or URL:_files'" : ZshOption(option));
+  }
+  return text + '\n';
+}
+
+std::string DesktopFish() {
+  std::string text =
+      "# SPDX-License-Identifier: MIT\n#\n"
+      "# Completion of quillforth for fish. Made by packaging/OptionDocuments.cpp.\n\n";
+  for (const Option& option : desktop::Options().options) {
+    if (option.isArgument()) continue;
+    text += "complete -c quillforth";
+    for (const std::string& name : Split(option.names, ',')) {
+      text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
+    }
+    text += FishText(option.text);
+  }
+  return text;
+}
+
 std::string Read(const std::string& path) {
   std::ifstream file(path);
   return {std::istreambuf_iterator<char>(file), {}};
@@ -381,10 +426,16 @@ std::string Read(const std::string& path) {
 
 int Make(const std::string& folder, bool isCheck) {
   const std::string manual = folder + "/man/quillforth-cli.1";
-  const std::pair<std::string, std::string> files[] = {{manual, Manual(Read(manual))},
-                                                       {folder + "/completions/quillforth-cli.bash", Bash()},
-                                                       {folder + "/completions/_quillforth-cli", Zsh()},
-                                                       {folder + "/completions/quillforth-cli.fish", Fish()}};
+  const std::string desktopManual = folder + "/man/quillforth.1";
+  const std::pair<std::string, std::string> files[] = {
+      {manual, Manual(Read(manual))},
+      {folder + "/completions/quillforth-cli.bash", Bash()},
+      {folder + "/completions/_quillforth-cli", Zsh()},
+      {folder + "/completions/quillforth-cli.fish", Fish()},
+      {desktopManual, Manual(Read(desktopManual))},
+      {folder + "/completions/quillforth.bash", DesktopBash()},
+      {folder + "/completions/_quillforth", DesktopZsh()},
+      {folder + "/completions/quillforth.fish", DesktopFish()}};
   int status = 0;
   for (const auto& [path, text] : files) {
     if (Read(path) == text) continue;
@@ -396,10 +447,10 @@ int Make(const std::string& folder, bool isCheck) {
 
 }  // namespace
 
-}  // namespace quillforth::terminal
+}  // namespace quillforth
 
 int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   if (arguments.empty()) return 2;
-  return quillforth::terminal::Make(arguments.back(), arguments.front() == "--check");
+  return quillforth::Make(arguments.back(), arguments.front() == "--check");
 }

@@ -32,7 +32,7 @@ CLI::Option* Find(CLI::App& command, std::string_view longName) {
 void AddOptions(CLI::App& command, std::span<const Option> options, ParsedArguments& arguments) {
   for (const Option& option : options) {
     if (option.bind == nullptr) continue;
-    option.bind(command, std::string(option.names), arguments)->required(option.isRequired);
+    option.bind(command, std::string(option.names), &arguments)->required(option.isRequired);
   }
   for (const Option& option : options) {
     CLI::Option* own = option.bind == nullptr ? nullptr : Find(command, option.longName());

@@ -89,7 +89,7 @@ Error TakeHeader(const std::string& line, GetOptions& options) {
 Error TakeHeaders(const GetArguments& arguments, GetOptions& options) {
   for (const std::string& text : arguments.headers) {
     if (!text.starts_with('@')) {
-      if (const Error error = TakeHeader(text, options)) return error;
+      if (Error error = TakeHeader(text, options)) return error;
       continue;
     }
     const InputFile file =
@@ -97,7 +97,7 @@ Error TakeHeaders(const GetArguments& arguments, GetOptions& options) {
     if (!file.error.isNull()) return Failed(file.error);
     for (const QByteArray& line : file.bytes.split('\n')) {
       if (line.trimmed().isEmpty()) continue;
-      if (const Error error = TakeHeader(line.trimmed().toStdString(), options)) return error;
+      if (Error error = TakeHeader(line.trimmed().toStdString(), options)) return error;
     }
   }
   return std::nullopt;

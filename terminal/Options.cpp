@@ -16,8 +16,8 @@ namespace {
 
 // A flag for a truth value, an option for all else; each value of a list comes after the name once more.
 template <typename Arguments, auto member>
-CLI::Option* Fill(CLI::App& command, const std::string& names, ParsedArguments& parsed) {
-  auto& place = std::get<Arguments>(parsed.commands).*member;
+CLI::Option* Fill(CLI::App& command, const std::string& names, void* parsed) {
+  auto& place = std::get<Arguments>(static_cast<ParsedArguments*>(parsed)->commands).*member;
   if constexpr (std::is_same_v<std::remove_reference_t<decltype(place)>, bool>) {
     return command.add_flag(names, place);
   } else if (names.starts_with('-')) {
