@@ -106,7 +106,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void give(CommandGate::Command command);
   /// Nothing when the command that was given last has the same purpose and is still to be done: it is pressed
   /// again because nothing has happened yet. Else that command is to be done as long as the result lives.
-  [[nodiscard]] std::shared_ptr<const QString> begin(const QString& purpose);
+  using Given = std::shared_ptr<const QString>;
+  [[nodiscard]] Given begin(const QString& purpose);
   void giveOnce(const QString& purpose, CommandGate::Command command);
   /// Posts the command unless it is posted already.
   void keepUpToDate(bool& isPosted, Command command);
@@ -128,6 +129,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   struct TypedBatch;
   void take(const std::shared_ptr<TypedBatch>& batch);
   void takeNext(TypedBatch& batch);
+  /// Has `item` done in its turn; `texts` is what it takes, and without any it is nothing.
+  void add(const Given& given, const QStringList& texts, const PacedIntake::Item& item);
   void tellTooMuch();
   void queueFiles(const QStringList& urls);
   void tellRefused(const QStringList& lines);
