@@ -9,10 +9,13 @@
 #include <QString>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
+
+class UrlQueue;
 
 /// Why a text that makes no URL is not taken.
 [[nodiscard]] inline QString InvalidURLReason() {
@@ -26,6 +29,7 @@ struct DownloadProgress {
   std::uint64_t received = 0;
   std::int64_t expected = -1;
   QString text = {};  ///< the URL as it was given, credentials included
+  QString page = {};  ///< URL of the page that it was found on; null: none
 };
 
 class ControllerObserver {
@@ -39,11 +43,15 @@ class ControllerObserver {
   virtual void urlWasRefused(const QString& /*text*/) {}
   /// There was no connection, and the URL is lost.
   virtual void urlWasLost(const QString& /*url*/) {}
-  /// These four come before the controller does what it does then.
+  /// The user has taken these out of the queue. Never without any.
+  virtual void urlsWereDiscarded(const std::shared_ptr<const UrlQueue>& /*urls*/) {}
+  /// These five come before the controller does what it does then.
   virtual void downloadBegan(const DownloadProgress& /*progress*/) {}
   virtual void downloadReceived(const DownloadProgress& /*progress*/) {}
   virtual void downloadFinished(const DownloadProgress& /*progress*/) {}
   virtual void downloadFailed(const DownloadProgress& /*progress*/, const QString& /*reason*/) {}
+  /// The user has given it up.
+  virtual void downloadCancelled(const DownloadProgress& /*progress*/) {}
   /// A download has begun, ended or been cancelled, and the controller has done what it does then.
   virtual void controllerMovedOn() {}
 };

@@ -43,7 +43,7 @@ void MyAppController::downloadFile(const QString& url, const QString& page) {
   ++startedCount_;
   fileWebDownload_ = host_.downloads->startDownload(requestFor(*target, page), *this);
   inFlight_.push_back(
-      {fileWebDownload_, {.url = target->stringWithoutCredentials(), .path = {}, .text = url}});
+      {fileWebDownload_, {.url = target->stringWithoutCredentials(), .path = {}, .text = url, .page = page}});
   expectNextURLs();
 }
 
@@ -74,7 +74,8 @@ MyAppController::InFlight MyAppController::takeInFlight(const platform::WebDownl
 void MyAppController::cancelDownloadFile() {
   if (fileWebDownload_) {
     fileWebDownload_->cancel();
-    takeInFlight(*fileWebDownload_);
+    const InFlight cancelled = takeInFlight(*fileWebDownload_);
+    if (cancelled.download) tell(&ControllerObserver::downloadCancelled, cancelled.progress);
   }
   hideProgressArea();
   setDownloading(false);

@@ -16,11 +16,13 @@ Desktop::Desktop(const DesktopServices& services)
       window_(*this),
       application_(window_, gate_),
       host_(services.makeHost(application_)),
+      preferences_(*host_.userDefaults),
       notice_(noticeServices()),
       outcomes_(pacer_, window_, host_.localizedText),
       pacedIntake_(gate_),
-      pageLoader_(*host_.pageLoader, *host_.log, gate_),
-      readStreams_(*host_.readStreams, gate_),
+      workLine_(pacer_, window_),
+      pageLoader_(*host_.pageLoader, *host_.log, gate_, workLine_),
+      readStreams_(*host_.readStreams, gate_, workLine_, [this] { rememberUnwantedFile(); }),
       scripts_(host_.scripts, gate_),
       aggregation_(host_.aggregation, gate_),
       importWindow_(&window_),
@@ -30,7 +32,10 @@ Desktop::Desktop(const DesktopServices& services)
       preferencesOutlet_(preferencesWindow_, gate_),
       downloadDestinationTextField_(pacer_, *window_.ui().downloadDestinationTextField),
       countTextField_(pacer_, *window_.ui().countTextField,
-                      [this] { outcomes_.showWaiting(controller_.numberOfRows()); }),
+                      [this] {
+                        outcomes_.showWaiting(controller_.numberOfRows());
+                        followState();
+                      }),
       spinner_(pacer_, *window_.ui().spinner),
       fileDownloadProgressBar_(pacer_, *window_.ui().fileDownloadProgressBar),
       fileDownloadProgressText_(pacer_, *window_.ui().fileDownloadProgressText),
@@ -39,12 +44,19 @@ Desktop::Desktop(const DesktopServices& services)
       fileDownloadCancelButton_(pacer_, *window_.ui().fileDownloadCancelButton, *window_.ui().fileTable,
                                 window_.ui().actionCancelDownload),
       deleteButton_(pacer_, *window_.ui().deleteButton, *window_.ui().fileTable, window_.ui().actionDelete),
-      stopButton_(pacer_, *window_.ui().stopButton, *window_.ui().fileTable),
+      stopButton_(pacer_, *window_.ui().stopButton, *window_.ui().fileTable, window_.ui().actionStop),
+      startNextButton_(pacer_, *window_.ui().tryAgainButton, *window_.ui().fileTable,
+                       window_.ui().actionTryAgain),
+      holdButton_(pacer_, *window_.ui().holdButton, *window_.ui().fileTable, window_.ui().actionHold),
       openOutputFolderButton_(pacer_, *window_.ui().openOutputFolderButton, *window_.ui().fileTable),
       fileTable_(pacer_, *window_.ui().fileTable, [this] { controller_.tableViewSelectionDidChange(); }),
       controller_(outlets(), waitingHost()) {
   gate_.whenDownloadsAreHeld(services_.holdDownloads);
   gate_.waitWhile([this] { return controller_.isBeginning(); });
+  gate_.afterEach([this] {
+    takeOutUnwantedFile();
+    followState();
+  });
   fileTable_.setDataSource(controller_);
   connectCommands();
   window_.resize(window_.size().boundedTo(RoomOnScreen(window_)));
@@ -141,6 +153,7 @@ void Desktop::give(CommandGate::Command command) {
 void Desktop::giveOnce(const QString& purpose, CommandGate::Command command) {
   const Given given = begin(purpose);
   if (given && !gate_.post([given, command = std::move(command)] { command(); })) application_.beep();
+  followState();
 }
 
 Desktop::Given Desktop::begin(const QString& purpose) {
@@ -171,8 +184,12 @@ void Desktop::connectCommands() {
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
   bind(ui.actionDelete, ui.deleteButton,
        [this] { give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); }); });
-  bind(ui.actionClear, nullptr, [this] { giveToAll(&Controller::clearQueue); });
-  bind(ui.actionStop, ui.stopButton, [this] { giveToAll(&Controller::stop); });
+  bind(ui.actionUndo, nullptr, [this] { give([this] { undo(); }); });
+  bind(ui.actionHold, ui.holdButton, [this] { toggleHold(); });
+  bind(ui.actionClear, nullptr,
+       [this] { giveToAll(&Controller::clearQueue, StatusWindow::tr("&Undo Clear")); });
+  bind(ui.actionStop, ui.stopButton,
+       [this] { giveToAll(&Controller::stop, StatusWindow::tr("&Undo Stop")); });
   QObject::connect(&importWindow_, &ImportWindow::importRequested, &window_, [this] {
     addedBeforeImport_ = pacedIntake_.addedCount();
     if (!importWindow_.urlTextField().text().isEmpty()) clipboard_.forget();
@@ -198,34 +215,6 @@ void Desktop::connectCommands() {
                      if (state != Qt::ApplicationActive) return;
                      keepUpToDate(isBecomingActive_, &Controller::applicationWillBecomeActive);
                    });
-}
-
-// What was asked for before is emptied out with the queue, also where it has not come that far.
-void Desktop::giveToAll(Command command) {
-  clipboard_.forget();
-  give([this, command, count = pacedIntake_.addedCount()] {
-    pacedIntake_.dropFirst(count);
-    (controller_.*command)();
-  });
-}
-
-void Desktop::importPage() {
-  if (!importOutlet_.stringValue().isEmpty()) pacedIntake_.dropFirst(addedBeforeImport_);
-  controller_.importURL(importOutlet_);
-}
-
-// Given with nothing selected it means all of them, also when something is selected by now.
-void Desktop::deleteEntries(const Entries& entries) {
-  if (!entries.empty() && !fileTable_.isAnyQueued(entries)) return;
-  fileTable_.runFor(entries, [this] { controller_.deleteButtonClicked(); });
-}
-
-void Desktop::tryAgain(const Entries& head) {
-  if (head.empty() || fileTable_.isAnyQueued(head)) controller_.tryAgain();
-}
-
-void Desktop::cancelDownload(int download) {
-  if (download == controller_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
 }
 
 void Desktop::chooseDestination() {

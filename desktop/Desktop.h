@@ -11,8 +11,10 @@
 
 #include <QString>
 #include <array>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
@@ -34,6 +36,7 @@
 #include "desktop/Waiting.h"
 #include "desktop/WaitingScripts.h"
 #include "desktop/WidgetOutlets.h"
+#include "desktop/WorkLine.h"
 
 namespace quillforth::desktop {
 
@@ -45,6 +48,8 @@ struct DesktopServices {
   std::function<void(bool isHeld)> holdDownloads;
   /// Makes blocking transfers give up: the program ends.
   std::function<void()> interrupt;
+  /// Holds just the ends of downloads back, or tells them.
+  std::function<void(bool isHeld)> holdEnds;
   QString settingsFile;            ///< absolute path
   std::function<bool()> isStored;  ///< whether all that was set is in that file
   /// May be called from any thread. Null: it cannot be switched.
@@ -90,7 +95,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void drop(const QMimeData& data) override;
   void windowDidBecomeKey() override;
   bool windowShouldClose() override;
-  void controllerMovedOn() override { gate_.goOn(); }
+  void controllerMovedOn() override;
+  void urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) override;
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
   void pageDidNotLoad(const QString& url, const QString& reason) override;
   void urlWasLost(const QString& /*url*/) override { wasURLLost_ = true; }
@@ -112,10 +118,20 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   /// Posts the command unless it is posted already.
   void keepUpToDate(bool& isPosted, Command command);
   /// For one that empties the queue.
-  void giveToAll(Command command);
+  void giveToAll(Command command, const QString& undoText);
+  /// A step of this text brings back what the command throws away.
+  void doUndoably(const QString& undoText, const std::function<void()>& command);
+  void undo();
+  void toggleHold();
+  void setHeld(bool isHeld);
+  /// Which commands for the queue there are at the moment.
+  void followState();
   void importPage();
   void deleteEntries(const Entries& entries);
   void tryAgain(const Entries& head);
+  [[nodiscard]] std::uint64_t nextIdentifier() const;
+  void rememberUnwantedFile() { beforeUnwantedFile_ = {controller_.startedCount(), nextIdentifier()}; }
+  void takeOutUnwantedFile();
   /// `download`: by how many had been started.
   void cancelDownload(int download);
   void chooseDestination();
@@ -158,9 +174,11 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   StatusWindow window_;
   DesktopApplication application_;
   app::Host host_;
+  app::Preferences preferences_;
   CompletionNotice notice_;
   Outcomes outcomes_;
   PacedIntake pacedIntake_;
+  WorkLine workLine_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   WaitingScriptHost scripts_;
@@ -179,6 +197,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   ButtonOutlet fileDownloadCancelButton_;
   ButtonOutlet deleteButton_;
   ButtonOutlet stopButton_;
+  ButtonOutlet startNextButton_;
+  ButtonOutlet holdButton_;
   ButtonOutlet openOutputFolderButton_;
   TableOutlet fileTable_;
   app::MyAppController controller_;
@@ -189,6 +209,19 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   int shownDownload_ = 0;                // by how many had been started
   int pressedDownload_ = 0;              // the one that was shown when the button to cancel it went down
   bool wasURLLost_ = false;              // since it was set to false
+  struct UndoStep {
+    QString text;  ///< of its menu entry
+    std::shared_ptr<const app::UrlQueue> urls;
+  };
+  std::deque<UndoStep> undoSteps_;
+  QString undoText_;  // of the command that runs; null: it cannot be undone
+  bool isHeld_ = false;
+  /// What there was before a cancelled question makes a file of its URL.
+  struct BeforeFile {
+    int startedCount;
+    std::uint64_t nextIdentifier;
+  };
+  std::optional<BeforeFile> beforeUnwantedFile_;
   bool isBecomingKey_ = false;
   bool isBecomingActive_ = false;
 };

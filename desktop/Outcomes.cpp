@@ -17,6 +17,7 @@
 
 #include "desktop/QueueTable.h"
 #include "desktop/ShownText.h"
+#include "platform/LocalizedStrings.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -141,11 +142,23 @@ void Outcomes::downloadFinished(const app::DownloadProgress& progress) {
 }
 
 void Outcomes::downloadFailed(const app::DownloadProgress& progress, const QString& reason) {
-  addFailure(Outcome::Kind::file, progress.text, reason);
+  addFailure(Outcome::Kind::file, progress.text, reason, progress.page);
 }
 
-void Outcomes::addFailure(Outcome::Kind kind, const QString& url, const QString& reason) {
-  failed_.append({.kind = kind, .url = url.toUtf8(), .detail = Shared(reason_, localizedText_(reason))});
+void Outcomes::downloadCancelled(const app::DownloadProgress& progress) {
+  addFailure(Outcome::Kind::file, progress.text, LOCALIZED("It was cancelled."), progress.page);
+}
+
+void Outcomes::addCancelled(const QString& url) {
+  addFailure(Outcome::Kind::file, url, LOCALIZED("It was cancelled."));
+}
+
+void Outcomes::addFailure(Outcome::Kind kind, const QString& url, const QString& reason,
+                          const QString& page) {
+  failed_.append({.kind = kind,
+                  .url = url.toUtf8(),
+                  .detail = Shared(reason_, localizedText_(reason)),
+                  .page = Shared(page_, page)});
 }
 
 // Files that have arrived may have been sorted.

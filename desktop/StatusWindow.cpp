@@ -30,6 +30,7 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   ui_->setupUi(this);
   ui_->actionAddURLs->setShortcut(QKeySequence::New);
   ui_->actionQuit->setShortcut(QKeySequence::Quit);
+  ui_->actionUndo->setShortcut(QKeySequence::Undo);
   ui_->actionPaste->setShortcut(QKeySequence::Paste);
   ui_->actionCopy->setShortcut(QKeySequence::Copy);
   ui_->actionDelete->setShortcut(QKeySequence::Delete);

@@ -319,6 +319,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
   Desktop desktop({.makeHost = makeHost,
                    .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
                    .interrupt = &platform::Interruption::request,
+                   .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
                    .settingsFile = services.userDefaults().fileName(),
                    .isStored = [&] { return services.userDefaults().isStored(); },
                    .accessibility = std::make_shared<platform::LinuxSessionAccessibility>()});

@@ -334,6 +334,10 @@
         <source>This is not a valid URL.</source>
         <translation>Das ist keine gültige URL.</translation>
     </message>
+    <message>
+        <source>It was cancelled.</source>
+        <translation>Es wurde abgebrochen.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -552,14 +556,6 @@
         <translation>Mit der nächsten URL der Warteschlange weitermachen</translation>
     </message>
     <message>
-        <source>&amp;Stop</source>
-        <translation>&amp;Anhalten</translation>
-    </message>
-    <message>
-        <source>Stop after the file that is being downloaded</source>
-        <translation>Nach der Datei anhalten, die gerade heruntergeladen wird</translation>
-    </message>
-    <message>
         <source>&amp;Delete</source>
         <translation>Lös&amp;chen</translation>
     </message>
@@ -664,14 +660,6 @@
         <translation>E&amp;instellungen&#xa0;…</translation>
     </message>
     <message>
-        <source>&amp;Clear</source>
-        <translation>&amp;Leeren</translation>
-    </message>
-    <message>
-        <source>Take all URLs out of the queue</source>
-        <translation>Alle URLs aus der Warteschlange nehmen</translation>
-    </message>
-    <message>
         <source>Cancel D&amp;ownload</source>
         <translation>&amp;Download abbrechen</translation>
     </message>
@@ -770,6 +758,58 @@
     <message>
         <source>Add &amp;URLs…</source>
         <translation>&amp;URLs eingeben&#xa0;…</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Start nothing more after the file that is being downloaded, and keep the queue</source>
+        <translation>Nach der laufenden Datei nichts mehr beginnen und die Warteschlange behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Clear</source>
+        <translation>&amp;Stoppen und leeren</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded, and throw the rest of the queue away</source>
+        <translation>Nach der laufenden Datei aufhören und den Rest der Warteschlange verwerfen</translation>
+    </message>
+    <message>
+        <source>What the program waits for, and how it stands</source>
+        <translation>Worauf das Programm wartet, und wie es steht</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Give up just the page that is loaded, or the question what a URL is</source>
+        <translation>Nur das Laden der Seite oder die Frage, was eine URL ist, abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>Bring back what the last command has thrown away, at the end of the queue</source>
+        <translation>Was der letzte Befehl verworfen hat, ans Ende der Warteschlange zurückholen</translation>
+    </message>
+    <message>
+        <source>C&amp;lear Queue</source>
+        <translation>Warteschlange &amp;leeren</translation>
+    </message>
+    <message>
+        <source>Throw all URLs of the queue away</source>
+        <translation>Alle URLs der Warteschlange verwerfen</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Cancel Loadin&amp;g</source>
+        <translation>Laden a&amp;bbrechen</translation>
     </message>
 </context>
 <context>
@@ -884,6 +924,10 @@
     <message>
         <source>Reason</source>
         <translation>Grund</translation>
+    </message>
+    <message>
+        <source>Found On</source>
+        <translation>Gefunden auf</translation>
     </message>
 </context>
 <context>
@@ -1053,6 +1097,57 @@
     <message>
         <source>The page has no links.</source>
         <translation>Die Seite hat keine Links.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clear</source>
+        <translation>Leeren &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Stop</source>
+        <translation>Stoppen &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Import</source>
+        <translation>Import &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Delete</source>
+        <translation>Löschen &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>&amp;Fortsetzen</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Contin&amp;ue</source>
+        <translation>&amp;Weiter</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>On hold: nothing more is started until you press Continue.</source>
+        <translation>Angehalten: Bis Sie auf „Weiter“ klicken, beginnt nichts mehr.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::WorkLine</name>
+    <message>
+        <source>Loading %1</source>
+        <translation>Lädt %1</translation>
+    </message>
+    <message>
+        <source>Asking %1 what it is</source>
+        <translation>Fragt %1, was es ist</translation>
     </message>
 </context>
 </TS>

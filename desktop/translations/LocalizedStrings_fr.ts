@@ -334,6 +334,10 @@
         <source>This is not a valid URL.</source>
         <translation>Ce n’est pas une URL valide.</translation>
     </message>
+    <message>
+        <source>It was cancelled.</source>
+        <translation>Cela a été annulé.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -552,14 +556,6 @@
         <translation>Continuer avec l’URL suivante de la file d’attente</translation>
     </message>
     <message>
-        <source>&amp;Stop</source>
-        <translation>Arrê&amp;ter</translation>
-    </message>
-    <message>
-        <source>Stop after the file that is being downloaded</source>
-        <translation>S’arrêter après le fichier en cours de téléchargement</translation>
-    </message>
-    <message>
         <source>&amp;Delete</source>
         <translation>&amp;Supprimer</translation>
     </message>
@@ -664,14 +660,6 @@
         <translation>&amp;Préférences…</translation>
     </message>
     <message>
-        <source>&amp;Clear</source>
-        <translation>&amp;Vider</translation>
-    </message>
-    <message>
-        <source>Take all URLs out of the queue</source>
-        <translation>Retirer toutes les URL de la file d’attente</translation>
-    </message>
-    <message>
         <source>Cancel D&amp;ownload</source>
         <translation>Annuler le télé&amp;chargement</translation>
     </message>
@@ -729,7 +717,7 @@
     </message>
     <message>
         <source>Queue A&amp;gain</source>
-        <translation>Re&amp;prendre</translation>
+        <translation>Relan&amp;cer</translation>
     </message>
     <message>
         <source>Queue the selected URLs again, or all of them when none is selected</source>
@@ -745,7 +733,7 @@
     </message>
     <message>
         <source>&amp;Queue Again</source>
-        <translation>&amp;Reprendre</translation>
+        <translation>&amp;Relancer</translation>
     </message>
     <message>
         <source>&amp;Open</source>
@@ -770,6 +758,58 @@
     <message>
         <source>Add &amp;URLs…</source>
         <translation>A&amp;jouter des URL…</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Start nothing more after the file that is being downloaded, and keep the queue</source>
+        <translation>Ne plus rien commencer après le fichier en cours, et garder la file</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Clear</source>
+        <translation>Arrê&amp;ter et vider</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded, and throw the rest of the queue away</source>
+        <translation>S’arrêter après le fichier en cours et jeter le reste de la file</translation>
+    </message>
+    <message>
+        <source>What the program waits for, and how it stands</source>
+        <translation>Ce que le programme attend, et où il en est</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Give up just the page that is loaded, or the question what a URL is</source>
+        <translation>Abandonner seulement la page en chargement, ou la question de ce qu’est une URL</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>Bring back what the last command has thrown away, at the end of the queue</source>
+        <translation>Remettre à la fin de la file ce que la dernière commande a jeté</translation>
+    </message>
+    <message>
+        <source>C&amp;lear Queue</source>
+        <translation>&amp;Vider la file</translation>
+    </message>
+    <message>
+        <source>Throw all URLs of the queue away</source>
+        <translation>Jeter toutes les URL de la file</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Cancel Loadin&amp;g</source>
+        <translation>Annuler le char&amp;gement</translation>
     </message>
 </context>
 <context>
@@ -884,6 +924,10 @@
     <message>
         <source>Reason</source>
         <translation>Raison</translation>
+    </message>
+    <message>
+        <source>Found On</source>
+        <translation>Trouvée sur</translation>
     </message>
 </context>
 <context>
@@ -1053,6 +1097,57 @@
     <message>
         <source>The page has no links.</source>
         <translation>La page n’a pas de liens.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clear</source>
+        <translation>A&amp;nnuler le vidage</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Stop</source>
+        <translation>A&amp;nnuler l’arrêt</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Import</source>
+        <translation>A&amp;nnuler l’importation</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Delete</source>
+        <translation>A&amp;nnuler la suppression</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>Re&amp;prendre</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Contin&amp;ue</source>
+        <translation>Re&amp;prendre</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>On hold: nothing more is started until you press Continue.</source>
+        <translation>En attente : rien ne commence plus avant « Reprendre ».</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::WorkLine</name>
+    <message>
+        <source>Loading %1</source>
+        <translation>Chargement de %1</translation>
+    </message>
+    <message>
+        <source>Asking %1 what it is</source>
+        <translation>Question à %1 : page ou fichier ?</translation>
     </message>
 </context>
 </TS>

@@ -191,6 +191,20 @@ TEST_F(CommandsTest, AnAlertOfTheControllerHoldsUpEverything) {
   }));
 }
 
+TEST_F(CommandsTest, UndoBringsBackInOrderAndHoldKeepsAllWhileAFileEnds) {
+  beginGatedDownload();
+  fillQueue();
+  for (const char* command : {"actionDelete", "actionStop", "actionUndo", "actionUndo"}) trigger(command);
+  ASSERT_TRUE(comesTo("120|n"));
+  trigger("actionHold");
+  mayAnswer_ = true;
+  EXPECT_TRUE(RunLoopUntil([] { return files() == u"gated.bin"; }));
+  ASSERT_TRUE(drop("/slow9"));
+  EXPECT_TRUE(comesTo("1209|n"));
+  trigger("actionHold");
+  EXPECT_TRUE(comesTo("209|1"));
+}
+
 TEST_F(CommandsTest, ADoubleClickIsOneCommand) {
   beginGatedDownload();
   fillQueue();

@@ -5,6 +5,7 @@
 #include <sys/xattr.h>
 
 #include <QElapsedTimer>
+#include <QTableView>
 
 #include "tests/desktop/DesktopFixture.h"
 
@@ -74,6 +75,28 @@ TEST_F(WaitingTest, TheWindowLivesWhileAServerIsAsked) {
   ASSERT_TRUE(waitForText("fileDownloadProgressText", "Done!"));
   EXPECT_TRUE(server_.requests().front().starts_with("HEAD "));
   EXPECT_EQ(files(), QStringLiteral("gated"));
+}
+
+// With nothing to do, with a file that waits, and with one that is in transfer.
+TEST_F(WaitingTest, OnlyWhatIsWaitedForIsCancelledAndItsFileIsTakenOutAgain) {
+  auto& cancel = find<QAction>("actionCancelWait");
+  const auto& failed = *find<QTableView>("failedTable").model();
+  QObject::connect(&cancel, &QAction::changed, [&cancel] { cancel.isEnabled() ? cancel.trigger() : void(); });
+  int failures = 0;
+  for (const char* other : {"", "/slow.bin", ""}) {
+    if (*other != 0) desktop_.controller().queueURL(QString::fromStdString(server_.url(other)));
+    for (const char* path : {"/gated", "/gated.html"}) {
+      ASSERT_TRUE(drop(path));
+      ++failures;
+      ASSERT_TRUE(RunLoopUntil([&] { return failed.rowCount() == failures && !desktop_.gate().isBusy(); }));
+      EXPECT_TRUE(failed.index(failures - 1, 0).data().toString().endsWith(QLatin1StringView(path)));
+      EXPECT_FALSE(cancel.isEnabled());
+      EXPECT_EQ(desktop_.controller().numberOfRows(), 0U);
+    }
+    EXPECT_EQ(desktop_.controller().isDownloading(), failures > 2) << "the file that waited goes on";
+  }
+  EXPECT_EQ(find<QLabel>("outcomeLabel").text(), QStringLiteral("0 done, 6 failed"));
+  EXPECT_FALSE(files().contains(QStringLiteral("gated")));
 }
 
 TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {
