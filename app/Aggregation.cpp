@@ -4,8 +4,8 @@
 
 #include "app/Aggregation.h"
 
+#include "app/LocalizedText.h"
 #include "app/MyAppController.h"
-#include "app/TextOrNull.h"
 #include "fileops/FolderItems.h"
 #include "platform/LocalizedStrings.h"
 

@@ -6,7 +6,7 @@
 // sent the event learns no more than that it came.
 
 #include "app/MyAppController.h"
-#include "app/URLInFile.h"
+#include "app/Pasteboard.h"
 #include "appleevents/AppleEventManager.h"
 #include "appleevents/FSRefTable.h"
 #include "classify/NSStringExtensions.h"

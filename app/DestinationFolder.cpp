@@ -4,7 +4,9 @@
 
 #include <QDir>
 
-#include "fileops/SupportFolder.h"
+#include "app/LocalizedText.h"
+#include "app/MyAppController.h"
+#include "fileops/FolderItems.h"
 #include "net/UTF8.h"
 #include "platform/LocalizedStrings.h"
 
@@ -81,6 +83,36 @@ QString DestinationFolder::localizedString(const QString& key) {
   auto found = localizedStrings_.find(key);
   if (found == localizedStrings_.end()) found = localizedStrings_.insert(key, host_.localizedText(key));
   return *found;
+}
+
+void MyAppController::selectDestinationDirectory() {
+  const QString path = destination_.chooseAndStoreDestinationFolder(kDestinationDirectoryKey);
+  if (path.isNull()) return;
+  outlets_.downloadDestinationTextField.setStringValue(path);
+  setOutputFolderButtonToolTip();
+}
+
+void MyAppController::openDestinationDirectory() {
+  QString path = destination_.currentDestinationPath();
+  if (path.isNull()) {
+    const std::optional<platform::FileReference> folder = destination_.storedDestinationFolder();
+    if (folder) path = FolderPath(*folder, kLongestUsedPath);
+  }
+  if (!path.isNull()) host_.application->openFile(path);
+}
+
+void MyAppController::setDownloadDestinationTextFieldValue() {
+  TextField& field = outlets_.downloadDestinationTextField;
+  field.setStringValue(QStringLiteral(""));
+  const std::optional<platform::FileReference> folder = destination_.storedDestinationFolder();
+  const QString path = folder ? FolderPath(*folder, kLongestShownPath) : QString();
+  if (!path.isNull()) field.setStringValue(path);
+}
+
+void MyAppController::setOutputFolderButtonToolTip() {
+  const QString& path = destination_.decidedDestinationPath();
+  outlets_.openOutputFolderButton.setToolTip(
+      LocalizedFormat(host_.localizedText, LOCALIZED("Go to \"%@\""), {TextOrNull(path)}));
 }
 
 }  // namespace quillforth::app

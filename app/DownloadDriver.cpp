@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/LocalizedText.h"
 #include "app/MyAppController.h"
 #include "app/ProgressText.h"
-#include "app/TextOrNull.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {

@@ -26,4 +26,10 @@ using LocalizedText = std::function<QString(const QString& key)>;
 [[nodiscard]] QString LocalizedFormat(const LocalizedText& localizedText, const QString& format,
                                       std::initializer_list<QString> arguments);
 
+/// How a text that may be missing reads in a log line, a tool tip or the progress line: "(null)" for a null
+/// text, every other one as it is. An empty text is not null.
+[[nodiscard]] inline QString TextOrNull(const QString& text) {
+  return text.isNull() ? QStringLiteral("(null)") : text;
+}
+
 }  // namespace quillforth::app

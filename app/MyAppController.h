@@ -17,7 +17,6 @@
 #include "app/Outlets.h"
 #include "app/Pasteboard.h"
 #include "app/Preferences.h"
-#include "app/ServicesProvider.h"
 #include "app/UrlQueue.h"
 #include "classify/ExtensionMap.h"
 #include "platform/Sound.h"
@@ -99,7 +98,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void downloadDidFailWithError(platform::WebDownload& download,
                                 const platform::DownloadError& error) override;
 
-  // URL intake (Intake.cpp, BrowserIntake.cpp).
+  // URL intake (Intake.cpp).
   /// Replaces the queue with the links of the page that stands in the import field, and orders `sender` out.
   /// An empty field only does the latter.
   void importURL(Window& sender);
@@ -126,7 +125,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void downloadURLUserDataError(const Pasteboard& pasteboard, const QString& userData,
                                 QString* error) override;
 
-  // Destination folder (Destination.cpp).
+  // Destination folder (DestinationFolder.cpp).
   void selectDestinationDirectory();
   void openDestinationDirectory();
   void setDownloadDestinationTextFieldValue();

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// What a drag, the clipboard or another program offers, as the texts of a few types.
+// What comes from elsewhere: what a drag, the clipboard or another program offers, as the texts of a few
+// types, and files that hold a URL.
 //
-// A front end makes one of its toolkit's data, so that the controller knows no widget. Main thread.
+// A front end makes a pasteboard of its toolkit's data, so that the controller knows no widget. Main thread.
 #pragma once
 
 #include <QString>
 #include <QStringList>
+#include <optional>
+
+#include "common/FileReference.h"
+#include "platform/ResourceFork.h"
 
 namespace quillforth::app {
 
@@ -30,5 +35,21 @@ class Pasteboard {
 
 /// What the source of a drag may do with what it drags.
 enum class DragOperation { none, every };
+
+/// What other programs can ask for through the Services menu. All that an application knows of the
+/// controller.
+class ServicesProvider {
+ public:
+  virtual ~ServicesProvider() = default;
+  /// Takes the pasteboard's string as a page or a file. Never fails: `error`, where it is not null, becomes
+  /// null text, also when there is no string and nothing is done.
+  virtual void downloadURLUserDataError(const Pasteboard& pasteboard, const QString& userData,
+                                        QString* error) = 0;
+};
+
+/// The URL in a file, as an open-documents event takes it: the file's first 'url ' resource, up to its first
+/// NUL byte; nothing when it is empty or not UTF-8, and for every other file.
+[[nodiscard]] std::optional<QString> URLInFile(const platform::FileReference& file,
+                                               platform::ResourceManager& resources);
 
 }  // namespace quillforth::app

@@ -7,7 +7,7 @@
 #include <limits>
 #include <string>
 
-#include "app/TextOrNull.h"
+#include "app/LocalizedText.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {

@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "appleevents/AppleEvents.h"
-#include "common/FourCharCode.h"
 #include "common/OwnerThread.h"
 #include "common/Status.h"
 

@@ -6,7 +6,7 @@
 #include <QtEndian>
 #include <array>
 
-#include "net/FileURL.h"
+#include "net/URL.h"
 
 namespace quillforth::platform {
 

@@ -3,7 +3,7 @@
 // Paths in the form that Apple events carry: "Volume:folder:name".
 //
 // The one volume is called "Linux" and is the root folder. Between its colons every name stands as lossless
-// text (LosslessText.h), with "/" for the ":" that it may hold; a name cannot hold "/". An empty component
+// text, with "/" for the ":" that it may hold; a name cannot hold "/". An empty component
 // goes up one folder, as ".." does; "." has no component. So every path comes back as it was, except that
 // doubled and trailing "/" and "/." are gone. Pure; any thread.
 #pragma once
@@ -12,8 +12,18 @@
 #include <QStringView>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillforth::platform {
+
+/// Bytes that should be UTF-8 as UTF-16 text, without loss.
+///
+/// File names and other programs' attributes are bytes, of any encoding or none. Valid UTF-8 becomes its
+/// text. Every other byte b (0x80 to 0xFF) becomes the lone surrogate U+DC00 + b, which valid UTF-8 never
+/// gives. Never null. A byte-order mark stays, and so do NUL bytes.
+[[nodiscard]] QString LosslessText(std::string_view bytes);
+/// The bytes that `text` stands for; nothing when a surrogate without partner stands for no byte.
+[[nodiscard]] std::optional<std::string> BytesOfLosslessText(QStringView text);
 
 struct HFSPathTarget {
   std::string path;  ///< absolute

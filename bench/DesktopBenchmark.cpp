@@ -25,7 +25,7 @@
 #include <string_view>
 
 #include "desktop/Desktop.h"
-#include "host/AssumedNetwork.h"
+#include "host/HeadlessHost.h"
 #include "host/LinuxHost.h"
 
 namespace {

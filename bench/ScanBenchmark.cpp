@@ -9,7 +9,6 @@
 
 #include "bench/Pages.h"
 #include "linkextract/PageLinks.h"
-#include "linkextract/ScanPage.h"
 
 namespace quillforth::bench {
 namespace {

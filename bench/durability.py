@@ -27,7 +27,7 @@ import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-CLI = os.environ.get("CLI", ROOT + "/build/release/terminal/quillforth-cli")
+CLI = os.environ.get("CLI", ROOT + "/build/release/bin/quillforth-cli")
 POINTS = int(os.environ.get("POINTS", "20"))
 FILES = int(os.environ.get("FILES", "600"))
 KIND = os.environ.get("FILESYSTEM", "ext4")

@@ -25,8 +25,8 @@ install_missing "${build_packages[@]}" "${bench_packages[@]}"
 cd "$root"
 cmake --preset bench > /dev/null
 cmake --build --preset bench --target quillforth-cli links_benchmark aggregate_benchmark desktop_benchmark > /dev/null
-cli=${CLI:-$root/build/bench/terminal/quillforth-cli}
-programs=$root/build/bench/bench
+cli=${CLI:-$root/build/bench/bin/quillforth-cli}
+programs=$root/build/bench/bin
 # shellcheck source=bench/peers.sh
 . "$root/bench/peers.sh"
 

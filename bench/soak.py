@@ -29,7 +29,7 @@ import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-CLI = os.environ.get("CLI", ROOT + "/build/release/terminal/quillforth-cli")
+CLI = os.environ.get("CLI", ROOT + "/build/release/bin/quillforth-cli")
 REQUESTS = int(os.environ.get("REQUESTS", "5000"))
 SEED = int(os.environ.get("SEED", str(int(time.time()))))
 LONGEST_RUN = 120  # seconds

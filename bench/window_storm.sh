@@ -19,7 +19,7 @@ if [[ -z ${STORM_HOME:-} ]]; then
   for tool in Xvfb openbox dbus-run-session awk; do
     type "$tool" > /dev/null 2>&1 || { echo "$tool is missing" >&2; exit 2; }
   done
-  program=${PROGRAM:-$here/../build/bench/bench/window_storm}
+  program=${PROGRAM:-$here/../build/bench/bin/window_storm}
   [[ -x $program ]] || { echo "No $program; build the bench preset, or set PROGRAM." >&2; exit 2; }
   home=$(mktemp -d "${TMPDIR:-/tmp}/quillforth-storm.XXXXXX")
   mkdir -m 700 "$home/tmp" "$home/run"

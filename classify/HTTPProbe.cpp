@@ -13,8 +13,6 @@ namespace quillforth::classify {
 using platform::HTTPReadStream;
 using platform::StreamEvent;
 
-namespace {}  // namespace
-
 CHTTPProbe::CHTTPProbe(std::int32_t timeoutSeconds, bool waitForCompletion,
                        platform::HTTPReadStreamFactory& streams)
     : timeout_(timeoutSeconds), waitForCompletion_(waitForCompletion), streams_(streams) {}

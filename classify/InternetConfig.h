@@ -8,7 +8,6 @@
 #include <cstdint>
 
 #include "classify/ExtensionMap.h"
-#include "common/FourCharCode.h"
 #include "common/Status.h"
 #include "platform/InternetConfigComponent.h"
 #include "platform/MainBundle.h"

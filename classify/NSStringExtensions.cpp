@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "common/BoundedText.h"
-#include "net/FileURL.h"
+#include "net/URL.h"
 #include "net/UTF8.h"
 
 namespace quillforth::classify {
@@ -108,6 +108,22 @@ std::optional<QString> reverseExtractBetweenPatternAndPattern(QStringView text, 
   const std::size_t startMatch = FindLast(std::u16string_view(folded).substr(0, endMatch), Folded(start));
   if (startMatch == kNotFound) return std::nullopt;
   return Between(text, startMatch + static_cast<std::size_t>(start.size()), endMatch);
+}
+
+namespace {
+
+std::optional<QString> StringValue(const platform::AEDescriptor& descriptor) {
+  return UnicodeTextValue(CoerceDescriptor(descriptor, platform::descriptor_type::kUnicodeText).descriptor);
+}
+
+}  // namespace
+
+std::optional<QString> runScript(const QString& source, platform::ScriptHost& host) {
+  const std::optional<platform::AEDescriptor> result = host.compileAndRun(source);
+  if (!result) return std::nullopt;
+  if (result->type() != platform::descriptor_type::kList) return StringValue(*result);
+  const platform::AEDescriptor* item = result->items().empty() ? nullptr : result->descriptorAtIndex(0);
+  return item == nullptr ? std::nullopt : StringValue(*item);
 }
 
 }  // namespace quillforth::classify

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Small operations on the platform string: paths and file references, and the text between two markers.
+// Small operations on the platform string: paths and file references, the text between two markers, and the
+// string as a script.
 //
 // Nothing is ever reported: every failure gives nothing. Pure, except for the look at the file system; any
 // thread.
@@ -12,6 +13,7 @@
 #include <optional>
 
 #include "common/FileReference.h"
+#include "platform/ScriptHost.h"
 
 namespace quillforth::classify {
 
@@ -35,5 +37,11 @@ namespace quillforth::classify {
 [[nodiscard]] std::optional<QString> reverseExtractBetweenPatternAndPattern(QStringView text,
                                                                             QStringView start,
                                                                             QStringView end);
+
+/// The result of the script `source` as text. Nothing on every failure, and for a result without a text.
+///
+/// Of a list the item at 0 is taken. Items are counted from 1, so every list gives nothing; that is
+/// kept. Blocks while the script runs; any thread.
+[[nodiscard]] std::optional<QString> runScript(const QString& source, platform::ScriptHost& host);
 
 }  // namespace quillforth::classify

@@ -10,9 +10,9 @@
 
 #include "classify/HTTPProbe.h"
 #include "common/BoundedText.h"
+#include "net/HeaderText.h"
 #include "net/URL.h"
 #include "net/UTF8.h"
-#include "net/UserAgent.h"
 
 namespace quillforth::classify {
 

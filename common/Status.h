@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 //
-// Status values that services hand back and callers pass through unchanged.
+// Status values that services hand back and callers pass through unchanged, and four-character codes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace quillforth::common {
+
+/// Types, creators, event classes and IDs, first byte most significant.
+using FourCharCode = std::uint32_t;
+
+/// The code spelled by exactly four bytes: FourCC("aevt").
+[[nodiscard]] constexpr FourCharCode FourCC(const char (&text)[5]) noexcept {
+  FourCharCode code = 0;
+  for (std::size_t i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(text[i]);
+  return code;
+}
 
 /// 0 for success, else one of the negative codes below.
 using Status = std::int16_t;

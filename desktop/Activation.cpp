@@ -150,6 +150,14 @@ void ActivateWindow(QWidget& window) {
   window.activateWindow();
 }
 
+void BringForward(QWidget& window, const QString& activationToken) {
+  if (!activationToken.isEmpty()) RememberActivation(activationToken);
+  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+  window.show();
+  window.raise();
+  ActivateWindow(window);
+}
+
 // A window manager gives the keyboard to a window that is only restored. So this one is withdrawn
 // (Inter-Client Communication Conventions, section 4.1.4), and comes back as one that nobody has asked for:
 // "_NET_WM_USER_TIME" of the Extended Window Manager Hints is 0. It asks for its old place, or it would be

@@ -23,6 +23,10 @@ void RememberActivation(const QString& token);
 /// Activates a window that is shown.
 void ActivateWindow(QWidget& window);
 
+/// Shows a window, and brings it in front of those of other programs, by the leave that `activationToken`
+/// stands for. Without a token the desktop may only mark it.
+void BringForward(QWidget& window, const QString& activationToken);
+
 /// Shows a minimised window again, and leaves the keyboard where it is as far as the window system lets a
 /// program do this.
 void RestoreWithoutKeyboard(QWidget& window);

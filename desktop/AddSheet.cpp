@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "desktop/PastedURLs.h"
+#include "desktop/MimePasteboard.h"
 #include "desktop/ShownText.h"
 
 namespace quillforth::desktop {

@@ -12,8 +12,6 @@
 #include <QStyle>
 #include <QToolTip>
 
-#include "desktop/ApplicationID.h"
-
 namespace quillforth::desktop {
 
 namespace {

@@ -13,6 +13,9 @@
 
 namespace quillforth::desktop {
 
+/// The name by which the session knows the program: its desktop entry, its icon, and its name on the bus.
+inline constexpr const char* kApplicationID = "com.tessarysoftware.Quillforth";
+
 /// The desktop's icon of the program, else the embedded drawing; sharp in every size.
 [[nodiscard]] QIcon ProgramIcon();
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 
 namespace quillforth::desktop {
 

@@ -2,14 +2,125 @@
 
 #include "desktop/CompletionNotice.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QGuiApplication>
-#include <QWidget>
+#include <QVariantMap>
 #include <QWindow>
 #include <utility>
 
+#include "desktop/Appearance.h"
 #include "desktop/ShownText.h"
 
 namespace quillforth::desktop {
+
+namespace {
+
+QString Service() {
+  return QStringLiteral("org.freedesktop.Notifications");
+}
+
+QString Path() {
+  return QStringLiteral("/org/freedesktop/Notifications");
+}
+
+QDBusMessage MethodCall(const char* method) {
+  return QDBusMessage::createMethodCall(Service(), Path(), Service(), QString::fromLatin1(method));
+}
+
+QString Body(const NotificationText& text, const QStringList& capabilities) {
+  if (!capabilities.contains(u"body")) return {};
+  return capabilities.contains(u"body-markup") ? text.body.toHtmlEscaped() : text.body;
+}
+
+QVariantMap Hints(const NotificationText& text) {
+  return {{QStringLiteral("desktop-entry"), QString::fromLatin1(kApplicationID)},
+          {QStringLiteral("category"),
+           text.isFailure ? QStringLiteral("transfer.error") : QStringLiteral("transfer.complete")},
+          {QStringLiteral("suppress-sound"), true}};  // the program has its own
+}
+
+}  // namespace
+
+template <typename Handler>
+void DesktopNotification::call(const QDBusMessage& message, Handler handler) {
+  auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+  connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, handler = std::move(handler)] {
+    watcher->deleteLater();
+    handler(*watcher);
+  });
+}
+
+void DesktopNotification::show(const NotificationText& text) {
+  waiting_ = text;
+  isUnwanted_ = false;
+  if (!isBusy_) askCapabilities();
+}
+
+void DesktopNotification::close() {
+  waiting_.reset();
+  isUnwanted_ = isBusy_;
+  if (isBusy_ || shown_ == 0) return;
+  QDBusMessage message = MethodCall("CloseNotification");
+  message << std::exchange(shown_, 0U);
+  QDBusConnection::sessionBus().send(message);
+}
+
+void DesktopNotification::listen() {
+  if (std::exchange(isListening_, true)) return;
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bus.connect(Service(), Path(), Service(), QStringLiteral("ActionInvoked"), this,
+              SLOT(takeAction(uint, QString)));
+  bus.connect(Service(), Path(), Service(), QStringLiteral("ActivationToken"), this,
+              SLOT(takeActivationToken(uint, QString)));
+  bus.connect(Service(), Path(), Service(), QStringLiteral("NotificationClosed"), this,
+              SLOT(takeClosing(uint, uint)));
+}
+
+// Asked each time: another service may have taken over.
+void DesktopNotification::askCapabilities() {
+  isBusy_ = true;
+  listen();
+  const NotificationText text = *std::exchange(waiting_, std::nullopt);
+  call(MethodCall("GetCapabilities"), [this, text](const QDBusPendingReply<QStringList>& reply) {
+    if (reply.isError() || isUnwanted_) return finish();
+    notify(text, reply.value());
+  });
+}
+
+void DesktopNotification::notify(const NotificationText& text, const QStringList& capabilities) {
+  QStringList actions;
+  if (capabilities.contains(u"actions")) actions = {QStringLiteral("default"), tr("Show")};
+  constexpr int kServiceDecidesHowLong = -1;
+  QDBusMessage message = MethodCall("Notify");
+  message << QStringLiteral("Quillforth") << shown_ << QString::fromLatin1(kApplicationID) << text.summary
+          << Body(text, capabilities) << actions << Hints(text) << kServiceDecidesHowLong;
+  call(message, [this](const QDBusPendingReply<uint>& reply) {
+    shown_ = reply.isError() ? 0 : reply.value();
+    finish();
+  });
+}
+
+void DesktopNotification::finish() {
+  isBusy_ = false;
+  if (std::exchange(isUnwanted_, false)) return close();
+  if (waiting_) askCapabilities();
+}
+
+void DesktopNotification::takeAction(uint id, const QString& action) {
+  if (id == 0 || id != shown_ || action != u"default") return;
+  emit activated(std::exchange(activationToken_, QString()));
+}
+
+void DesktopNotification::takeActivationToken(uint id, const QString& token) {
+  if (id != 0 && id == shown_) activationToken_ = token;
+}
+
+void DesktopNotification::takeClosing(uint id, uint /*reason*/) {
+  if (id == shown_) shown_ = 0;
+}
 
 namespace {
 
@@ -63,16 +174,6 @@ NotificationText CompletionNotice::text(bool isOver) const {
 
 bool IsInFront() {
   return QGuiApplication::focusWindow() != nullptr;
-}
-
-void BringForward(QWidget& window, const QString& activationToken) {
-  // The platform plugin takes the token from here (xdg-activation), and only while the window asks.
-  if (!activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-  window.show();
-  window.raise();
-  window.activateWindow();
-  qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 }  // namespace quillforth::desktop

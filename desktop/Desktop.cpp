@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <utility>
 
+#include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
 #include "ui_StatusWindow.h"
 

@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/URLInFile.h"
+#include "app/Pasteboard.h"
 #include "desktop/AddSheet.h"
 #include "desktop/Desktop.h"
 #include "desktop/Request.h"
 #include "desktop/ShownText.h"
-#include "net/FileURL.h"
+#include "net/URL.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {

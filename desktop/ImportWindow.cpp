@@ -2,6 +2,8 @@
 
 #include "desktop/ImportWindow.h"
 
+#include <utility>
+
 #include "desktop/ShownText.h"
 #include "ui_ImportWindow.h"
 
@@ -43,6 +45,59 @@ void ImportWindow::showEvent(QShowEvent* event) {
   ui_->urlTextField->setFocus();
   ui_->urlTextField->selectAll();
   QDialog::showEvent(event);
+}
+
+ImportOutlet::ImportOutlet(ImportWindow& window, CommandGate& gate, platform::PageLoader& pages,
+                           std::function<void()> import)
+    : DesktopWindow(window, gate), window_(window), pages_(pages), import_(std::move(import)) {
+  QObject::connect(&window, &QDialog::rejected, &window, [this] { giveUp(); });
+}
+
+QString ImportOutlet::stringValue() const {
+  return running_ ? *running_ : window_.urlTextField().text();
+}
+
+void ImportOutlet::setStringValue(const QString& text) {
+  const bool isTypedOver = running_ && window_.urlTextField().text() != *running_;
+  if (!isTypedOver) window_.urlTextField().setText(text);
+}
+
+void ImportOutlet::orderOut() {
+  if (!isGivenUp() && failure_.isNull()) DesktopWindow::orderOut();
+}
+
+void ImportOutlet::setFailure(const QString& reason) {
+  if (running_) failure_ = reason;
+}
+
+CommandGate::Command ImportOutlet::begin() {
+  given_ = std::make_shared<QString>(window_.urlTextField().text());
+  window_.showImport(ImportWindow::Import::waits);
+  return [this, text = given_] { run(text); };
+}
+
+void ImportOutlet::run(const Text& text) {
+  if (text != given_) return;
+  running_ = text;
+  window_.showImport(ImportWindow::Import::loads);
+  failure_ = QString();
+  import_();
+  if (!isGivenUp()) {
+    forget();
+    if (!failure_.isNull()) window_.showFailure(failure_);
+  }
+  pages_.setGivenUp(false);
+  running_.reset();
+}
+
+void ImportOutlet::giveUp() {
+  if (running_ && running_ == given_) pages_.setGivenUp(true);
+  forget();
+}
+
+void ImportOutlet::forget() {
+  given_.reset();
+  window_.showImport(ImportWindow::Import::none);
 }
 
 }  // namespace quillforth::desktop

@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QEvent>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
 #include <QScrollArea>
@@ -14,16 +15,70 @@
 #include <QSpinBox>
 #include <QStyle>
 #include <QThreadPool>
+#include <array>
 #include <utility>
 
-#include "app/BrowserAdvice.h"
 #include "desktop/DesktopWindow.h"
 #include "desktop/MessageSheets.h"
-#include "desktop/SettingsWatcher.h"
 #include "desktop/ShownText.h"
+#include "platform/LocalizedStrings.h"
 #include "ui_PreferencesWindow.h"
 
 namespace quillforth::desktop {
+
+namespace {
+
+// What to switch on so that a browser says its address. English, of the table "LocalizedStrings".
+struct BrowserAdvice {
+  const char* browsers;  ///< their names; not translated
+  const char* text;
+};
+
+constexpr const char* kAccessibilityAdvice =
+    LOCALIZED_CHARS("Browsers say their address only while accessibility is on for your session.");
+
+constexpr std::array kBrowserAdvice{
+    BrowserAdvice{"Firefox", LOCALIZED_CHARS("Once accessibility is on, start Firefox again.")},
+    BrowserAdvice{
+        "Chrome, Chromium, Edge, Brave, Vivaldi, Opera",
+        LOCALIZED_CHARS("Once accessibility is on, start the browser again. If it still says no address, "
+                        "start it with the option --force-renderer-accessibility.")},
+    BrowserAdvice{"GNOME Web", LOCALIZED_CHARS("Once accessibility is on, start GNOME Web again.")},
+};
+
+constexpr int kSettlingMilliseconds = 50;
+
+QString NearestExistingFolder(const QString& file) {
+  QString folder = QFileInfo(file).path();
+  while (!QFileInfo(folder).isDir()) folder = QFileInfo(folder).path();
+  return folder;
+}
+
+}  // namespace
+
+SettingsWatcher::SettingsWatcher(QString file, QObject* parent) : QObject(parent), file_(std::move(file)) {
+  settled_.setSingleShot(true);
+  settled_.setInterval(kSettlingMilliseconds);
+  connect(&settled_, &QTimer::timeout, this, &SettingsWatcher::changed);
+  connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &SettingsWatcher::notice);
+  connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &SettingsWatcher::notice);
+  watch();
+}
+
+void SettingsWatcher::notice() {
+  watch();
+  settled_.start();
+}
+
+// A watch is on a file, not on its name: after a replacement it must be set anew.
+void SettingsWatcher::watch() {
+  const QString folder = NearestExistingFolder(file_);
+  for (const QString& path : watcher_.files() + watcher_.directories()) {
+    if (path != folder) watcher_.removePath(path);
+  }
+  if (!watcher_.directories().contains(folder)) watcher_.addPath(folder);
+  if (QFileInfo::exists(file_)) watcher_.addPath(file_);
+}
 
 PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* parent)
     : QDialog(parent), services_(std::move(services)), ui_(std::make_unique<Ui::PreferencesWindow>()) {
@@ -91,11 +146,11 @@ void PreferencesWindow::showStorage(bool isStored) {
 
 void PreferencesWindow::showBrowserAdvice() {
   QStringList lines;
-  for (const app::BrowserAdvice& advice : app::kBrowserAdvice) {
+  for (const BrowserAdvice& advice : kBrowserAdvice) {
     lines.append(QString::fromUtf8(advice.browsers) + QStringLiteral(": ") +
                  services_.localizedText(QString::fromUtf8(advice.text)));
   }
-  auto* box = MakeMessageBox({services_.localizedText(QString::fromUtf8(app::kAccessibilityAdvice)),
+  auto* box = MakeMessageBox({services_.localizedText(QString::fromUtf8(kAccessibilityAdvice)),
                               lines.join(QStringLiteral("\n\n")), tr("Switch Accessibility On"), tr("Close")},
                              QMessageBox::Information, this);
   box->setAttribute(Qt::WA_DeleteOnClose);

@@ -8,7 +8,10 @@
 #pragma once
 
 #include <QDialog>
+#include <QFileSystemWatcher>
+#include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QVariant>
 #include <functional>
 #include <memory>
@@ -22,6 +25,31 @@ class PreferencesWindow;
 }
 
 namespace quillforth::desktop {
+
+/// Notices when another process changes the settings file: in place, by putting a new file under its name, or
+/// by making it, and its folder, in the first place.
+///
+/// Watching is best effort: where the system cannot, nothing is noticed. Main thread.
+class SettingsWatcher final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `file`: an absolute path; it need not exist.
+  explicit SettingsWatcher(QString file, QObject* parent = nullptr);
+
+ signals:
+  /// Once for changes that follow closely on each other. Also after changes to the file's folder that do not
+  /// concern it.
+  void changed();
+
+ private:
+  void notice();
+  void watch();
+
+  QString file_;
+  QFileSystemWatcher watcher_;
+  QTimer settled_;
+};
 
 /// What the preferences window asks of the program. All outlive the window.
 struct PreferencesServices {

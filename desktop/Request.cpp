@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <numeric>
 
-#include "net/FileURL.h"
 #include "net/URL.h"
 
 namespace quillforth::desktop {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/ServicesProvider.h"
+#include "app/Pasteboard.h"
 #include "desktop/Activation.h"
 #include "desktop/MimePasteboard.h"
 

@@ -10,7 +10,7 @@
 #include <deque>
 
 #include "appleevents/AppleEventManager.h"
-#include "common/FourCharCode.h"
+#include "common/Status.h"
 #include "desktop/Desktop.h"
 #include "desktop/Request.h"
 #include "desktop/SelectionReader.h"

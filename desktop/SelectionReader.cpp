@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "app/Pasteboard.h"
-#include "desktop/PastedURLs.h"
+#include "desktop/MimePasteboard.h"
 
 namespace quillforth::desktop {
 

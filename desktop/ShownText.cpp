@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 
 namespace quillforth::desktop {
 

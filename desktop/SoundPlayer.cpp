@@ -5,9 +5,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLibrary>
-#include <QStringList>
-
-#include "desktop/sound/PlaySound.h"
 
 namespace quillforth::desktop {
 
@@ -15,16 +12,11 @@ namespace {
 
 constexpr int kPatienceMilliseconds = 500;
 
-// Beside the binary where it is installed, else in the build tree.
+// Where it lies from the program, installed or built.
 QString ModulePath() {
-  const QStringList folders = {
-      QCoreApplication::applicationDirPath() + QStringLiteral("/" QUILLFORTH_MODULES_FROM_PROGRAM),
-      QStringLiteral(QUILLFORTH_BUILT_MODULES)};
-  for (const QString& folder : folders) {
-    QString path = folder + QStringLiteral("/libquillforth_sound.so");
-    if (QFileInfo(path).isFile()) return path;
-  }
-  return {};
+  const QString path = QCoreApplication::applicationDirPath() +
+                       QStringLiteral("/" QUILLFORTH_MODULES_FROM_PROGRAM "/libquillforth_sound.so");
+  return QFileInfo(path).isFile() ? path : QString();
 }
 
 void LoadAndPlay(const QString& module, const platform::Sound& sound) {
@@ -36,7 +28,7 @@ void LoadAndPlay(const QString& module, const platform::Sound& sound) {
 
 SoundPlayer::~SoundPlayer() {
   if (!thread_) return;
-  thread_->quit();  // ends the event loop that the sound is played in
+  thread_->requestInterruption();
   if (thread_->wait(kPatienceMilliseconds)) delete thread_;
 }
 

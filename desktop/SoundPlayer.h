@@ -2,9 +2,9 @@
 //
 // Plays a sound in the background.
 //
-// What it takes to reach a sound device is much, and is slow to load: it is in a module of its own
-// (desktop/sound/PlaySound.cpp), which is loaded and run on a thread of its own when the first sound is
-// played. Without the module or a device there is silence. Main thread.
+// The sound server's library is in a module of its own (desktop/PlaySound.cpp), which is loaded and run on a
+// thread of its own when the first sound is played. Without the module or a server there is silence. Main
+// thread.
 #pragma once
 
 #include <QPointer>
@@ -14,10 +14,17 @@
 
 namespace quillforth::desktop {
 
+/// What the module offers: plays the sound on the default device, and returns when it has been heard, when
+/// the calling thread is asked to end, or at once without a sound server. Any thread but the main one.
+using PlaySoundFunction = void (*)(const platform::Sound& sound);
+
+/// The name, in the module, of a function of that kind.
+inline constexpr const char* kPlaySoundName = "QuillforthPlaySound";
+
 class SoundPlayer {
  public:
   SoundPlayer() = default;
-  /// Breaks a sound off. Waits for a moment only: a device that hangs is left to the end of the process.
+  /// Breaks a sound off. Waits for a moment only: a server that hangs is left to the end of the process.
   ~SoundPlayer();
   SoundPlayer(const SoundPlayer&) = delete;
   SoundPlayer& operator=(const SoundPlayer&) = delete;

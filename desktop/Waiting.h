@@ -3,19 +3,26 @@
 // Waiting as the program is defined to wait, with a window that is still drawn.
 //
 // A page load and the question of what a URL is block the controller, and so do a page with a hundred
-// thousand links and a folder with as many files. Here the blocking call runs on a thread of its own while
-// the main thread runs its event loop, behind a closed gate: nothing enters the controller until the call is
-// over, and the pointer says that the program is busy. The end of the program interrupts the call.
+// thousand links, a folder with as many files and a browser's script. Here the blocking call runs on a thread
+// of its own while the main thread runs its event loop, behind a closed gate: nothing enters the controller
+// until the call is over, and the pointer says that the program is busy. The end of the program interrupts
+// the call.
 #pragma once
 
+#include <QObject>
 #include <functional>
+#include <future>
+#include <memory>
 #include <utility>
 
 #include "app/Host.h"
+#include "app/Preferences.h"
 #include "desktop/CommandGate.h"
 #include "desktop/WorkLine.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/PageLoader.h"
+#include "platform/ScriptFrontEnd.h"
+#include "platform/ScriptHost.h"
 #include "platform/SystemLog.h"
 
 namespace quillforth::desktop {
@@ -73,6 +80,44 @@ class WaitingAggregation final : public app::FolderAggregation {
  private:
   app::FolderAggregation* aggregation_;
   CommandGate& gate_;
+};
+
+/// Scripts that ask a browser. What a script asks of the window comes to the main thread, and is waited for a
+/// moment only: the program may be about to end.
+class WaitingScriptHost final : public platform::ScriptHost {
+ public:
+  /// Main thread. Both outlive this; null stands for a host that runs nothing. `scripts` may be called from
+  /// any thread, one script at a time.
+  WaitingScriptHost(platform::ScriptHost* scripts, CommandGate& gate) : scripts_(scripts), gate_(gate) {}
+  [[nodiscard]] std::optional<platform::AEDescriptor> compileAndRun(const QString& source) override;
+
+ private:
+  platform::ScriptHost* scripts_;
+  CommandGate& gate_;
+};
+
+/// Made on the main thread; called from the thread of a script.
+class DesktopScriptFrontEnd final : public QObject, public platform::ScriptFrontEnd {
+  Q_OBJECT
+
+ public:
+  /// Both outlive this, and are used on the main thread.
+  DesktopScriptFrontEnd(platform::UserDefaults& userDefaults, std::function<void()> activate);
+
+  void activateThisProgram() override;
+  void activateOtherWindow(const std::vector<std::int64_t>& processIDs, const QString& title) override;
+  /// As the setting `allowKeystrokesForBrowserURL` says.
+  [[nodiscard]] bool allowsKeystrokes() override;
+  [[nodiscard]] std::optional<QString> clipboardText() override;
+
+ signals:
+  // From the script's thread to the main thread.
+  void activationWanted();
+  void otherActivationWanted(const std::vector<std::int64_t>& processIDs, const QString& title);
+  void keystrokesAsked(const std::shared_ptr<std::promise<bool>>& answer);
+
+ private:
+  app::Preferences preferences_;
 };
 
 }  // namespace quillforth::desktop

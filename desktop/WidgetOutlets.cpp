@@ -2,7 +2,9 @@
 
 #include "desktop/WidgetOutlets.h"
 
+#include <QPainter>
 #include <QSizePolicy>
+#include <QStyle>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -10,6 +12,102 @@
 #include "desktop/ShownText.h"
 
 namespace quillforth::desktop {
+
+namespace {
+
+constexpr int kSpokes = 12;
+constexpr int kStepMilliseconds = 80;
+
+}  // namespace
+
+Spinner::Spinner(QWidget* parent) : QWidget(parent) {
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void Spinner::setAnimated(bool isAnimated) {
+  if (isAnimated_ == isAnimated) return;
+  isAnimated_ = isAnimated;
+  followVisibility();
+  update();
+}
+
+QSize Spinner::sizeHint() const {
+  const int side = fontMetrics().height();
+  return {side, side};
+}
+
+void Spinner::followVisibility() {
+  if (isAnimated_ && isVisible()) {
+    timer_.start(kStepMilliseconds, this);
+  } else {
+    timer_.stop();
+  }
+}
+
+void Spinner::showEvent(QShowEvent* /*event*/) {
+  followVisibility();
+}
+
+void Spinner::hideEvent(QHideEvent* /*event*/) {
+  followVisibility();
+}
+
+void Spinner::timerEvent(QTimerEvent* /*event*/) {
+  step_ = (step_ + 1) % kSpokes;
+  update();
+}
+
+void Spinner::paintEvent(QPaintEvent* /*event*/) {
+  if (!isAnimated_) return;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double radius = std::min(width(), height()) / 2.0;
+  painter.translate(width() / 2.0, height() / 2.0);
+  painter.rotate(360.0 / kSpokes * step_);
+  for (int spoke = 0; spoke < kSpokes; ++spoke) {
+    QColor colour = palette().color(QPalette::WindowText);
+    colour.setAlphaF(static_cast<float>(spoke + 1) / kSpokes);
+    painter.setPen(QPen(colour, radius / 5, Qt::SolidLine, Qt::RoundCap));
+    painter.rotate(360.0 / kSpokes);
+    painter.drawLine(QPointF(0, -radius * 0.5), QPointF(0, -radius * 0.85));
+  }
+}
+
+namespace {
+
+// Wider than any window: measuring more would only cost time.
+constexpr qsizetype kLongestMeasured = 2000;
+constexpr int kPreferredCharacters = 40;
+constexpr int kFewestCharacters = 8;
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
+  setTextFormat(Qt::PlainText);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void ElidedLabel::setWholeText(const QString& text) {
+  if (text == this->text()) return;
+  setText(text);
+  setToolTip(ToolTipText(text));
+}
+
+QSize ElidedLabel::sizeHint() const {
+  return {fontMetrics().averageCharWidth() * kPreferredCharacters, fontMetrics().height()};
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+  return {fontMetrics().averageCharWidth() * kFewestCharacters, fontMetrics().height()};
+}
+
+void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  const QString shown =
+      fontMetrics().elidedText(ShownText(text(), kLongestMeasured), Qt::ElideMiddle, contentsRect().width());
+  style()->drawItemText(&painter, contentsRect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft),
+                        palette(), isEnabled(), shown, foregroundRole());
+}
 
 void RetainSizeWhenHidden(QWidget& widget) {
   QSizePolicy policy = widget.sizePolicy();

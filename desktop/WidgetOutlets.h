@@ -9,16 +9,60 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QBasicTimer>
 #include <QLabel>
 #include <QProgressBar>
+#include <QWidget>
 #include <functional>
 
 #include "app/Outlets.h"
-#include "desktop/ElidedLabel.h"
 #include "desktop/FramePacer.h"
-#include "desktop/Spinner.h"
 
 namespace quillforth::desktop {
+
+/// A small indicator that turns while there is work.
+///
+/// While it stands still or cannot be seen, it has no timer and paints nothing.
+class Spinner final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit Spinner(QWidget* parent = nullptr);
+
+  void setAnimated(bool isAnimated);
+  [[nodiscard]] bool isAnimated() const { return isAnimated_; }
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  void followVisibility();
+
+  QBasicTimer timer_;
+  int step_ = 0;
+  bool isAnimated_ = false;
+};
+
+/// A line of text that fits the room it has: what is too long loses its middle, and stands whole in the tool
+/// tip.
+class ElidedLabel final : public QLabel {
+  Q_OBJECT
+
+ public:
+  explicit ElidedLabel(QWidget* parent = nullptr);
+
+  /// A text of any length; shown literally.
+  void setWholeText(const QString& text);
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
 
 /// Keeps the room of `widget` in its layout while it is hidden.
 void RetainSizeWhenHidden(QWidget& widget);

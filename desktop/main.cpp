@@ -19,23 +19,22 @@
 
 #include "desktop/Activation.h"
 #include "desktop/Appearance.h"
-#include "desktop/ApplicationID.h"
 #include "desktop/Arguments.h"
 #include "desktop/BusService.h"
 #include "desktop/Desktop.h"
 #include "desktop/InstanceServer.h"
 #include "desktop/RequestIntake.h"
 #include "desktop/Translations.h"
-#include "desktop/WaitingScripts.h"
-#include "host/AssumedNetwork.h"
+#include "desktop/Waiting.h"
 #include "host/Exhaustion.h"
+#include "host/HeadlessHost.h"
 #include "host/LinuxHost.h"
 #include "linux/browser/LinuxSessionAccessibility.h"
 #include "linux/browser/MessageBus.h"
 #include "linux/browser/WindowWatcher.h"
 #include "linux/session/Interruption.h"
 #include "linux/session/SingleInstance.h"
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 
 namespace quillforth::desktop {
 

@@ -2,16 +2,29 @@
 
 #include "fileops/FinderComment.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <new>
 #include <optional>
 #include <thread>
 
-#include "appleevents/FinderEvents.h"
 #include "appleevents/HFSPath.h"
-#include "fileops/Assertion.h"
 
 namespace quillforth::fileops {
+
+namespace {
+
+// A check of what callers inside the program promise. Unless `holds`, it prints the caller's file and line
+// with `expression` on standard error and ends the program.
+void Assert(bool holds, const char* expression, const char* file = __builtin_FILE(),
+            unsigned line = __builtin_LINE()) {
+  if (holds) return;
+  std::fprintf(stderr, "%s:%u: failed assertion `%s'\n", file, line, expression);
+  std::abort();
+}
+
+}  // namespace
 
 using common::Status;
 using platform::AEDescriptor;

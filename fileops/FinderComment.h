@@ -2,7 +2,7 @@
 //
 // Reads and writes the comment of a file or folder, by asking the Finder with Apple events.
 //
-// The events are those of appleevents/FinderEvents.h. Main thread: a send waits, without limit, until the
+// The events are those of appleevents/AppleEvents.h. Main thread: a send waits, without limit, until the
 // Finder has answered.
 #pragma once
 
@@ -11,7 +11,6 @@
 #include "appleevents/AppleEventManager.h"
 #include "appleevents/AppleEvents.h"
 #include "common/FileReference.h"
-#include "common/FourCharCode.h"
 #include "common/Status.h"
 
 namespace quillforth::fileops {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Names in a folder: whether one is taken, a folder of that name, and a name that nobody has.
+// Names in a folder: whether one is taken, a folder of that name, and a name that nobody has. Also the
+// program's own folder, where downloads go when no other was chosen.
 //
 // Names are compared by the file system itself. Failures are handed back and never shown. Any thread.
 #pragma once
@@ -43,5 +44,9 @@ namespace quillforth::fileops {
 /// The new name is not looked up again, and may be too long for the file system.
 [[nodiscard]] std::optional<std::string> MakeUniqueNameForMove(const platform::Folder& destination,
                                                                const std::string& name);
+
+/// The program's own folder: "Tessary Software/Quillforth" in the user's application-support folder; created,
+/// with its parents, when missing. Nothing when that fails.
+[[nodiscard]] std::optional<platform::FileReference> GetSupportFolder(platform::FileManager& files);
 
 }  // namespace quillforth::fileops

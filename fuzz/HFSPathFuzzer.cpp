@@ -8,7 +8,6 @@
 
 #include "appleevents/AppleEvents.h"
 #include "appleevents/HFSPath.h"
-#include "appleevents/LosslessText.h"
 
 namespace {
 

@@ -6,10 +6,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "linux/linkfiles/AppleDouble.h"
 #include "linux/linkfiles/LinkFile.h"
 #include "linux/linkfiles/ResourceMap.h"
-#include "net/FileURL.h"
+#include "net/URL.h"
 
 namespace {
 

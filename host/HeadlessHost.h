@@ -8,7 +8,7 @@
 
 #include "app/Aggregation.h"
 #include "app/Host.h"
-#include "host/LinuxFileComments.h"
+#include "appleevents/AppleEventManager.h"
 #include "linux/files/LinuxAliasManager.h"
 #include "linux/files/LinuxFileManager.h"
 #include "linux/files/LinuxFinder.h"
@@ -23,8 +23,33 @@
 #include "linux/transfer/CurlPageLoader.h"
 #include "linux/transfer/CurlReadStream.h"
 #include "linux/transfer/CurlSupport.h"
+#include "platform/NetworkDiagnostics.h"
 
 namespace quillforth::host {
+
+/// A network that counts as up without a look, for servers on this machine, which need no connection.
+class AssumedNetwork final : public platform::NetworkDiagnostics {
+ public:
+  platform::NetworkStatus copyNetworkStatusPassively() override {
+    return platform::NetworkStatus::connectionUp;
+  }
+  void diagnoseProblemInteractively() override {}
+};
+
+/// Notes on a finished file where it came from: its comment, and the extended attribute "user.xdg.origin.url"
+/// (freedesktop.org, common extended attributes).
+///
+/// What cannot be noted is left out in silence. Main thread.
+class LinuxFileComments final : public app::FileComments {
+ public:
+  /// `events` outlives this.
+  explicit LinuxFileComments(platform::AppleEventSender& events) : events_(events) {}
+
+  void setComment(const QString& path, const QString& comment) override;
+
+ private:
+  platform::AppleEventSender& events_;
+};
 
 /// No sound can be loaded.
 class NoSounds final : public platform::SoundLoader {

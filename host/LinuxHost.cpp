@@ -14,7 +14,9 @@ LinuxHost::~LinuxHost() {
 
 app::Host LinuxHost::host(app::Application& application, platform::NetworkDiagnostics& network) {
   app::Host host = base_.host(application, network);
+#ifdef QUILLFORTH_SOUND
   host.sounds = &sounds_;
+#endif
   host.events = &eventIntake_;
   host.processes = &processes_;
   host.scripts = &scripts_;

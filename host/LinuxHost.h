@@ -9,10 +9,11 @@
 #include "app/Host.h"
 #include "appleevents/FSRefTable.h"
 #include "host/HeadlessHost.h"
-#include "linux/browser/LinuxRunningProcesses.h"
 #include "linux/browser/LinuxScriptHost.h"
 #include "linux/linkfiles/LinuxResourceManager.h"
+#ifdef QUILLFORTH_SOUND
 #include "linux/session/SndfileSoundLoader.h"
+#endif
 
 namespace quillforth::host {
 
@@ -38,7 +39,9 @@ class LinuxHost {
 
  private:
   HeadlessHost base_;
+#ifdef QUILLFORTH_SOUND
   platform::SndfileSoundLoader sounds_;
+#endif
   platform::AppleEventDispatcher dispatcher_;
   platform::FSRefTable references_;
   platform::LinuxResourceManager resources_;

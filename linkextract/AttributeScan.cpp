@@ -1,26 +1,55 @@
 // SPDX-License-Identifier: MIT
+//
+// Finds the links that stand between the begin and end texts of the pattern list.
+//
+// Each match is cut out of the text before the next search, which starts at the front again, because a cut
+// can join the text on its two sides to a new match. The result is exactly that of cutting and starting
+// over, in time linear in the text; docs/link-scanning.md says why.
 
-#include "linkextract/AttributeScan.h"
+#include "linkextract/LinkCollector.h"
 
-#include <algorithm>
-#include <array>
 #include <bit>
-#include <cstdint>
 #include <cstring>
-#include <optional>
 #include <span>
-#include <utility>
 #include <vector>
 
-#include "common/BoundedText.h"
-#include "common/ScratchMemory.h"
 #include "linkextract/ByteScan.h"
-#include "linkextract/PatternList.h"
 #include "linkextract/WorkText.h"
 
 namespace quillforth::linkextract {
 
 namespace {
+
+// Both texts match without regard to ASCII letter case.
+struct PatternPair {
+  std::string_view begin;
+  std::string_view end;
+  bool enabled = true;
+};
+
+// The texts between which a page's links stand.
+//
+// The order counts: the matches of one pair are cut out before the next pair is searched. So a quoted value
+// is gone before an unquoted pair can find its attribute, and a value that ends at ">" is preferred to one
+// that ends at a blank. "option value=" is switched off, and "SRC=" up to a blank stands here twice; both
+// on purpose.
+constexpr std::array<PatternPair, 15> kPatternList{{
+    {"HREF=\"", "\""},
+    {"SRC=\"", "\""},
+    {"HREF='", "'"},
+    {"SRC='", "'"},
+    {"SRC=", " "},
+    {"background=\"", "\""},
+    {"background='", "'"},
+    {"option value=\"", "\"", false},
+    {"option value='", "'", false},
+    {"HREF=", ">"},
+    {"SRC=", ">"},
+    {"background=", ">"},
+    {"HREF=", " "},
+    {"SRC=", " "},
+    {"background=", " "},
+}};
 
 using common::BoundedText;
 using common::UpperCased;

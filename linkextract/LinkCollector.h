@@ -138,4 +138,8 @@ class LinkCollector {
   std::size_t added_ = 0;
 };
 
+/// The second pass: gives `links` every link that stands between the two texts of a pattern that is switched
+/// on, pattern by pattern, duplicates included. `text` has at most 2^31 - 1 bytes.
+void ScanAttributes(std::string_view text, LinkCollector& links);
+
 }  // namespace quillforth::linkextract

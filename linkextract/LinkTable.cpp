@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "common/BoundedText.h"
-#include "common/RecordPool.h"
+#include "common/ScratchMemory.h"
 #include "linkextract/ByteScan.h"
 
 namespace quillforth::linkextract {

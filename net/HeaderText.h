@@ -13,6 +13,9 @@
 
 namespace quillforth::platform {
 
+/// What the program calls itself to every server.
+inline constexpr const char* kUserAgent = "Quillforth/1.0";
+
 /// `bytes` as UTF-8 when they are valid UTF-8, else as ISO Latin-1.
 [[nodiscard]] QString TextFromBytes(std::string_view bytes);
 

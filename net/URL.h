@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// What counts as a URL, everywhere in the program.
+// What counts as a URL, everywhere in the program; and files as paths and as "file" URLs.
 //
 // A text makes a URL when all its characters may stand in one (RFC 2396, section 2), with brackets around the
 // address of a host (RFC 3986, section 3.2.2) and nowhere else. Nothing more is asked, so a relative
 // text such as "site-a.test" makes a URL, and fails later, where it is used. Pure values; any thread.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <optional>
+
+#include "common/FileReference.h"
 
 namespace quillforth::platform {
 
@@ -55,5 +58,19 @@ class URL {
 /// and "user:password@host". A password that holds a "/", a "?" or a "#" goes where no port can be meant. A
 /// mangled text is better than a password on the screen. Only "mailto:user@host" stays as it is.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
+
+// Files as paths and as "file" URLs (RFC 8089), whatever bytes their names are made of.
+
+/// Bytes of a path that the system takes.
+inline constexpr std::size_t kMaxPathLength = 4095;
+
+/// The file at an absolute path, there or not. Nothing for a relative path, one that holds a NUL character or
+/// a surrogate without its partner. "/" at the end is dropped.
+[[nodiscard]] std::optional<FileReference> FileAtPath(const QString& path);
+/// "file:///…", with every character of the path as a %-escape unless it is unreserved or "/".
+[[nodiscard]] QByteArray FileURL(const FileReference& file);
+/// The file that `url` names, there or not. Nothing for another scheme, a host that is not this one, a path
+/// that is relative, too long or holds a NUL byte. A query and a fragment are dropped.
+[[nodiscard]] std::optional<FileReference> FileAtURL(QByteArrayView url);
 
 }  // namespace quillforth::platform

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Strict UTF-8: bytes that become a text, and texts that become bytes, or nothing. Pure; any thread.
+// Strict UTF-8: bytes that become a text, and texts that become bytes, or nothing. And texts that become fit
+// to be shown. Pure; any thread.
 #pragma once
 
 #include <QByteArrayView>
@@ -13,5 +14,13 @@ namespace quillforth::platform {
 [[nodiscard]] std::optional<QString> TextFromUTF8(QByteArrayView bytes);
 /// Nothing when `text` holds a surrogate without its partner.
 [[nodiscard]] std::optional<QByteArray> UTF8OfText(QStringView text);
+
+/// The text of a stranger, fit to be shown in one line.
+///
+/// URLs, server messages and file names may hold characters that control a terminal, turn the direction in
+/// which a text is read, or end a line. Every control, format and unassigned character is written as "\xHH",
+/// "\uHHHH" or "\UHHHHHHHH". The line is read in the order in which it stands. Only letters of right-to-left
+/// scripts run the other way.
+[[nodiscard]] QString Printable(const QString& text);
 
 }  // namespace quillforth::platform

@@ -14,11 +14,43 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
+#include <vector>
 
-#include "net/HTTPResponseHeader.h"
+#include "common/BoundedText.h"
 #include "net/URL.h"
 
 namespace quillforth::platform {
+
+/// The fields of a response header, in the order of their arrival. A value; any thread.
+class HTTPResponseHeader {
+ public:
+  void addField(std::string name, std::string value) {
+    fields_.emplace_back(std::move(name), std::move(value));
+  }
+  /// Appends the next line of a value that was folded. Does nothing when there is no field yet.
+  void continueField(std::string_view text) {
+    if (fields_.empty()) return;
+    std::string& value = fields_.back().second;
+    value.append(value.empty() ? "" : " ").append(text);
+  }
+  /// The value of the first field called `name` in any letter case, without blanks around it; bytes as sent.
+  [[nodiscard]] std::optional<std::string_view> valueOfField(std::string_view name) const {
+    const std::vector<std::string_view> values = valuesOfField(name);
+    return values.empty() ? std::nullopt : std::optional(values.front());
+  }
+  /// The values of all such fields.
+  [[nodiscard]] std::vector<std::string_view> valuesOfField(std::string_view name) const {
+    std::vector<std::string_view> values;
+    for (const auto& [fieldName, value] : fields_) {
+      if (common::EqualsNoCase(fieldName, name)) values.push_back(value);
+    }
+    return values;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::string>> fields_;
+};
 
 /// A request without a body.
 struct HTTPRequest {

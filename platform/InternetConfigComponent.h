@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "common/FourCharCode.h"
 #include "common/Status.h"
 
 namespace quillforth::platform {

@@ -12,7 +12,7 @@
 #include <optional>
 
 #include "common/FileReference.h"
-#include "common/FourCharCode.h"
+#include "common/Status.h"
 
 namespace quillforth::platform {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "common/FourCharCode.h"
+#include "common/Status.h"
 
 namespace quillforth::platform {
 

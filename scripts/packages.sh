@@ -6,8 +6,8 @@
 # shellcheck disable=SC2034  # read by the scripts that source this one
 {
   build_packages=(g++ cmake ninja-build pkg-config python3 qt6-base-dev qt6-l10n-tools qt6-tools-dev
-    qt6-multimedia-dev qt6-translations-l10n libqt6svg6 librsvg2-bin libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libplist-dev libsndfile1-dev
-    libsystemd-dev libxcb1-dev libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
+    qt6-translations-l10n libqt6svg6 libcurl4-openssl-dev libssl-dev zlib1g-dev libbrotli-dev libplist-dev
+    libsndfile1-dev libpulse-dev libsystemd-dev libxcb1-dev libcli11-dev libcpp-httplib-dev shared-mime-info ca-certificates)
   display_packages=(xvfb xauth openbox xdotool dbus-daemon python3-gi fonts-dejavu-core)
   screenshot_packages=("${display_packages[@]}" imagemagick)
   test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 libgtest-dev nginx-light ntfs-3g openssl

@@ -58,7 +58,7 @@ shoot() {
 
 # begin [URL...]: starts the program, and waits for its window.
 begin() {
-  "$build/desktop/quillforth" --local "$@" &
+  "$build/bin/quillforth" --local "$@" &
   program=$!
   status_window=$(timeout 20 xdotool search --sync --onlyvisible --pid "$program" | head -n 1)
   wait_for window_is_active
@@ -90,7 +90,7 @@ visit() {
   end
 }
 
-exec 3< <(exec "$build/examples/gallery_server" --rate 40 examples/gallery)
+exec 3< <(exec "$build/bin/gallery_server" --rate 40 examples/gallery)
 server=$!
 read -r origin <&3
 for language in en de; do

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 #include "terminal/HelpText.h"
 
 namespace quillforth::terminal {

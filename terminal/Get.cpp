@@ -6,6 +6,11 @@
 
 namespace quillforth::terminal {
 
+QVariant OverriddenDefaults::objectForKey(const QString& key) {
+  const auto found = overrides_.constFind(key);
+  return found != overrides_.constEnd() ? *found : defaults_.objectForKey(key);
+}
+
 Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
          const TerminalPrompt& prompt)
     : settings_(settings),

@@ -8,19 +8,37 @@
 #pragma once
 
 #include <QEventLoop>
+#include <QHash>
 #include <QString>
 #include <QTimer>
+#include <QVariant>
 #include <deque>
 #include <functional>
 
 #include "app/ControllerObserver.h"
 #include "app/Host.h"
 #include "app/MyAppController.h"
+#include "platform/UserDefaults.h"
 #include "terminal/CommandLine.h"
-#include "terminal/OverriddenDefaults.h"
 #include "terminal/TerminalOutlets.h"
 
 namespace quillforth::terminal {
+
+/// The user's settings, some of them replaced for the life of this object; nothing of that is stored.
+class OverriddenDefaults final : public platform::UserDefaults {
+ public:
+  OverriddenDefaults(platform::UserDefaults& defaults, QHash<QString, QVariant> overrides)
+      : defaults_(defaults), overrides_(std::move(overrides)) {}
+
+  void synchronize() override { defaults_.synchronize(); }
+  [[nodiscard]] QVariant objectForKey(const QString& key) override;
+  void setObject(const QString& key, const QVariant& value) override { defaults_.setObject(key, value); }
+  void removeObject(const QString& key) override { defaults_.removeObject(key); }
+
+ private:
+  platform::UserDefaults& defaults_;
+  QHash<QString, QVariant> overrides_;
+};
 
 /// What a run needs besides the host's services.
 struct GetSettings {

@@ -12,7 +12,6 @@
 #include "common/BoundedText.h"
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
-#include "linkextract/ScanPage.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {

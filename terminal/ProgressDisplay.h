@@ -17,7 +17,7 @@
 #include <QTimer>
 
 #include "terminal/Reporter.h"
-#include "terminal/Status.h"
+#include "terminal/TerminalOutlets.h"
 
 namespace quillforth::terminal {
 

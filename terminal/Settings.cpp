@@ -10,7 +10,7 @@
 
 #include "app/DestinationFolder.h"
 #include "app/Preferences.h"
-#include "fileops/SupportFolder.h"
+#include "fileops/FolderItems.h"
 #include "terminal/Folders.h"
 #include "terminal/Text.h"
 

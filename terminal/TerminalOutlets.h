@@ -13,10 +13,20 @@
 
 #include "app/Outlets.h"
 #include "terminal/Reporter.h"
-#include "terminal/Status.h"
 #include "terminal/TerminalPrompt.h"
 
 namespace quillforth::terminal {
+
+/// What the controller's outlets show at the moment, as plain values for whoever draws them. Main thread.
+struct Status {
+  QString currentURL;
+  bool currentURLHidden = true;
+  double fraction = 0.0;
+  bool progressBarHidden = true;
+  QString progressText;
+  bool progressTextHidden = true;
+  QString countText;
+};
 
 /// Keeps its text where the display finds it.
 class TextFieldInStatus final : public app::TextField {

@@ -9,7 +9,7 @@
 #include <QString>
 #include <string_view>
 
-#include "net/PrintableText.h"
+#include "net/UTF8.h"
 
 namespace quillforth::terminal {
 

@@ -17,7 +17,6 @@
 #include <cstring>
 
 #include "classify/InternetConfig.h"
-#include "host/AssumedNetwork.h"
 #include "host/Exhaustion.h"
 #include "host/HeadlessHost.h"
 #include "linux/files/LinuxAliasManager.h"
@@ -32,10 +31,8 @@
 #include "linux/transfer/CurlReadStream.h"
 #include "linux/transfer/CurlSupport.h"
 #include "net/URL.h"
-#include "terminal/Aggregate.h"
-#include "terminal/Classify.h"
 #include "terminal/CommandLine.h"
-#include "terminal/Comment.h"
+#include "terminal/Commands.h"
 #include "terminal/Folders.h"
 #include "terminal/Get.h"
 #include "terminal/Links.h"

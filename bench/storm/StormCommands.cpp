@@ -15,7 +15,7 @@
 
 #include "bench/storm/StormUser.h"
 #include "desktop/QueueTable.h"
-#include "net/FileURL.h"
+#include "net/URL.h"
 
 namespace quillforth::bench {
 

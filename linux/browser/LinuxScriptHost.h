@@ -9,13 +9,20 @@
 // a time.
 #pragma once
 
-#include "linux/browser/WindowHistory.h"
+#include "linux/browser/WindowWatcher.h"
 #include "platform/RunningProcesses.h"
 #include "platform/ScriptFrontEnd.h"
 #include "platform/ScriptHost.h"
 #include "platform/SystemLog.h"
 
 namespace quillforth::platform {
+
+/// Which browsers run, by the names of the programs that processes execute. One pass over /proc. A program in
+/// a flatpak or snap counts by its own name too.
+class LinuxRunningProcesses final : public RunningProcesses {
+ public:
+  [[nodiscard]] std::vector<RunningProcess> runningProcesses() override;
+};
 
 class LinuxScriptHost final : public ScriptHost {
  public:

@@ -6,12 +6,33 @@
 // no program. Only the bus itself is believed about who sends a message.
 #pragma once
 
+#include <cstddef>
+#include <deque>
+#include <mutex>
 #include <thread>
 
-#include "linux/browser/WindowHistory.h"
+#include "linux/browser/MessageBus.h"
 #include "linux/files/FileDescriptor.h"
 
 namespace quillforth::platform {
+
+/// Which windows of other programs were active last.
+///
+/// Programs report their own windows, and may report anything. So only the latest windows of each program,
+/// and of all together, are kept. Any thread.
+class WindowHistory {
+ public:
+  static constexpr std::size_t kWindows = 256;
+  static constexpr std::size_t kWindowsOfAProgram = 8;
+
+  void remember(BusObject window);
+  /// How many windows have become active since this one did; kWindows when that is not known.
+  [[nodiscard]] std::size_t age(const BusObject& window) const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::deque<BusObject> windows_;  // the latest first
+};
 
 class WindowWatcher {
  public:

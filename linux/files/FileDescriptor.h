@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// Owns one file descriptor.
+// Owners of what the system counts: a file descriptor, and a folder whose entries are read.
 #pragma once
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <memory>
 #include <utility>
 
 namespace quillforth::platform {
@@ -32,5 +35,20 @@ class FileDescriptor {
  private:
   int value_ = -1;
 };
+
+struct CloseDirectory {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+/// A folder that is open for its entries to be read, by readdir(3). One thread at a time.
+using Directory = std::unique_ptr<DIR, CloseDirectory>;
+
+/// Opens `path`, a relative one from the open folder `folder` (AT_FDCWD: from the current one). Null, and
+/// `errno`, when that fails.
+[[nodiscard]] inline Directory OpenDirectory(int folder, const char* path) {
+  FileDescriptor descriptor(::openat(folder, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  Directory directory(descriptor.isOpen() ? ::fdopendir(descriptor.get()) : nullptr);
+  if (directory) static_cast<void>(descriptor.release());
+  return directory;
+}
 
 }  // namespace quillforth::platform

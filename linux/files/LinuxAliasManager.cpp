@@ -5,17 +5,168 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QDataStream>
+#include <QIODevice>
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
-#include "linux/files/FolderSearch.h"
+#include "linux/files/FileDescriptor.h"
 #include "linux/files/LinuxFileManager.h"
 
 namespace quillforth::platform {
+
+namespace {
+
+constexpr char kMagic[] = {'Q', 'F', 'A', 'L'};
+constexpr quint8 kVersion = 1;
+
+void WriteBytes(QDataStream& out, const std::string& bytes) {
+  out.writeRawData(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+std::string ReadBytes(QDataStream& in, std::size_t length) {
+  std::string bytes(length, '\0');
+  const int read = in.readRawData(bytes.data(), static_cast<int>(length));
+  if (read != static_cast<int>(length)) in.setStatus(QDataStream::ReadPastEnd);
+  return bytes;
+}
+
+bool IsUsable(const AliasRecord& record) {
+  return record.path.starts_with('/') && record.path.find('\0') == std::string::npos;
+}
+
+}  // namespace
+
+bool SameFolder(const FolderIdentity& a, const FolderIdentity& b) {
+  if (a.inode != b.inode) return false;
+  if (a.birthTime && b.birthTime) return *a.birthTime == *b.birthTime;
+  return a.deviceMajor == b.deviceMajor && a.deviceMinor == b.deviceMinor;
+}
+
+std::optional<FolderIdentity> IdentityOf(const struct statx& status) {
+  if ((status.stx_mask & STATX_TYPE) == 0 || !S_ISDIR(status.stx_mode)) return std::nullopt;
+  FolderIdentity identity{status.stx_dev_major, status.stx_dev_minor, status.stx_ino, std::nullopt};
+  if ((status.stx_mask & STATX_BTIME) != 0) {
+    identity.birthTime = FolderIdentity::BirthTime{status.stx_btime.tv_sec, status.stx_btime.tv_nsec};
+  }
+  return identity;
+}
+
+std::optional<FolderIdentity> IdentityAt(const std::string& path) {
+  struct statx status {};
+  if (::statx(AT_FDCWD, path.c_str(), 0, STATX_TYPE | STATX_INO | STATX_BTIME, &status) != 0) {
+    return std::nullopt;
+  }
+  return IdentityOf(status);
+}
+
+QByteArray EncodeAliasRecord(const AliasRecord& record) {
+  const FolderIdentity& identity = record.identity;
+  const FolderIdentity::BirthTime birth = identity.birthTime.value_or(FolderIdentity::BirthTime{});
+  QByteArray bytes;
+  QDataStream out(&bytes, QIODevice::WriteOnly);
+  out.setByteOrder(QDataStream::LittleEndian);
+  out.writeRawData(kMagic, sizeof kMagic);
+  out << kVersion << static_cast<quint8>(identity.birthTime ? 1 : 0);
+  out << quint32{identity.deviceMajor} << quint32{identity.deviceMinor} << quint64{identity.inode};
+  out << qint64{birth.seconds} << quint32{birth.nanoseconds} << qint32{record.handleType};
+  out << static_cast<quint16>(record.handle.size()) << static_cast<quint16>(record.path.size());
+  WriteBytes(out, record.handle);
+  WriteBytes(out, record.path);
+  return bytes;
+}
+
+std::optional<AliasRecord> DecodeAliasRecord(const QByteArray& bytes) {
+  if (!bytes.startsWith(QByteArrayView(kMagic, sizeof kMagic))) return std::nullopt;
+  QDataStream in(bytes);
+  in.setByteOrder(QDataStream::LittleEndian);
+  in.skipRawData(sizeof kMagic);
+  quint8 version = 0;
+  quint8 hasBirthTime = 0;
+  quint64 inode = 0;
+  qint64 seconds = 0;
+  quint32 nanoseconds = 0;
+  quint16 handleLength = 0;
+  quint16 pathLength = 0;
+  AliasRecord record;
+  in >> version >> hasBirthTime >> record.identity.deviceMajor >> record.identity.deviceMinor >> inode;
+  in >> seconds >> nanoseconds >> record.handleType >> handleLength >> pathLength;
+  if (in.status() != QDataStream::Ok || version != kVersion || hasBirthTime > 1 ||
+      handleLength > AliasRecord::kLongestHandle || pathLength > AliasRecord::kLongestPath) {
+    return std::nullopt;
+  }
+  record.identity.inode = inode;
+  if (hasBirthTime == 1) record.identity.birthTime = FolderIdentity::BirthTime{seconds, nanoseconds};
+  record.handle = ReadBytes(in, handleLength);
+  record.path = ReadBytes(in, pathLength);
+  if (in.status() != QDataStream::Ok || !in.atEnd() || !IsUsable(record)) return std::nullopt;
+  return record;
+}
+
+namespace {
+
+// The most paths that may wait for their search. A home with more folders is searched in part.
+constexpr std::size_t kMostWaiting = 200'000;
+
+std::optional<FolderIdentity> IdentityOfEntry(int folder, const char* name) {
+  struct statx status {};
+  const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+  if (::statx(folder, name, flags, STATX_TYPE | STATX_INO | STATX_BTIME, &status) != 0) return std::nullopt;
+  return IdentityOf(status);
+}
+
+bool SameDevice(const FolderIdentity& a, const FolderIdentity& b) {
+  return a.deviceMajor == b.deviceMajor && a.deviceMinor == b.deviceMinor;
+}
+
+bool MayBeFolder(const dirent& entry) {
+  const std::string_view name(entry.d_name);
+  return (entry.d_type == DT_DIR || entry.d_type == DT_UNKNOWN) && name != "." && name != "..";
+}
+
+}  // namespace
+
+std::optional<std::string> FolderSearch::directlyIn(const std::string& parent) {
+  return scan(parent, Subfolders::ignored);
+}
+
+std::optional<std::string> FolderSearch::anywhereBelow(const std::string& root) {
+  visible_.assign(1, root);
+  hidden_.clear();
+  while (!visible_.empty() || !hidden_.empty()) {
+    std::deque<std::string>& waiting = visible_.empty() ? hidden_ : visible_;
+    const std::string folder = std::move(waiting.front());
+    waiting.pop_front();
+    if (std::optional<std::string> found = scan(folder, Subfolders::collected)) return found;
+    if (Clock::now() >= deadline_) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> FolderSearch::scan(const std::string& folder, Subfolders subfolders) {
+  const Directory directory = OpenDirectory(AT_FDCWD, folder.c_str());
+  if (!directory) return std::nullopt;
+  const int descriptor = ::dirfd(directory.get());
+  const std::optional<FolderIdentity> own = IdentityOfEntry(descriptor, ".");
+  if (!own) return std::nullopt;
+  const std::string prefix = folder.ends_with('/') ? folder : folder + '/';
+  while (const dirent* entry = ::readdir(directory.get())) {
+    if (Clock::now() >= deadline_) return std::nullopt;
+    if (!MayBeFolder(*entry)) continue;
+    const std::optional<FolderIdentity> identity = IdentityOfEntry(descriptor, entry->d_name);
+    if (!identity || !SameDevice(*identity, *own)) continue;
+    std::string path = prefix + entry->d_name;
+    if (SameFolder(wanted_, *identity)) return path;
+    if (subfolders == Subfolders::ignored || visible_.size() + hidden_.size() >= kMostWaiting) continue;
+    (entry->d_name[0] == '.' ? hidden_ : visible_).push_back(std::move(path));
+  }
+  return std::nullopt;
+}
 
 namespace {
 

@@ -6,9 +6,8 @@
 
 #include <string>
 
-#include "appleevents/FinderEvents.h"
+#include "appleevents/AppleEvents.h"
 #include "appleevents/HFSPath.h"
-#include "appleevents/LosslessText.h"
 #include "linux/files/ExtendedAttributes.h"
 
 namespace quillforth::platform {

@@ -2,10 +2,10 @@
 //
 // The application 'MACS' on Linux: keeps the comments of files and folders.
 //
-// It answers the two events of appleevents/FinderEvents.h.
+// It answers the two events of appleevents/AppleEvents.h.
 //
 // A comment is the extended attribute "user.xdg.comment" (freedesktop.org, common extended attributes), UTF-8
-// there and UTF-16 in the events. Bytes that are no UTF-8 take the form of LosslessText.h, so that a
+// there and UTF-16 in the events. Bytes that are no UTF-8 take the form of LosslessText, so that a
 // comment that is read and written back is the same. A missing attribute is an empty comment, and an empty
 // comment removes the attribute.
 //

@@ -2,7 +2,7 @@
 //
 // Folders that are held open by descriptors, so that no link in the place of a folder leads elsewhere.
 //
-// MoveWithoutReplacing.h does the moves. Any thread, one at a time.
+// A move never replaces anything, also where the file system has no flag for that. Any thread, one at a time.
 #pragma once
 
 #include "platform/Folder.h"

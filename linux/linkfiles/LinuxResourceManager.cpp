@@ -15,7 +15,6 @@
 
 #include "linux/files/ExtendedAttributes.h"
 #include "linux/files/FileDescriptor.h"
-#include "linux/linkfiles/AppleDouble.h"
 #include "linux/linkfiles/LinkFile.h"
 #include "linux/linkfiles/ResourceMap.h"
 

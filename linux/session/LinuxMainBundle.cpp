@@ -25,8 +25,7 @@ std::optional<QString> LinuxMainBundle::pathForResource(const QString& name) {
 
 QStringList LinuxMainBundle::standardResourceFolders() {
   const QString binary = QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
-  return {QDir::cleanPath(QFileInfo(binary).path() + QStringLiteral("/../share/quillforth")),
-          QStringLiteral(QUILLFORTH_BUILT_RESOURCES)};
+  return {QDir::cleanPath(QFileInfo(binary).path() + QStringLiteral("/../share/quillforth"))};
 }
 
 }  // namespace quillforth::platform

@@ -21,7 +21,7 @@ class LinuxMainBundle final : public MainBundle {
   [[nodiscard]] std::optional<QString> objectForInfoDictionaryKey(const QString& key) override;
   [[nodiscard]] std::optional<QString> pathForResource(const QString& name) override;
 
-  /// "../share/quillforth" beside the running binary's folder, then the build tree's share/quillforth.
+  /// "../share/quillforth" from the folder of the running binary, installed or built.
   [[nodiscard]] static QStringList standardResourceFolders();
 
  private:

@@ -92,9 +92,7 @@ bool HasZlibHeader(std::string_view body) {
 
 // Null for a coding that is not known.
 std::unique_ptr<Decoder> DecoderFor(const std::string& coding, std::string_view body) {
-  const auto is = [&coding](std::string_view name) {
-    return coding.size() == name.size() && common::StartsWithNoCase(coding, name);
-  };
+  const auto is = [&coding](std::string_view name) { return common::EqualsNoCase(coding, name); };
   if (is("gzip") || is("x-gzip")) return std::make_unique<Inflater>(kGzip);
   if (is("deflate")) return std::make_unique<Inflater>(HasZlibHeader(body) ? MAX_WBITS : kRawDeflate);
   if (is("br")) return std::make_unique<BrotliDecoder>();
@@ -130,9 +128,7 @@ TransferOutcome UndoContentCodings(const std::vector<std::string_view>& fields, 
       codings.emplace_back(coding->name);
     }
   }
-  std::erase_if(codings, [](const std::string& coding) {
-    return coding.size() == 8 && common::StartsWithNoCase(coding, "identity");
-  });
+  std::erase_if(codings, [](const std::string& coding) { return common::EqualsNoCase(coding, "identity"); });
   if (codings.size() > kMaxCodings) return {OutcomeKind::brokenOff};
   for (; !codings.empty() && !body.isEmpty(); codings.pop_back()) {
     const std::unique_ptr<Decoder> decoder =

@@ -2,14 +2,172 @@
 
 #include "linux/transfer/CurlDownloadService.h"
 
-#include <functional>
+#include <QString>
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
-#include "linux/transfer/CurlDownload.h"
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::platform {
+
+/// One download as its delegate sees it.
+class CurlDownload final : public WebDownload, public std::enable_shared_from_this<CurlDownload> {
+ public:
+  CurlDownload(DownloadId id, const URL& url, WebDownloadDelegate& delegate, CurlDownloadService& service)
+      : id_(id), url_(url), delegate_(delegate), service_(&service) {}
+
+  [[nodiscard]] const URL& requestURL() const override { return url_; }
+  void setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) override;
+  void cancel() override;
+
+  /// No callback follows. Called when the download is over, cancelled, or its service goes.
+  void end() { service_ = nullptr; }
+
+  void receive(BeganReport& report);
+  void receive(ChallengeReport& report);
+  void receive(ResponseReport& report);
+  void receive(DestinationReport& report);
+  void receive(DataReport& report);
+  void receive(FinishedReport&);
+  void receive(FailedReport& report);
+
+ private:
+  struct Destination {
+    QString folder;
+    QString name;
+    bool allowOverwrite = false;
+  };
+
+  void answer(const std::optional<Credential>& credential);
+  void decideDestination(ResponseReport& report);
+
+  const DownloadId id_;
+  const URL url_;
+  WebDownloadDelegate& delegate_;
+  CurlDownloadService* service_;  // null: over
+  std::optional<Destination> destination_;
+  bool isDeciding_ = false;
+  std::optional<AuthenticationChallenge> asked_;  // and not answered
+};
+
+void CurlDownload::setDestinationAllowOverwrite(const QString& path, bool allowOverwrite) {
+  if (!isDeciding_) return;
+  const qsizetype slash = path.lastIndexOf(u'/');
+  const QString name = path.sliced(slash + 1);
+  const bool isUsable = path.startsWith(u'/') && !path.contains(QChar::Null) && !name.isEmpty() &&
+                        name != u"." && name != u"..";
+  destination_.reset();
+  if (isUsable) destination_ = Destination{path.first(slash), name, allowOverwrite};
+}
+
+void CurlDownload::cancel() {
+  if (service_ == nullptr) return;
+  service_->thread_.post(CancelCommand{id_});
+  service_->forget(id_);
+}
+
+void CurlDownload::receive(BeganReport&) {
+  delegate_.downloadDidBegin(*this);
+}
+
+void CurlDownload::receive(ChallengeReport& report) {
+  AuthenticationSheetParent* window = delegate_.downloadWindowForAuthenticationSheet(*this);
+  if (service_ == nullptr) return;
+  asked_ = report.challenge;
+  if (window == nullptr) return answer(std::nullopt);
+  const auto answerIfAlive = [weak = weak_from_this()](const std::optional<Credential>& credential) {
+    if (const std::shared_ptr<CurlDownload> download = weak.lock()) download->answer(credential);
+  };
+  window->beginAuthenticationSheet(report.challenge, answerIfAlive);
+}
+
+void CurlDownload::answer(const std::optional<Credential>& credential) {
+  const std::optional<AuthenticationChallenge> asked = std::exchange(asked_, std::nullopt);
+  if (service_ == nullptr || !asked) return;
+  if (!credential) return service_->fail(id_, OutcomeWithoutLogin(*asked).sentence());
+  service_->thread_.post(
+      AnswerCommand{id_, credential->user.toStdString(), credential->password.toStdString()});
+}
+
+// A coded body is stored as it was sent, whatever the delegate answers: there is no decoder here.
+void CurlDownload::receive(ResponseReport& report) {
+  delegate_.downloadDidReceiveResponse(*this, report.response);
+  if (service_ != nullptr && report.isEncoded) {
+    (void)delegate_.downloadShouldDecodeSourceDataOfMIMEType(*this, report.response.MIMEType);
+  }
+  if (service_ != nullptr) decideDestination(report);
+}
+
+void CurlDownload::decideDestination(ResponseReport& report) {
+  isDeciding_ = true;
+  delegate_.downloadDecideDestinationWithSuggestedFilename(*this, report.filename);
+  isDeciding_ = false;
+  if (service_ == nullptr) return;
+  if (!destination_) {
+    service_->fail(id_, LOCALIZED("There is no destination folder for the file."));
+    return;
+  }
+  // The root keeps its only character.
+  std::string folder = destination_->folder.isEmpty() ? "/" : destination_->folder.toStdString();
+  DestinationFile::Target target{std::move(folder), destination_->name.toStdString(),
+                                 destination_->allowOverwrite};
+  service_->decide({id_, std::move(target)});
+}
+
+void CurlDownload::receive(DestinationReport& report) {
+  const QString folder = report.folder.empty() ? destination_->folder : QString::fromStdString(report.folder);
+  delegate_.downloadDidCreateDestination(*this, folder + u'/' + QString::fromStdString(report.name));
+}
+
+void CurlDownload::receive(DataReport& report) {
+  delegate_.downloadDidReceiveDataOfLength(*this, report.length);
+}
+
+void CurlDownload::receive(FinishedReport&) {
+  service_->forget(id_);
+  delegate_.downloadDidFinish(*this);
+}
+
+void CurlDownload::receive(FailedReport& report) {
+  service_->forget(id_);
+  delegate_.downloadDidFailWithError(*this, {report.description, url_.stringWithoutCredentials()});
+}
+
+namespace {
+
+// An FTP connection serves one file at a time, and its end may have to be waited for.
+bool CanGoAhead(const URL& url) {
+  return CanBeFetched(url) && url.scheme() != u"ftp";
+}
+
+}  // namespace
+
+// What is named twice is asked for twice.
+void LookAhead::expect(const std::vector<WebDownloadRequest>& requests, const std::string& folder) {
+  Items before = std::exchange(items_, {});
+  for (const WebDownloadRequest& request : requests) {
+    if (folder.empty() || !CanGoAhead(request.url)) continue;
+    const auto known = std::ranges::find_if(
+        before, [&](const Item& item) { return item.isFor(request) && item.folder == folder; });
+    if (known != before.end()) {
+      items_.push_back(std::move(*known));
+      before.erase(known);
+    } else {
+      items_.push_back({request.url.absoluteString(), request.referrer, folder, thread_.newId()});
+      thread_.post(StartCommand{make_(items_.back().id, request, folder)});
+    }
+  }
+  for (const Item& item : before) thread_.post(CancelCommand{item.id});
+}
+
+std::optional<TransferId> LookAhead::take(const WebDownloadRequest& request) {
+  const auto found = std::ranges::find_if(items_, [&](const Item& item) { return item.isFor(request); });
+  if (found == items_.end()) return std::nullopt;
+  const TransferId id = found->id;
+  items_.erase(found);
+  return id;
+}
 
 namespace {
 

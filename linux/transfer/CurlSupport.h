@@ -13,8 +13,8 @@
 #include <memory>
 #include <string>
 
+#include "net/HeaderText.h"
 #include "net/URL.h"
-#include "net/UserAgent.h"
 
 namespace quillforth::platform {
 

@@ -6,17 +6,91 @@
 // Ahead of its turn it then goes on in a hidden file, up to a limit, in the folder that is expected.
 #pragma once
 
+#include <QString>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
-#include "linux/transfer/BodySink.h"
+#include "linux/files/DestinationFile.h"
 #include "linux/transfer/Mailbox.h"
 #include "linux/transfer/Transfer.h"
-#include "linux/transfer/TransferMessages.h"
+#include "platform/WebDownload.h"
 
 namespace quillforth::platform {
+
+// What the transfer thread tells the main thread about downloads.
+//
+// A download is a number here: the main thread may have forgotten it by the time a report arrives, and then
+// the report means nothing.
+
+/// The number of its transfer.
+using DownloadId = TransferId;
+
+struct BeganReport {
+  DownloadId id;
+};
+struct ChallengeReport {
+  DownloadId id;
+  AuthenticationChallenge challenge;
+};
+struct ResponseReport {
+  DownloadId id;
+  URLResponse response;
+  QString filename;
+  bool isEncoded;  ///< the body has a content coding
+};
+struct DestinationReport {
+  DownloadId id;
+  std::string name;
+  std::string folder;  ///< where it lies by now; empty: in the folder of the DestinationCommand
+};
+struct DataReport {
+  DownloadId id;
+  std::uint64_t length;  ///< bytes since the report before
+};
+struct FinishedReport {
+  DownloadId id;
+};
+struct FailedReport {
+  DownloadId id;
+  QString description;
+};
+using Report = std::variant<BeganReport, ChallengeReport, ResponseReport, DestinationReport, DataReport,
+                            FinishedReport, FailedReport>;
+
+/// Takes a body in the small pieces that libcurl hands over, and writes it to its file in large ones.
+///
+/// It also holds what arrives before anybody has said where the file goes: a small file is there whole by
+/// then, and costs no further exchange with its server. One thread at a time.
+class BodySink {
+ public:
+  static constexpr std::size_t kCapacity = 256UL * 1024;
+
+  /// Takes all of `bytes`, or nothing when they do not fit and there is no file yet.
+  [[nodiscard]] bool append(std::string_view bytes);
+  /// From now on bytes go here. There is none before.
+  void setFile(std::unique_ptr<DestinationFile> file) { file_ = std::move(file); }
+  [[nodiscard]] DestinationFile* file() { return file_.get(); }
+  /// Writes what is held, and publishes the file; 0 or the error number. There is a file.
+  [[nodiscard]] int finish();
+
+  /// The error number of the first write that failed; 0: none.
+  [[nodiscard]] int error() const { return error_; }
+  /// Bytes taken so far.
+  [[nodiscard]] std::uint64_t length() const { return length_; }
+
+ private:
+  void writeHeld();
+
+  std::unique_ptr<DestinationFile> file_;
+  std::unique_ptr<char[]> held_;
+  std::size_t heldLength_ = 0;
+  std::uint64_t length_ = 0;
+  int error_ = 0;
+};
 
 /// What the downloads of one service share.
 struct DownloadContext {

@@ -2,15 +2,123 @@
 
 #include "linux/transfer/Exchange.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <openssl/ssl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <charconv>
-#include <memory>
 #include <new>
 
 #include "common/BoundedText.h"
 #include "linux/transfer/ContentCoding.h"
 
 namespace quillforth::platform {
+
+namespace {
+
+// Of IPv4 or IPv6, in which it stands at the same place.
+int LocalPort(curl_socket_t socket) {
+  sockaddr_in6 address{};
+  socklen_t length = sizeof address;
+  if (::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0) return -1;
+  return ntohs(address.sin6_port);
+}
+
+}  // namespace
+
+void OpenSockets::watch(CURL* handle) {
+  curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, &OpenSockets::open);
+  curl_easy_setopt(handle, CURLOPT_OPENSOCKETDATA, this);
+  curl_easy_setopt(handle, CURLOPT_CLOSESOCKETFUNCTION, &OpenSockets::close);
+  curl_easy_setopt(handle, CURLOPT_CLOSESOCKETDATA, this);
+}
+
+curl_socket_t OpenSockets::find(int port) const {
+  const auto found = std::find_if(sockets_.begin(), sockets_.end(),
+                                  [port](curl_socket_t socket) { return LocalPort(socket) == port; });
+  return found == sockets_.end() ? CURL_SOCKET_BAD : *found;
+}
+
+bool OpenSockets::isReadable(int port) const {
+  pollfd entry{find(port), POLLIN, 0};
+  return ::poll(&entry, 1, 0) > 0;
+}
+
+std::optional<std::chrono::milliseconds> OpenSockets::ageOfLastByte(int port) const {
+  tcp_info info{};
+  socklen_t length = sizeof info;
+  if (::getsockopt(find(port), IPPROTO_TCP, TCP_INFO, &info, &length) != 0) return std::nullopt;
+  return std::chrono::milliseconds(info.tcpi_last_data_recv);
+}
+
+curl_socket_t OpenSockets::open(void* self, curlsocktype /*purpose*/, curl_sockaddr* address) {
+  const curl_socket_t socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  if (socket != CURL_SOCKET_BAD) static_cast<OpenSockets*>(self)->sockets_.push_back(socket);
+  return socket;
+}
+
+int OpenSockets::close(void* self, curl_socket_t socket) {
+  std::erase(static_cast<OpenSockets*>(self)->sockets_, socket);
+  return ::close(socket);
+}
+
+namespace {
+
+using SharedEnd = std::shared_ptr<bool>;
+
+void FreeEnd(void* /*parent*/, void* end, CRYPTO_EX_DATA* /*data*/, int /*index*/, long /*argument*/,
+             void* /*pointer*/) {
+  delete static_cast<SharedEnd*>(end);
+}
+
+// Where a connection keeps its SharedEnd.
+int EndIndex() {
+  static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeEnd);
+  return index;
+}
+
+void NoteAlert(const SSL* connection, int where, int alert) {
+  const bool isReceived = (where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT;
+  if (!isReceived || (alert & 0xff) != SSL_AD_CLOSE_NOTIFY) return;
+  if (const auto* end = static_cast<SharedEnd*>(SSL_get_ex_data(connection, EndIndex()))) **end = true;
+}
+
+CURLcode PrepareContext(CURL* /*handle*/, void* context, void* /*data*/) {
+  SSL_CTX_set_info_callback(static_cast<SSL_CTX*>(context), &NoteAlert);
+  return CURLE_OK;
+}
+
+SSL* ConnectionOf(CURL* handle) {
+  curl_tlssessioninfo* session = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_TLS_SSL_PTR, &session);
+  const bool isOpenSSL = session != nullptr && session->backend == CURLSSLBACKEND_OPENSSL;
+  return isOpenSSL ? static_cast<SSL*>(session->internals) : nullptr;
+}
+
+}  // namespace
+
+void WatchTLSEnd(CURL* handle) {
+  curl_easy_setopt(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareContext);
+}
+
+TLSEnd TLSEndOf(CURL* handle) {
+  SSL* connection = ConnectionOf(handle);
+  if (connection == nullptr) return nullptr;
+  if (const auto* known = static_cast<SharedEnd*>(SSL_get_ex_data(connection, EndIndex()))) return *known;
+  auto end = std::make_unique<SharedEnd>(std::make_shared<bool>(false));
+  if (SSL_set_ex_data(connection, EndIndex(), end.get()) != 1) return nullptr;
+  return *end.release();  // the connection's from now on
+}
+
+bool HasUnreadTLS(CURL* handle) {
+  const SSL* connection = ConnectionOf(handle);
+  return connection != nullptr && SSL_has_pending(connection) == 1;
+}
 
 namespace {
 

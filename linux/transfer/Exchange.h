@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,13 +22,51 @@
 #include "linux/transfer/Authentication.h"
 #include "linux/transfer/CookieJar.h"
 #include "linux/transfer/CurlSupport.h"
-#include "linux/transfer/OpenSockets.h"
 #include "linux/transfer/ResponseHead.h"
-#include "linux/transfer/TLSEnd.h"
 #include "linux/transfer/TransferRequest.h"
 #include "linux/transfer/TransferText.h"
 
 namespace quillforth::platform {
+
+/// The sockets of libcurl's connections, for a look at one before it is used again.
+///
+/// libcurl does not tell which one a request is about to use, only its local port. The transfer thread only.
+class OpenSockets {
+ public:
+  OpenSockets() = default;
+  OpenSockets(const OpenSockets&) = delete;
+  OpenSockets& operator=(const OpenSockets&) = delete;
+
+  /// From now on the sockets that `handle` opens are here until they are closed, which may be after the end
+  /// of `handle`, but not of this.
+  void watch(CURL* handle);
+  /// Whether the peer has said something more, or has gone, on the connection from local port `port`.
+  [[nodiscard]] bool isReadable(int port) const;
+  /// How long ago the peer has sent something on it, or the connection was made; nothing when it is closed.
+  [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(int port) const;
+
+ private:
+  [[nodiscard]] curl_socket_t find(int port) const;  // CURL_SOCKET_BAD: none
+  static curl_socket_t open(void* self, curlsocktype purpose, curl_sockaddr* address);
+  static int close(void* self, curl_socket_t socket);
+
+  std::vector<curl_socket_t> sockets_;
+};
+
+// How a TLS connection ends: by its server's word, or cut off by whoever is in between.
+//
+// libcurl takes both for the end of a body that has no length. The transfer thread only.
+
+/// Whether the server has said that it sends nothing more (close_notify; RFC 8446, section 6.1).
+using TLSEnd = std::shared_ptr<const bool>;
+
+/// Makes the connections that `handle` opens take notice of their end.
+void WatchTLSEnd(CURL* handle);
+/// Of the connection that `handle` is using now; null when it is not one of TLS. To be taken before the end
+/// can come; it outlives the connection.
+[[nodiscard]] TLSEnd TLSEndOf(CURL* handle);
+/// Whether bytes of the connection that `handle` is using now have come, but nobody has read them.
+[[nodiscard]] bool HasUnreadTLS(CURL* handle);
 
 /// What the transfers of one thread share.
 struct TransferContext {

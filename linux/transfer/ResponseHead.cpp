@@ -13,6 +13,8 @@
 
 namespace quillforth::platform {
 
+using common::EqualsNoCase;
+
 namespace {
 
 constexpr std::size_t kMaxMIMETypeLength = 255;
@@ -24,10 +26,6 @@ std::optional<std::int64_t> ParseLength(std::string_view text) {
   const auto [stop, error] = std::from_chars(text.data(), end, length);
   const bool isNumber = error == std::errc() && stop == end && text.front() != '-';
   return isNumber ? std::optional(length) : std::nullopt;
-}
-
-bool EqualsNoCase(std::string_view text, std::string_view other) {
-  return text.size() == other.size() && common::StartsWithNoCase(text, other);
 }
 
 std::string_view WithoutLineEnd(std::string_view line) {

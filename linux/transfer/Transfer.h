@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "linux/files/DestinationFile.h"
-#include "linux/transfer/DownloadLogins.h"
+#include "linux/transfer/Authentication.h"
 #include "linux/transfer/Exchange.h"
 #include "linux/transfer/TransferRequest.h"
 #include "platform/WebDownload.h"

@@ -10,7 +10,7 @@
 
 #include "appleevents/AppleEventManager.h"
 #include "appleevents/FSRefTable.h"
-#include "net/FileURL.h"
+#include "net/URL.h"
 
 namespace quillforth::platform {
 namespace {

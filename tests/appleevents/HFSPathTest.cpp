@@ -8,8 +8,6 @@
 
 #include <random>
 
-#include "appleevents/LosslessText.h"
-
 namespace quillforth::platform {
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "classify/RunScript.h"
+#include "classify/NSStringExtensions.h"
 
 #include "scripting/ScriptRunner.h"
 #include "tests/support/CaseTable.h"

@@ -7,9 +7,9 @@
 #include <QScrollArea>
 
 #include "desktop/AddSheet.h"
-#include "desktop/ElidedLabel.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/Translations.h"
+#include "desktop/WidgetOutlets.h"
 #include "tests/desktop/DesktopFixture.h"
 
 namespace quillforth::tests {

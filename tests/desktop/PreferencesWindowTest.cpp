@@ -9,7 +9,6 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 
-#include "desktop/SettingsWatcher.h"
 #include "linux/session/SettingsUserDefaults.h"
 
 namespace quillforth::tests {

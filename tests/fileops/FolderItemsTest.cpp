@@ -7,7 +7,6 @@
 #include <QTemporaryDir>
 #include <regex>
 
-#include "fileops/SupportFolder.h"
 #include "linux/files/LinuxFolder.h"
 #include "tests/fileops/FolderTree.h"
 #include "tests/support/FakeHost.h"

@@ -4,7 +4,6 @@
 
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
-#include "linkextract/ScanPage.h"
 #include "tests/linkextract/ReferenceScanner.h"
 
 namespace quillforth::linkextract {

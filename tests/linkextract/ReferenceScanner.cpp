@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "common/BoundedText.h"
-#include "linkextract/ScanPage.h"
+#include "linkextract/PageLinks.h"
 
 namespace quillforth::tests {
 

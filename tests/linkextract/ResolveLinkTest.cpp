@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "linkextract/ParsedURL.h"
 #include "tests/linkextract/ReferenceScanner.h"
 
 namespace quillforth::linkextract {

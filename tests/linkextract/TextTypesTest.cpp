@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "linkextract/LinkTable.h"
-#include "linkextract/TextBuffer.h"
-#include "linkextract/TextList.h"
-#include "linkextract/TextSearch.h"
+#include "linkextract/PageText.h"
+#include "linkextract/ResolveLink.h"
 
 namespace quillforth::linkextract {
 namespace {

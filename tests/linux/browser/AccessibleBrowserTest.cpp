@@ -17,7 +17,6 @@
 #include <QStandardPaths>
 #include <QThread>
 
-#include "linux/browser/LinuxRunningProcesses.h"
 #include "linux/browser/LinuxScriptHost.h"
 #include "linux/browser/LinuxSessionAccessibility.h"
 #include "linux/browser/WindowWatcher.h"

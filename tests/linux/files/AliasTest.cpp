@@ -7,8 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "linux/files/AliasRecord.h"
-#include "linux/files/FolderSearch.h"
 #include "linux/files/LinuxAliasManager.h"
 
 namespace quillforth::tests {

@@ -5,7 +5,6 @@
 
 #include <sys/mount.h>
 
-#include <QElapsedTimer>
 #include <semaphore>
 
 #include "tests/linux/transfer/DownloadFixture.h"
@@ -228,7 +227,9 @@ TEST_F(DownloadTest, AFolderRemovedOrReplacedWhileWritingHurtsNobody) {
 
 TEST_F(DownloadTest, CancellingAtAnyCallbackIsTheLastOfItAndLeavesNothing) {
   RawServer server([](Connection& connection, const std::string& request) {
-    if (request.starts_with("GET /auth")) {
+    if (request.starts_with("GET /refused")) {
+      connection.send(HttpReply("404 No", ""));
+    } else if (request.starts_with("GET /auth")) {
       connection.send(HttpReply("401 No", "x", "WWW-Authenticate: Basic realm=r\r\n"));
     } else {
       connection.send("HTTP/1.1 200 OK\r\nContent-Length: 900000\r\n\r\n" + std::string(600'000, 'x'));
@@ -245,14 +246,13 @@ TEST_F(DownloadTest, CancellingAtAnyCallbackIsTheLastOfItAndLeavesNothing) {
         isCancelled = isCancelled || call == at;
         if (isCancelled && !byDestroyingTheService) download.cancel();
       };
-      const std::shared_ptr<WebDownload> download = start(server.url(at == 'W' ? "/auth" : "/x"), result);
+      const std::shared_ptr<WebDownload> cancelled = start(server.url(at == 'W' ? "/auth" : "/x"), result);
       ASSERT_TRUE(RunLoopUntil([&] { return isCancelled; })) << at << result.calls;
       if (byDestroyingTheService) restart();
-      QElapsedTimer time;
-      time.start();
-      EXPECT_TRUE(RunLoopUntil([&] { return names().isEmpty() && time.elapsed() > 20; })) << at;
-      download->cancel();  // again: nothing
-      download->setDestinationAllowOverwrite(directory.filePath(QStringLiteral("late")), true);
+      EXPECT_TRUE(RunLoopUntil([&] { return names().isEmpty(); })) << at;
+      EXPECT_TRUE(download(server.url("/refused")).calls.ends_with('E')) << "what was left has been told";
+      cancelled->cancel();  // again: nothing
+      cancelled->setDestinationAllowOverwrite(directory.filePath(QStringLiteral("late")), true);
     }
   }
 }
@@ -291,11 +291,10 @@ TEST_F(DownloadTest, ManyCountsOfAFastTransferBecomeFew) {
     for (int i = 0; i < 60; ++i) connection.send(std::string(1'000'000, 'x'));
     return After::close;
   });
-  QElapsedTimer time;
-  time.start();
   const DownloadRecorder result = download(server.url("/f"));
   EXPECT_EQ(result.received, 60'000'000U);
-  EXPECT_LE(std::count(result.calls.begin(), result.calls.end(), 'L'), 3 + time.elapsed() / 30);
+  constexpr int kPieces = 60'000'000 / 16'384;  // as libcurl hands them over
+  EXPECT_LT(std::count(result.calls.begin(), result.calls.end(), 'L'), kPieces / 10);
 }
 
 }  // namespace
