@@ -39,6 +39,15 @@ void QueueTable::followFont() {
   verticalHeader()->setDefaultSectionSize(height);
 }
 
+// In a table they go to the ends of a row.
+QModelIndex QueueTable::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const int rows = model() == nullptr ? 0 : model()->rowCount();
+  const int column = std::max(currentIndex().column(), 0);
+  if (action == MoveHome) return rows == 0 ? QModelIndex() : model()->index(0, column);
+  if (action == MoveEnd) return rows == 0 ? QModelIndex() : model()->index(rows - 1, column);
+  return QTableView::moveCursor(action, modifiers);
+}
+
 void QueueTable::setDropHighlighted(bool isHighlighted) {
   if (isDropHighlighted_ == isHighlighted) return;
   isDropHighlighted_ = isHighlighted;
@@ -115,14 +124,10 @@ void TableOutlet::selectionChanged() {
 
 std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
   const Entries entries = target_ ? *std::exchange(target_, std::nullopt) : selectedEntries();
-  if (entries.empty()) return {};
-  reload_.flush();  // rows as the queue has them now
   std::vector<std::size_t> rows;
   for (const IdentifierRange& range : entries) {
-    const int end = model_.firstRowFrom(range.last + 1);
-    for (int row = model_.firstRowFrom(range.first); row < end; ++row) {
-      rows.push_back(static_cast<std::size_t>(row));
-    }
+    const std::size_t end = model_.queueRowFrom(range.last + 1);
+    for (std::size_t row = model_.queueRowFrom(range.first); row < end; ++row) rows.push_back(row);
   }
   return rows;
 }
@@ -130,13 +135,17 @@ std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
 Entries TableOutlet::selectedEntries() const {
   Entries entries;
   for (const QItemSelectionRange& range : selectedRanges()) {
-    entries.push_back({model_.identifier(range.top()), model_.identifier(range.bottom())});
+    // Between two rows that are shown there may be some that the filter hides.
+    const int step = model_.isFiltered() ? 1 : range.height();
+    for (int row = range.top(); row <= range.bottom(); row += step) {
+      entries.push_back({model_.identifier(row), model_.identifier(row + step - 1)});
+    }
   }
   return entries;
 }
 
 Entries TableOutlet::firstEntry() const {
-  if (model_.rowCount() == 0) return {};
+  if (model_.rowCount() == 0 || model_.isFiltered()) return {};
   return {{model_.identifier(0), model_.identifier(0)}};
 }
 
@@ -155,7 +164,7 @@ void TableOutlet::runFor(const Entries& entries, const std::function<void()>& co
 
 QStringList TableOutlet::selectedURLs() const {
   QStringList urls;
-  for (const std::size_t row : selectedRowIndexes()) urls.append(model_.url(static_cast<int>(row)));
+  for (const std::size_t row : selectedRowIndexes()) urls.append(source_->objectValueForRow(row));
   return urls;
 }
 

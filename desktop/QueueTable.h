@@ -34,6 +34,7 @@ class QueueTable final : public QTableView {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
  private:
   void followFont();
@@ -60,13 +61,20 @@ class TableOutlet final : public app::TableView {
   TableOutlet(const TableOutlet&) = delete;
   TableOutlet& operator=(const TableOutlet&) = delete;
 
-  void setDataSource(const app::TableViewDataSource& source) { model_.setDataSource(source); }
+  void setDataSource(const app::TableViewDataSource& source) {
+    source_ = &source;
+    model_.setDataSource(source);
+  }
+  /// Shows just the URLs that hold this text; empty: all. What is hidden is selected no more.
+  void setFilter(const QString& text) { model_.setFilter(text); }
+  [[nodiscard]] bool isFiltered() const { return model_.isFiltered(); }
+  [[nodiscard]] int shownCount() const { return model_.rowCount(); }
   void registerForDraggedTypes(const QStringList& types) override;
   void reloadData() override;
   [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override;
   /// What the user sees selected.
   [[nodiscard]] Entries selectedEntries() const;
-  /// What the user sees at the head; none when the table is empty.
+  /// What the user sees at the head; none when the table is empty, or a filter hides which it is.
   [[nodiscard]] Entries firstEntry() const;
   /// Whether any of them waits still.
   [[nodiscard]] bool isAnyQueued(const Entries& entries) const;
@@ -82,11 +90,12 @@ class TableOutlet final : public app::TableView {
   void restoreSelection();
 
   QueueTable& table_;
+  const app::TableViewDataSource* source_ = nullptr;
   QueueModel model_;
   Entries selectionOverReset_;
   mutable std::optional<Entries> target_;  // of the command that runs, until it asks
   bool isCatchingUp_ = false;
-  mutable FramePacer::Update reload_;
+  FramePacer::Update reload_;
   FramePacer::Update selection_;
 };
 

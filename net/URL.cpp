@@ -170,18 +170,36 @@ bool CanBeFetched(const URL& url) {
   return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
 }
 
-QString WithoutCredentials(const QString& text) {
-  if (IsMailAddress(text)) return text;
+namespace {
+
+// With the "@"; of no length where there are none.
+Span CredentialsIn(const QString& text) {
+  if (IsMailAddress(text)) return {};
   const qsizetype schemeEnd = FindAnyOf(text, u":/?#\\", 0);
   const bool hasScheme = schemeEnd < text.size() && text[schemeEnd] == u':';
   const qsizetype slashes = hasScheme ? schemeEnd + 1 : 0;
   qsizetype start = slashes;
   while (start < text.size() && (text[start] == u'/' || text[start] == u'\\')) ++start;
-  if (!hasScheme && start - slashes < 2) return text;
+  if (!hasScheme && start - slashes < 2) return {};
   qsizetype end = FindAnyOf(text, u"/?#\\", start);
   if (HasImpossiblePort(QStringView(text).sliced(start, end - start))) end = text.size();
   const qsizetype at = QStringView(text).sliced(start, end - start).lastIndexOf(u'@');
-  return at < 0 ? text : text.first(start) + text.sliced(start + at + 1);
+  return {start, at + 1};
+}
+
+}  // namespace
+
+QString WithoutCredentials(const QString& text) {
+  const Span credentials = CredentialsIn(text);
+  return text.first(credentials.start) + text.sliced(credentials.start + credentials.length);
+}
+
+QString WithoutPassword(const QString& text) {
+  const Span credentials = CredentialsIn(text);
+  const QStringView user = QStringView(text).sliced(credentials.start, credentials.length);
+  const qsizetype end = FindAnyOf(user, u":@", 0);
+  if (end == 0 || credentials.length == 0) return WithoutCredentials(text);
+  return text.first(credentials.start + end) + u'@' + text.sliced(credentials.start + credentials.length);
 }
 
 namespace {

@@ -46,6 +46,8 @@ TEST(URL, ShowsNoCredentialsInWhateverFormTheyCome) {
   for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/credentials.tsv", 2)) {
     EXPECT_EQ(WithoutCredentials(QString::fromStdString(row[0])).toStdString(), row[1]);
   }
+  EXPECT_EQ(WithoutPassword(QStringLiteral("http://me:p@ss@h/a@b")), u"http://me@h/a@b");
+  EXPECT_EQ(WithoutPassword(QStringLiteral("http://:word@h/")), u"http://h/");
 }
 
 }  // namespace
