@@ -3,7 +3,11 @@
 #include "desktop/Desktop.h"
 
 #include <QApplication>
+#include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
+#include <QProcess>
+#include <QStandardPaths>
 #include <utility>
 
 #include "desktop/Activation.h"
@@ -22,6 +26,12 @@ Desktop::Desktop(const DesktopServices& services)
       outcomes_(pacer_, window_, host_.localizedText),
       pacedIntake_(gate_),
       workLine_(pacer_, window_),
+      workProgress_(
+          pacer_, window_, [this] { return controller_.numberOfRows(); }, [this] { return hasWork(); },
+          [this](const QString& text) {
+            end_ = text;
+            showStanding();
+          }),
       pageLoader_(*host_.pageLoader, *host_.log, gate_, workLine_),
       readStreams_(*host_.readStreams, gate_, workLine_, [this] { rememberUnwantedFile(); }),
       scripts_(host_.scripts, gate_),
@@ -35,6 +45,7 @@ Desktop::Desktop(const DesktopServices& services)
       countTextField_(pacer_, *window_.ui().countTextField,
                       [this] {
                         outcomes_.showWaiting(controller_.numberOfRows());
+                        workProgress_.queueDidChange();
                         followState();
                       }),
       spinner_(pacer_, *window_.ui().spinner),
@@ -90,7 +101,7 @@ app::Outlets Desktop::outlets() {
 
 app::Host Desktop::waitingHost() {
   app::Host host = host_;
-  host.observers = {&notice_, &outcomes_, this};
+  host.observers = {&notice_, &outcomes_, &workProgress_, this};
   host.pageLoader = &pageLoader_;
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;
@@ -183,8 +194,14 @@ void Desktop::connectCommands() {
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
-  bind(ui.actionDelete, ui.deleteButton,
-       [this] { give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); }); });
+  bind(ui.actionDelete, ui.deleteButton, [this] { askDelete(); });
+  bind(ui.actionRemoveDuplicates, nullptr, [this] { give([this] { removeDuplicates(); }); });
+  bind(ui.actionSaveList, nullptr, [this] { saveList(); });
+  bind(ui.actionHelp, nullptr, [this] { showManual(); });
+  QObject::connect(ui.filterField, &QLineEdit::textChanged, &window_, [this](const QString& text) {
+    fileTable_.setFilter(text);
+    followState();
+  });
   bind(ui.actionUndo, nullptr, [this] { give([this] { undo(); }); });
   bind(ui.actionHold, ui.holdButton, [this] { toggleHold(); });
   bind(ui.actionClear, nullptr,
@@ -244,10 +261,14 @@ bool Desktop::windowShouldClose() {
     return true;
   }
   statusOutlet_.beginSheet([this] {
-    auto* box = MakeMessageBox({StatusWindow::tr("Quit Quillforth?"),
-                                StatusWindow::tr("The download in progress and the queue will be lost."),
-                                StatusWindow::tr("Quit"), StatusWindow::tr("Cancel")},
-                               QMessageBox::Question, &window_);
+    const QString lost =
+        workCount() == 0
+            ? StatusWindow::tr("What is under way will be broken off.")
+            : StatusWindow::tr("URLs that will be lost: %1").arg(QLocale().toString(qulonglong{workCount()}));
+    auto* box = MakeMessageBox(
+        {StatusWindow::tr("Quit Quillforth?"), lost, StatusWindow::tr("Quit"), StatusWindow::tr("Stay")},
+        QMessageBox::Question, &window_);
+    PreferStaying(*box);
     QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
       if (IsAccepted(*box)) quit();
     });
@@ -257,7 +278,11 @@ bool Desktop::windowShouldClose() {
 }
 
 bool Desktop::hasWork() const {
-  return controller_.isBusy() || controller_.numberOfRows() > 0 || !pacedIntake_.isEmpty();
+  return workCount() > 0;
+}
+
+std::size_t Desktop::workCount() const {
+  return controller_.numberOfRows() + pacedIntake_.waitingCount() + (controller_.isBusy() ? 1 : 0);
 }
 
 void Desktop::quit() {
@@ -269,11 +294,30 @@ void Desktop::quit() {
 
 void Desktop::showAbout() {
   statusOutlet_.beginSheet([this] {
-    return MakeMessageBox(
-        {StatusWindow::tr("Quillforth %1").arg(QStringLiteral(QUILLFORTH_VERSION)),
-         StatusWindow::tr("Downloads files from the web in batches."), QDialog::tr("OK"), QString()},
-        QMessageBox::Information, &window_);
+    const QString about = StatusWindow::tr("Downloads files from the web in batches.") +
+                          QStringLiteral("\n\n") + StatusWindow::tr("Free software under the MIT licence.") +
+                          QStringLiteral("\nQt ") + QLatin1StringView(qVersion()) + QStringLiteral("\n") +
+                          services_.transferLibrary;
+    auto* box = MakeMessageBox({StatusWindow::tr("Quillforth %1").arg(QStringLiteral(QUILLFORTH_VERSION)),
+                                about, QDialog::tr("OK"), QString()},
+                               QMessageBox::NoIcon, &window_);
+    box->setIconPixmap(QApplication::windowIcon().pixmap(64));
+    return box;
   });
+}
+
+// The viewers of the two large desktops, and then what every desktop has.
+void Desktop::showManual() {
+  const std::pair<const char*, QStringList> viewers[] = {
+      {"yelp", {QStringLiteral("man:quillforth")}},
+      {"khelpcenter", {QStringLiteral("man:/quillforth")}},
+      {"x-terminal-emulator", {QStringLiteral("-e"), QStringLiteral("man"), QStringLiteral("quillforth")}}};
+  for (const auto& [program, arguments] : viewers) {
+    const QString path = QStandardPaths::findExecutable(QLatin1StringView(program));
+    if (!path.isEmpty() && QProcess::startDetached(path, arguments)) return;
+  }
+  statusOutlet_.beginAlertSheet(StatusWindow::tr("There is no program here to show the manual with."),
+                                StatusWindow::tr("A terminal shows it with: man quillforth"));
 }
 
 std::array<Desktop::Place, 3> Desktop::places() {

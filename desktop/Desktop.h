@@ -34,6 +34,7 @@
 #include "desktop/Waiting.h"
 #include "desktop/WidgetOutlets.h"
 #include "desktop/WorkLine.h"
+#include "desktop/WorkProgress.h"
 
 namespace quillforth::desktop {
 
@@ -48,6 +49,7 @@ struct DesktopServices {
   /// Holds just the ends of downloads back, or tells them.
   std::function<void(bool isHeld)> holdEnds;
   QString settingsFile;            ///< absolute path
+  QString transferLibrary{};       ///< with its version, for people
   std::function<bool()> isStored;  ///< whether all that was set is in that file
   /// May be called from any thread. Null: it cannot be switched.
   std::shared_ptr<platform::SessionAccessibility> accessibility = nullptr;
@@ -93,6 +95,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void windowDidBecomeKey() override;
   bool windowShouldClose() override;
   void controllerMovedOn() override;
+  void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
   void urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) override;
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
   void pageDidNotLoad(const QString& url, const QString& reason) override;
@@ -121,6 +124,10 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void undo();
   void toggleHold();
   void setHeld(bool isHeld);
+  void showStanding();
+  void askDelete();
+  void removeDuplicates();
+  void saveList();
   /// Which commands for the queue there are at the moment.
   void followState();
   void importPage();
@@ -152,7 +159,10 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   [[nodiscard]] CompletionNoticeServices noticeServices();
   /// Something waits or is being downloaded.
   [[nodiscard]] bool hasWork() const;
+  /// How many URLs wait or are being downloaded.
+  [[nodiscard]] std::size_t workCount() const;
   void showAbout();
+  void showManual();
   /// A window, and where its place is kept in the settings, as Qt describes it.
   struct Place {
     const char* key;
@@ -176,6 +186,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   Outcomes outcomes_;
   PacedIntake pacedIntake_;
   WorkLine workLine_;
+  WorkProgress workProgress_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   WaitingScriptHost scripts_;
@@ -213,6 +224,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   std::deque<UndoStep> undoSteps_;
   QString undoText_;  // of the command that runs; null: it cannot be undone
   bool isHeld_ = false;
+  QString end_;  // what there is to say of the work that has ended
   /// What there was before a cancelled question makes a file of its URL.
   struct BeforeFile {
     int startedCount;

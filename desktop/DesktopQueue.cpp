@@ -3,11 +3,18 @@
 // What the user does with the queue: what is thrown away and brought back, held, cancelled and taken up
 // again, and which of these commands there are at the moment.
 
+#include <QFileDialog>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QSaveFile>
+#include <QSet>
 #include <utility>
 
 #include "app/UrlQueue.h"
 #include "desktop/Desktop.h"
+#include "desktop/MessageSheets.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -32,11 +39,74 @@ void Desktop::importPage() {
   doUndoably(StatusWindow::tr("&Undo Import"), [this] { controller_.importURL(importOutlet_); });
 }
 
+// What a filter hides goes with the rest when nothing is selected, so that is asked for.
+void Desktop::askDelete() {
+  const Entries entries = fileTable_.selectedEntries();
+  if (!entries.empty() || !fileTable_.isFiltered()) {
+    return give([this, entries] { deleteEntries(entries); });
+  }
+  statusOutlet_.beginSheet([this] {
+    const QLocale locale;
+    auto* box = MakeMessageBox({StatusWindow::tr("Delete all URLs of the queue?"),
+                                StatusWindow::tr("All: %1. Shown by the filter: %2.")
+                                    .arg(locale.toString(qulonglong{controller_.numberOfRows()}),
+                                         locale.toString(fileTable_.shownCount())),
+                                StatusWindow::tr("Delete All"), StatusWindow::tr("Cancel")},
+                               QMessageBox::Question, &window_);
+    PreferStaying(*box);
+    QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
+      if (IsAccepted(*box)) give([this] { deleteEntries({}); });
+    });
+    return box;
+  });
+}
+
+// The first of equal ones stays.
+void Desktop::removeDuplicates() {
+  Entries duplicates;
+  QSet<QString> seen;
+  for (std::size_t row = 0; row < controller_.numberOfRows(); ++row) {
+    const qsizetype before = seen.size();
+    seen.insert(controller_.objectValueForRow(row));
+    const std::uint64_t identifier = controller_.identifierOfRow(row);
+    if (seen.size() == before) duplicates.push_back({identifier, identifier});
+  }
+  if (duplicates.empty()) return application_.beep();
+  doUndoably(StatusWindow::tr("&Undo Remove Duplicates"), [this, &duplicates] {
+    fileTable_.runFor(duplicates, [this] { controller_.deleteButtonClicked(); });
+  });
+}
+
+// A URL has no line break; a text that has one, and makes no URL, is to stay one line.
+void Desktop::saveList() {
+  const auto save = [this](const QString& path) {
+    QSaveFile file(path);
+    file.open(QIODevice::WriteOnly);
+    const auto write = [&file](QString url) {
+      file.write(url.replace(u'\n', u' ').replace(u'\r', u' ').toUtf8() + '\n');
+    };
+    for (std::size_t row = 0; row < controller_.numberOfRows(); ++row)
+      write(controller_.objectValueForRow(row));
+    for (const QString& url : outcomes_.failedURLs()) write(url);
+    if (file.commit()) return;
+    statusOutlet_.beginAlertSheet(StatusWindow::tr("The list could not be saved."), file.errorString());
+  };
+  statusOutlet_.beginSheet([this, save] {
+    auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Save List"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    dialog->selectFile(QStringLiteral("urls.txt"));
+    QObject::connect(dialog, &QFileDialog::fileSelected, &window_, save);
+    return dialog;
+  });
+}
+
 // Given with nothing selected it means all of them, also when something is selected by now.
 void Desktop::deleteEntries(const Entries& entries) {
   if (!entries.empty() && !fileTable_.isAnyQueued(entries)) return;
   doUndoably(StatusWindow::tr("&Undo Delete"),
              [this, &entries] { fileTable_.runFor(entries, [this] { controller_.deleteButtonClicked(); }); });
+  if (!entries.empty()) fileTable_.selectFrom(entries.front().first);
 }
 
 void Desktop::tryAgain(const Entries& head) {
@@ -74,6 +144,10 @@ void Desktop::controllerMovedOn() {
   followState();
 }
 
+void Desktop::downloadFailed(const app::DownloadProgress& progress, const QString& /*reason*/) {
+  if (preferences_.showAlertsWhenErrorsOccur()) statusOutlet_.expectFailure(progress.url);
+}
+
 void Desktop::urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) {
   if (undoText_.isNull()) return;
   undoSteps_.push_back({undoText_, urls});
@@ -101,8 +175,12 @@ void Desktop::setHeld(bool isHeld) {
   const Ui::StatusWindow& ui = window_.ui();
   ui.actionHold->setText(isHeld ? StatusWindow::tr("&Continue") : StatusWindow::tr("&Hold"));
   ui.holdButton->setText(isHeld ? StatusWindow::tr("Contin&ue") : StatusWindow::tr("Ho&ld"));
+  showStanding();
+}
+
+void Desktop::showStanding() {
   workLine_.setStanding(
-      isHeld ? StatusWindow::tr("On hold: nothing more is started until you press Continue.") : QString());
+      isHeld_ ? StatusWindow::tr("On hold: nothing more is started until you press Continue.") : end_);
 }
 
 // Commands that wait may change it all, so what may make sense after them can be given.
@@ -116,6 +194,9 @@ void Desktop::followState() {
   ui.actionClear->setEnabled(isWork);
   if (!controller_.isBusy()) setHeld(false);
   holdButton_.setEnabled(controller_.isBusy());
+  ui.filterLabel->setText(StatusWindow::tr("%1 of %2 shown")
+                              .arg(QLocale().toString(fileTable_.shownCount()),
+                                   QLocale().toString(qulonglong{controller_.numberOfRows()})));
   ui.actionUndo->setEnabled(gate_.hasWaiting() || !undoSteps_.empty());
   ui.actionUndo->setText(undoSteps_.empty() ? StatusWindow::tr("&Undo") : undoSteps_.back().text);
 }

@@ -233,6 +233,12 @@ QStringList Outcomes::selectedURLs() const {
   return urls;
 }
 
+QStringList Outcomes::failedURLs() const {
+  QStringList urls;
+  for (int row = 0; row < failed_.rowCount(); ++row) urls.append(QString::fromUtf8(failed_.at(row).url));
+  return urls;
+}
+
 std::vector<Outcome> Outcomes::takeFailures(std::size_t limit) {
   RowRanges wanted = SelectedRows(*ui_.failedTable);
   if (wanted.empty()) wanted = {{0, failed_.rowCount() - 1}};

@@ -41,6 +41,7 @@ class Outcomes final : public QObject, public app::ControllerObserver {
   void showWaiting(std::size_t count);
   /// The URLs of the rows that are selected under "Finished" or "Failed", whichever is shown.
   [[nodiscard]] QStringList selectedURLs() const;
+  [[nodiscard]] QStringList failedURLs() const;
   /// Removes what can be queued again of the selected failures, or of all when none is selected: the first of
   /// them whose URLs have no more than `limit` bytes together.
   [[nodiscard]] std::vector<Outcome> takeFailures(std::size_t limit);

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "desktop/ShownText.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
@@ -152,7 +153,7 @@ int QueueModel::columnCount(const QModelIndex& parent) const {
 QVariant QueueModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
   if (role == Qt::DisplayRole) return ShownText(url(index.row()), kLongestShownURL);
-  if (role == Qt::ToolTipRole) return ToolTipText(url(index.row()));
+  if (role == Qt::ToolTipRole) return ToolTipText(platform::WithoutPassword(url(index.row())));
   return {};
 }
 

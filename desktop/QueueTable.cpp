@@ -2,17 +2,61 @@
 
 #include "desktop/QueueTable.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHeaderView>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
+
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
 namespace {
 
 constexpr int kRowPadding = 6;  // above and below the text together
+constexpr float kMuted = 0.62F;
+constexpr int kInvitationIcon = 48;
+
+// Where the last part of a URL begins: what is behind the last "/" that something stands behind.
+qsizetype LastPart(const QString& url) {
+  const qsizetype end = url.endsWith(u'/') ? url.size() - 2 : url.size() - 1;
+  return end < 0 ? 0 : url.lastIndexOf(u'/', end) + 1;
+}
+
+/// Draws the last part of a URL as usual and the rest muted, and no password.
+class URLDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index) const override {
+    QStyleOptionViewItem option = given;
+    initStyleOption(&option, index);
+    const QString url = std::exchange(option.text, {});
+    const QStyle* style = option.widget->style();
+    style->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
+    QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+    const QString shown =
+        option.fontMetrics.elidedText(platform::WithoutPassword(url), Qt::ElideMiddle, room.width());
+    const qsizetype last = LastPart(shown);
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    const auto group = option.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
+    QColor color = option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text);
+    painter->save();
+    painter->setFont(option.font);
+    painter->setPen(color);
+    const int headWidth = option.fontMetrics.horizontalAdvance(shown, static_cast<int>(last));
+    painter->drawText(room.adjusted(headWidth, 0, 0, 0), Qt::AlignVCenter | Qt::TextSingleLine,
+                      shown.sliced(last));
+    color.setAlphaF(kMuted);
+    painter->setPen(color);
+    painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine, shown.first(last));
+    painter->restore();
+  }
+};
 
 }  // namespace
 
@@ -74,12 +118,19 @@ void QueueTable::paintInvitation() {
   large.setPointSizeF(large.pointSizeF() * 1.3);
   painter.setFont(large);
   painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect(), static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  const QRect room = viewport()->rect();
+  const QRect text =
+      painter.boundingRect(room, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  painter.drawText(text, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  const QRect icon(room.center().x() - kInvitationIcon / 2, text.top() - kInvitationIcon * 5 / 4,
+                   kInvitationIcon, kInvitationIcon);
+  if (icon.top() > 0) QApplication::windowIcon().paint(&painter, icon);
 }
 
 TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)
     : table_(table), reload_(pacer, [this] { catchUp(); }), selection_(pacer, std::move(selectionDidChange)) {
   table_.setModel(&model_);
+  table_.setItemDelegate(new URLDelegate(&table_));
   QObject::connect(table_.selectionModel(), &QItemSelectionModel::selectionChanged, &table_,
                    [this] { selectionChanged(); });
   QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_,
@@ -160,6 +211,12 @@ void TableOutlet::runFor(const Entries& entries, const std::function<void()>& co
   target_ = entries;
   command();
   target_.reset();
+}
+
+void TableOutlet::selectFrom(std::uint64_t identifier) {
+  reload_.flush();
+  const int row = std::min(model_.firstRowFrom(identifier), model_.rowCount() - 1);
+  if (row >= 0 && !table_.selectionModel()->hasSelection()) table_.selectRow(row);
 }
 
 QStringList TableOutlet::selectedURLs() const {

@@ -40,7 +40,7 @@ class QueueTable final : public QTableView {
   void followFont();
   void paintInvitation();
 
-  QString invitation_ = tr("Drop URLs here");
+  QString invitation_ = tr("Drop or paste URLs here");
   bool isDropHighlighted_ = false;
 };
 
@@ -80,6 +80,8 @@ class TableOutlet final : public app::TableView {
   [[nodiscard]] bool isAnyQueued(const Entries& entries) const;
   /// Does `command` for these: it finds what is left of them selected when it asks, once, and else nothing.
   void runFor(const Entries& entries, const std::function<void()>& command);
+  /// Selects the first row from this entry on, or else the last, unless something is selected.
+  void selectFrom(std::uint64_t identifier);
   /// Of what is selected and waits still.
   [[nodiscard]] QStringList selectedURLs() const;
 

@@ -205,6 +205,24 @@ TEST_F(CommandsTest, UndoBringsBackInOrderAndHoldKeepsAllWhileAFileEnds) {
   EXPECT_TRUE(comesTo("209|1"));
 }
 
+TEST_F(CommandsTest, UnderAFilterDeletingAllIsAskedForAndDuplicatesGoWhereverTheyAre) {
+  beginGatedDownload();
+  fillQueue();
+  for (const char* path : {"/slow2", "/slow0"}) desktop_.controller().queueURL(url(path));
+  find<QLineEdit>("filterField").setText(QStringLiteral("slow1"));
+  EXPECT_FALSE(table_.selectionModel()->hasSelection());
+  trigger("actionRemoveDuplicates");
+  ASSERT_TRUE(comesTo("012|n"));
+  for (const bool isWanted : {false, true}) {
+    find<QAction>("actionDelete").setEnabled(true);
+    trigger("actionDelete");
+    auto* question = window().findChild<QMessageBox*>();
+    ASSERT_NE(question, nullptr);
+    isWanted ? question->buttons().first()->click() : question->reject();
+    EXPECT_TRUE(comesTo(isWanted ? "|n" : "012|n"));
+  }
+}
+
 TEST_F(CommandsTest, ADoubleClickIsOneCommand) {
   beginGatedDownload();
   fillQueue();
