@@ -132,7 +132,7 @@
     </message>
     <message>
         <source>%d urls queued</source>
-        <translation>URLs in der Warteschlange: %d</translation>
+        <translation>Wartende URLs: %d</translation>
     </message>
     <message>
         <source>The server asks for a user name and a password.</source>
@@ -350,10 +350,6 @@
         <translation>Zeigt die Warteschlange, sobald neue URLs da sind.</translation>
     </message>
     <message>
-        <source>&amp;Bring the status window forward</source>
-        <translation>&amp;Statusfenster anzeigen</translation>
-    </message>
-    <message>
         <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
         <translation>Bringt das Statusfenster auch vor die Fenster anderer Programme. Gilt nur, solange das Statusfenster angezeigt wird.</translation>
     </message>
@@ -488,6 +484,10 @@
     <message>
         <source>Browsers</source>
         <translation>Browser</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward when URLs come in</source>
+        <translation>&amp;Statusfenster bei neuen URLs anzeigen</translation>
     </message>
 </context>
 <context>
@@ -757,7 +757,7 @@
     </message>
     <message>
         <source>&amp;Stop and Clear</source>
-        <translation>&amp;Stoppen und leeren</translation>
+        <translation>Rest &amp;verwerfen</translation>
     </message>
     <message>
         <source>Stop after the file that is being downloaded, and throw the rest of the queue away</source>
@@ -1160,7 +1160,7 @@
     </message>
     <message>
         <source>Contin&amp;ue</source>
-        <translation>&amp;Weiter</translation>
+        <translation>W&amp;eiter</translation>
     </message>
     <message>
         <source>Ho&amp;ld</source>

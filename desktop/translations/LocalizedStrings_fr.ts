@@ -350,10 +350,6 @@
         <translation>Affiche la file d’attente dès que des URL arrivent.</translation>
     </message>
     <message>
-        <source>&amp;Bring the status window forward</source>
-        <translation>A&amp;fficher la fenêtre d’état</translation>
-    </message>
-    <message>
         <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
         <translation>Place la fenêtre d’état aussi devant celles des autres programmes. Sans effet si la fenêtre d’état n’est pas affichée.</translation>
     </message>
@@ -488,6 +484,10 @@
     <message>
         <source>Browsers</source>
         <translation>Navigateurs</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward when URLs come in</source>
+        <translation>A&amp;fficher la fenêtre d’état à l’arrivée d’URL</translation>
     </message>
 </context>
 <context>

@@ -107,6 +107,19 @@ TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {
   EXPECT_EQ(files(), QString());
 }
 
+TEST_F(WaitingTest, AFileOnHoldWhenTheProgramQuitsStaysWithItsComment) {
+  ASSERT_TRUE(drop("/half-gated.bin"));
+  ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
+  trigger("actionHold");
+  mayAnswer_ = true;
+  EXPECT_TRUE(RunLoopUntil([] { return files() == u"half-gated.bin"; }));
+  QApplication::processEvents();
+  EXPECT_TRUE(desktop_.controller().isDownloading());
+  desktop_.quit();
+  stays = folder() + QStringLiteral("/half-gated.bin");
+  comment = server_.url("/half-gated.bin");
+}
+
 TEST_F(WaitingTest, AFileThatIsThereWhenTheProgramQuitsStaysWithItsComment) {
   ASSERT_TRUE(drop("/half-gated.bin"));
   ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
