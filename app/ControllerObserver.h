@@ -9,10 +9,13 @@
 #include <QString>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "platform/LocalizedStrings.h"
 
 namespace quillforth::app {
+
+class UrlQueue;
 
 /// Why a text that makes no URL is not taken.
 [[nodiscard]] inline QString InvalidURLReason() {
@@ -41,11 +44,15 @@ class ControllerObserver {
   virtual void urlWasRefused(const QString& /*text*/) {}
   /// There was no connection, and the URL is lost.
   virtual void urlWasLost(const QString& /*url*/) {}
-  /// These four come before the controller acts on it.
+  /// The user has taken these out of the queue. Never without any.
+  virtual void urlsWereDiscarded(const std::shared_ptr<const UrlQueue>& /*urls*/) {}
+  /// These five come before the controller acts on it.
   virtual void downloadBegan(const DownloadProgress& /*progress*/) {}
   virtual void downloadReceived(const DownloadProgress& /*progress*/) {}
   virtual void downloadFinished(const DownloadProgress& /*progress*/) {}
   virtual void downloadFailed(const DownloadProgress& /*progress*/, const QString& /*reason*/) {}
+  /// The user has given it up.
+  virtual void downloadCancelled(const DownloadProgress& /*progress*/) {}
   /// A download has begun, ended or been cancelled, and the controller has acted on it.
   virtual void controllerMovedOn() {}
 };

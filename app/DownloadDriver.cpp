@@ -80,7 +80,8 @@ MyAppController::InFlight MyAppController::takeInFlight(const platform::WebDownl
 void MyAppController::cancelDownloadFile() {
   if (fileWebDownload_) {
     fileWebDownload_->cancel();
-    takeInFlight(*fileWebDownload_);
+    const InFlight cancelled = takeInFlight(*fileWebDownload_);
+    if (cancelled.download) tell(&ControllerObserver::downloadCancelled, cancelled.progress);
   }
   hideProgressArea();
   setDownloading(false);

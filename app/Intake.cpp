@@ -44,7 +44,7 @@ QString DraggedString(const Pasteboard& pasteboard) {
 void MyAppController::importURL(Window& sender) {
   QString url = outlets_.urlTextField.stringValue();
   if (!url.isEmpty()) {
-    urlList_.clear();
+    discard(urlList_.takeAll());
     queueDidChange();
     if (!url.startsWith(QStringLiteral("http://")) && !url.startsWith(QStringLiteral("https://"))) {
       url.prepend(QStringLiteral("http://"));

@@ -27,7 +27,7 @@ void MyAppController::awakeFromNib() {
   outlets_.deleteButton.setEnabled(false);  // nothing is selected yet
   const std::optional<QString> sound = host_.mainBundle->pathForResource(QStringLiteral("harp.aif"));
   if (sound) harpSound_ = host_.sounds->load(*sound);
-  urlList_.clear();
+  static_cast<void>(urlList_.takeAll());
   isDownloading_ = false;
   outlets_.fileTable.registerForDraggedTypes(
       {QString::fromLatin1(kURLPasteboardType), QString::fromLatin1(kStringPasteboardType)});

@@ -54,6 +54,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   // Queue and table (Queue.cpp).
   /// Of these, `page` is the URL of the page that `url` was found on; null: none.
   void queueURL(const QString& url, const QString& page = {});
+  void queueURLs(const UrlQueue& urls);
   void updateCountTextField();
   [[nodiscard]] std::size_t numberOfRows() const override;
   [[nodiscard]] QString objectValueForRow(std::size_t row) const override;
@@ -157,6 +158,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   void hideProgressArea();
   void queueDidChange();
   void showQueue();
+  /// Tells of what the user has thrown away.
+  void discard(UrlQueue urls);
   /// Tells the download service what is to be started next.
   void expectNextURLs();
   [[nodiscard]] platform::WebDownloadRequest requestFor(const platform::URL& url, const QString& page) const;

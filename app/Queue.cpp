@@ -3,6 +3,8 @@
 // The controller's URL queue: its table, the commands that edit it, and how the next URL is started.
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "app/MyAppController.h"
 #include "platform/LocalizedStrings.h"
@@ -12,6 +14,16 @@ namespace quillforth::app {
 void MyAppController::queueURL(const QString& url, const QString& page) {
   urlList_.append(url, page);
   queueDidChange();
+}
+
+void MyAppController::queueURLs(const UrlQueue& urls) {
+  urlList_.append(urls);
+  queueDidChange();
+}
+
+void MyAppController::discard(UrlQueue urls) {
+  if (urls.empty()) return;
+  tell(&ControllerObserver::urlsWereDiscarded, std::make_shared<const UrlQueue>(std::move(urls)));
 }
 
 void MyAppController::updateCountTextField() {
@@ -48,16 +60,16 @@ void MyAppController::tableViewSelectionDidChange() {
 void MyAppController::deleteButtonClicked() {
   const std::vector<std::size_t> selected = outlets_.fileTable.selectedRowIndexes();
   if (selected.empty()) {
-    urlList_.clear();  // without a selection the button means all of them
+    discard(urlList_.takeAll());  // without a selection the button means all of them
   } else {
-    urlList_.removeAt(selected);
+    discard(urlList_.takeAt(selected));
   }
   if (urlList_.empty()) outlets_.deleteButton.setEnabled(false);
   queueDidChange();
 }
 
 void MyAppController::clearQueue() {
-  urlList_.clear();
+  discard(urlList_.takeAll());
   outlets_.spinner.stopAnimation();
   outlets_.deleteButton.setEnabled(false);
   if (preferences_.aggregateFiles()) aggregateDestination();

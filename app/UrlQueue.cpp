@@ -77,18 +77,27 @@ UrlQueue::Taken UrlQueue::takeFirst() {
   return taken;
 }
 
-void UrlQueue::removeAt(std::span<const std::size_t> indexes) {
+UrlQueue UrlQueue::takeAll() {
+  UrlQueue taken;
+  taken.entries_.swap(entries_);
+  return taken;
+}
+
+UrlQueue UrlQueue::takeAt(std::span<const std::size_t> indexes) {
+  UrlQueue taken;
   std::size_t kept = 0;
   auto next = indexes.begin();
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     if (next != indexes.end() && *next == i) {
       ++next;
+      taken.entries_.push_back(std::move(entries_[i]));
       continue;
     }
     if (kept != i) entries_[kept] = std::move(entries_[i]);
     ++kept;
   }
   entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(kept), entries_.end());
+  return taken;
 }
 
 }  // namespace quillforth::app

@@ -44,9 +44,9 @@ class UrlQueue {
   [[nodiscard]] Taken entryAt(std::size_t index) const;
   /// The queue is not empty.
   [[nodiscard]] Taken takeFirst();
-  /// `indexes`: ascending; those beyond the end are ignored.
-  void removeAt(std::span<const std::size_t> indexes);
-  void clear() { entries_.clear(); }
+  /// Removes these, and hands them over. `indexes`: ascending; those beyond the end are ignored.
+  UrlQueue takeAt(std::span<const std::size_t> indexes);
+  UrlQueue takeAll();
 
  private:
   enum class Encoding : std::uint8_t { utf8, utf16 };

@@ -184,6 +184,7 @@ int main(int argc, char** argv) {
       {.makeHost = [&](app::Application& asked) { return services.host(asked, network); },
        .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
+       .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
        .settingsFile = services.userDefaults().fileName(),
        .isStored = [] { return true; }});
   program.start();

@@ -55,6 +55,7 @@ void RunProgram(const Run& run, const tests::RawServer& server, const QStringLis
       {.makeHost = [&](app::Application& asked) { return host.host(asked); },
        .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
+       .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
        .settingsFile = services.userDefaults().fileName(),
        .isStored = [&] { return services.userDefaults().isStored(); }});
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);

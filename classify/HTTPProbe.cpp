@@ -44,7 +44,7 @@ int CHTTPProbe::start(const char* url, const char* userAgent, const char* userNa
   } catch (const std::system_error& error) {
     return error.code().value();
   }
-  if (waitForCompletion_) streams_.join(worker_);
+  if (waitForCompletion_) streams_.join(worker_, url_.view());
   return 0;
 }
 

@@ -3,9 +3,13 @@
 #include "desktop/AddSheet.h"
 
 #include <QDialogButtonBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <chrono>
 #include <initializer_list>
 
 #include "desktop/MimePasteboard.h"
@@ -17,6 +21,8 @@ namespace {
 
 constexpr qsizetype kMostHostsListed = 5;
 constexpr qsizetype kLongestHostListed = 60;
+constexpr int kShortText = 1 << 16;
+constexpr std::chrono::milliseconds kPause(300);
 
 bool LooksLikeHost(const QString& line) {
   static const QRegularExpression host(
@@ -80,6 +86,12 @@ AddSheet::AddSheet(const QString& text, QWidget* parent)
   auto* buttons = new QDialogButtonBox(this);
   add_ = buttons->addButton(tr("&Add"), QDialogButtonBox::AcceptRole);
   buttons->addButton(tr("&Cancel"), QDialogButtonBox::RejectRole);
+  QPushButton* open = buttons->addButton(tr("&Open List…"), QDialogButtonBox::ActionRole);
+  open->setToolTip(tr("Add the lines of a file"));
+  connect(open, &QPushButton::clicked, this, &AddSheet::askForList);
+  parse_.setSingleShot(true);
+  parse_.setInterval(kPause);
+  connect(&parse_, &QTimer::timeout, this, &AddSheet::parse);
   setLayout(new QVBoxLayout);
   for (QWidget* row : std::initializer_list<QWidget*>{label, text_, hosts_, buttons})
     layout()->addWidget(row);
@@ -87,11 +99,43 @@ AddSheet::AddSheet(const QString& text, QWidget* parent)
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(text_, &QPlainTextEdit::textChanged, this, &AddSheet::followText);
   text_->setPlainText(text);
-  followText();
+  parse();
   resize(520, 300);
 }
 
 void AddSheet::followText() {
+  if (text_->document()->characterCount() <= kShortText) return parse();
+  add_->setEnabled(false);
+  parse_.start();
+}
+
+void AddSheet::askForList() {
+  auto* dialog = new QFileDialog(this, tr("Open List"));
+  dialog->setFileMode(QFileDialog::ExistingFile);
+  connect(dialog, &QFileDialog::fileSelected, this, &AddSheet::openList);
+  connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
+  dialog->open();
+}
+
+void AddSheet::openList(const QString& path) {
+  QFile file(path);
+  const bool isOpen = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+  const QByteArray bytes = isOpen ? file.read(kMaxLength + 1) : QByteArray();
+  if (!isOpen || file.error() != QFileDevice::NoError) {
+    hosts_->setText(tr("The list could not be read: %1").arg(file.errorString()));
+    return hosts_->show();
+  }
+  if (bytes.size() > kMaxLength) {
+    hosts_->setText(tr("That is too much at a time."));
+    return hosts_->show();
+  }
+  const QString text = text_->toPlainText();
+  const bool isLineEnded = text.isEmpty() || text.endsWith(u'\n');
+  text_->setPlainText(text + (isLineEnded ? QString() : QString(u'\n')) + QString::fromUtf8(bytes));
+}
+
+void AddSheet::parse() {
+  parse_.stop();
   const bool isTooLong = text_->document()->characterCount() > kMaxLength;
   typed_ = isTooLong ? TypedURLs() : TypedURLs::in(text_->toPlainText());
   QStringList lines;

@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStringList>
+#include <QTimer>
 
 namespace quillforth::desktop {
 
@@ -26,7 +27,8 @@ class AddSheet final : public QDialog {
   Q_OBJECT
 
  public:
-  static constexpr qsizetype kMaxLength = 1 << 20;  ///< of the text, in UTF-16 units
+  static constexpr qsizetype kMaxLength = 16
+                                          << 20;  ///< of the text, in UTF-16 units, and of a file, in bytes
 
   /// `text` stands in it when it opens.
   AddSheet(const QString& text, QWidget* parent);
@@ -35,10 +37,15 @@ class AddSheet final : public QDialog {
 
  private:
   void followText();
+  void parse();
+  void askForList();
+  /// Puts what stands in the file behind the text.
+  void openList(const QString& path);
 
   QPlainTextEdit* text_;
   QLabel* hosts_;
   QPushButton* add_;
+  QTimer parse_;  // a long text is not read with every letter
   TypedURLs typed_;
 };
 

@@ -28,6 +28,7 @@ void CommandGate::runNext() {
   waiting_.pop_front();
   isRunning_ = true;
   command();
+  wasDone_();
   isRunning_ = false;
   scheduleNext();
 }

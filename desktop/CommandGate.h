@@ -42,9 +42,13 @@ class CommandGate {
   [[nodiscard]] bool isClosed() const { return isClosed_; }
   /// A command runs or is waited for.
   [[nodiscard]] bool isBusy() const { return isRunning_ || holds_ > 0 || !waiting_.empty(); }
+  /// A command waits for its turn.
+  [[nodiscard]] bool hasWaiting() const { return !waiting_.empty(); }
   /// Whether a download was asked for, and has not begun. `goOn` is to be called when it has.
   void waitWhile(std::function<bool()> isBeginning) { isBeginning_ = std::move(isBeginning); }
   void goOn() { scheduleNext(); }
+  /// Called when a command has returned, before the next one and before any callback of a download.
+  void afterEach(std::function<void()> hear) { wasDone_ = std::move(hear); }
   /// Called with true when downloads may not call back any more, and with false when they may again.
   void whenDownloadsAreHeld(std::function<void(bool isHeld)> hear) { downloadsAreHeld_ = std::move(hear); }
 
@@ -76,6 +80,7 @@ class CommandGate {
   std::deque<Command> waiting_;
   std::function<void(bool)> downloadsAreHeld_ = [](bool) {};
   std::function<bool()> isBeginning_ = [] { return false; };
+  std::function<void()> wasDone_ = [] {};
   QTimer next_;            // zero seconds
   int holds_ = 0;          // of both kinds
   int downloadHolds_ = 0;  // of these

@@ -11,8 +11,10 @@
 
 #include <QString>
 #include <array>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/Host.h"
 #include "app/MyAppController.h"
@@ -31,6 +33,8 @@
 #include "desktop/StatusWindow.h"
 #include "desktop/Waiting.h"
 #include "desktop/WidgetOutlets.h"
+#include "desktop/WorkLine.h"
+#include "desktop/WorkProgress.h"
 
 namespace quillforth::desktop {
 
@@ -42,7 +46,10 @@ struct DesktopServices {
   std::function<void(bool isHeld)> holdDownloads;
   /// Makes blocking transfers give up: the program ends.
   std::function<void()> interrupt;
+  /// Holds just the ends of downloads back, or tells them.
+  std::function<void(bool isHeld)> holdEnds;
   QString settingsFile;            ///< absolute path
+  QString transferLibrary{};       ///< with its version, for people
   std::function<bool()> isStored;  ///< whether all that was set is in that file
   /// May be called from any thread. Null: it cannot be switched.
   std::shared_ptr<platform::SessionAccessibility> accessibility = nullptr;
@@ -87,7 +94,9 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void drop(const QMimeData& data) override;
   void windowDidBecomeKey() override;
   bool windowShouldClose() override;
-  void controllerMovedOn() override { gate_.goOn(); }
+  void controllerMovedOn() override;
+  void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
+  void urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) override;
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
   void pageDidNotLoad(const QString& url, const QString& reason) override;
   void urlWasLost(const QString& /*url*/) override { wasURLLost_ = true; }
@@ -103,15 +112,30 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void give(CommandGate::Command command);
   /// Nothing when the command that was given last has the same purpose and is still to be done: it is pressed
   /// again because nothing has happened yet. Else that command is to be done as long as the result lives.
-  [[nodiscard]] std::shared_ptr<const QString> begin(const QString& purpose);
+  using Given = std::shared_ptr<const QString>;
+  [[nodiscard]] Given begin(const QString& purpose);
   void giveOnce(const QString& purpose, CommandGate::Command command);
   /// Posts the command unless it is posted already.
   void keepUpToDate(bool& isPosted, Command command);
   /// For one that empties the queue.
-  void giveToAll(Command command);
+  void giveToAll(Command command, const QString& undoText);
+  /// A step of this text brings back what the command throws away.
+  void doUndoably(const QString& undoText, const std::function<void()>& command);
+  void undo();
+  void toggleHold();
+  void setHeld(bool isHeld);
+  void showStanding();
+  void askDelete();
+  void removeDuplicates();
+  void saveList();
+  /// Which commands for the queue there are at the moment.
+  void followState();
   void importPage();
   void deleteEntries(const Entries& entries);
   void tryAgain(const Entries& head);
+  [[nodiscard]] std::uint64_t nextIdentifier() const;
+  void rememberUnwantedFile() { beforeUnwantedFile_ = {controller_.startedCount(), nextIdentifier()}; }
+  void takeOutUnwantedFile();
   /// `download`: by how many had been started.
   void cancelDownload(int download);
   void chooseDestination();
@@ -125,6 +149,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   struct TypedBatch;
   void take(const std::shared_ptr<TypedBatch>& batch);
   void takeNext(TypedBatch& batch);
+  /// Has `item` done in its turn; `texts` is what it takes, and without any it is nothing.
+  void add(const Given& given, const QStringList& texts, const PacedIntake::Item& item);
   void tellTooMuch();
   void queueFiles(const QStringList& urls);
   void tellRefused(const QStringList& lines);
@@ -133,7 +159,10 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   [[nodiscard]] CompletionNoticeServices noticeServices();
   /// Something waits or is being downloaded.
   [[nodiscard]] bool hasWork() const;
+  /// How many URLs wait or are being downloaded.
+  [[nodiscard]] std::size_t workCount() const;
   void showAbout();
+  void showManual();
   /// A window, and where its place is kept in the settings, as Qt describes it.
   struct Place {
     const char* key;
@@ -152,9 +181,12 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   StatusWindow window_;
   DesktopApplication application_;
   app::Host host_;
+  app::Preferences preferences_;
   CompletionNotice notice_;
   Outcomes outcomes_;
   PacedIntake pacedIntake_;
+  WorkLine workLine_;
+  WorkProgress workProgress_;
   WaitingPageLoader pageLoader_;
   WaitingReadStreams readStreams_;
   WaitingScriptHost scripts_;
@@ -173,6 +205,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   ButtonOutlet fileDownloadCancelButton_;
   ButtonOutlet deleteButton_;
   ButtonOutlet stopButton_;
+  ButtonOutlet startNextButton_;
+  ButtonOutlet holdButton_;
   ButtonOutlet openOutputFolderButton_;
   TableOutlet fileTable_;
   app::MyAppController controller_;
@@ -183,6 +217,20 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   int shownDownload_ = 0;                // by how many had been started
   int pressedDownload_ = 0;              // the one that was shown when the button to cancel it went down
   bool wasURLLost_ = false;              // since it was set to false
+  struct UndoStep {
+    QString text;  ///< of its menu entry
+    std::shared_ptr<const app::UrlQueue> urls;
+  };
+  std::deque<UndoStep> undoSteps_;
+  QString undoText_;  // of the command that runs; null: it cannot be undone
+  bool isHeld_ = false;
+  QString end_;  // what there is to say of the work that has ended
+  /// What there was before a cancelled question makes a file of its URL.
+  struct BeforeFile {
+    int startedCount;
+    std::uint64_t nextIdentifier;
+  };
+  std::optional<BeforeFile> beforeUnwantedFile_;
   bool isBecomingKey_ = false;
   bool isBecomingActive_ = false;
 };

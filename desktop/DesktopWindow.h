@@ -7,7 +7,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QMessageBox>
 #include <QPointer>
+#include <QStringList>
 #include <deque>
 #include <optional>
 
@@ -20,6 +22,8 @@ class DesktopWindow : public app::Window {
  public:
   /// Alert sheets that wait for the one that is shown; the rest is dropped. The log has what they say.
   static constexpr std::size_t kMaxWaitingAlerts = 100;
+  /// Failures that are listed in their sheet; more are counted.
+  static constexpr qsizetype kMaxListedFailures = 100;
 
   /// Both outlive this.
   DesktopWindow(QWidget& window, CommandGate& gate) : window_(window), gate_(gate) {}
@@ -48,20 +52,39 @@ class DesktopWindow : public app::Window {
   /// themselves and may find nobody. Called when the sheets before it have gone; the dialog is deleted when
   /// it is finished.
   void beginSheet(MakeSheet makeSheet);
+  /// The next alert sheet is for the failure of this URL. Failures that wait, or come while one is shown, are
+  /// one sheet, which blocks nothing.
+  void expectFailure(const QString& url) { failing_ = url; }
 
  private:
   struct Waiting {
     MakeSheet makeSheet;
-    std::optional<CommandGate::Held> held;
+    std::optional<CommandGate::Held> held = std::nullopt;
+    bool isModal = true;
   };
 
-  void begin(MakeSheet makeSheet, std::optional<CommandGate::Held> held = std::nullopt);
+  void begin(Waiting sheet);
   void showNext();
+  void show(const Waiting& sheet);
+  void addFailure(const QString& title, const QString& message, const QString& url);
+  void showFailures();
 
   QWidget& window_;
   CommandGate& gate_;
   std::deque<Waiting> waiting_;
   QPointer<QDialog> shown_;
+  struct Failures {
+    QString title;
+    QString message;  // of the first
+    QString url;      // of the first, without credentials
+    QStringList lines;
+    qsizetype count = 0;
+    QPointer<QMessageBox> box;  // null: waits for its turn
+  };
+  std::optional<QString> failing_;
+  Failures failures_;
+  QString asking_;  // the server and realm that a user name was given for last, and that name
+  QString userName_;
   std::optional<CommandGate::Hold> hold_;  // as long as the one is shown that has it
 };
 

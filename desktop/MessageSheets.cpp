@@ -82,12 +82,7 @@ QMessageBox* MakeMessageBox(const app::Alert& alert, QMessageBox::Icon icon, QWi
   new OverParent(*box);  // the box owns it
   box->setTextFormat(Qt::PlainText);
   box->setText(ShownLines(alert.messageText, kLongestMessage));
-  if (!alert.informativeText.isEmpty()) {
-    // This one has no format to be set: it is markup when it looks like it, so it always is.
-    box->setInformativeText(QStringLiteral("<span style='white-space:pre-wrap'>") +
-                            ShownLines(alert.informativeText, kLongestMessage).toHtmlEscaped() +
-                            QStringLiteral("</span>"));
-  }
+  if (!alert.informativeText.isEmpty()) SetInformativeText(*box, alert.informativeText);
   QPushButton* accept = box->addButton(alert.defaultButton, QMessageBox::AcceptRole);
   box->setDefaultButton(accept);
   box->setEscapeButton(accept);
@@ -97,12 +92,29 @@ QMessageBox* MakeMessageBox(const app::Alert& alert, QMessageBox::Icon icon, QWi
   return box;
 }
 
+// It has no format to be set: it is markup when it looks like it, so it always is.
+void SetInformativeText(QMessageBox& box, const QString& text) {
+  box.setInformativeText(QStringLiteral("<span style='white-space:pre-wrap'>") +
+                         ShownLines(text, kLongestMessage).toHtmlEscaped() + QStringLiteral("</span>"));
+}
+
+void SetDetails(QMessageBox& box, const QStringList& lines) {
+  QStringList shown;
+  for (const QString& line : lines) shown.append(ShownText(line, kLongestMessage));
+  box.setDetailedText(shown.join(u'\n'));
+}
+
+void PreferStaying(QMessageBox& box) {
+  box.setDefaultButton(qobject_cast<QPushButton*>(box.escapeButton()));
+}
+
 bool IsAccepted(const QMessageBox& box) {
   return box.clickedButton() != nullptr && box.buttonRole(box.clickedButton()) == QMessageBox::AcceptRole;
 }
 
-AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge& challenge, QWidget* parent)
-    : QDialog(parent), user_(new QLineEdit(this)), password_(new QLineEdit(this)) {
+AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge& challenge,
+                                         const QString& user, QWidget* parent)
+    : QDialog(parent), user_(new QLineEdit(user, this)), password_(new QLineEdit(this)) {
   new OverParent(*this);
   setWindowTitle(QStringLiteral("Quillforth"));
   user_->setObjectName(QStringLiteral("user"));
@@ -121,6 +133,7 @@ AuthenticationSheet::AuthenticationSheet(const platform::AuthenticationChallenge
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   rows->addWidget(buttons);
+  if (!user.isEmpty()) password_->setFocus();
   setMinimumSize(kSheetWidth, rows->totalHeightForWidth(kSheetWidth));
 }
 

@@ -196,10 +196,11 @@ int FailedModel::columnCount(const QModelIndex& parent) const {
 
 QVariant FailedModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  return section == url ? tr("URL") : tr("Reason");
+  return section == url ? tr("URL") : section == reason ? tr("Reason") : tr("Found On");
 }
 
 QString FailedModel::text(const Outcome& outcome, int column) const {
+  if (column == page) return platform::WithoutCredentials(outcome.page);
   return column == url ? ShownURL(outcome) : outcome.detail;
 }
 

@@ -30,6 +30,7 @@ struct Outcome {
   QByteArray name = {};      ///< of the file, in UTF-8
   std::uint64_t size = 0;    ///< of the file, in bytes
   std::int64_t endedAt = 0;  ///< milliseconds since 1970
+  QString page = {};         ///< on which it was found, null: on none; shared between rows
 
   enum class Place : std::uint8_t { asDownloaded, sorted, gone };
   mutable Place place = Place::asDownloaded;  ///< of the file, when it was looked for last
@@ -103,7 +104,7 @@ class FailedModel final : public OutcomeModel {
   Q_OBJECT
 
  public:
-  enum Column { url, reason, columns };
+  enum Column { url, reason, page, columns };
 
   using OutcomeModel::OutcomeModel;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;

@@ -17,6 +17,7 @@
 
 #include "desktop/QueueTable.h"
 #include "desktop/ShownText.h"
+#include "platform/LocalizedStrings.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -141,11 +142,23 @@ void Outcomes::downloadFinished(const app::DownloadProgress& progress) {
 }
 
 void Outcomes::downloadFailed(const app::DownloadProgress& progress, const QString& reason) {
-  addFailure(Outcome::Kind::file, progress.text, reason);
+  addFailure(Outcome::Kind::file, progress.text, reason, progress.page);
 }
 
-void Outcomes::addFailure(Outcome::Kind kind, const QString& url, const QString& reason) {
-  failed_.append({.kind = kind, .url = url.toUtf8(), .detail = Shared(reason_, localizedText_(reason))});
+void Outcomes::downloadCancelled(const app::DownloadProgress& progress) {
+  addFailure(Outcome::Kind::file, progress.text, LOCALIZED("It was cancelled."), progress.page);
+}
+
+void Outcomes::addCancelled(const QString& url) {
+  addFailure(Outcome::Kind::file, url, LOCALIZED("It was cancelled."));
+}
+
+void Outcomes::addFailure(Outcome::Kind kind, const QString& url, const QString& reason,
+                          const QString& page) {
+  failed_.append({.kind = kind,
+                  .url = url.toUtf8(),
+                  .detail = Shared(reason_, localizedText_(reason)),
+                  .page = Shared(page_, page)});
 }
 
 // Files that have arrived may have been sorted.
@@ -217,6 +230,12 @@ QStringList Outcomes::selectedURLs() const {
   for (const RowRange& range : SelectedRows(window_.table())) {
     for (int row = range.first; row <= range.last; ++row) urls.append(QString::fromUtf8(model.at(row).url));
   }
+  return urls;
+}
+
+QStringList Outcomes::failedURLs() const {
+  QStringList urls;
+  for (int row = 0; row < failed_.rowCount(); ++row) urls.append(QString::fromUtf8(failed_.at(row).url));
   return urls;
 }
 

@@ -32,19 +32,23 @@ class Outcomes final : public QObject, public app::ControllerObserver {
   void urlWasLost(const QString& url) override;
   void downloadFinished(const app::DownloadProgress& progress) override;
   void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
+  void downloadCancelled(const app::DownloadProgress& progress) override;
   void controllerMovedOn() override;
 
+  /// A file that the user has given up before it was started.
+  void addCancelled(const QString& url);
   /// How many URLs wait.
   void showWaiting(std::size_t count);
   /// The URLs of the rows that are selected under "Finished" or "Failed", whichever is shown.
   [[nodiscard]] QStringList selectedURLs() const;
+  [[nodiscard]] QStringList failedURLs() const;
   /// Removes what can be queued again of the selected failures, or of all when none is selected: the first of
   /// them whose URLs have no more than `limit` bytes together.
   [[nodiscard]] std::vector<Outcome> takeFailures(std::size_t limit);
 
  private:
   void setUp(QueueTable& table, OutcomeModel& model, const QString& invitation);
-  void addFailure(Outcome::Kind kind, const QString& url, const QString& reason);
+  void addFailure(Outcome::Kind kind, const QString& url, const QString& reason, const QString& page = {});
   void showTab(int tab);
   void showCounts();
   void followSelection();
@@ -62,6 +66,7 @@ class Outcomes final : public QObject, public app::ControllerObserver {
   FailedModel failed_;
   QString folder_;  // of the last file, and the reason of the last failure, for the rows to share
   QString reason_;
+  QString page_;  // of the last failure
 };
 
 }  // namespace quillforth::desktop

@@ -31,6 +31,7 @@ class PacedIntake final {
   [[nodiscard]] std::uint64_t addedCount() const { return addedCount_; }
   /// Drops those of the first `count` that were ever added which wait still.
   void dropFirst(std::uint64_t count);
+  [[nodiscard]] std::size_t waitingCount() const { return waiting_.size(); }
   /// No item waits. One that is being done waits no more.
   [[nodiscard]] bool isEmpty() const { return waiting_.empty(); }
 

@@ -5,12 +5,13 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
-#include <QScrollArea>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QStyle>
@@ -18,7 +19,6 @@
 #include <array>
 #include <utility>
 
-#include "desktop/DesktopWindow.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/ShownText.h"
 #include "platform/LocalizedStrings.h"
@@ -94,10 +94,8 @@ PreferencesWindow::PreferencesWindow(PreferencesServices services, QWidget* pare
           [this](int value) { store(app::kDownloadsAheadKey, value); });
   connect(ui_->chooseButton, &QPushButton::clicked, this, &PreferencesWindow::chooseDestination);
   connect(ui_->browserAdviceButton, &QPushButton::clicked, this, &PreferencesWindow::showBrowserAdvice);
-  connect(ui_->closeButton, &QPushButton::clicked, this, &QDialog::close);
-  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*old*/, QWidget* now) {
-    if (now != nullptr && ui_->settings->isAncestorOf(now)) ui_->settings->ensureWidgetVisible(now);
-  });
+  ui_->buttons->button(QDialogButtonBox::Close)->setText(tr("Close"));
+  connect(ui_->buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
   connect(new SettingsWatcher(services_.settingsFile, this), &SettingsWatcher::changed, this,
           &PreferencesWindow::reload);
 }
@@ -180,19 +178,8 @@ void PreferencesWindow::showAccessibilityFailure() {
   box->open();
 }
 
-// As large as all settings want, but for a screen that has no room for them. A size that was remembered or
-// asked for stays.
-void PreferencesWindow::fitScreen() {
-  const QSize wanted = ui_->settingsContents->sizeHint();
-  ui_->settings->setMinimumWidth(wanted.width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
-  if (testAttribute(Qt::WA_Resized)) return;
-  const int around = sizeHint().height() - ui_->settings->sizeHint().height();
-  resize(QSize(sizeHint().width(), wanted.height() + around).boundedTo(RoomOnScreen(*this)));
-}
-
 void PreferencesWindow::showEvent(QShowEvent* event) {
   reload();
-  fitScreen();
   QDialog::showEvent(event);
 }
 

@@ -81,7 +81,6 @@ class PreferencesWindow final : public QDialog {
 
  private:
   void store(const QString& key, const QVariant& value);
-  void fitScreen();
   void chooseDestination();
   void showStorage(bool isStored);
   void showBrowserAdvice();

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "desktop/ShownText.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
@@ -39,9 +40,12 @@ std::size_t QueueModel::queueRowFrom(std::uint64_t identifier) const {
 
 void QueueModel::catchUp() {
   if (source_ == nullptr) return;
-  const std::size_t queuedEnd = shown_.empty() ? 0 : queueRowFrom(shown_.back() + 1);
   std::vector<Range> removed;
-  findRemoved({0, shown_.size()}, {0, queuedEnd}, removed);
+  if (isFiltered()) {
+    findRemovedOneByOne(removed);
+  } else {
+    findRemoved({0, shown_.size()}, {0, queueRowFrom(nextSeen_)}, removed);
+  }
   if (removed.size() > kManyRemovals) return reset();
   for (auto range = removed.rbegin(); range != removed.rend(); ++range) removeRange(*range);
   appendNewRows();
@@ -65,6 +69,31 @@ void QueueModel::findRemoved(Range shown, Range queued, std::vector<Range>& remo
   findRemoved({middle, shown.end}, {queuedMiddle, queued.end}, removed);
 }
 
+// Counts tell nothing where not all is shown.
+void QueueModel::findRemovedOneByOne(std::vector<Range>& removed) const {
+  std::size_t queued = 0;
+  for (std::size_t row = 0; row < shown_.size() && removed.size() <= kManyRemovals; ++row) {
+    while (queued < source_->numberOfRows() && source_->identifierOfRow(queued) < shown_[row]) ++queued;
+    if (queued < source_->numberOfRows() && source_->identifierOfRow(queued) == shown_[row]) continue;
+    if (!removed.empty() && removed.back().end == row) {
+      ++removed.back().end;
+    } else {
+      removed.push_back({row, row + 1});
+    }
+  }
+}
+
+std::vector<std::uint64_t> QueueModel::wantedFrom(std::size_t queueRow) const {
+  std::vector<std::uint64_t> wanted;
+  const std::size_t end = std::min(source_->numberOfRows(), kMostRows);
+  for (std::size_t row = queueRow; row < end; ++row) {
+    const bool isWanted =
+        !isFiltered() || source_->objectValueForRow(row).contains(filter_, Qt::CaseInsensitive);
+    if (isWanted) wanted.push_back(source_->identifierOfRow(row));
+  }
+  return wanted;
+}
+
 void QueueModel::removeRange(Range range) {
   beginRemoveRows({}, static_cast<int>(range.first), static_cast<int>(range.end) - 1);
   const auto begin = shown_.begin();
@@ -74,19 +103,32 @@ void QueueModel::removeRange(Range range) {
 }
 
 void QueueModel::appendNewRows() {
-  const std::size_t count = std::min(source_->numberOfRows(), kMostRows);
-  if (count <= shown_.size()) return;
-  beginInsertRows({}, static_cast<int>(shown_.size()), static_cast<int>(count) - 1);
-  while (shown_.size() < count) shown_.push_back(source_->identifierOfRow(shown_.size()));
+  const std::vector<std::uint64_t> wanted = wantedFrom(queueRowFrom(nextSeen_));
+  followEnd();
+  if (wanted.empty()) return;
+  const int first = rowCount();
+  beginInsertRows({}, first, first + static_cast<int>(wanted.size()) - 1);
+  shown_.insert(shown_.end(), wanted.begin(), wanted.end());
   endInsertRows();
+}
+
+void QueueModel::followEnd() {
+  const std::size_t count = std::min(source_->numberOfRows(), kMostRows);
+  if (count > 0) nextSeen_ = source_->identifierOfRow(count - 1) + 1;
 }
 
 void QueueModel::reset() {
   beginResetModel();
-  shown_.clear();
-  const std::size_t count = std::min(source_->numberOfRows(), kMostRows);
-  for (std::size_t row = 0; row < count; ++row) shown_.push_back(source_->identifierOfRow(row));
+  const std::vector<std::uint64_t> wanted = wantedFrom(0);
+  shown_.assign(wanted.begin(), wanted.end());
+  followEnd();
   endResetModel();
+}
+
+void QueueModel::setFilter(const QString& text) {
+  if (text == filter_) return;
+  filter_ = text;
+  reset();
 }
 
 bool QueueModel::isAnyQueued(std::uint64_t first, std::uint64_t last) const {
@@ -111,7 +153,7 @@ int QueueModel::columnCount(const QModelIndex& parent) const {
 QVariant QueueModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
   if (role == Qt::DisplayRole) return ShownText(url(index.row()), kLongestShownURL);
-  if (role == Qt::ToolTipRole) return ToolTipText(url(index.row()));
+  if (role == Qt::ToolTipRole) return ToolTipText(platform::WithoutPassword(url(index.row())));
   return {};
 }
 

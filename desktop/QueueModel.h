@@ -30,6 +30,9 @@ class QueueModel final : public QAbstractTableModel {
   void setDataSource(const app::TableViewDataSource& source) { source_ = &source; }
   /// Takes in how the queue has changed. Many scattered removals reset the model.
   void catchUp();
+  /// Shows just the URLs that hold this text, whatever the case; empty: all. Resets the model.
+  void setFilter(const QString& text);
+  [[nodiscard]] bool isFiltered() const { return !filter_.isEmpty(); }
 
   /// The identifier of a row of the model.
   [[nodiscard]] std::uint64_t identifier(int row) const { return shown_[static_cast<std::size_t>(row)]; }
@@ -37,6 +40,8 @@ class QueueModel final : public QAbstractTableModel {
   [[nodiscard]] int firstRowFrom(std::uint64_t identifier) const;
   /// Whether any entry of these identifiers is in the queue now.
   [[nodiscard]] bool isAnyQueued(std::uint64_t first, std::uint64_t last) const;
+  /// The queue's first row whose identifier is not below this one.
+  [[nodiscard]] std::size_t queueRowFrom(std::uint64_t identifier) const;
   /// The whole URL of a row; null when it has left the queue meanwhile.
   [[nodiscard]] QString url(int row) const;
 
@@ -51,15 +56,19 @@ class QueueModel final : public QAbstractTableModel {
     std::size_t end;
   };
 
-  /// The queue's first row whose identifier is not below this one.
-  [[nodiscard]] std::size_t queueRowFrom(std::uint64_t identifier) const;
   void findRemoved(Range shown, Range queued, std::vector<Range>& removed) const;
+  void findRemovedOneByOne(std::vector<Range>& removed) const;
   void removeRange(Range range);
+  /// Of the queue, the identifiers of those rows from this one on that are to be shown.
+  [[nodiscard]] std::vector<std::uint64_t> wantedFrom(std::size_t queueRow) const;
   void appendNewRows();
+  void followEnd();
   void reset();
 
   const app::TableViewDataSource* source_ = nullptr;
   std::deque<std::uint64_t> shown_;
+  QString filter_;
+  std::uint64_t nextSeen_ = 0;  // what has this identifier or a higher one is new
 };
 
 }  // namespace quillforth::desktop

@@ -2,17 +2,61 @@
 
 #include "desktop/QueueTable.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHeaderView>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
+
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
 namespace {
 
 constexpr int kRowPadding = 6;  // above and below the text together
+constexpr float kMuted = 0.62F;
+constexpr int kInvitationIcon = 48;
+
+// Where the last part of a URL begins: what is behind the last "/" that something stands behind.
+qsizetype LastPart(const QString& url) {
+  const qsizetype end = url.endsWith(u'/') ? url.size() - 2 : url.size() - 1;
+  return end < 0 ? 0 : url.lastIndexOf(u'/', end) + 1;
+}
+
+/// Draws the last part of a URL as usual and the rest muted, and no password.
+class URLDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index) const override {
+    QStyleOptionViewItem option = given;
+    initStyleOption(&option, index);
+    const QString url = std::exchange(option.text, {});
+    const QStyle* style = option.widget->style();
+    style->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
+    QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+    const QString shown =
+        option.fontMetrics.elidedText(platform::WithoutPassword(url), Qt::ElideMiddle, room.width());
+    const qsizetype last = LastPart(shown);
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    const auto group = option.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
+    QColor color = option.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text);
+    painter->save();
+    painter->setFont(option.font);
+    painter->setPen(color);
+    const int headWidth = option.fontMetrics.horizontalAdvance(shown, static_cast<int>(last));
+    painter->drawText(room.adjusted(headWidth, 0, 0, 0), Qt::AlignVCenter | Qt::TextSingleLine,
+                      shown.sliced(last));
+    color.setAlphaF(kMuted);
+    painter->setPen(color);
+    painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine, shown.first(last));
+    painter->restore();
+  }
+};
 
 }  // namespace
 
@@ -37,6 +81,15 @@ void QueueTable::followFont() {
   const int height = fontMetrics().height() + kRowPadding;
   verticalHeader()->setMinimumSectionSize(height);
   verticalHeader()->setDefaultSectionSize(height);
+}
+
+// In a table they go to the ends of a row.
+QModelIndex QueueTable::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const int rows = model() == nullptr ? 0 : model()->rowCount();
+  const int column = std::max(currentIndex().column(), 0);
+  if (action == MoveHome) return rows == 0 ? QModelIndex() : model()->index(0, column);
+  if (action == MoveEnd) return rows == 0 ? QModelIndex() : model()->index(rows - 1, column);
+  return QTableView::moveCursor(action, modifiers);
 }
 
 void QueueTable::setDropHighlighted(bool isHighlighted) {
@@ -65,12 +118,19 @@ void QueueTable::paintInvitation() {
   large.setPointSizeF(large.pointSizeF() * 1.3);
   painter.setFont(large);
   painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect(), static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  const QRect room = viewport()->rect();
+  const QRect text =
+      painter.boundingRect(room, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  painter.drawText(text, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  const QRect icon(room.center().x() - kInvitationIcon / 2, text.top() - kInvitationIcon * 5 / 4,
+                   kInvitationIcon, kInvitationIcon);
+  if (icon.top() > 0) QApplication::windowIcon().paint(&painter, icon);
 }
 
 TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)
     : table_(table), reload_(pacer, [this] { catchUp(); }), selection_(pacer, std::move(selectionDidChange)) {
   table_.setModel(&model_);
+  table_.setItemDelegate(new URLDelegate(&table_));
   QObject::connect(table_.selectionModel(), &QItemSelectionModel::selectionChanged, &table_,
                    [this] { selectionChanged(); });
   QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_,
@@ -115,14 +175,10 @@ void TableOutlet::selectionChanged() {
 
 std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
   const Entries entries = target_ ? *std::exchange(target_, std::nullopt) : selectedEntries();
-  if (entries.empty()) return {};
-  reload_.flush();  // rows as the queue has them now
   std::vector<std::size_t> rows;
   for (const IdentifierRange& range : entries) {
-    const int end = model_.firstRowFrom(range.last + 1);
-    for (int row = model_.firstRowFrom(range.first); row < end; ++row) {
-      rows.push_back(static_cast<std::size_t>(row));
-    }
+    const std::size_t end = model_.queueRowFrom(range.last + 1);
+    for (std::size_t row = model_.queueRowFrom(range.first); row < end; ++row) rows.push_back(row);
   }
   return rows;
 }
@@ -130,13 +186,17 @@ std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
 Entries TableOutlet::selectedEntries() const {
   Entries entries;
   for (const QItemSelectionRange& range : selectedRanges()) {
-    entries.push_back({model_.identifier(range.top()), model_.identifier(range.bottom())});
+    // Between two rows that are shown there may be some that the filter hides.
+    const int step = model_.isFiltered() ? 1 : range.height();
+    for (int row = range.top(); row <= range.bottom(); row += step) {
+      entries.push_back({model_.identifier(row), model_.identifier(row + step - 1)});
+    }
   }
   return entries;
 }
 
 Entries TableOutlet::firstEntry() const {
-  if (model_.rowCount() == 0) return {};
+  if (model_.rowCount() == 0 || model_.isFiltered()) return {};
   return {{model_.identifier(0), model_.identifier(0)}};
 }
 
@@ -153,9 +213,15 @@ void TableOutlet::runFor(const Entries& entries, const std::function<void()>& co
   target_.reset();
 }
 
+void TableOutlet::selectFrom(std::uint64_t identifier) {
+  reload_.flush();
+  const int row = std::min(model_.firstRowFrom(identifier), model_.rowCount() - 1);
+  if (row >= 0 && !table_.selectionModel()->hasSelection()) table_.selectRow(row);
+}
+
 QStringList TableOutlet::selectedURLs() const {
   QStringList urls;
-  for (const std::size_t row : selectedRowIndexes()) urls.append(model_.url(static_cast<int>(row)));
+  for (const std::size_t row : selectedRowIndexes()) urls.append(source_->objectValueForRow(row));
   return urls;
 }
 

@@ -34,12 +34,13 @@ class QueueTable final : public QTableView {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
  private:
   void followFont();
   void paintInvitation();
 
-  QString invitation_ = tr("Drop URLs here");
+  QString invitation_ = tr("Drop or paste URLs here");
   bool isDropHighlighted_ = false;
 };
 
@@ -60,18 +61,27 @@ class TableOutlet final : public app::TableView {
   TableOutlet(const TableOutlet&) = delete;
   TableOutlet& operator=(const TableOutlet&) = delete;
 
-  void setDataSource(const app::TableViewDataSource& source) { model_.setDataSource(source); }
+  void setDataSource(const app::TableViewDataSource& source) {
+    source_ = &source;
+    model_.setDataSource(source);
+  }
+  /// Shows just the URLs that hold this text; empty: all. What is hidden is selected no more.
+  void setFilter(const QString& text) { model_.setFilter(text); }
+  [[nodiscard]] bool isFiltered() const { return model_.isFiltered(); }
+  [[nodiscard]] int shownCount() const { return model_.rowCount(); }
   void registerForDraggedTypes(const QStringList& types) override;
   void reloadData() override;
   [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override;
   /// What the user sees selected.
   [[nodiscard]] Entries selectedEntries() const;
-  /// What the user sees at the head; none when the table is empty.
+  /// What the user sees at the head; none when the table is empty, or a filter hides which it is.
   [[nodiscard]] Entries firstEntry() const;
   /// Whether any of them waits still.
   [[nodiscard]] bool isAnyQueued(const Entries& entries) const;
   /// Does `command` for these: it finds what is left of them selected when it asks, once, and else nothing.
   void runFor(const Entries& entries, const std::function<void()>& command);
+  /// Selects the first row from this entry on, or else the last, unless something is selected.
+  void selectFrom(std::uint64_t identifier);
   /// Of what is selected and waits still.
   [[nodiscard]] QStringList selectedURLs() const;
 
@@ -82,11 +92,12 @@ class TableOutlet final : public app::TableView {
   void restoreSelection();
 
   QueueTable& table_;
+  const app::TableViewDataSource* source_ = nullptr;
   QueueModel model_;
   Entries selectionOverReset_;
   mutable std::optional<Entries> target_;  // of the command that runs, until it asks
   bool isCatchingUp_ = false;
-  mutable FramePacer::Update reload_;
+  FramePacer::Update reload_;
   FramePacer::Update selection_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QKeySequence>
 
 #include "ui_StatusWindow.h"
@@ -30,6 +31,10 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   ui_->setupUi(this);
   ui_->actionAddURLs->setShortcut(QKeySequence::New);
   ui_->actionQuit->setShortcut(QKeySequence::Quit);
+  ui_->actionUndo->setShortcut(QKeySequence::Undo);
+  ui_->actionSaveList->setShortcut(QKeySequence::Save);
+  ui_->actionFilter->setShortcut(QKeySequence::Find);
+  ui_->actionHelp->setShortcut(QKeySequence::HelpContents);
   ui_->actionPaste->setShortcut(QKeySequence::Paste);
   ui_->actionCopy->setShortcut(QKeySequence::Copy);
   ui_->actionDelete->setShortcut(QKeySequence::Delete);
@@ -45,6 +50,15 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   for (QPushButton* button : findChildren<QPushButton*>()) button->installEventFilter(this);
   for (QAction* action : findChildren<QAction*>()) action->setAutoRepeat(false);  // a key held down is one
   connect(ui_->actionSelectAll, &QAction::triggered, this, [this] { table().selectAll(); });
+  ui_->filterField->installEventFilter(this);
+  connect(ui_->actionFilter, &QAction::triggered, this, [this] {
+    ui_->tabs->setCurrentIndex(0);
+    ui_->filterRow->show();
+    ui_->filterField->setFocus();
+    ui_->filterField->selectAll();
+  });
+  connect(ui_->tabs, &QTabBar::currentChanged, this,
+          [this](int tab) { ui_->filterRow->setVisible(tab == 0 && !ui_->filterField->text().isEmpty()); });
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
 }
 
@@ -83,8 +97,21 @@ void StatusWindow::dropEvent(QDropEvent* event) {
   owner_.drop(*event->mimeData());
 }
 
-bool StatusWindow::eventFilter(QObject* button, QEvent* event) {
-  return event->type() == QEvent::MouseButtonDblClick || QMainWindow::eventFilter(button, event);
+bool StatusWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == ui_->filterField) return endFilter(*event);
+  return event->type() == QEvent::MouseButtonDblClick || QMainWindow::eventFilter(watched, event);
+}
+
+// Escape, which is else for what the program waits for.
+bool StatusWindow::endFilter(QEvent& event) {
+  const bool isKey = event.type() == QEvent::ShortcutOverride || event.type() == QEvent::KeyPress;
+  if (!isKey || static_cast<QKeyEvent&>(event).key() != Qt::Key_Escape) return false;
+  event.accept();
+  if (event.type() == QEvent::ShortcutOverride) return true;
+  ui_->filterField->clear();
+  ui_->filterRow->hide();
+  table().setFocus();
+  return true;
 }
 
 void StatusWindow::changeEvent(QEvent* event) {

@@ -46,12 +46,14 @@ class StatusWindow final : public QMainWindow {
   void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   /// The second press of a double click is none: what it would hit came under the pointer with the first.
-  bool eventFilter(QObject* button, QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
   void answer(QDragMoveEvent& event) const;
+  /// Whether the event of the field for the filter goes no further.
+  bool endFilter(QEvent& event);
 
   StatusWindowOwner& owner_;
   std::unique_ptr<Ui::StatusWindow> ui_;

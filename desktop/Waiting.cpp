@@ -13,6 +13,9 @@
 #include "desktop/Activation.h"
 #include "desktop/SelectionReader.h"
 
+#include "net/URL.h"
+#include "platform/LocalizedStrings.h"
+
 namespace quillforth::desktop {
 
 namespace {
@@ -45,8 +48,14 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block) {
 
 platform::PageLoad WaitingPageLoader::resourceData(const platform::URL& url) {
   platform::PageLoad load;
+  const WorkLine::Wait wait(line_, WorkLine::tr("Loading %1").arg(url.stringWithoutCredentials()),
+                            [this] { loader_.setGivenUp(true); });
   WaitFor(gate_, [this, &url, &load] { load = loader_.resourceData(url); });
   if (isGivenUp_) return {};
+  if (wait.isCancelled()) {
+    loader_.setGivenUp(false);
+    return {std::nullopt, LOCALIZED("It was cancelled.")};
+  }
   if (!load.failure.isNull()) {
     log_.log(QStringLiteral("Quillforth page failed. Error - %1 %2")
                  .arg(load.failure, url.stringWithoutCredentials()));
@@ -57,6 +66,17 @@ platform::PageLoad WaitingPageLoader::resourceData(const platform::URL& url) {
 void WaitingPageLoader::setGivenUp(bool isGivenUp) {
   isGivenUp_ = isGivenUp;
   loader_.setGivenUp(isGivenUp);
+}
+
+void WaitingReadStreams::join(std::thread& worker, std::string_view url) {
+  const QString asked =
+      platform::WithoutCredentials(QString::fromUtf8(url.data(), static_cast<qsizetype>(url.size())));
+  const WorkLine::Wait wait(line_, WorkLine::tr("Asking %1 what it is").arg(asked),
+                            [this] { streams_.setGivenUp(true); });
+  WaitFor(gate_, [&worker] { worker.join(); });
+  if (!wait.isCancelled()) return;
+  streams_.setGivenUp(false);
+  wasCancelled_();
 }
 
 void WaitingAggregation::aggregateFolder(const QString& path) {

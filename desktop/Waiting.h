@@ -13,10 +13,12 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <utility>
 
 #include "app/Host.h"
 #include "app/Preferences.h"
 #include "desktop/CommandGate.h"
+#include "desktop/WorkLine.h"
 #include "platform/HTTPReadStream.h"
 #include "platform/PageLoader.h"
 #include "platform/ScriptFrontEnd.h"
@@ -31,9 +33,10 @@ void WaitFor(CommandGate& gate, const std::function<void()>& block);
 
 class WaitingPageLoader final : public platform::PageLoader {
  public:
-  /// All outlive this. `loader` may be called from any thread. What fails is logged.
-  WaitingPageLoader(platform::PageLoader& loader, platform::SystemLog& log, CommandGate& gate)
-      : loader_(loader), log_(log), gate_(gate) {}
+  /// All outlive this. `loader` may be called from any thread. What fails is logged. `line` says what is
+  /// loaded; a page that the user cancels there did not load.
+  WaitingPageLoader(platform::PageLoader& loader, platform::SystemLog& log, CommandGate& gate, WorkLine& line)
+      : loader_(loader), log_(log), gate_(gate), line_(line) {}
   [[nodiscard]] platform::PageLoad resourceData(const platform::URL& url) override;
   /// Main thread.
   void setGivenUp(bool isGivenUp) override;
@@ -42,25 +45,28 @@ class WaitingPageLoader final : public platform::PageLoader {
   platform::PageLoader& loader_;
   platform::SystemLog& log_;
   CommandGate& gate_;
+  WorkLine& line_;
   bool isGivenUp_ = false;
 };
 
 class WaitingReadStreams final : public platform::HTTPReadStreamFactory {
  public:
-  /// Both outlive this.
-  WaitingReadStreams(platform::HTTPReadStreamFactory& streams, CommandGate& gate)
-      : streams_(streams), gate_(gate) {}
+  /// All outlive this. `line` says what is asked; when the user cancels it there, the question has failed,
+  /// and `wasCancelled` is called.
+  WaitingReadStreams(platform::HTTPReadStreamFactory& streams, CommandGate& gate, WorkLine& line,
+                     std::function<void()> wasCancelled)
+      : streams_(streams), gate_(gate), line_(line), wasCancelled_(std::move(wasCancelled)) {}
   [[nodiscard]] std::unique_ptr<platform::HTTPReadStream> createStream(
       const platform::HTTPRequest& request) override {
     return streams_.createStream(request);
   }
-  void join(std::thread& worker) override {
-    WaitFor(gate_, [&worker] { worker.join(); });
-  }
+  void join(std::thread& worker, std::string_view url) override;
 
  private:
   platform::HTTPReadStreamFactory& streams_;
   CommandGate& gate_;
+  WorkLine& line_;
+  std::function<void()> wasCancelled_;
 };
 
 class WaitingAggregation final : public app::FolderAggregation {

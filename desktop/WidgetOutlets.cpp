@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "desktop/ShownText.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
@@ -82,7 +83,7 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
 void ElidedLabel::setWholeText(const QString& text) {
   if (text == this->text()) return;
   setText(text);
-  setToolTip(ToolTipText(text));
+  setToolTip(ToolTipText(platform::WithoutPassword(text)));
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -96,7 +97,8 @@ QSize ElidedLabel::minimumSizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   const QString shown =
-      fontMetrics().elidedText(ShownText(text(), kLongestMeasured), Qt::ElideMiddle, contentsRect().width());
+      fontMetrics().elidedText(ShownText(platform::WithoutPassword(text()), kLongestMeasured),
+                               Qt::ElideMiddle, contentsRect().width());
   style()->drawItemText(&painter, contentsRect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft),
                         palette(), isEnabled(), shown, foregroundRole());
 }

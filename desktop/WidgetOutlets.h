@@ -131,6 +131,7 @@ class SpinnerOutlet final : public app::ProgressIndicator {
   void setHidden(bool hidden) override { spinner_.setHidden(hidden); }
   void startAnimation() override { setAnimated(true); }
   void stopAnimation() override { setAnimated(false); }
+  [[nodiscard]] bool isAnimated() const { return isAnimated_; }
 
  private:
   void setAnimated(bool isAnimated);

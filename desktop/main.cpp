@@ -2,6 +2,8 @@
 //
 // quillforth: chooses the host, and shows the controller in windows.
 
+#include <curl/curl.h>
+
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QSocketNotifier>
@@ -316,12 +318,16 @@ int Run(const Arguments& arguments, int argc, char** argv) {
     host.localizedText = [&translations](const QString& key) { return translations.localizedText(key); };
     return host;
   };
-  Desktop desktop({.makeHost = makeHost,
-                   .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
-                   .interrupt = &platform::Interruption::request,
-                   .settingsFile = services.userDefaults().fileName(),
-                   .isStored = [&] { return services.userDefaults().isStored(); },
-                   .accessibility = std::make_shared<platform::LinuxSessionAccessibility>()});
+  Desktop desktop(
+      {.makeHost = makeHost,
+       .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
+       .interrupt = &platform::Interruption::request,
+       .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
+       .settingsFile = services.userDefaults().fileName(),
+       .transferLibrary =
+           QStringLiteral("libcurl %1").arg(QLatin1StringView(curl_version_info(CURLVERSION_NOW)->version)),
+       .isStored = [&] { return services.userDefaults().isStored(); },
+       .accessibility = std::make_shared<platform::LinuxSessionAccessibility>()});
   DesktopScriptFrontEnd scriptFrontEnd(services.userDefaults(), [&desktop] { desktop.activate(); });
   services.scripts().setFrontEnd(&scriptFrontEnd);
   const platform::WindowWatcher watcher(services.windows());

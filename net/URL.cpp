@@ -245,6 +245,14 @@ QString WithoutCredentials(const QString& text) {
   return QString(text).remove(credentials.start, credentials.length);
 }
 
+QString WithoutPassword(const QString& text) {
+  const Span credentials = CredentialsIn(text);
+  const QStringView user = QStringView(text).sliced(credentials.start, credentials.length);
+  const qsizetype end = FindAnyOf(user, u":@", 0);
+  if (end == 0 || credentials.length == 0) return WithoutCredentials(text);
+  return text.first(credentials.start + end) + u'@' + text.sliced(credentials.start + credentials.length);
+}
+
 void OverwriteCredentials(char* text) {
   // A character for each byte, so that they have the same positions.
   const Span credentials = CredentialsIn(QString::fromLatin1(text));

@@ -64,8 +64,10 @@ class URL {
 /// and "user:password@host". A password that holds a "/", a "?" or a "#" goes where no port can be meant. A
 /// mangled text is better than a password on the screen. Only "mailto:user@host" stays as it is.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
-/// The same characters become "*" where they stand, but for the "@": for an argument of the process, which
-/// other programs can read as long as it runs.
+/// The same with the user name kept, as "user@".
+[[nodiscard]] QString WithoutPassword(const QString& text);
+/// The characters of user name and password become "*" where they stand, but for the "@": for an argument of
+/// the process, which other programs can read as long as it runs.
 void OverwriteCredentials(char* text);
 
 // Files as paths and as "file" URLs (RFC 8089), whatever bytes their names are made of.

@@ -102,9 +102,11 @@ class HTTPReadStreamFactory {
   /// Null when no stream can be made of `request`: not http, https or ftp, or texts that no header can hold.
   /// Any thread. The factory outlives its streams.
   [[nodiscard]] virtual std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) = 0;
-  /// Waits for the end of a thread that runs a stream. A host with a window keeps it drawn meanwhile in
-  /// here.
-  virtual void join(std::thread& worker) { worker.join(); }
+  /// Waits for the end of a thread that runs a stream to `url`, as it was given. A host with a window keeps
+  /// it drawn meanwhile in here.
+  virtual void join(std::thread& worker, std::string_view /*url*/) { worker.join(); }
+  /// As long as it is true, every stream fails soon, including those that run. Any thread.
+  virtual void setGivenUp(bool /*isGivenUp*/) {}
 };
 
 }  // namespace quillforth::platform

@@ -132,7 +132,7 @@
     </message>
     <message>
         <source>%d urls queued</source>
-        <translation>URLs in der Warteschlange: %d</translation>
+        <translation>Wartende URLs: %d</translation>
     </message>
     <message>
         <source>The server asks for a user name and a password.</source>
@@ -140,7 +140,7 @@
     </message>
     <message>
         <source>The header of the server&apos;s answer is too long.</source>
-        <translation>Der Kopf der Serverantwort ist zu lang.</translation>
+        <translation>Die Kopfzeilen der Serverantwort sind zu lang.</translation>
     </message>
     <message>
         <source>The server announced an impossible length.</source>
@@ -156,7 +156,7 @@
     </message>
     <message>
         <source>The server has sent nothing for too long.</source>
-        <translation>Der Server hat zu lange nichts gesendet.</translation>
+        <translation>Zeitüberschreitung: Der Server sendet keine Daten.</translation>
     </message>
     <message>
         <source>The URL is malformed.</source>
@@ -192,7 +192,7 @@
     </message>
     <message>
         <source>The server took too long.</source>
-        <translation>Der Server hat zu lange gebraucht.</translation>
+        <translation>Zeitüberschreitung: Der Server hat zu lange gebraucht.</translation>
     </message>
     <message>
         <source>No secure connection to the server could be made.</source>
@@ -216,11 +216,11 @@
     </message>
     <message>
         <source>The server&apos;s certificate is not trusted.</source>
-        <translation>Dem Zertifikat des Servers wird nicht vertraut.</translation>
+        <translation>Das Zertifikat des Servers ist nicht vertrauenswürdig.</translation>
     </message>
     <message>
         <source>The server refused the user name or the password.</source>
-        <translation>Der Server hat den Benutzernamen oder das Passwort abgelehnt.</translation>
+        <translation>Der Server hat Benutzername oder Passwort abgelehnt.</translation>
     </message>
     <message>
         <source>The file of trusted certificates cannot be read.</source>
@@ -228,7 +228,7 @@
     </message>
     <message>
         <source>The server has no such file.</source>
-        <translation>Der Server hat keine solche Datei.</translation>
+        <translation>Die Datei ist auf dem Server nicht vorhanden.</translation>
     </message>
     <message>
         <source>The destination folder does not exist.</source>
@@ -284,7 +284,7 @@
     </message>
     <message>
         <source>Browsers say their address only while accessibility is on for your session.</source>
-        <translation>Browser sagen ihre Adresse nur, solange die Barrierefreiheit für Ihre Sitzung eingeschaltet ist.</translation>
+        <translation>Die Adresse eines Browsers lässt sich nur lesen, solange die Barrierefreiheit für Ihre Sitzung eingeschaltet ist.</translation>
     </message>
     <message>
         <source>Once accessibility is on, start Firefox again.</source>
@@ -292,7 +292,7 @@
     </message>
     <message>
         <source>Once accessibility is on, start the browser again. If it still says no address, start it with the option --force-renderer-accessibility.</source>
-        <translation>Starten Sie den Browser neu, sobald die Barrierefreiheit eingeschaltet ist. Sagt er immer noch keine Adresse, starten Sie ihn mit der Option --force-renderer-accessibility.</translation>
+        <translation>Starten Sie den Browser neu, sobald die Barrierefreiheit eingeschaltet ist. Lässt sich die Adresse dann immer noch nicht lesen, starten Sie ihn mit der Option --force-renderer-accessibility.</translation>
     </message>
     <message>
         <source>Once accessibility is on, start GNOME Web again.</source>
@@ -300,7 +300,7 @@
     </message>
     <message>
         <source>Could not retrieve browser URL.</source>
-        <translation>Die URL des Browsers war nicht zu bekommen.</translation>
+        <translation>Die Adresse des Browsers konnte nicht ermittelt werden.</translation>
     </message>
     <message>
         <source>Either your browser is not running, doesn&apos;t have an open window, or it isn&apos;t supported by this feature.</source>
@@ -308,7 +308,7 @@
     </message>
     <message>
         <source>The server took too long to send the header of its answer.</source>
-        <translation>Der Server hat zu lange gebraucht, um den Kopf seiner Antwort zu senden.</translation>
+        <translation>Der Server hat die Kopfzeilen seiner Antwort nicht rechtzeitig gesendet.</translation>
     </message>
     <message>
         <source>The server sent the page in a coding that is not known.</source>
@@ -334,6 +334,10 @@
         <source>This is not a valid URL.</source>
         <translation>Das ist keine gültige URL.</translation>
     </message>
+    <message>
+        <source>It was cancelled.</source>
+        <translation>Abgebrochen.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -342,16 +346,8 @@
         <translation>Einstellungen</translation>
     </message>
     <message>
-        <source>When work arrives</source>
-        <translation>Wenn Arbeit eintrifft</translation>
-    </message>
-    <message>
         <source>Shows the queue whenever URLs come in.</source>
-        <translation>Zeigt die Warteschlange, sobald URLs eintreffen.</translation>
-    </message>
-    <message>
-        <source>&amp;Bring the status window forward</source>
-        <translation>&amp;Statusfenster anzeigen</translation>
+        <translation>Zeigt die Warteschlange, sobald neue URLs da sind.</translation>
     </message>
     <message>
         <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
@@ -360,10 +356,6 @@
     <message>
         <source>In front of other &amp;programs</source>
         <translation>Vor anderen &amp;Programmen</translation>
-    </message>
-    <message>
-        <source>Destination</source>
-        <translation>Ziel</translation>
     </message>
     <message>
         <source>&amp;Folder:</source>
@@ -395,27 +387,19 @@
     </message>
     <message>
         <source>Otherwise a new file gets a name that is free, and the old one stays.</source>
-        <translation>Andernfalls erhält eine neue Datei einen freien Namen, und die alte bleibt erhalten.</translation>
+        <translation>Sonst erhält die neue Datei einen anderen Namen, und die alte bleibt erhalten.</translation>
     </message>
     <message>
         <source>&amp;Replace files of the same name</source>
         <translation>Gleichnamige Dateien &amp;ersetzen</translation>
     </message>
     <message>
-        <source>Queue</source>
-        <translation>Warteschlange</translation>
-    </message>
-    <message>
         <source>Fil&amp;es fetched ahead of their turn:</source>
-        <translation>&amp;Vorab geholte Dateien:</translation>
+        <translation>Im &amp;Voraus geladene Dateien:</translation>
     </message>
     <message>
         <source>While a file is downloaded, so many more of the queue are already fetched, which saves waiting for servers. They still come one after the other.</source>
-        <translation>Während eine Datei heruntergeladen wird, werden schon so viele weitere der Warteschlange geholt; das erspart das Warten auf Server. Die Dateien kommen trotzdem eine nach der anderen.</translation>
-    </message>
-    <message>
-        <source>Finished files</source>
-        <translation>Fertige Dateien</translation>
+        <translation>So viele weitere Dateien werden schon im Voraus geladen, während eine heruntergeladen wird. Das spart Wartezeit; die Reihenfolge bleibt gleich.</translation>
     </message>
     <message>
         <source>Puts the URL into the comment of the file, which file managers show.</source>
@@ -443,7 +427,7 @@
     </message>
     <message>
         <source>Notices</source>
-        <translation>Hinweise</translation>
+        <translation>Benachrichtigungen</translation>
     </message>
     <message>
         <source>Also when a download failed. Only while no window of Quillforth is in front.</source>
@@ -459,23 +443,15 @@
     </message>
     <message>
         <source>Without it failures are only written to the system log.</source>
-        <translation>Ohne diese Einstellung stehen Fehlschläge nur im Systemprotokoll.</translation>
+        <translation>Sonst werden Fehler nur im Systemprotokoll vermerkt.</translation>
     </message>
     <message>
         <source>Show a &amp;message for each download that fails</source>
         <translation>&amp;Meldung für jeden fehlgeschlagenen Download anzeigen</translation>
     </message>
     <message>
-        <source>&amp;Close</source>
-        <translation>S&amp;chließen</translation>
-    </message>
-    <message>
-        <source>Address of the browser</source>
-        <translation>Adresse des Browsers</translation>
-    </message>
-    <message>
         <source>Only while Firefox does not say its address otherwise. What is on the clipboard is lost. Not possible on Wayland.</source>
-        <translation>Nur solange Firefox seine Adresse nicht anders sagt. Was in der Zwischenablage ist, geht verloren. Unter Wayland nicht möglich.</translation>
+        <translation>Nur wenn sich die Adresse von Firefox nicht anders lesen lässt. Der Inhalt der Zwischenablage geht verloren. Unter Wayland nicht möglich.</translation>
     </message>
     <message>
         <source>All&amp;ow keystrokes to copy the address of Firefox</source>
@@ -483,23 +459,35 @@
     </message>
     <message>
         <source>What to switch on so that a browser says its address, and a button that does it</source>
-        <translation>Was einzuschalten ist, damit ein Browser seine Adresse sagt, und eine Schaltfläche, die es tut</translation>
+        <translation>Zeigt, wie man einen Browser dazu bringt, seine Adresse preiszugeben</translation>
     </message>
     <message>
         <source>&amp;What Browsers Need…</source>
-        <translation>Was Browser brauche&amp;n …</translation>
-    </message>
-    <message>
-        <source>Requests</source>
-        <translation>Anfragen</translation>
+        <translation>Browser ei&amp;nrichten …</translation>
     </message>
     <message>
         <source>Some servers give their files only to those who come from their pages. Another server is told no more than where the page is from.</source>
-        <translation>Manche Server geben ihre Dateien nur heraus, wenn man von ihren Seiten kommt. Ein anderer Server erfährt nur, von welchem Server die Seite ist.</translation>
+        <translation>Manche Server liefern ihre Dateien nur, wenn man von ihren eigenen Seiten kommt. Fremde Server erfahren nur, von welchem Server die Seite stammt.</translation>
     </message>
     <message>
         <source>Tell the ser&amp;ver on which page a file was found</source>
-        <translation>&amp;Dem Server sagen, auf welcher Seite eine Datei stand</translation>
+        <translation>&amp;Dem Server die Seite mitteilen, auf der eine Datei verlinkt war</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Browsers</source>
+        <translation>Browser</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward when URLs come in</source>
+        <translation>&amp;Statusfenster bei neuen URLs anzeigen</translation>
     </message>
 </context>
 <context>
@@ -507,6 +495,10 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
     </message>
 </context>
 <context>
@@ -517,7 +509,7 @@
     </message>
     <message>
         <source>Folder that downloads go into</source>
-        <translation>Ordner, in den heruntergeladen wird</translation>
+        <translation>Zielordner</translation>
     </message>
     <message>
         <source>&amp;Choose…</source>
@@ -525,7 +517,7 @@
     </message>
     <message>
         <source>Choose the folder that downloads go into</source>
-        <translation>Den Ordner auswählen, in den heruntergeladen wird</translation>
+        <translation>Den Zielordner auswählen</translation>
     </message>
     <message>
         <source>&amp;Open Folder</source>
@@ -552,14 +544,6 @@
         <translation>Mit der nächsten URL der Warteschlange weitermachen</translation>
     </message>
     <message>
-        <source>&amp;Stop</source>
-        <translation>&amp;Anhalten</translation>
-    </message>
-    <message>
-        <source>Stop after the file that is being downloaded</source>
-        <translation>Nach der Datei anhalten, die gerade heruntergeladen wird</translation>
-    </message>
-    <message>
         <source>&amp;Delete</source>
         <translation>Lös&amp;chen</translation>
     </message>
@@ -581,7 +565,7 @@
     </message>
     <message>
         <source>Give up the file that is being downloaded</source>
-        <translation>Die Datei aufgeben, die gerade heruntergeladen wird</translation>
+        <translation>Den laufenden Download abbrechen</translation>
     </message>
     <message>
         <source>&amp;File</source>
@@ -609,7 +593,7 @@
     </message>
     <message>
         <source>Download what the web browser shows</source>
-        <translation>Herunterladen, was der Browser zeigt</translation>
+        <translation>Die im Browser gezeigte Seite oder Datei herunterladen</translation>
     </message>
     <message>
         <source>Open &amp;Link File…</source>
@@ -617,7 +601,7 @@
     </message>
     <message>
         <source>Download what a link file names</source>
-        <translation>Herunterladen, was eine Linkdatei nennt</translation>
+        <translation>Das Ziel einer Linkdatei herunterladen</translation>
     </message>
     <message>
         <source>&amp;Choose Destination…</source>
@@ -629,7 +613,7 @@
     </message>
     <message>
         <source>Show the folder that downloads go into</source>
-        <translation>Den Ordner zeigen, in den heruntergeladen wird</translation>
+        <translation>Den Zielordner öffnen</translation>
     </message>
     <message>
         <source>&amp;Aggregate…</source>
@@ -664,14 +648,6 @@
         <translation>E&amp;instellungen&#xa0;…</translation>
     </message>
     <message>
-        <source>&amp;Clear</source>
-        <translation>&amp;Leeren</translation>
-    </message>
-    <message>
-        <source>Take all URLs out of the queue</source>
-        <translation>Alle URLs aus der Warteschlange nehmen</translation>
-    </message>
-    <message>
         <source>Cancel D&amp;ownload</source>
         <translation>&amp;Download abbrechen</translation>
     </message>
@@ -685,7 +661,7 @@
     </message>
     <message>
         <source>List of URLs that is shown</source>
-        <translation>Gezeigte Liste von URLs</translation>
+        <translation>Liste der URLs</translation>
     </message>
     <message>
         <source>Finished downloads</source>
@@ -697,7 +673,7 @@
     </message>
     <message>
         <source>What came of the URLs</source>
-        <translation>Was aus den URLs wurde</translation>
+        <translation>Ergebnis der Downloads</translation>
     </message>
     <message>
         <source>S&amp;tart Next</source>
@@ -771,6 +747,98 @@
         <source>Add &amp;URLs…</source>
         <translation>&amp;URLs eingeben&#xa0;…</translation>
     </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Start nothing more after the file that is being downloaded, and keep the queue</source>
+        <translation>Nach der laufenden Datei nichts mehr beginnen und die Warteschlange behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Clear</source>
+        <translation>Rest &amp;verwerfen</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded, and throw the rest of the queue away</source>
+        <translation>Nach der laufenden Datei aufhören und den Rest der Warteschlange verwerfen</translation>
+    </message>
+    <message>
+        <source>What the program waits for, and how it stands</source>
+        <translation>Worauf das Programm wartet, und wie es steht</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Give up just the page that is loaded, or the question what a URL is</source>
+        <translation>Nur das Laden der Seite oder die Frage, was eine URL ist, abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>Bring back what the last command has thrown away, at the end of the queue</source>
+        <translation>Was der letzte Befehl verworfen hat, ans Ende der Warteschlange zurückholen</translation>
+    </message>
+    <message>
+        <source>C&amp;lear Queue</source>
+        <translation>Warteschlange &amp;leeren</translation>
+    </message>
+    <message>
+        <source>Throw all URLs of the queue away</source>
+        <translation>Alle URLs der Warteschlange verwerfen</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Cancel Loadin&amp;g</source>
+        <translation>Laden a&amp;bbrechen</translation>
+    </message>
+    <message>
+        <source>Show just the URLs that hold this text</source>
+        <translation>Nur URLs mit diesem Text zeigen</translation>
+    </message>
+    <message>
+        <source>Filter of the queue</source>
+        <translation>Filter der Warteschlange</translation>
+    </message>
+    <message>
+        <source>How much the filter shows</source>
+        <translation>Wie viel der Filter zeigt</translation>
+    </message>
+    <message>
+        <source>&amp;Save List…</source>
+        <translation>Liste s&amp;peichern …</translation>
+    </message>
+    <message>
+        <source>Write the URLs that wait and those that failed to a file, one a line</source>
+        <translation>Die wartenden und die fehlgeschlagenen URLs in eine Datei schreiben, eine je Zeile</translation>
+    </message>
+    <message>
+        <source>&amp;Filter…</source>
+        <translation>&amp;Filtern …</translation>
+    </message>
+    <message>
+        <source>Show just some of the URLs that wait</source>
+        <translation>Nur einige der wartenden URLs zeigen</translation>
+    </message>
+    <message>
+        <source>Re&amp;move Duplicates</source>
+        <translation>Do&amp;ppelte entfernen</translation>
+    </message>
+    <message>
+        <source>Take URLs out of the queue that wait there already</source>
+        <translation>URLs aus der Warteschlange nehmen, die dort schon warten</translation>
+    </message>
+    <message>
+        <source>&amp;Manual</source>
+        <translation>&amp;Anleitung</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AddSheet</name>
@@ -796,7 +864,7 @@
     </message>
     <message>
         <source>That is too much at a time.</source>
-        <translation>Das ist zu viel auf einmal.</translation>
+        <translation>Das sind zu viele auf einmal.</translation>
     </message>
     <message>
         <source>Lines that are taken for hosts:</source>
@@ -805,6 +873,22 @@
     <message>
         <source>and %1 more</source>
         <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>&amp;Open List…</source>
+        <translation>&amp;Liste öffnen …</translation>
+    </message>
+    <message>
+        <source>Add the lines of a file</source>
+        <translation>Die Zeilen einer Datei hinzufügen</translation>
+    </message>
+    <message>
+        <source>Open List</source>
+        <translation>Liste öffnen</translation>
+    </message>
+    <message>
+        <source>The list could not be read: %1</source>
+        <translation>Die Liste konnte nicht gelesen werden: %1</translation>
     </message>
 </context>
 <context>
@@ -885,6 +969,10 @@
         <source>Reason</source>
         <translation>Grund</translation>
     </message>
+    <message>
+        <source>Found On</source>
+        <translation>Gefunden auf</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::FinishedModel</name>
@@ -924,11 +1012,11 @@
     <name>quillforth::desktop::Outcomes</name>
     <message>
         <source>What has arrived will be listed here</source>
-        <translation>Hier erscheint, was angekommen ist</translation>
+        <translation>Hier erscheinen fertige Downloads</translation>
     </message>
     <message>
         <source>What fails will be listed here</source>
-        <translation>Hier erscheint, was fehlschlägt</translation>
+        <translation>Hier erscheinen fehlgeschlagene Downloads</translation>
     </message>
     <message>
         <source>is not a valid URL; Start Next goes on</source>
@@ -988,8 +1076,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>Drop URLs here</source>
-        <translation>URLs hierher ziehen</translation>
+        <source>Drop or paste URLs here</source>
+        <translation>URLs hierher ziehen oder einfügen</translation>
     </message>
 </context>
 <context>
@@ -1011,16 +1099,8 @@
         <translation>Quillforth beenden?</translation>
     </message>
     <message>
-        <source>The download in progress and the queue will be lost.</source>
-        <translation>Der laufende Download und die Warteschlange gehen verloren.</translation>
-    </message>
-    <message>
         <source>Quit</source>
         <translation>Beenden</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
     </message>
     <message>
         <source>Quillforth %1</source>
@@ -1032,7 +1112,7 @@
     </message>
     <message>
         <source>That is too much at a time.</source>
-        <translation>Das ist zu viel auf einmal.</translation>
+        <translation>Das sind zu viele auf einmal.</translation>
     </message>
     <message>
         <source>Nothing was taken. Paste fewer lines, or wait until those before are taken.</source>
@@ -1053,6 +1133,125 @@
     <message>
         <source>The page has no links.</source>
         <translation>Die Seite hat keine Links.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clear</source>
+        <translation>Leeren &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Stop</source>
+        <translation>Stoppen &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Import</source>
+        <translation>Import &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Delete</source>
+        <translation>Löschen &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>&amp;Fortsetzen</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>Contin&amp;ue</source>
+        <translation>W&amp;eiter</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>On hold: nothing more is started until you press Continue.</source>
+        <translation>Angehalten: Bis Sie auf „Weiter“ klicken, beginnt nichts mehr.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>What is under way will be broken off.</source>
+        <translation>Was gerade läuft, wird abgebrochen.</translation>
+    </message>
+    <message>
+        <source>URLs that will be lost: %1</source>
+        <translation>URLs, die verloren gehen: %1</translation>
+    </message>
+    <message>
+        <source>Stay</source>
+        <translation>Bleiben</translation>
+    </message>
+    <message>
+        <source>Free software under the MIT licence.</source>
+        <translation>Freie Software unter der MIT-Lizenz.</translation>
+    </message>
+    <message>
+        <source>There is no program here to show the manual with.</source>
+        <translation>Hier ist kein Programm, das die Anleitung zeigt.</translation>
+    </message>
+    <message>
+        <source>A terminal shows it with: man quillforth</source>
+        <translation>Ein Terminal zeigt sie mit: man quillforth</translation>
+    </message>
+    <message>
+        <source>The work has ended, and %1 of %2 downloads failed.</source>
+        <translation>Fertig; %1 von %2 Downloads sind fehlgeschlagen.</translation>
+    </message>
+    <message>
+        <source>(%1 of %2)</source>
+        <translation>(%1 von %2)</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Delete all URLs of the queue?</source>
+        <translation>Alle URLs der Warteschlange löschen?</translation>
+    </message>
+    <message>
+        <source>All: %1. Shown by the filter: %2.</source>
+        <translation>Insgesamt: %1. Davon zeigt der Filter: %2.</translation>
+    </message>
+    <message>
+        <source>Delete All</source>
+        <translation>Alle löschen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Remove Duplicates</source>
+        <translation>Entfernen der Doppelten &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>The list could not be saved.</source>
+        <translation>Die Liste konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>Save List</source>
+        <translation>Liste speichern</translation>
+    </message>
+    <message>
+        <source>%1 of %2 shown</source>
+        <translation>%1 von %2 zu sehen</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::WorkLine</name>
+    <message>
+        <source>Loading %1</source>
+        <translation>Lädt %1</translation>
+    </message>
+    <message>
+        <source>Asking %1 what it is</source>
+        <translation>Fragt %1, was es ist</translation>
     </message>
 </context>
 </TS>

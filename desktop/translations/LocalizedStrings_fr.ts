@@ -156,7 +156,7 @@
     </message>
     <message>
         <source>The server has sent nothing for too long.</source>
-        <translation>Le serveur n’a rien envoyé depuis trop longtemps.</translation>
+        <translation>Délai dépassé : le serveur n’envoie plus rien.</translation>
     </message>
     <message>
         <source>The URL is malformed.</source>
@@ -192,7 +192,7 @@
     </message>
     <message>
         <source>The server took too long.</source>
-        <translation>Le serveur a mis trop de temps.</translation>
+        <translation>Délai dépassé : le serveur a mis trop de temps.</translation>
     </message>
     <message>
         <source>No secure connection to the server could be made.</source>
@@ -228,7 +228,7 @@
     </message>
     <message>
         <source>The server has no such file.</source>
-        <translation>Le serveur ne possède pas ce fichier.</translation>
+        <translation>Ce fichier n’existe pas sur le serveur.</translation>
     </message>
     <message>
         <source>The destination folder does not exist.</source>
@@ -334,6 +334,10 @@
         <source>This is not a valid URL.</source>
         <translation>Ce n’est pas une URL valide.</translation>
     </message>
+    <message>
+        <source>It was cancelled.</source>
+        <translation>Annulé.</translation>
+    </message>
 </context>
 <context>
     <name>PreferencesWindow</name>
@@ -342,16 +346,8 @@
         <translation>Préférences</translation>
     </message>
     <message>
-        <source>When work arrives</source>
-        <translation>À l’arrivée de nouvelles URL</translation>
-    </message>
-    <message>
         <source>Shows the queue whenever URLs come in.</source>
         <translation>Affiche la file d’attente dès que des URL arrivent.</translation>
-    </message>
-    <message>
-        <source>&amp;Bring the status window forward</source>
-        <translation>A&amp;fficher la fenêtre d’état</translation>
     </message>
     <message>
         <source>Puts the status window in front of the windows of other programs too. Counts only while the status window is brought forward.</source>
@@ -360,10 +356,6 @@
     <message>
         <source>In front of other &amp;programs</source>
         <translation>Devant les autres &amp;programmes</translation>
-    </message>
-    <message>
-        <source>Destination</source>
-        <translation>Destination</translation>
     </message>
     <message>
         <source>&amp;Folder:</source>
@@ -402,20 +394,12 @@
         <translation>&amp;Remplacer les fichiers de même nom</translation>
     </message>
     <message>
-        <source>Queue</source>
-        <translation>File d’attente</translation>
-    </message>
-    <message>
         <source>Fil&amp;es fetched ahead of their turn:</source>
-        <translation>F&amp;ichiers récupérés d’avance&#xa0;:</translation>
+        <translation>F&amp;ichiers chargés à l’avance&#xa0;:</translation>
     </message>
     <message>
         <source>While a file is downloaded, so many more of the queue are already fetched, which saves waiting for servers. They still come one after the other.</source>
-        <translation>Pendant le téléchargement d’un fichier, autant d’autres de la file sont déjà récupérés, ce qui évite d’attendre les serveurs. Ils arrivent toujours l’un après l’autre.</translation>
-    </message>
-    <message>
-        <source>Finished files</source>
-        <translation>Fichiers terminés</translation>
+        <translation>Autant de fichiers suivants sont chargés à l’avance pendant un téléchargement. Cela réduit l’attente ; l’ordre ne change pas.</translation>
     </message>
     <message>
         <source>Puts the URL into the comment of the file, which file managers show.</source>
@@ -443,7 +427,7 @@
     </message>
     <message>
         <source>Notices</source>
-        <translation>Avis</translation>
+        <translation>Notifications</translation>
     </message>
     <message>
         <source>Also when a download failed. Only while no window of Quillforth is in front.</source>
@@ -466,32 +450,20 @@
         <translation>Afficher un &amp;message pour chaque téléchargement échoué</translation>
     </message>
     <message>
-        <source>&amp;Close</source>
-        <translation>F&amp;ermer</translation>
-    </message>
-    <message>
-        <source>Address of the browser</source>
-        <translation>Adresse du navigateur</translation>
-    </message>
-    <message>
         <source>Only while Firefox does not say its address otherwise. What is on the clipboard is lost. Not possible on Wayland.</source>
         <translation>Seulement tant que Firefox n’indique pas son adresse autrement. Le contenu du presse-papiers est perdu. Impossible sous Wayland.</translation>
     </message>
     <message>
         <source>All&amp;ow keystrokes to copy the address of Firefox</source>
-        <translation>A&amp;utoriser la frappe simulée pour copier l’adresse de Firefox</translation>
+        <translation>A&amp;utoriser des frappes simulées pour copier l’adresse de Firefox</translation>
     </message>
     <message>
         <source>What to switch on so that a browser says its address, and a button that does it</source>
-        <translation>Ce qu’il faut activer pour qu’un navigateur indique son adresse, et un bouton qui le fait</translation>
+        <translation>Explique comment permettre la lecture de l’adresse d’un navigateur</translation>
     </message>
     <message>
         <source>&amp;What Browsers Need…</source>
-        <translation>Ce qu’il faut aux na&amp;vigateurs…</translation>
-    </message>
-    <message>
-        <source>Requests</source>
-        <translation>Requêtes</translation>
+        <translation>Configurer les na&amp;vigateurs…</translation>
     </message>
     <message>
         <source>Some servers give their files only to those who come from their pages. Another server is told no more than where the page is from.</source>
@@ -499,7 +471,23 @@
     </message>
     <message>
         <source>Tell the ser&amp;ver on which page a file was found</source>
-        <translation>Dire au serveur sur que&amp;lle page le fichier se trouvait</translation>
+        <translation>Indiquer au serveur que&amp;lle page contenait le lien</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Général</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message>
+        <source>Browsers</source>
+        <translation>Navigateurs</translation>
+    </message>
+    <message>
+        <source>&amp;Bring the status window forward when URLs come in</source>
+        <translation>A&amp;fficher la fenêtre d’état à l’arrivée d’URL</translation>
     </message>
 </context>
 <context>
@@ -507,6 +495,10 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>et %1 autres</translation>
     </message>
 </context>
 <context>
@@ -537,7 +529,7 @@
     </message>
     <message>
         <source>URLs that wait</source>
-        <translation>URL qui attendent</translation>
+        <translation>URL en attente</translation>
     </message>
     <message>
         <source>&amp;Import…</source>
@@ -550,14 +542,6 @@
     <message>
         <source>Go on with the next URL in the queue</source>
         <translation>Continuer avec l’URL suivante de la file d’attente</translation>
-    </message>
-    <message>
-        <source>&amp;Stop</source>
-        <translation>Arrê&amp;ter</translation>
-    </message>
-    <message>
-        <source>Stop after the file that is being downloaded</source>
-        <translation>S’arrêter après le fichier en cours de téléchargement</translation>
     </message>
     <message>
         <source>&amp;Delete</source>
@@ -609,7 +593,7 @@
     </message>
     <message>
         <source>Download what the web browser shows</source>
-        <translation>Télécharger ce que montre le navigateur</translation>
+        <translation>Télécharger la page ou le fichier affiché par le navigateur</translation>
     </message>
     <message>
         <source>Open &amp;Link File…</source>
@@ -617,7 +601,7 @@
     </message>
     <message>
         <source>Download what a link file names</source>
-        <translation>Télécharger ce que désigne un fichier de lien</translation>
+        <translation>Télécharger la cible d’un fichier de lien</translation>
     </message>
     <message>
         <source>&amp;Choose Destination…</source>
@@ -664,14 +648,6 @@
         <translation>&amp;Préférences…</translation>
     </message>
     <message>
-        <source>&amp;Clear</source>
-        <translation>&amp;Vider</translation>
-    </message>
-    <message>
-        <source>Take all URLs out of the queue</source>
-        <translation>Retirer toutes les URL de la file d’attente</translation>
-    </message>
-    <message>
         <source>Cancel D&amp;ownload</source>
         <translation>Annuler le télé&amp;chargement</translation>
     </message>
@@ -697,7 +673,7 @@
     </message>
     <message>
         <source>What came of the URLs</source>
-        <translation>Ce que sont devenues les URL</translation>
+        <translation>Résultat des téléchargements</translation>
     </message>
     <message>
         <source>S&amp;tart Next</source>
@@ -729,7 +705,7 @@
     </message>
     <message>
         <source>Queue A&amp;gain</source>
-        <translation>Re&amp;prendre</translation>
+        <translation>Relan&amp;cer</translation>
     </message>
     <message>
         <source>Queue the selected URLs again, or all of them when none is selected</source>
@@ -745,7 +721,7 @@
     </message>
     <message>
         <source>&amp;Queue Again</source>
-        <translation>&amp;Reprendre</translation>
+        <translation>&amp;Relancer</translation>
     </message>
     <message>
         <source>&amp;Open</source>
@@ -770,6 +746,98 @@
     <message>
         <source>Add &amp;URLs…</source>
         <translation>A&amp;jouter des URL…</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Start nothing more after the file that is being downloaded, and keep the queue</source>
+        <translation>Ne plus rien commencer après le fichier en cours, et garder la file</translation>
+    </message>
+    <message>
+        <source>&amp;Stop and Clear</source>
+        <translation>Arrê&amp;ter et vider</translation>
+    </message>
+    <message>
+        <source>Stop after the file that is being downloaded, and throw the rest of the queue away</source>
+        <translation>S’arrêter après le fichier en cours et jeter le reste de la file</translation>
+    </message>
+    <message>
+        <source>What the program waits for, and how it stands</source>
+        <translation>Ce que le programme attend, et où il en est</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Give up just the page that is loaded, or the question what a URL is</source>
+        <translation>Abandonner seulement la page en chargement, ou la question de ce qu’est une URL</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>Bring back what the last command has thrown away, at the end of the queue</source>
+        <translation>Remettre à la fin de la file ce que la dernière commande a jeté</translation>
+    </message>
+    <message>
+        <source>C&amp;lear Queue</source>
+        <translation>&amp;Vider la file</translation>
+    </message>
+    <message>
+        <source>Throw all URLs of the queue away</source>
+        <translation>Jeter toutes les URL de la file</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Cancel Loadin&amp;g</source>
+        <translation>Annuler le char&amp;gement</translation>
+    </message>
+    <message>
+        <source>Show just the URLs that hold this text</source>
+        <translation>N’afficher que les URL qui contiennent ce texte</translation>
+    </message>
+    <message>
+        <source>Filter of the queue</source>
+        <translation>Filtre de la file</translation>
+    </message>
+    <message>
+        <source>How much the filter shows</source>
+        <translation>Ce que le filtre affiche</translation>
+    </message>
+    <message>
+        <source>&amp;Save List…</source>
+        <translation>&amp;Enregistrer la liste…</translation>
+    </message>
+    <message>
+        <source>Write the URLs that wait and those that failed to a file, one a line</source>
+        <translation>Écrire dans un fichier les URL en attente et celles qui ont échoué, une par ligne</translation>
+    </message>
+    <message>
+        <source>&amp;Filter…</source>
+        <translation>&amp;Filtrer…</translation>
+    </message>
+    <message>
+        <source>Show just some of the URLs that wait</source>
+        <translation>N’afficher que certaines des URL en attente</translation>
+    </message>
+    <message>
+        <source>Re&amp;move Duplicates</source>
+        <translation>Retirer les dou&amp;blons</translation>
+    </message>
+    <message>
+        <source>Take URLs out of the queue that wait there already</source>
+        <translation>Retirer de la file les URL qui y attendent déjà</translation>
+    </message>
+    <message>
+        <source>&amp;Manual</source>
+        <translation>&amp;Manuel</translation>
     </message>
 </context>
 <context>
@@ -796,7 +864,7 @@
     </message>
     <message>
         <source>That is too much at a time.</source>
-        <translation>C’est trop à la fois.</translation>
+        <translation>Il y en a trop à la fois.</translation>
     </message>
     <message>
         <source>Lines that are taken for hosts:</source>
@@ -805,6 +873,22 @@
     <message>
         <source>and %1 more</source>
         <translation>et %1 de plus</translation>
+    </message>
+    <message>
+        <source>&amp;Open List…</source>
+        <translation>&amp;Ouvrir une liste…</translation>
+    </message>
+    <message>
+        <source>Add the lines of a file</source>
+        <translation>Ajouter les lignes d’un fichier</translation>
+    </message>
+    <message>
+        <source>Open List</source>
+        <translation>Ouvrir une liste</translation>
+    </message>
+    <message>
+        <source>The list could not be read: %1</source>
+        <translation>La liste n’a pas pu être lue : %1</translation>
     </message>
 </context>
 <context>
@@ -885,6 +969,10 @@
         <source>Reason</source>
         <translation>Raison</translation>
     </message>
+    <message>
+        <source>Found On</source>
+        <translation>Trouvée sur</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::FinishedModel</name>
@@ -924,11 +1012,11 @@
     <name>quillforth::desktop::Outcomes</name>
     <message>
         <source>What has arrived will be listed here</source>
-        <translation>Ce qui est arrivé s’affichera ici</translation>
+        <translation>Les téléchargements terminés s’affichent ici</translation>
     </message>
     <message>
         <source>What fails will be listed here</source>
-        <translation>Ce qui échoue s’affichera ici</translation>
+        <translation>Les échecs s’affichent ici</translation>
     </message>
     <message>
         <source>is not a valid URL; Start Next goes on</source>
@@ -988,8 +1076,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>Drop URLs here</source>
-        <translation>Déposez des URL ici</translation>
+        <source>Drop or paste URLs here</source>
+        <translation>Déposez ou collez des URL ici</translation>
     </message>
 </context>
 <context>
@@ -1011,16 +1099,8 @@
         <translation>Quitter Quillforth ?</translation>
     </message>
     <message>
-        <source>The download in progress and the queue will be lost.</source>
-        <translation>Le téléchargement en cours et la file d’attente seront perdus.</translation>
-    </message>
-    <message>
         <source>Quit</source>
         <translation>Quitter</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Annuler</translation>
     </message>
     <message>
         <source>Quillforth %1</source>
@@ -1032,7 +1112,7 @@
     </message>
     <message>
         <source>That is too much at a time.</source>
-        <translation>C’est trop à la fois.</translation>
+        <translation>Il y en a trop à la fois.</translation>
     </message>
     <message>
         <source>Nothing was taken. Paste fewer lines, or wait until those before are taken.</source>
@@ -1053,6 +1133,125 @@
     <message>
         <source>The page has no links.</source>
         <translation>La page n’a pas de liens.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Clear</source>
+        <translation>A&amp;nnuler le vidage</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Stop</source>
+        <translation>A&amp;nnuler l’arrêt</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Import</source>
+        <translation>A&amp;nnuler l’importation</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Delete</source>
+        <translation>A&amp;nnuler la suppression</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>Re&amp;prendre</translation>
+    </message>
+    <message>
+        <source>&amp;Hold</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>Contin&amp;ue</source>
+        <translation>Re&amp;prendre</translation>
+    </message>
+    <message>
+        <source>Ho&amp;ld</source>
+        <translation>Sus&amp;pendre</translation>
+    </message>
+    <message>
+        <source>On hold: nothing more is started until you press Continue.</source>
+        <translation>En attente : rien ne commence plus avant « Reprendre ».</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>What is under way will be broken off.</source>
+        <translation>Ce qui est en cours sera interrompu.</translation>
+    </message>
+    <message>
+        <source>URLs that will be lost: %1</source>
+        <translation>URL qui seront perdues : %1</translation>
+    </message>
+    <message>
+        <source>Stay</source>
+        <translation>Rester</translation>
+    </message>
+    <message>
+        <source>Free software under the MIT licence.</source>
+        <translation>Logiciel libre sous licence MIT.</translation>
+    </message>
+    <message>
+        <source>There is no program here to show the manual with.</source>
+        <translation>Aucun programme ne peut afficher le manuel ici.</translation>
+    </message>
+    <message>
+        <source>A terminal shows it with: man quillforth</source>
+        <translation>Un terminal l’affiche avec : man quillforth</translation>
+    </message>
+    <message>
+        <source>The work has ended, and %1 of %2 downloads failed.</source>
+        <translation>Terminé ; %1 téléchargements sur %2 ont échoué.</translation>
+    </message>
+    <message>
+        <source>(%1 of %2)</source>
+        <translation>(%1 sur %2)</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Delete all URLs of the queue?</source>
+        <translation>Supprimer toutes les URL de la file ?</translation>
+    </message>
+    <message>
+        <source>All: %1. Shown by the filter: %2.</source>
+        <translation>En tout : %1. Affichées par le filtre : %2.</translation>
+    </message>
+    <message>
+        <source>Delete All</source>
+        <translation>Tout supprimer</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Remove Duplicates</source>
+        <translation>A&amp;nnuler le retrait des doublons</translation>
+    </message>
+    <message>
+        <source>The list could not be saved.</source>
+        <translation>La liste n’a pas pu être enregistrée.</translation>
+    </message>
+    <message>
+        <source>Save List</source>
+        <translation>Enregistrer la liste</translation>
+    </message>
+    <message>
+        <source>%1 of %2 shown</source>
+        <translation>%1 sur %2 affichées</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::WorkLine</name>
+    <message>
+        <source>Loading %1</source>
+        <translation>Chargement de %1</translation>
+    </message>
+    <message>
+        <source>Asking %1 what it is</source>
+        <translation>Question à %1 : page ou fichier ?</translation>
     </message>
 </context>
 </TS>

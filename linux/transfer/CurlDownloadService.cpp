@@ -206,6 +206,7 @@ void CurlDownloadService::cancelAll() {
 void CurlDownloadService::end() {
   isEnding_ = true;
   thread_.stop();
+  setHoldingEnds(false);
   std::vector<Report> reports;
   std::unordered_set<DownloadId> finished;
   while (std::optional<Report> report = reports_.take()) {
@@ -272,6 +273,20 @@ void CurlDownloadService::setDelivering(bool isDelivering) {
   if (!isDelivering) thread_.handOver();
 }
 
+void CurlDownloadService::setHoldingEnds(bool isHolding) {
+  isHoldingEnds_ = isHolding;
+  if (isHolding) return;
+  for (Report& end : std::exchange(heldEnds_, {})) reports_.post(std::move(end));
+}
+
+bool CurlDownloadService::holdBack(Report& report) {
+  const bool isEnd =
+      std::holds_alternative<FinishedReport>(report) || std::holds_alternative<FailedReport>(report);
+  if (!isHoldingEnds_ || !isEnd) return false;
+  heldEnds_.push_back(std::move(report));
+  return true;
+}
+
 // A delegate may run an event loop inside a callback, which calls this, too. Order is kept, because each
 // report is taken out before it is delivered. What a delegate starts can report at once and without end, so
 // other events get their turn in between.
@@ -290,7 +305,7 @@ bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) 
     thread_.work(end, [this] { return !reports_.isEmpty(); });
     report = reports_.take();
   }
-  if (report) deliver(*report);
+  if (report && !holdBack(*report)) deliver(*report);
   return report.has_value();
 }
 

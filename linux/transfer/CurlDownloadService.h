@@ -94,6 +94,9 @@ class CurlDownloadService final : public WebDownloadService {
   /// While false, callbacks are held back and keep their order. For an owner whose event loop runs while a
   /// delegate is busy.
   void setDelivering(bool isDelivering);
+  /// Holds just the ends of downloads back, in their order: all else is called back. Ends that were held are
+  /// called back from the event loop, or in `end`; those of a download that is cancelled meanwhile never.
+  void setHoldingEnds(bool isHolding);
   /// For pages and probes, which then share connections with the files.
   [[nodiscard]] TransferThread& thread() { return thread_; }
 
@@ -105,6 +108,7 @@ class CurlDownloadService final : public WebDownloadService {
   void deliverReports();
   bool deliverOne(std::chrono::steady_clock::time_point end);
   void deliver(Report& report);
+  [[nodiscard]] bool holdBack(Report& report);
   void rest();
   void cancelAll();
   void decide(ChangeCommand command);
@@ -120,6 +124,8 @@ class CurlDownloadService final : public WebDownloadService {
   const DownloadOptions options_;
   QSocketNotifier notifier_;
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;
+  std::vector<Report> heldEnds_;
+  bool isHoldingEnds_ = false;
   bool isDelivering_ = false;
   bool isEnding_ = false;
   QTimer rest_;

@@ -11,6 +11,9 @@ namespace quillforth::platform {
 
 namespace {
 
+// So often it is looked whether the stream is given up.
+constexpr std::chrono::milliseconds kLookInterval{100};
+
 // RFC 9110, section 5.6.2.
 bool IsToken(std::string_view text) {
   constexpr std::string_view kLetters =
@@ -27,8 +30,8 @@ bool MayStandInHeader(std::string_view text) {
 
 class CurlReadStream final : public HTTPReadStream {
  public:
-  CurlReadStream(TransferThread& thread, TransferRequest request)
-      : thread_(thread), request_(std::move(request)) {}
+  CurlReadStream(TransferThread& thread, const std::atomic<bool>& isGivenUp, TransferRequest request)
+      : thread_(thread), isGivenUp_(isGivenUp), request_(std::move(request)) {}
 
   bool open(HTTPReadStreamClient& client) override {
     client_ = &client;
@@ -49,6 +52,7 @@ class CurlReadStream final : public HTTPReadStream {
   void signalLast(StreamEvent event);
 
   TransferThread& thread_;
+  const std::atomic<bool>& isGivenUp_;
   const TransferRequest request_;
   HTTPReadStreamClient* client_ = nullptr;
   std::optional<Clock::time_point> deadline_;
@@ -60,11 +64,12 @@ class CurlReadStream final : public HTTPReadStream {
 void CurlReadStream::run() {
   client_->streamEvent(StreamEvent::openCompleted);
   while (fetch_) {
-    if (fetch_->wait(deadline_.value_or(Clock::time_point::max()))) {
+    const Clock::time_point look = Clock::now() + kLookInterval;
+    if (fetch_->wait(std::min(look, deadline_.value_or(look)))) {
       deliverBytes();
       const std::optional<TransferOutcome> outcome = fetch_ ? fetch_->outcome() : std::nullopt;
       if (outcome) signalLast(outcome->isWhole() ? StreamEvent::endEncountered : StreamEvent::errorOccurred);
-    } else if (thread_.isGivingUp()) {
+    } else if (isGivenUp_ || thread_.isGivingUp()) {
       signalLast(StreamEvent::errorOccurred);
     }
     if (fetch_) passDeadline();
@@ -108,7 +113,7 @@ std::unique_ptr<HTTPReadStream> CurlReadStreamFactory::createStream(const HTTPRe
   if (!request.userName.empty() && !request.password.empty()) {
     probe.login = Login{request.userName, request.password, CURLAUTH_BASIC};
   }
-  return std::make_unique<CurlReadStream>(thread_, std::move(probe));
+  return std::make_unique<CurlReadStream>(thread_, isGivenUp_, std::move(probe));
 }
 
 }  // namespace quillforth::platform

@@ -2,6 +2,7 @@
 
 #include "desktop/AddSheet.h"
 
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 
@@ -52,6 +53,31 @@ TEST_F(AddSheetTest, WhatIsNotTakenWithoutAConnectionStandsInTheSheetAgain) {
   network_.isUp = true;
   sheet()->accept();
   EXPECT_TRUE(RunLoopUntil([] { return files() == u"b1.bin b2.bin"; }));
+}
+
+TEST_F(AddSheetTest, AListThatWasSavedIsOpenedHere) {
+  const QString urls = QStringLiteral("http://a.test/1\nhttp://a.test/2\n");
+  for (const QString& url : urls.split(u'\n', Qt::SkipEmptyParts)) desktop_.controller().queueURL(url);
+  const auto choose = [this](const char* path) {
+    auto* dialog = window().findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    emit dialog->fileSelected(QDir::homePath() + QLatin1StringView(path));
+    dialog->reject();
+  };
+  trigger("actionSaveList");
+  choose("/list.txt");
+  ASSERT_TRUE(RunLoopUntil([this] { return window().findChild<QFileDialog*>() == nullptr; }));
+  trigger("actionAddURLs");
+  ASSERT_NE(sheet(), nullptr);
+  for (const char* path : {"/none.txt", "", "/list.txt"}) {
+    for (auto* button : sheet()->findChildren<QPushButton*>()) {
+      if (button->text().startsWith(u"&Open")) button->click();
+    }
+    choose(path);
+    ASSERT_TRUE(RunLoopUntil([this] { return window().findChild<QFileDialog*>() == nullptr; }));
+  }
+  EXPECT_EQ(sheet()->findChild<QPlainTextEdit*>()->toPlainText(), urls);
+  sheet()->reject();
 }
 
 TEST_F(AddSheetTest, AnImportThatGivesNothingSaysWhy) {

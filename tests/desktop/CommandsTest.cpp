@@ -191,6 +191,38 @@ TEST_F(CommandsTest, AnAlertOfTheControllerHoldsUpEverything) {
   }));
 }
 
+TEST_F(CommandsTest, UndoBringsBackInOrderAndHoldKeepsAllWhileAFileEnds) {
+  beginGatedDownload();
+  fillQueue();
+  for (const char* command : {"actionDelete", "actionStop", "actionUndo", "actionUndo"}) trigger(command);
+  ASSERT_TRUE(comesTo("120|n"));
+  trigger("actionHold");
+  mayAnswer_ = true;
+  EXPECT_TRUE(RunLoopUntil([] { return files() == u"gated.bin"; }));
+  ASSERT_TRUE(drop("/slow9"));
+  EXPECT_TRUE(comesTo("1209|n"));
+  trigger("actionHold");
+  EXPECT_TRUE(comesTo("209|1"));
+}
+
+TEST_F(CommandsTest, UnderAFilterDeletingAllIsAskedForAndDuplicatesGoWhereverTheyAre) {
+  beginGatedDownload();
+  fillQueue();
+  for (const char* path : {"/slow2", "/slow0"}) desktop_.controller().queueURL(url(path));
+  find<QLineEdit>("filterField").setText(QStringLiteral("slow1"));
+  EXPECT_FALSE(table_.selectionModel()->hasSelection());
+  trigger("actionRemoveDuplicates");
+  ASSERT_TRUE(comesTo("012|n"));
+  for (const bool isWanted : {false, true}) {
+    find<QAction>("actionDelete").setEnabled(true);
+    trigger("actionDelete");
+    auto* question = window().findChild<QMessageBox*>();
+    ASSERT_NE(question, nullptr);
+    isWanted ? question->buttons().first()->click() : question->reject();
+    EXPECT_TRUE(comesTo(isWanted ? "|n" : "012|n"));
+  }
+}
+
 TEST_F(CommandsTest, ADoubleClickIsOneCommand) {
   beginGatedDownload();
   fillQueue();

@@ -98,6 +98,7 @@ class DesktopFixture : public ::testing::Test {
       {.makeHost = [this](app::Application& asked) { return services_.host(asked, network_); },
        .holdDownloads = [this](bool isHeld) { services_.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
+       .holdEnds = [this](bool isHeld) { services_.downloads().setHoldingEnds(isHeld); },
        .settingsFile = services_.userDefaults().fileName(),
        .isStored = [] { return true; }}};
 };

@@ -149,6 +149,20 @@ TEST_F(DesktopTest, ALinkFileIsOpenedWhereItIsDroppedAndOtherFilesFail) {
   services_.userDefaults().removeObject(QStringLiteral("showAlertsWhenErrorsOccur"));
 }
 
+TEST_F(DesktopTest, FailuresThatWaitAreOneSheetThatBlocksNothing) {
+  services_.userDefaults().setObject(QStringLiteral("showAlertsWhenErrorsOccur"), true);
+  for (const char* path : {"/cut1.bin", "/cut2.bin", "/cut3.bin"}) EXPECT_TRUE(drop(path));
+  const auto box = [this] { return window().findChild<QMessageBox*>(); };
+  ASSERT_TRUE(RunLoopUntil([&] { return box() != nullptr && box()->detailedText().count(u'\n') == 2; }));
+  EXPECT_EQ(window().findChildren<QMessageBox*>().size(), 1);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_TRUE(box()->informativeText().contains(QStringLiteral("/cut1.bin")));
+  EXPECT_TRUE(box()->informativeText().contains(u'2'));
+  EXPECT_EQ(find<QLabel>("workLabel").text(),
+            QStringLiteral("The work has ended, and 3 of 3 downloads failed."));
+  services_.userDefaults().removeObject(QStringLiteral("showAlertsWhenErrorsOccur"));
+}
+
 TEST_F(DesktopTest, WhatServersSayIsShownLiterally) {
   const QString hostile = QStringLiteral("100%s <b>bold</b> & \u202edone");
   const QString shown = QStringLiteral("100%s <b>bold</b> & \\u202edone");

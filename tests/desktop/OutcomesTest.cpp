@@ -28,6 +28,7 @@ TEST_F(OutcomesTest, EachURLIsListedWithWhatCameOfItAndFailuresAreQueuedAgain) {
   ASSERT_TRUE(drop("/a.bin") && tabsSay("Finished (1)", "Failed (0)"));
   ASSERT_TRUE(drop("/cut.html") && drop("/cut.bin") && tabsSay("Finished (1)", "Failed (2)"));
   desktop_.controller().queueURL(QStringLiteral("no URL"));
+  ASSERT_TRUE(waitForText("countTextField", "1 "));
   trigger("actionTryAgain");
   ASSERT_TRUE(tabsSay("Finished (1)", "Failed (3)"));
   EXPECT_EQ(find<QLabel>("outcomeLabel").text(), QStringLiteral("1 done, 3 failed"));

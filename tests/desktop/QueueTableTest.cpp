@@ -67,6 +67,23 @@ TEST(QueueTable, SelectionFollowsEntriesAndReloadsCostWhatIsVisible) {
   table.reloadData();
   EXPECT_EQ(table.selectedRowIndexes(), std::vector<std::size_t>{89'811});
   EXPECT_EQ(table.selectedURLs(), QStringList(QStringLiteral("http://site-a.test/90000")));
+
+  // A filter hides rows, and what it hides is not selected.
+  view.selectAll();
+  table.setFilter(QStringLiteral("/9999"));
+  EXPECT_EQ(table.shownCount(), 11);
+  const auto rowOf = [&queue](std::uint64_t identifier) {
+    const auto found = std::find(queue.identifiers.begin(), queue.identifiers.end(), identifier);
+    return static_cast<std::size_t>(found - queue.identifiers.begin());
+  };
+  EXPECT_EQ(table.selectedRowIndexes().front(), rowOf(9999));
+  std::erase(queue.identifiers, 99'995U);
+  queue.identifiers.push_back(999'000);
+  queue.identifiers.push_back(999'900);
+  table.reloadData();
+  ASSERT_TRUE(
+      RunLoopUntil([&] { return view.model()->index(10, 0).data().toString().endsWith(u"/999900"); }));
+  EXPECT_EQ(table.selectedRowIndexes().size(), 10U);
   queue.identifiers.clear();
   table.reloadData();
   EXPECT_TRUE(table.selectedRowIndexes().empty());

@@ -4,6 +4,8 @@
 
 #include <sys/xattr.h>
 
+#include <QTableView>
+
 #include "tests/desktop/DesktopFixture.h"
 
 namespace quillforth::tests {
@@ -74,6 +76,28 @@ TEST_F(WaitingTest, TheWindowLivesWhileAServerIsAsked) {
   EXPECT_EQ(files(), QStringLiteral("gated"));
 }
 
+// With nothing to do, with a file that waits, and with one that is in transfer.
+TEST_F(WaitingTest, OnlyWhatIsWaitedForIsCancelledAndItsFileIsTakenOutAgain) {
+  auto& cancel = find<QAction>("actionCancelWait");
+  const auto& failed = *find<QTableView>("failedTable").model();
+  QObject::connect(&cancel, &QAction::changed, [&cancel] { cancel.isEnabled() ? cancel.trigger() : void(); });
+  int failures = 0;
+  for (const char* other : {"", "/slow.bin", ""}) {
+    if (*other != 0) desktop_.controller().queueURL(QString::fromStdString(server_.url(other)));
+    for (const char* path : {"/gated", "/gated.html"}) {
+      ASSERT_TRUE(drop(path));
+      ++failures;
+      ASSERT_TRUE(RunLoopUntil([&] { return failed.rowCount() == failures && !desktop_.gate().isBusy(); }));
+      EXPECT_TRUE(failed.index(failures - 1, 0).data().toString().endsWith(QLatin1StringView(path)));
+      EXPECT_FALSE(cancel.isEnabled());
+      EXPECT_EQ(desktop_.controller().numberOfRows(), 0U);
+    }
+    EXPECT_EQ(desktop_.controller().isDownloading(), failures > 2) << "the file that waited goes on";
+  }
+  EXPECT_EQ(find<QLabel>("outcomeLabel").text(), QStringLiteral("0 done, 6 failed"));
+  EXPECT_FALSE(files().contains(QStringLiteral("gated")));
+}
+
 TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {
   whileWaiting([this] { desktop_.quit(); });
   QTimer::singleShot(20'000, &tick_, [this] { mayAnswer_ = true; });
@@ -81,6 +105,19 @@ TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {
   QApplication::exec();
   EXPECT_FALSE(mayAnswer_);
   EXPECT_EQ(files(), QString());
+}
+
+TEST_F(WaitingTest, AFileOnHoldWhenTheProgramQuitsStaysWithItsComment) {
+  ASSERT_TRUE(drop("/half-gated.bin"));
+  ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
+  trigger("actionHold");
+  mayAnswer_ = true;
+  EXPECT_TRUE(RunLoopUntil([] { return files() == u"half-gated.bin"; }));
+  QApplication::processEvents();
+  EXPECT_TRUE(desktop_.controller().isDownloading());
+  desktop_.quit();
+  stays = folder() + QStringLiteral("/half-gated.bin");
+  comment = server_.url("/half-gated.bin");
 }
 
 TEST_F(WaitingTest, AFileThatIsThereWhenTheProgramQuitsStaysWithItsComment) {

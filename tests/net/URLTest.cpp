@@ -57,6 +57,8 @@ TEST(URL, TypedTextsAreMendedWhereTheyAreNone) {
     const auto url = URLOfTypedText(QString::fromStdString(row[0]));
     EXPECT_EQ(url ? url->absoluteString().toStdString() : "none", row[1]) << row[0];
   }
+  EXPECT_EQ(WithoutPassword(QStringLiteral("http://me:p@ss@h/a@b")), u"http://me@h/a@b");
+  EXPECT_EQ(WithoutPassword(QStringLiteral("http://:word@h/")), u"http://h/");
 }
 
 }  // namespace

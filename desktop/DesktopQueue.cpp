@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+//
+// What the user does with the queue: what is thrown away and brought back, held, cancelled and taken up
+// again, and which of these commands there are at the moment.
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSaveFile>
+#include <QSet>
+#include <utility>
+
+#include "app/UrlQueue.h"
+#include "desktop/Desktop.h"
+#include "desktop/MessageSheets.h"
+#include "ui_StatusWindow.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr std::size_t kMostUndoSteps = 10;
+
+}  // namespace
+
+// What was asked for before is emptied out with the queue, also where it has not come that far.
+void Desktop::giveToAll(Command command, const QString& undoText) {
+  clipboard_.forget();
+  give([this, command, undoText, count = pacedIntake_.addedCount()] {
+    pacedIntake_.dropFirst(count);
+    doUndoably(undoText, [this, command] { (controller_.*command)(); });
+  });
+}
+
+void Desktop::importPage() {
+  if (!importOutlet_.stringValue().isEmpty()) pacedIntake_.dropFirst(addedBeforeImport_);
+  doUndoably(StatusWindow::tr("&Undo Import"), [this] { controller_.importURL(importOutlet_); });
+}
+
+// What a filter hides goes with the rest when nothing is selected, so that is asked for.
+void Desktop::askDelete() {
+  const Entries entries = fileTable_.selectedEntries();
+  if (!entries.empty() || !fileTable_.isFiltered()) {
+    return give([this, entries] { deleteEntries(entries); });
+  }
+  statusOutlet_.beginSheet([this] {
+    const QLocale locale;
+    auto* box = MakeMessageBox({StatusWindow::tr("Delete all URLs of the queue?"),
+                                StatusWindow::tr("All: %1. Shown by the filter: %2.")
+                                    .arg(locale.toString(qulonglong{controller_.numberOfRows()}),
+                                         locale.toString(fileTable_.shownCount())),
+                                StatusWindow::tr("Delete All"), StatusWindow::tr("Cancel")},
+                               QMessageBox::Question, &window_);
+    PreferStaying(*box);
+    QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
+      if (IsAccepted(*box)) give([this] { deleteEntries({}); });
+    });
+    return box;
+  });
+}
+
+// The first of equal ones stays.
+void Desktop::removeDuplicates() {
+  Entries duplicates;
+  QSet<QString> seen;
+  for (std::size_t row = 0; row < controller_.numberOfRows(); ++row) {
+    const qsizetype before = seen.size();
+    seen.insert(controller_.objectValueForRow(row));
+    const std::uint64_t identifier = controller_.identifierOfRow(row);
+    if (seen.size() == before) duplicates.push_back({identifier, identifier});
+  }
+  if (duplicates.empty()) return application_.beep();
+  doUndoably(StatusWindow::tr("&Undo Remove Duplicates"), [this, &duplicates] {
+    fileTable_.runFor(duplicates, [this] { controller_.deleteButtonClicked(); });
+  });
+}
+
+// A URL has no line break; a text that has one, and makes no URL, is to stay one line.
+void Desktop::saveList() {
+  const auto save = [this](const QString& path) {
+    QSaveFile file(path);
+    file.open(QIODevice::WriteOnly);
+    const auto write = [&file](QString url) {
+      file.write(url.replace(u'\n', u' ').replace(u'\r', u' ').toUtf8() + '\n');
+    };
+    for (std::size_t row = 0; row < controller_.numberOfRows(); ++row)
+      write(controller_.objectValueForRow(row));
+    for (const QString& url : outcomes_.failedURLs()) write(url);
+    if (file.commit()) return;
+    statusOutlet_.beginAlertSheet(StatusWindow::tr("The list could not be saved."), file.errorString());
+  };
+  statusOutlet_.beginSheet([this, save] {
+    auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Save List"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    dialog->selectFile(QStringLiteral("urls.txt"));
+    QObject::connect(dialog, &QFileDialog::fileSelected, &window_, save);
+    return dialog;
+  });
+}
+
+// Given with nothing selected it means all of them, also when something is selected by now.
+void Desktop::deleteEntries(const Entries& entries) {
+  if (!entries.empty() && !fileTable_.isAnyQueued(entries)) return;
+  doUndoably(StatusWindow::tr("&Undo Delete"),
+             [this, &entries] { fileTable_.runFor(entries, [this] { controller_.deleteButtonClicked(); }); });
+  if (!entries.empty()) fileTable_.selectFrom(entries.front().first);
+}
+
+void Desktop::tryAgain(const Entries& head) {
+  if (head.empty() || fileTable_.isAnyQueued(head)) controller_.tryAgain();
+}
+
+void Desktop::cancelDownload(int download) {
+  if (download == controller_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
+}
+
+std::uint64_t Desktop::nextIdentifier() const {
+  const std::size_t rows = controller_.numberOfRows();
+  return rows == 0 ? 0 : controller_.identifierOfRow(rows - 1) + 1;
+}
+
+// A server that is not asked to the end leaves its URL a file, which has been started or come last by now.
+void Desktop::takeOutUnwantedFile() {
+  const std::optional<BeforeFile> before = std::exchange(beforeUnwantedFile_, std::nullopt);
+  if (!before) return;
+  if (controller_.startedCount() > before->startedCount) return controller_.cancelDownloadFile();
+  const std::uint64_t next = nextIdentifier();
+  if (next <= before->nextIdentifier) return;
+  outcomes_.addCancelled(controller_.objectValueForRow(controller_.numberOfRows() - 1));
+  fileTable_.runFor({{next - 1, next - 1}}, [this] { controller_.deleteButtonClicked(); });
+}
+
+void Desktop::doUndoably(const QString& undoText, const std::function<void()>& command) {
+  undoText_ = undoText;
+  command();
+  undoText_ = QString();
+}
+
+void Desktop::controllerMovedOn() {
+  gate_.goOn();
+  followState();
+}
+
+void Desktop::downloadFailed(const app::DownloadProgress& progress, const QString& /*reason*/) {
+  if (preferences_.showAlertsWhenErrorsOccur()) statusOutlet_.expectFailure(progress.url);
+}
+
+void Desktop::urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) {
+  if (undoText_.isNull()) return;
+  undoSteps_.push_back({undoText_, urls});
+  if (undoSteps_.size() > kMostUndoSteps) undoSteps_.pop_front();
+}
+
+// What was given last by the time that its turn has come: commands before it may still have waited then.
+void Desktop::undo() {
+  if (undoSteps_.empty()) return application_.beep();
+  const UndoStep step = std::move(undoSteps_.back());
+  undoSteps_.pop_back();
+  controller_.queueURLs(*step.urls);
+}
+
+void Desktop::toggleHold() {
+  setHeld(!isHeld_);
+  followState();
+}
+
+// Not by way of the gate: it is for the file that is in transfer now, and touches no controller.
+void Desktop::setHeld(bool isHeld) {
+  if (isHeld == isHeld_) return;
+  isHeld_ = isHeld;
+  services_.holdEnds(isHeld);
+  const Ui::StatusWindow& ui = window_.ui();
+  ui.actionHold->setText(isHeld ? StatusWindow::tr("&Continue") : StatusWindow::tr("&Hold"));
+  ui.holdButton->setText(isHeld ? StatusWindow::tr("Contin&ue") : StatusWindow::tr("Ho&ld"));
+  showStanding();
+}
+
+void Desktop::showStanding() {
+  workLine_.setStanding(
+      isHeld_ ? StatusWindow::tr("On hold: nothing more is started until you press Continue.") : end_);
+}
+
+// Commands that wait may change it all, so what may make sense after them can be given.
+void Desktop::followState() {
+  const Ui::StatusWindow& ui = window_.ui();
+  const bool isMore = gate_.hasWaiting() || !pacedIntake_.isEmpty();
+  const bool isQueue = isMore || controller_.numberOfRows() > 0 || preferences_.aggregateFiles();
+  const bool isWork = isQueue || spinner_.isAnimated();
+  startNextButton_.setEnabled(isQueue);
+  stopButton_.setEnabled(isWork);
+  ui.actionClear->setEnabled(isWork);
+  if (!controller_.isBusy()) setHeld(false);
+  holdButton_.setEnabled(controller_.isBusy());
+  ui.filterLabel->setText(StatusWindow::tr("%1 of %2 shown")
+                              .arg(QLocale().toString(fileTable_.shownCount()),
+                                   QLocale().toString(qulonglong{controller_.numberOfRows()})));
+  ui.actionUndo->setEnabled(gate_.hasWaiting() || !undoSteps_.empty());
+  ui.actionUndo->setText(undoSteps_.empty() ? StatusWindow::tr("&Undo") : undoSteps_.back().text);
+}
+
+}  // namespace quillforth::desktop

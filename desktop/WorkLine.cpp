@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/WorkLine.h"
+
+#include <chrono>
+#include <utility>
+
+#include "ui_StatusWindow.h"
+
+namespace quillforth::desktop {
+
+namespace {
+
+constexpr std::chrono::milliseconds kDelay(200);
+
+}  // namespace
+
+WorkLine::WorkLine(FramePacer& pacer, StatusWindow& window)
+    : label_(*window.ui().workLabel),
+      button_(pacer, *window.ui().cancelWaitButton, *window.ui().fileTable, window.ui().actionCancelWait) {
+  delay_.setSingleShot(true);
+  delay_.setInterval(kDelay);
+  connect(&delay_, &QTimer::timeout, this, &WorkLine::showWait);
+  connect(window.ui().cancelWaitButton, &QPushButton::clicked, this, &WorkLine::cancel);
+  connect(window.ui().actionCancelWait, &QAction::triggered, this, &WorkLine::cancel);
+}
+
+WorkLine::Wait::Wait(WorkLine& line, const QString& text, std::function<void()> cancel) : line_(line) {
+  line_.begin(text, std::move(cancel));
+}
+
+void WorkLine::setStanding(const QString& text) {
+  standing_ = text;
+  if (waiting_.isEmpty()) label_.setWholeText(standing_);
+}
+
+void WorkLine::begin(const QString& text, std::function<void()> cancel) {
+  waiting_ = text;
+  cancel_ = std::move(cancel);
+  isCancelled_ = false;
+  delay_.start();
+}
+
+void WorkLine::showWait() {
+  label_.setWholeText(waiting_);
+  button_.setHidden(false);
+  button_.setEnabled(true);
+}
+
+// At once, so that a press cannot hit what is waited for next.
+void WorkLine::end() {
+  delay_.stop();
+  waiting_.clear();
+  cancel_ = nullptr;
+  button_.setHidden(true);
+  button_.setEnabled(false);
+  label_.setWholeText(standing_);
+}
+
+void WorkLine::cancel() {
+  if (!cancel_) return;
+  isCancelled_ = true;
+  button_.setEnabled(false);
+  std::exchange(cancel_, nullptr)();
+}
+
+}  // namespace quillforth::desktop
