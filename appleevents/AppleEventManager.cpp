@@ -69,7 +69,7 @@ common::Status AppleEventManager::send(const AppleEvent& event, const SendOption
     QCoreApplication::postEvent(this, new QueuedEvent(sent));
     return common::kNoError;
   }
-  return sendAndWait(sent, *signature, options, reply);
+  return sendAndWait(sent, *signature, reply);
 }
 
 void AppleEventManager::customEvent(QEvent* queued) {
@@ -80,9 +80,7 @@ void AppleEventManager::customEvent(QEvent* queued) {
 }
 
 common::Status AppleEventManager::sendAndWait(const AppleEvent& event, common::FourCharCode signature,
-                                              const SendOptions& options, AppleEvent& reply) {
-  IdleRequest request;
-  if (options.idle != nullptr && options.idle(request)) return common::kAEWaitCanceled;
+                                              AppleEvent& reply) {
   const AppleEventDispatcher* dispatcher = dispatcherFor(signature);
   if (dispatcher == nullptr) return common::kProcessNotFound;
   reply = AppleEvent(common::FourCC("aevt"), common::FourCC("ansr"), AEDescriptor(), event.returnID(),

@@ -80,9 +80,9 @@ class AppleEventManager final : public QObject, public AppleEventSender {
   void registerTarget(common::FourCharCode signature, const AppleEventDispatcher& dispatcher);
   void unregisterTarget(common::FourCharCode signature) { targets_.erase(signature); }
 
-  /// Targets answer at once, so no time-out ever passes. The idle function is called once, before the
-  /// handler. -1711 when it gives up, and then the handler is not called; -1716 when the target address is
-  /// not an application signature; -600 when nobody registered under it.
+  /// Targets answer at once: nothing is waited for, so no time-out ever passes, and no idle function is
+  /// called. -1716 when the target address is not an application signature; -600 when nobody registered under
+  /// it.
   [[nodiscard]] common::Status send(const AppleEvent& event, const SendOptions& options,
                                     AppleEvent& reply) override;
 
@@ -92,7 +92,7 @@ class AppleEventManager final : public QObject, public AppleEventSender {
  private:
   [[nodiscard]] const AppleEventDispatcher* dispatcherFor(common::FourCharCode signature) const;
   [[nodiscard]] common::Status sendAndWait(const AppleEvent& event, common::FourCharCode signature,
-                                           const SendOptions& options, AppleEvent& reply);
+                                           AppleEvent& reply);
   std::int16_t newReturnID();
 
   common::OwnerThread owner_;

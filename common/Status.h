@@ -45,7 +45,6 @@ inline constexpr Status kNotAFolder = -1407;
 inline constexpr Status kAECoercionFailed = -1700;
 inline constexpr Status kAEDescriptorNotFound = -1701;
 inline constexpr Status kAEEventNotHandled = -1708;
-inline constexpr Status kAEWaitCanceled = -1711;
 inline constexpr Status kAEUnknownAddressType = -1716;
 inline constexpr Status kAENoSuchObject = -1728;
 inline constexpr Status kCoreFoundationFailure = -4960;

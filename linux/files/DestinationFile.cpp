@@ -151,7 +151,7 @@ int DestinationFile::write(std::string_view bytes) {
 int DestinationFile::writeBackPiece() {
   const std::int64_t offset = std::exchange(startedLength_, length_);
   const int error = ErrorOfWriteBack(calls_.writeBack(file_.get(), offset, length_ - offset, kStart));
-  const bool isSmall = length_ - offset < kPieceBytes;
+  const bool isSmall = offset < kPieceBytes / 2;
   return error != 0 || isSmall ? error : ErrorOfWriteBack(calls_.writeBack(file_.get(), 0, offset, kWait));
 }
 
