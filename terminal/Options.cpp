@@ -434,7 +434,8 @@ constexpr std::array kAggregateOptions{
         .bind = Fill<AggregateArguments, &AggregateArguments::dryRun>,
         .text =
             "only print what would be moved where, a line each: the name, a tab, the new name, both relative "
-            "to DIR. Control characters are written as \\xHH; the UUID will be another one",
+            "to DIR. Control characters are written as \\xHH; the UUID will be another one. Links that would "
+            "point to nothing after the move are named",
         .example = "aggregate --dry-run ~/Downloads"},
     kHelp,
     Option{.names = "DIR",
