@@ -35,9 +35,10 @@ void ForEachOrigin(const std::string& folder,
          item.increment(error)) {
       if (item->path().filename().native().starts_with('.')) continue;
       std::error_code unknown;
-      const fs::file_type type = item->symlink_status(unknown).type();
-      if (type == fs::file_type::directory) folders.push_back(item->path());
-      if (type != fs::file_type::regular) continue;
+      // What kind it is, the folder has said already.
+      if (item->is_symlink(unknown)) continue;
+      if (item->is_directory(unknown)) folders.push_back(item->path());
+      if (!item->is_regular_file(unknown)) continue;
       if (const std::string origin = OriginOf(item->path()); !origin.empty()) take(item->path(), origin);
     }
   }

@@ -347,8 +347,9 @@ void Get::leaveAll() {
   for (const Retry& retry : retries_) leave(retry.url);
   for (const GivenURL& url : urls_) leave(url);
   for (const QString& text : settings_.refused) rest_ += text.toUtf8() + '\n';
-  summary_.notFetched += lostCount_ + static_cast<int>(inFlight.size() + retries_.size() + urls_.size()) +
-                         static_cast<int>(controller_.numberOfRows());
+  const std::size_t left =
+      static_cast<std::size_t>(inFlight.size()) + retries_.size() + urls_.size() + controller_.numberOfRows();
+  summary_.notFetched += lostCount_ + static_cast<int>(left);
 }
 
 }  // namespace quillforth::terminal

@@ -161,17 +161,17 @@ constexpr std::array kGetOptions{
             "give",
         .example = "get --header 'Accept-Language: de' http://www.example.org/",
         .isRepeated = true},
-    Option{
-        .names = "--referer",
-        .value = "WHAT",
-        .bind = Fill<GetArguments, &GetArguments::referer>,
-        .text =
-            "tell servers where a link stood: page is its page, without password and fragment; a URL is told "
-            "as it is, to all; none is nothing. Never from https to http. Without it the setting sendReferer "
-            "counts",
-        .completes = Completes::words,
-        .words = "page none",
-        .example = "get --referer page http://www.example.org/gallery/"},
+    Option{.names = "--referer",
+           .value = "WHAT",
+           .bind = Fill<GetArguments, &GetArguments::referer>,
+           .text = "tell servers where a link stood. The word page is for its page, none for nothing; a URL "
+                   "is told to all. "
+                   "Neither with a password and a fragment, nor from https to http. Without it the setting "
+                   "sendReferer "
+                   "counts",
+           .completes = Completes::words,
+           .words = "page none",
+           .example = "get --referer page http://www.example.org/gallery/"},
     Option{.names = "--user-agent",
            .value = "TEXT",
            .bind = Fill<GetArguments, &GetArguments::userAgent>,
@@ -434,7 +434,8 @@ constexpr std::array kAggregateOptions{
         .bind = Fill<AggregateArguments, &AggregateArguments::dryRun>,
         .text =
             "only print what would be moved where, a line each: the name, a tab, the new name, both relative "
-            "to DIR. Control characters are written as \\xHH; the UUID will be another one",
+            "to DIR. Control characters are written as \\xHH; the UUID will be another one. Links that would "
+            "point to nothing after the move are named",
         .example = "aggregate --dry-run ~/Downloads"},
     kHelp,
     Option{.names = "DIR",

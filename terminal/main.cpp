@@ -125,7 +125,10 @@ platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt
   for (const auto& [name, value] : options.headers) transfers.headers.push_back({name, value});
   for (const GivenURL& url : options.run.urls) {
     const auto target = platform::URL::URLWithString(url.text);
-    if (target) transfers.trustedHosts.insert(target->host().toLower().toStdString());
+    if (!target) continue;
+    const QString host = target->host().toLower();
+    const bool isAddress = host.contains(u':');  // of IPv6, which has brackets there
+    transfers.trustedHosts.insert((isAddress ? u'[' + host + u']' : host).toStdString());
   }
   transfers.userAgent = arguments.userAgent.value_or("");
   transfers.referrer = options.referrer;
