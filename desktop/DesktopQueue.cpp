@@ -172,6 +172,7 @@ void Desktop::setHeld(bool isHeld) {
   if (isHeld == isHeld_) return;
   isHeld_ = isHeld;
   services_.holdEnds(isHeld);
+  fileDownloadCancelButton_.setEnabled(!isHeld);  // its file may have ended already
   const Ui::StatusWindow& ui = window_.ui();
   ui.actionHold->setText(isHeld ? StatusWindow::tr("&Continue") : StatusWindow::tr("&Hold"));
   ui.holdButton->setText(isHeld ? StatusWindow::tr("Contin&ue") : StatusWindow::tr("Ho&ld"));

@@ -196,8 +196,9 @@ Entries TableOutlet::selectedEntries() const {
 }
 
 Entries TableOutlet::firstEntry() const {
-  if (model_.rowCount() == 0 || model_.isFiltered()) return {};
-  return {{model_.identifier(0), model_.identifier(0)}};
+  if (model_.isFiltered() ? source_->numberOfRows() == 0 : model_.rowCount() == 0) return {};
+  const std::uint64_t first = model_.isFiltered() ? source_->identifierOfRow(0) : model_.identifier(0);
+  return {{first, first}};
 }
 
 // The last ones wait longest.

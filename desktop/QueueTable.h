@@ -74,7 +74,7 @@ class TableOutlet final : public app::TableView {
   [[nodiscard]] std::vector<std::size_t> selectedRowIndexes() const override;
   /// What the user sees selected.
   [[nodiscard]] Entries selectedEntries() const;
-  /// What the user sees at the head; none when the table is empty, or a filter hides which it is.
+  /// What the user sees at the head, or what is there while a filter hides it; none when the queue is empty.
   [[nodiscard]] Entries firstEntry() const;
   /// Whether any of them waits still.
   [[nodiscard]] bool isAnyQueued(const Entries& entries) const;

@@ -6,6 +6,7 @@
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QKeySequence>
+#include <utility>
 
 #include "ui_StatusWindow.h"
 
@@ -24,11 +25,35 @@ void Accept(QDropEvent& event) {
   event.ignore();
 }
 
+// By the names of the freedesktop icon naming specification; a theme may lack some.
+void SetIcons(const Ui::StatusWindow& ui) {
+  const std::pair<QAction*, const char*> icons[] = {{ui.actionAddURLs, "list-add"},
+                                                    {ui.actionOpenLinkFile, "document-open"},
+                                                    {ui.actionSaveList, "document-save"},
+                                                    {ui.actionOpenDestination, "folder-open"},
+                                                    {ui.actionQuit, "application-exit"},
+                                                    {ui.actionUndo, "edit-undo"},
+                                                    {ui.actionCopy, "edit-copy"},
+                                                    {ui.actionPaste, "edit-paste"},
+                                                    {ui.actionDelete, "edit-delete"},
+                                                    {ui.actionRemove, "list-remove"},
+                                                    {ui.actionSelectAll, "edit-select-all"},
+                                                    {ui.actionFilter, "edit-find"},
+                                                    {ui.actionHold, "media-playback-pause"},
+                                                    {ui.actionTryAgain, "media-skip-forward"},
+                                                    {ui.actionStop, "media-playback-stop"},
+                                                    {ui.actionClear, "edit-clear"},
+                                                    {ui.actionHelp, "help-contents"},
+                                                    {ui.actionAbout, "help-about"}};
+  for (const auto& [action, name] : icons) action->setIcon(QIcon::fromTheme(QLatin1StringView(name)));
+}
+
 }  // namespace
 
 StatusWindow::StatusWindow(StatusWindowOwner& owner)
     : owner_(owner), ui_(std::make_unique<Ui::StatusWindow>()) {
   ui_->setupUi(this);
+  SetIcons(*ui_);
   ui_->actionAddURLs->setShortcut(QKeySequence::New);
   ui_->actionQuit->setShortcut(QKeySequence::Quit);
   ui_->actionUndo->setShortcut(QKeySequence::Undo);

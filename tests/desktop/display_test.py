@@ -77,8 +77,8 @@ class Display(unittest.TestCase):
         def step(before=None):
             xdotool("key", "Tab", "sleep", 0.1)
             controls = lambda: [(node.get_name(), node.get_role_name()) for node in shown(FOCUSED)]
-            # The toolkit says of a tab that is shown that it has the keyboard, too.
-            focused = lambda: next((control for control in controls() if control[1] != "page tab"), None)
+            # The toolkit says of a tab that is shown, and of what holds the one that has it, that they have the keyboard, too.
+            focused = lambda: next((control for control in controls() if control[1] not in {"page tab", *UNNAMED}), None)
             return until(lambda: (now := focused()) != before and now)
         control = step()
         while control[0] != first:
