@@ -153,10 +153,10 @@ void Get::handOver(const GivenURL& url) {
 }
 
 void Get::tryNextAgain() {
-  const auto next = std::ranges::min_element(retries_, {}, &Retry::due);
-  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next->due - Clock::now());
+  const auto next = retries_.begin();
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next->first - Clock::now());
   if (wait.count() > 0) return moveOnLater(wait);
-  const Retry retry = *next;
+  const Retry retry = next->second;
   retries_.erase(next);
   if (retry.url.kind == GivenURL::Kind::page) {
     workPage(retry.url.text);
@@ -239,7 +239,7 @@ void Get::fail(const GivenURL& url, const QString& page, const Failure& failure)
     const int tries = ++tries_[url.text];
     const Clock::time_point due =
         Clock::now() + std::max<std::chrono::milliseconds>(BackOff(tries), pauseOfHost(url.text));
-    retries_.push_back({url, page, due});
+    retries_.insert({due, {url, page}});
     return reporter_.willRetry(failure);
   }
   ++summary_.failed;
@@ -344,7 +344,7 @@ void Get::leaveAll() {
     const QString text = controller_.objectValueForRow(row);
     leave({text, kindOf(text)});
   }
-  for (const Retry& retry : retries_) leave(retry.url);
+  for (const auto& [due, retry] : retries_) leave(retry.url);
   for (const GivenURL& url : urls_) leave(url);
   for (const QString& text : settings_.refused) rest_ += text.toUtf8() + '\n';
   const std::size_t left =

@@ -16,6 +16,7 @@
 #include <chrono>
 #include <deque>
 #include <functional>
+#include <map>
 #include <vector>
 
 #include "app/ControllerObserver.h"
@@ -52,7 +53,6 @@ class Get final : private app::ControllerObserver {
   struct Retry {
     GivenURL url;
     QString page;  // that it was found on; null: none
-    Clock::time_point due;
   };
 
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
@@ -106,8 +106,8 @@ class Get final : private app::ControllerObserver {
   QSet<QString> judged_;  // what was given and judged to be a file
   int foundLinks_ = 0;    // on the page that is being read
   int passedLinks_ = 0;
-  std::vector<Retry> retries_;
-  QHash<QString, int> tries_;  // of URLs that have failed
+  std::multimap<Clock::time_point, Retry> retries_;  // by when they are due
+  QHash<QString, int> tries_;                        // of URLs that have failed
   QHash<QString, Clock::time_point> hostsLeftAlone_;
   Summary summary_;
   QByteArray rest_;
