@@ -50,6 +50,8 @@ class MyAppController final : public platform::WebDownloadDelegate,
   /// Null when the sound could not be loaded. The controller never plays it.
   [[nodiscard]] const platform::Sound* completionSound() const { return harpSound_.get(); }
   /// Empty until `applicationWillFinishLaunching`.
+  /// Empty until `applicationWillFinishLaunching`.
+  [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
   /// Of these, `page` is the URL of the page that `url` was found on; null: none.

@@ -223,7 +223,8 @@ Status MoveItemPreservingComment(const AggregationServices& services, const Item
         platform::FileReference(platform::PathInFolder(destination.path(), moved.name)), *comment);
   }
   if (services.itemMoved && moved.status == common::kNoError) {
-    services.itemMoved(PathInFolder(item.parent, item.name), PathInFolder(destination, moved.name));
+    services.itemMoved(platform::PathInFolder(item.parent.path(), item.name),
+                       platform::PathInFolder(destination.path(), moved.name));
   }
   return moved.status;
 }
