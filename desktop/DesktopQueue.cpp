@@ -4,6 +4,7 @@
 // again, and which of these commands there are at the moment.
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLocale>
 #include <QMessageBox>
@@ -80,8 +81,11 @@ void Desktop::removeDuplicates() {
 // A URL has no line break; a text that has one, and makes no URL, is to stay one line.
 void Desktop::saveList() {
   const auto save = [this](const QString& path) {
+    const bool isNew = !QFileInfo::exists(path);
     QSaveFile file(path);
-    file.open(QIODevice::WriteOnly);
+    if (file.open(QIODevice::WriteOnly) && isNew) {  // a URL may hold a password
+      file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
     const auto write = [&file](QString url) {
       file.write(url.replace(u'\n', u' ').replace(u'\r', u' ').toUtf8() + '\n');
     };

@@ -442,8 +442,8 @@
         <translation>K&amp;lang abspielen, wenn die Warteschlange leer ist</translation>
     </message>
     <message>
-        <source>Without it failures are only written to the system log.</source>
-        <translation>Sonst werden Fehler nur im Systemprotokoll vermerkt.</translation>
+        <source>Without it failures are only listed under Failed.</source>
+        <translation>Sonst stehen Fehler nur unter „Fehlgeschlagen“.</translation>
     </message>
     <message>
         <source>Show a &amp;message for each download that fails</source>
@@ -1140,7 +1140,7 @@
     </message>
     <message>
         <source>&amp;Undo Stop</source>
-        <translation>Stoppen &amp;rückgängig machen</translation>
+        <translation>Verwerfen &amp;rückgängig machen</translation>
     </message>
     <message>
         <source>&amp;Undo Import</source>
@@ -1152,7 +1152,7 @@
     </message>
     <message>
         <source>&amp;Continue</source>
-        <translation>&amp;Fortsetzen</translation>
+        <translation>&amp;Weiter</translation>
     </message>
     <message>
         <source>&amp;Hold</source>

@@ -442,8 +442,8 @@
         <translation>&amp;Jouer un son quand la file est vide</translation>
     </message>
     <message>
-        <source>Without it failures are only written to the system log.</source>
-        <translation>Sinon, les échecs ne figurent que dans le journal système.</translation>
+        <source>Without it failures are only listed under Failed.</source>
+        <translation>Sinon, les échecs figurent seulement sous « Échecs ».</translation>
     </message>
     <message>
         <source>Show a &amp;message for each download that fails</source>
