@@ -185,6 +185,7 @@ int main(int argc, char** argv) {
        .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
        .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
+       .holdsAnEnd = [&] { return services.downloads().isHoldingAnEnd(); },
        .settingsFile = services.userDefaults().fileName(),
        .isStored = [] { return true; }});
   program.start();

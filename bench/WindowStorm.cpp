@@ -56,6 +56,7 @@ void RunProgram(const Run& run, const tests::RawServer& server, const QStringLis
        .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
        .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
+       .holdsAnEnd = [&] { return services.downloads().isHoldingAnEnd(); },
        .settingsFile = services.userDefaults().fileName(),
        .isStored = [&] { return services.userDefaults().isStored(); }});
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);

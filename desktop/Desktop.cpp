@@ -35,7 +35,7 @@ Desktop::Desktop(const DesktopServices& services)
       pageLoader_(*host_.pageLoader, *host_.log, gate_, workLine_),
       readStreams_(*host_.readStreams, gate_, workLine_, [this] { rememberUnwantedFile(); }),
       scripts_(host_.scripts, gate_),
-      aggregation_(host_.aggregation, gate_),
+      aggregation_(host_.aggregation, gate_, [this] { return isHeld_; }),
       importWindow_(&window_),
       preferencesWindow_(preferencesServices(), &window_),
       statusOutlet_(window_, gate_),
@@ -186,6 +186,10 @@ void Desktop::keepUpToDate(bool& isPosted, Command command) {
 
 void Desktop::connectCommands() {
   Ui::StatusWindow& ui = window_.ui();
+  const QAbstractItemModel* rows = ui.fileTable->model();
+  QObject::connect(rows, &QAbstractItemModel::modelReset, &window_, [this] { showFilterCount(); });
+  QObject::connect(rows, &QAbstractItemModel::rowsInserted, &window_, [this] { showFilterCount(); });
+  QObject::connect(rows, &QAbstractItemModel::rowsRemoved, &window_, [this] { showFilterCount(); });
   using Controller = app::MyAppController;
   bind(ui.actionImportURL, ui.importButton, [this] { importOutlet_.makeKeyAndOrderFront(); });
   bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs(QString()); });
@@ -243,10 +247,12 @@ void Desktop::chooseDestination() {
 }
 
 void Desktop::pageWasQueued(const QString& /*url*/, std::size_t linkCount) {
+  beforeUnwantedFile_.reset();  // the answer came first: it is a page
   if (linkCount == 0) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
 }
 
 void Desktop::pageDidNotLoad(const QString& /*url*/, const QString& reason) {
+  beforeUnwantedFile_.reset();
   if (!reason.isNull()) importOutlet_.setFailure(host_.localizedText(reason));
 }
 
@@ -282,7 +288,7 @@ bool Desktop::hasWork() const {
 }
 
 std::size_t Desktop::workCount() const {
-  return controller_.numberOfRows() + pacedIntake_.waitingCount() + (controller_.isBusy() ? 1 : 0);
+  return controller_.numberOfRows() + pacedIntake_.urlCount() + (controller_.isBusy() ? 1 : 0);
 }
 
 void Desktop::quit() {

@@ -48,6 +48,8 @@ struct DesktopServices {
   std::function<void()> interrupt;
   /// Holds just the ends of downloads back, or tells them.
   std::function<void(bool isHeld)> holdEnds;
+  /// Whether the end of a download is held back.
+  std::function<bool()> holdsAnEnd;
   QString settingsFile;            ///< absolute path
   QString transferLibrary{};       ///< with its version, for people
   std::function<bool()> isStored;  ///< whether all that was set is in that file
@@ -120,7 +122,10 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   /// For one that empties the queue.
   void giveToAll(Command command, const QString& undoText);
   /// A step of this text brings back what the command throws away.
-  void doUndoably(const QString& undoText, const std::function<void()>& command);
+  void doUndoably(const QString& undoText, const std::function<void()>& command,
+                  std::vector<PacedIntake::Waiting> dropped = {});
+  void sortLater();
+  void showFilterCount();
   void undo();
   void toggleHold();
   void setHeld(bool isHeld);
@@ -220,9 +225,11 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   struct UndoStep {
     QString text;  ///< of its menu entry
     std::shared_ptr<const app::UrlQueue> urls;
+    std::vector<PacedIntake::Waiting> dropped;  ///< before its turn
   };
   std::deque<UndoStep> undoSteps_;
-  QString undoText_;  // of the command that runs; null: it cannot be undone
+  QString undoText_;                           // of the command that runs; null: it cannot be undone
+  std::vector<PacedIntake::Waiting> dropped_;  // by that command
   bool isHeld_ = false;
   QString end_;  // what there is to say of the work that has ended
   /// What there was before a cancelled question makes a file of its URL.

@@ -129,11 +129,13 @@ void Desktop::take(const PastedURLs& pasted) {
   }
   add(given, linkFiles, [this, linkFiles] { openDocuments_(linkFiles); });
   if (!refused.isEmpty()) tellRefused(refused);
+  followState();
 }
 
 void Desktop::add(const Given& given, const QStringList& texts, const PacedIntake::Item& item) {
   if (texts.isEmpty()) return;
-  static_cast<void>(pacedIntake_.add([given, item] { item(); }, static_cast<std::size_t>(SizeOf(texts))));
+  static_cast<void>(pacedIntake_.add([given, item] { item(); }, static_cast<std::size_t>(SizeOf(texts)),
+                                     static_cast<std::size_t>(texts.size())));
 }
 
 void Desktop::tellTooMuch() {
@@ -168,6 +170,7 @@ void Desktop::take(const std::shared_ptr<TypedBatch>& batch) {
   }
   const Given given = begin(QString());
   for (const QString& url : batch->urls) add(given, {url}, [this, batch] { takeNext(*batch); });
+  followState();
 }
 
 // The first that needs the folder is a drop, which may ask for it, and then the others go there, too; only a
@@ -208,6 +211,7 @@ void Desktop::queueAgain() {
   const Given given = begin(QString());
   add(given, files, [this, files] { queueFiles(files); });
   for (const QString& page : pages) add(given, {page}, [this, page] { controller_.extractLinks(page); });
+  followState();
 }
 
 // As the links of a page: they come last, and where nothing runs, the first of all that wait sets off.

@@ -30,14 +30,17 @@ constexpr std::size_t kMostUndoSteps = 10;
 void Desktop::giveToAll(Command command, const QString& undoText) {
   clipboard_.forget();
   give([this, command, undoText, count = pacedIntake_.addedCount()] {
-    pacedIntake_.dropFirst(count);
-    doUndoably(undoText, [this, command] { (controller_.*command)(); });
+    auto dropped = pacedIntake_.dropFirst(count);
+    doUndoably(
+        undoText, [this, command] { (controller_.*command)(); }, std::move(dropped));
   });
 }
 
 void Desktop::importPage() {
-  if (!importOutlet_.stringValue().isEmpty()) pacedIntake_.dropFirst(addedBeforeImport_);
-  doUndoably(StatusWindow::tr("&Undo Import"), [this] { controller_.importURL(importOutlet_); });
+  std::vector<PacedIntake::Waiting> dropped;
+  if (!importOutlet_.stringValue().isEmpty()) dropped = pacedIntake_.dropFirst(addedBeforeImport_);
+  doUndoably(
+      StatusWindow::tr("&Undo Import"), [this] { controller_.importURL(importOutlet_); }, std::move(dropped));
 }
 
 // What a filter hides goes with the rest when nothing is selected, so that is asked for.
@@ -83,17 +86,19 @@ void Desktop::saveList() {
   const auto save = [this](const QString& path) {
     const bool isNew = !QFileInfo::exists(path);
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && isNew) {  // a URL may hold a password
-      file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    }
+    const auto tellFailure = [this, &file] {
+      statusOutlet_.beginAlertSheet(StatusWindow::tr("The list could not be saved."), file.errorString());
+    };
+    if (!file.open(QIODevice::WriteOnly)) return tellFailure();
+    // A URL may hold a password.
+    if (isNew) file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     const auto write = [&file](QString url) {
       file.write(url.replace(u'\n', u' ').replace(u'\r', u' ').toUtf8() + '\n');
     };
     for (std::size_t row = 0; row < controller_.numberOfRows(); ++row)
       write(controller_.objectValueForRow(row));
     for (const QString& url : outcomes_.failedURLs()) write(url);
-    if (file.commit()) return;
-    statusOutlet_.beginAlertSheet(StatusWindow::tr("The list could not be saved."), file.errorString());
+    if (!file.commit()) tellFailure();
   };
   statusOutlet_.beginSheet([this, save] {
     auto* dialog = new QFileDialog(&window_, StatusWindow::tr("Save List"));
@@ -118,7 +123,8 @@ void Desktop::tryAgain(const Entries& head) {
 }
 
 void Desktop::cancelDownload(int download) {
-  if (download == controller_.startedCount() && controller_.isDownloading()) controller_.cancelDownloadFile();
+  if (download != controller_.startedCount() || !controller_.isDownloading()) return;
+  if (!services_.holdsAnEnd()) controller_.cancelDownloadFile();  // its file is there already
 }
 
 std::uint64_t Desktop::nextIdentifier() const {
@@ -137,14 +143,18 @@ void Desktop::takeOutUnwantedFile() {
   fileTable_.runFor({{next - 1, next - 1}}, [this] { controller_.deleteButtonClicked(); });
 }
 
-void Desktop::doUndoably(const QString& undoText, const std::function<void()>& command) {
+void Desktop::doUndoably(const QString& undoText, const std::function<void()>& command,
+                         std::vector<PacedIntake::Waiting> dropped) {
   undoText_ = undoText;
+  dropped_ = std::move(dropped);
   command();
+  if (!dropped_.empty()) urlsWereDiscarded(std::make_shared<const app::UrlQueue>());
   undoText_ = QString();
 }
 
 void Desktop::controllerMovedOn() {
   gate_.goOn();
+  sortLater();
   followState();
 }
 
@@ -154,16 +164,19 @@ void Desktop::downloadFailed(const app::DownloadProgress& progress, const QStrin
 
 void Desktop::urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) {
   if (undoText_.isNull()) return;
-  undoSteps_.push_back({undoText_, urls});
+  undoSteps_.push_back({undoText_, urls, std::exchange(dropped_, {})});
   if (undoSteps_.size() > kMostUndoSteps) undoSteps_.pop_front();
 }
 
 // What was given last by the time that its turn has come: commands before it may still have waited then.
 void Desktop::undo() {
   if (undoSteps_.empty()) return application_.beep();
-  const UndoStep step = std::move(undoSteps_.back());
+  UndoStep step = std::move(undoSteps_.back());
   undoSteps_.pop_back();
   controller_.queueURLs(*step.urls);
+  for (PacedIntake::Waiting& waiting : step.dropped) {
+    if (!pacedIntake_.add(std::move(waiting))) return application_.beep();
+  }
 }
 
 void Desktop::toggleHold() {
@@ -177,10 +190,16 @@ void Desktop::setHeld(bool isHeld) {
   isHeld_ = isHeld;
   services_.holdEnds(isHeld);
   fileDownloadCancelButton_.setEnabled(!isHeld);  // its file may have ended already
+  if (!controller_.isDownloading()) sortLater();
   const Ui::StatusWindow& ui = window_.ui();
   ui.actionHold->setText(isHeld ? StatusWindow::tr("&Continue") : StatusWindow::tr("&Hold"));
   ui.holdButton->setText(isHeld ? StatusWindow::tr("Contin&ue") : StatusWindow::tr("Ho&ld"));
   showStanding();
+}
+
+// What was to be sorted while an end might be held back: a file that is moved before would get no comment.
+void Desktop::sortLater() {
+  if (!isHeld_ && aggregation_.isPutOff()) gate_.post([this] { aggregation_.catchUp(); });
 }
 
 void Desktop::showStanding() {
@@ -199,11 +218,15 @@ void Desktop::followState() {
   ui.actionClear->setEnabled(isWork);
   if (!controller_.isBusy()) setHeld(false);
   holdButton_.setEnabled(controller_.isBusy());
-  ui.filterLabel->setText(StatusWindow::tr("%1 of %2 shown")
-                              .arg(QLocale().toString(fileTable_.shownCount()),
-                                   QLocale().toString(qulonglong{controller_.numberOfRows()})));
   ui.actionUndo->setEnabled(gate_.hasWaiting() || !undoSteps_.empty());
   ui.actionUndo->setText(undoSteps_.empty() ? StatusWindow::tr("&Undo") : undoSteps_.back().text);
+}
+
+void Desktop::showFilterCount() {
+  const QLocale locale;
+  window_.ui().filterLabel->setText(StatusWindow::tr("%1 of %2 shown")
+                                        .arg(locale.toString(fileTable_.shownCount()),
+                                             locale.toString(qulonglong{controller_.numberOfRows()})));
 }
 
 }  // namespace quillforth::desktop

@@ -3,6 +3,7 @@
 #include "desktop/PacedIntake.h"
 
 #include <chrono>
+#include <numeric>
 #include <utility>
 
 namespace quillforth::desktop {
@@ -19,10 +20,10 @@ PacedIntake::PacedIntake(CommandGate& gate) : gate_(gate) {
   retry_.callOnTimeout([this] { moveOn(); });
 }
 
-bool PacedIntake::add(Item item, std::size_t size) {
-  if (size > room()) return false;
-  waiting_.push_back({std::move(item), size});
-  size_ += size;
+bool PacedIntake::add(Waiting waiting) {
+  if (waiting.size > room()) return false;
+  size_ += waiting.size;
+  waiting_.push_back(std::move(waiting));
   ++addedCount_;
   moveOn();
   return true;
@@ -34,8 +35,15 @@ void PacedIntake::moveOn() {
   if (!isPosted_ && !gate_.isClosed()) retry_.start();
 }
 
-void PacedIntake::dropFirst(std::uint64_t count) {
-  while (!isEmpty() && addedCount_ - waiting_.size() < count) static_cast<void>(takeFirst());
+std::vector<PacedIntake::Waiting> PacedIntake::dropFirst(std::uint64_t count) {
+  std::vector<Waiting> dropped;
+  while (!isEmpty() && addedCount_ - waiting_.size() < count) dropped.push_back(takeFirst());
+  return dropped;
+}
+
+std::size_t PacedIntake::urlCount() const {
+  return std::accumulate(waiting_.begin(), waiting_.end(), std::size_t{0},
+                         [](std::size_t sum, const Waiting& waiting) { return sum + waiting.urlCount; });
 }
 
 // Another command may have dropped what waited.

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <utility>
+#include <vector>
 
 #include "desktop/CommandGate.h"
 
@@ -26,20 +28,25 @@ class PacedIntake final {
   [[nodiscard]] std::size_t room() const { return gate_.isClosed() ? 0 : kMaxSize - size_; }
   /// Has `item`, of a size above 0, done from the gate after all that were added before. False when there is
   /// no room for it, or the program ends; then it is never done.
-  [[nodiscard]] bool add(Item item, std::size_t size);
+  [[nodiscard]] bool add(Item item, std::size_t size, std::size_t urlCount = 1) {
+    return add({std::move(item), size, urlCount});
+  }
+  struct Waiting {
+    Item item;
+    std::size_t size;
+    std::size_t urlCount;
+  };
+  [[nodiscard]] bool add(Waiting waiting);
   /// How many have been added so far.
   [[nodiscard]] std::uint64_t addedCount() const { return addedCount_; }
-  /// Drops those of the first `count` that were ever added which wait still.
-  void dropFirst(std::uint64_t count);
-  [[nodiscard]] std::size_t waitingCount() const { return waiting_.size(); }
+  /// Takes out those of the first `count` that were ever added which wait still.
+  std::vector<Waiting> dropFirst(std::uint64_t count);
+  /// Of all items that wait.
+  [[nodiscard]] std::size_t urlCount() const;
   /// No item waits. One that is being done waits no more.
   [[nodiscard]] bool isEmpty() const { return waiting_.empty(); }
 
  private:
-  struct Waiting {
-    Item item;
-    std::size_t size;
-  };
   void moveOn();
   void giveNext();
   Waiting takeFirst();

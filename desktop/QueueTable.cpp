@@ -119,9 +119,11 @@ void QueueTable::paintInvitation() {
   painter.setFont(large);
   painter.setPen(palette().color(QPalette::PlaceholderText));
   const QRect room = viewport()->rect();
-  const QRect text =
-      painter.boundingRect(room, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
-  painter.drawText(text, static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap), invitation_);
+  constexpr int kFlags = static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap);
+  const auto* queue = qobject_cast<const QueueModel*>(model());
+  const QString said = queue != nullptr && queue->isFiltered() ? tr("No URL holds that text.") : invitation_;
+  const QRect text = painter.boundingRect(room, kFlags, said);
+  painter.drawText(text, kFlags, said);
   const QRect icon(room.center().x() - kInvitationIcon / 2, text.top() - kInvitationIcon * 5 / 4,
                    kInvitationIcon, kInvitationIcon);
   if (icon.top() > 0) QApplication::windowIcon().paint(&painter, icon);

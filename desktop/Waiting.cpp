@@ -80,7 +80,15 @@ void WaitingReadStreams::join(std::thread& worker, std::string_view url) {
 }
 
 void WaitingAggregation::aggregateFolder(const QString& path) {
+  if (mustWait_()) {
+    putOff_ = path;
+    return;
+  }
   if (aggregation_ != nullptr) WaitFor(gate_, [this, &path] { aggregation_->aggregateFolder(path); });
+}
+
+void WaitingAggregation::catchUp() {
+  if (isPutOff()) aggregateFolder(std::exchange(putOff_, QString()));
 }
 
 namespace {

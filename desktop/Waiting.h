@@ -72,14 +72,19 @@ class WaitingReadStreams final : public platform::HTTPReadStreamFactory {
 class WaitingAggregation final : public app::FolderAggregation {
  public:
   /// Both outlive this; null stands for a host that sorts nothing. `aggregation` may be called from any
-  /// thread. A run goes on to its end, also when the program ends.
-  WaitingAggregation(app::FolderAggregation* aggregation, CommandGate& gate)
-      : aggregation_(aggregation), gate_(gate) {}
+  /// thread. A run goes on to its end, also when the program ends. It is put off while `mustWait`.
+  WaitingAggregation(app::FolderAggregation* aggregation, CommandGate& gate, std::function<bool()> mustWait)
+      : aggregation_(aggregation), gate_(gate), mustWait_(std::move(mustWait)) {}
   void aggregateFolder(const QString& path) override;
+  [[nodiscard]] bool isPutOff() const { return !putOff_.isNull(); }
+  /// Does what was put off, or puts it off again.
+  void catchUp();
 
  private:
   app::FolderAggregation* aggregation_;
   CommandGate& gate_;
+  std::function<bool()> mustWait_;
+  QString putOff_;  // the folder
 };
 
 /// Scripts that ask a browser. What a script asks of the window comes to the main thread, and is waited for a

@@ -323,6 +323,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
        .holdDownloads = [&](bool isHeld) { services.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
        .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
+       .holdsAnEnd = [&] { return services.downloads().isHoldingAnEnd(); },
        .settingsFile = services.userDefaults().fileName(),
        .transferLibrary =
            QStringLiteral("libcurl %1").arg(QLatin1StringView(curl_version_info(CURLVERSION_NOW)->version)),

@@ -1079,6 +1079,10 @@
         <source>Drop or paste URLs here</source>
         <translation>URLs hierher ziehen oder einfügen</translation>
     </message>
+    <message>
+        <source>No URL holds that text.</source>
+        <translation>Keine URL enthält diesen Text.</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::StatusWindow</name>

@@ -1079,6 +1079,10 @@
         <source>Drop or paste URLs here</source>
         <translation>Déposez ou collez des URL ici</translation>
     </message>
+    <message>
+        <source>No URL holds that text.</source>
+        <translation>Aucune URL ne contient ce texte.</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::StatusWindow</name>

@@ -97,6 +97,7 @@ class CurlDownloadService final : public WebDownloadService {
   /// Holds just the ends of downloads back, in their order: all else is called back. Ends that were held are
   /// called back from the event loop, or in `end`; those of a download that is cancelled meanwhile never.
   void setHoldingEnds(bool isHolding);
+  [[nodiscard]] bool isHoldingAnEnd() const { return !heldEnds_.empty(); }
   /// For pages and probes, which then share connections with the files.
   [[nodiscard]] TransferThread& thread() { return thread_; }
 

@@ -99,6 +99,7 @@ class DesktopFixture : public ::testing::Test {
        .holdDownloads = [this](bool isHeld) { services_.downloads().setDelivering(!isHeld); },
        .interrupt = &platform::Interruption::request,
        .holdEnds = [this](bool isHeld) { services_.downloads().setHoldingEnds(isHeld); },
+       .holdsAnEnd = [this] { return services_.downloads().isHoldingAnEnd(); },
        .settingsFile = services_.userDefaults().fileName(),
        .isStored = [] { return true; }}};
 };
