@@ -33,12 +33,14 @@ FinishedURLs::~FinishedURLs() {
   ::close(archive_);
 }
 
-std::optional<QString> FinishedURLs::openArchive(const std::string& path) {
+std::optional<QString> FinishedURLs::openArchive(const std::string& path, bool isOnlyRead) {
   archiveName_ = QString::fromStdString(path);
   const auto fail = [this](const char* reason) {
     return archiveName_ + QStringLiteral(": ") + QString::fromLocal8Bit(reason);
   };
-  archive_ = ::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+  const int mode = isOnlyRead ? O_RDONLY : O_RDWR | O_APPEND | O_CREAT;
+  archive_ = ::open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK, 0600);
+  if (archive_ < 0 && isOnlyRead && errno == ENOENT) return std::nullopt;
   if (archive_ < 0) return fail(std::strerror(errno));
   struct stat status {};
   if (::fstat(archive_, &status) != 0 || !S_ISREG(status.st_mode)) return fail("not a regular file");

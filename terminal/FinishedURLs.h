@@ -25,9 +25,9 @@ class FinishedURLs {
   FinishedURLs(const FinishedURLs&) = delete;
   FinishedURLs& operator=(const FinishedURLs&) = delete;
 
-  /// Reads the archive, which is made, for its owner only, when it does not exist. What went wrong, if
-  /// something did.
-  [[nodiscard]] std::optional<QString> openArchive(const std::string& path);
+  /// Reads the archive. Unless it `isOnlyRead`, it is made, for its owner only, when it does not exist. What
+  /// went wrong, if something did.
+  [[nodiscard]] std::optional<QString> openArchive(const std::string& path, bool isOnlyRead);
   /// A file that is there came from `url`.
   void addFile(const QString& url, const QString& path) { files_.insert(SameFileKey(url), path); }
   /// Where the file of `url` is, or the archive that lists it; nothing when it is to be fetched.

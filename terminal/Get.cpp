@@ -88,7 +88,8 @@ Summary Get::run() {
 
 bool Get::openArchive() {
   if (!settings_.arguments.archive) return true;
-  const std::optional<QString> error = finished_.openArchive(*settings_.arguments.archive);
+  const std::optional<QString> error =
+      finished_.openArchive(*settings_.arguments.archive, settings_.arguments.dryRun);
   if (error) reporter_.notice(*error);
   return !error;
 }
@@ -124,8 +125,7 @@ void Get::moveOn() {
   if (!isIdle && !controller_.isDownloading()) return;
   // Without a connection every further URL would be lost.
   if (!urls_.empty() && lostCount_ == 0) {
-    const std::chrono::milliseconds pause =
-        isIdle ? pauseOfHost(urls_.front().text) : std::chrono::milliseconds(0);
+    const std::chrono::milliseconds pause = pauseOfHost(urls_.front().text);
     if (pause.count() > 0) return moveOnLater(pause);
     const GivenURL url = urls_.front();
     urls_.pop_front();
@@ -156,9 +156,15 @@ void Get::tryNextAgain() {
   const auto next = retries_.begin();
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next->first - Clock::now());
   if (wait.count() > 0) return moveOnLater(wait);
+  if (const std::chrono::milliseconds pause = pauseOfHost(next->second.url.text); pause.count() > 0) {
+    auto later = retries_.extract(next);
+    later.key() = Clock::now() + pause;
+    retries_.insert(std::move(later));
+    return moveOnLater();
+  }
   const Retry retry = next->second;
   retries_.erase(next);
-  if (retry.url.kind == GivenURL::Kind::page) {
+  if (isPage(retry.url)) {
     workPage(retry.url.text);
   } else {
     controller_.startURL(retry.url.text, false, retry.page);

@@ -2,6 +2,8 @@
 
 #include "terminal/GetOptions.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,6 +20,8 @@ namespace quillforth::terminal {
 namespace {
 
 constexpr qsizetype kMaxSmallFile = qsizetype{4} * 1024 * 1024;
+// As many as browsers keep; libcurl looks through those of a host for each that it takes.
+constexpr std::size_t kMaxCookies = 5000;
 constexpr int kMaxRetries = 100;
 constexpr double kMaxWaitSeconds = 86400;
 
@@ -110,7 +114,7 @@ Error TakeCookies(const GetArguments& arguments, GetOptions& options) {
   if (!file.error.isNull()) return Failed(file.error);
   int number = 0;
   for (QByteArray line : file.bytes.split('\n')) {
-    ++number;
+    if (++number == 1 && line.startsWith("\xef\xbb\xbf")) line.remove(0, 3);
     if (line.endsWith('\r')) line.chop(1);
     const bool isCookie = line.startsWith("#HttpOnly_") || !line.startsWith('#');
     if (line.trimmed().isEmpty() || !isCookie) continue;
@@ -118,9 +122,22 @@ Error TakeCookies(const GetArguments& arguments, GetOptions& options) {
       return SettingsError{*arguments.cookies + ": line " + std::to_string(number) +
                            " is no cookie in Netscape's form: seven columns with tabs between"};
     }
+    if (options.cookies.size() == kMaxCookies)
+      return SettingsError{*arguments.cookies + ": too many cookies"};
     options.cookies.push_back(line.toStdString());
   }
   return std::nullopt;
+}
+
+// It is written when all else is done, so that it has to be certain before that it can be.
+Error CheckRest(const GetArguments& arguments) {
+  if (!arguments.rest) return std::nullopt;
+  if (arguments.rest->empty() || *arguments.rest == "-") return Mistake("--rest takes the name of a file");
+  const QFileInfo file(QFile::decodeName(arguments.rest->c_str()));
+  if (file.exists() && !file.isFile()) return SettingsError{*arguments.rest + ": not a regular file"};
+  const QFileInfo folder(file.absolutePath());
+  if (folder.isDir() && folder.isWritable()) return std::nullopt;
+  return SettingsError{*arguments.rest + ": no file can be made there"};
 }
 
 Error TakeReferer(const GetArguments& arguments, GetOptions& options) {
@@ -190,8 +207,11 @@ Error CheckNotes(const GetArguments& arguments, platform::UserDefaults& defaults
 
 Error TakeDestination(const GetArguments& arguments, GetOptions& options) {
   if (!arguments.to) return std::nullopt;
-  std::string path = std::filesystem::absolute(*arguments.to).string();
-  if (!arguments.dryRun || std::filesystem::exists(*arguments.to)) {
+  std::error_code error;
+  std::string path = std::filesystem::absolute(*arguments.to, error).string();
+  const bool isThere = !error && std::filesystem::exists(*arguments.to, error);
+  if (error) return SettingsError{*arguments.to + ": " + error.message()};
+  if (!arguments.dryRun || isThere) {
     const FolderAtPath folder = ExistingOrNewFolder(*arguments.to);
     if (!folder.path) return SettingsError{folder.error};
     path = *folder.path;
@@ -246,6 +266,7 @@ Error TakeOptions(const GetArguments& arguments, platform::AliasManager& aliases
   if (!error) error = TakeHeaders(arguments, options);
   if (!error) error = TakeCookies(arguments, options);
   if (!error) error = CheckNotes(arguments, defaults, options.run);
+  if (!error) error = CheckRest(arguments);
   return error ? error : TakeDestination(arguments, options);
 }
 

@@ -200,7 +200,8 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   });
 
   Summary summary = get.run();
-  if (arguments.rest && !WriteRest(*arguments.rest, get.rest(), errors)) summary.exitStatus = kExitFailure;
+  const bool hasRest = arguments.rest && !arguments.dryRun;
+  if (hasRest && !WriteRest(*arguments.rest, get.rest(), errors)) summary.exitStatus = kExitFailure;
   if (!options.run.refused.isEmpty()) summary.exitStatus = kExitUsage;
   if (interruption.happened()) summary.exitStatus = interruption.exitStatus();
   reporter->end(summary);
