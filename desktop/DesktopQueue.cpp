@@ -190,16 +190,20 @@ void Desktop::setHeld(bool isHeld) {
   isHeld_ = isHeld;
   services_.holdEnds(isHeld);
   fileDownloadCancelButton_.setEnabled(!isHeld);  // its file may have ended already
-  if (!controller_.isDownloading()) sortLater();
+  sortLater();
   const Ui::StatusWindow& ui = window_.ui();
   ui.actionHold->setText(isHeld ? StatusWindow::tr("&Continue") : StatusWindow::tr("&Hold"));
   ui.holdButton->setText(isHeld ? StatusWindow::tr("Contin&ue") : StatusWindow::tr("Ho&ld"));
   showStanding();
 }
 
-// What was to be sorted while an end might be held back: a file that is moved before would get no comment.
+// What was to be sorted while an end might be held back: a file that is moved before would get no comment. So
+// would one that ends just as the sort begins.
 void Desktop::sortLater() {
-  if (!isHeld_ && aggregation_.isPutOff()) gate_.post([this] { aggregation_.catchUp(); });
+  if (isHeld_ || !aggregation_.isPutOff()) return;
+  gate_.post([this] {
+    if (!controller_.isBusy()) aggregation_.catchUp();
+  });
 }
 
 void Desktop::showStanding() {
