@@ -103,18 +103,6 @@ Found Find(const std::vector<QRegularExpression>& expressions, const QString& ur
   return Found::no;
 }
 
-// Also of what is no valid URL, because that is told when its turn comes.
-QString HostOf(const QString& text) {
-  const QString url = platform::WithoutCredentials(text).toLower();
-  const qsizetype slashes = url.indexOf(QStringLiteral("://"));
-  if (slashes < 0) return {};
-  const auto isEnd = [](QChar c) { return c == u'/' || c == u'?' || c == u'#' || c == u':'; };
-  const auto* const start = url.begin() + slashes + 3;
-  const auto* const end = std::find_if(start, url.end(), isEnd);
-  if (start == url.end()) return {};
-  return *start == u'[' ? url.sliced(slashes + 3).section(u']', 0, 0) : QString(start, end - start);
-}
-
 }  // namespace
 
 const QStringList& LinkFilter::kinds() {
@@ -148,8 +136,9 @@ bool LinkFilter::passes(const FoundLink& link, const classify::CExtensionMap& ex
     if (IsListed(reject_, extension, type)) return false;
   }
   if (sameHost_) {
-    const QString host = HostOf(link.url);
-    if (host.isEmpty() || (host != HostOf(link.page) && host != HostOf(link.askedPage))) return false;
+    const QString host = platform::HostOf(link.url);
+    const bool isOfPage = host == platform::HostOf(link.page) || host == platform::HostOf(link.askedPage);
+    if (host.isEmpty() || !isOfPage) return false;
   }
   return (match_.empty() || Find(match_, link.url) == Found::yes) && Find(noMatch_, link.url) == Found::no;
 }

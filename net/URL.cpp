@@ -96,6 +96,12 @@ QStringView HostAndPort(const QString& text) {
   return authority.sliced(authority.lastIndexOf(u'@') + 1);
 }
 
+// Without the brackets of an address, whether or not it has both.
+QStringView WithoutPort(QStringView hostAndPort) {
+  if (!hostAndPort.startsWith(u'[')) return hostAndPort.first(FindAnyOf(hostAndPort, u":", 0));
+  return hostAndPort.first(FindAnyOf(hostAndPort, u"]", 0)).sliced(1);
+}
+
 // Whether the only brackets of a URL are those around the address of its host.
 bool BracketsHoldAddress(const QString& text) {
   const QStringView host = HostAndPort(text);
@@ -173,9 +179,7 @@ QString URL::scheme() const {
 }
 
 QString URL::host() const {
-  const QStringView host = HostAndPort(text_);
-  if (host.startsWith(u'[')) return host.sliced(1, host.indexOf(u']') - 1).toString();
-  return host.first(FindAnyOf(host, u":", 0)).toString();
+  return WithoutPort(HostAndPort(text_)).toString();
 }
 
 QString URL::path() const {
@@ -199,6 +203,11 @@ bool HasWebScheme(QStringView text) {
 
 bool CanBeFetched(const URL& url) {
   return HasWebScheme(url.absoluteString()) && !url.host().isEmpty();
+}
+
+QString HostOf(const QString& text) {
+  const QString url = WithoutCredentials(text);
+  return WithoutPort(HostAndPort(url)).toString().toLower();
 }
 
 std::optional<URL> URLOfTypedText(const QString& text) {

@@ -52,6 +52,9 @@ class URL {
 /// Whether `url` is absolute and http, https or ftp, so that the program can download from there.
 [[nodiscard]] bool CanBeFetched(const URL& url);
 
+/// The host of `text` as `URL::host` has it, in lower case, whether or not the text makes a URL.
+[[nodiscard]] QString HostOf(const QString& text);
+
 /// What a person means who types `text` where a URL is wanted. A URL that can be fetched stays as it is. Else
 /// characters that may not stand in one are escaped, in UTF-8; "http://" is put in front where there is no
 /// scheme, and a host beyond ASCII gets its form for name servers (RFC 3492). Nothing when it has another

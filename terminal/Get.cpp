@@ -20,11 +20,6 @@ std::chrono::seconds BackOff(int tries) {
   return std::min(std::chrono::seconds(1LL << std::min(tries - 1, 10)), kLongestBackOff);
 }
 
-QString HostOf(const QString& text) {
-  const std::optional<platform::URL> url = platform::URL::URLWithString(text);
-  return url ? url->host().toLower() : QString();
-}
-
 QString NameOf(const QString& url) {
   const std::string text = url.toStdString();
   return platform::SuggestedFilename({{}, text, {}}, [](std::string_view) { return QString(); });
@@ -236,7 +231,7 @@ void Get::pageDidNotLoad(const QString& url, const QString& reason) {
     ++summary_.notFetched;
     return leave(page);
   }
-  leaveAlone(HostOf(url), pages_.failure());
+  leaveAlone(platform::HostOf(url), pages_.failure());
   fail(page, {}, {platform::WithoutCredentials(url), reason, true, pages_.failure()});
 }
 
@@ -261,7 +256,7 @@ void Get::leaveAlone(const QString& host, const platform::TransferFailure& failu
 
 std::chrono::milliseconds Get::pauseOfHost(const QString& url) const {
   if (hostsLeftAlone_.isEmpty()) return {};
-  const Clock::time_point until = hostsLeftAlone_.value(HostOf(url));
+  const Clock::time_point until = hostsLeftAlone_.value(platform::HostOf(url));
   return std::max(std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()),
                   std::chrono::milliseconds(0));
 }
