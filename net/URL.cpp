@@ -110,9 +110,9 @@ bool BracketsHoldAddress(const QString& text) {
          (end + 1 == host.size() || host[end + 1] == u':') && IsAddressLiteral(host.sliced(1, end - 1));
 }
 
-// Whether the text begins with a scheme, and not with a host and its port.
+// Whether the text begins with a scheme, and not with a host and its port or the address of one.
 bool HasScheme(const QString& text) {
-  const qsizetype end = SplitURL(text).scheme.length;
+  const qsizetype end = text.startsWith(u'[') ? 0 : SplitURL(text).scheme.length;
   const qsizetype portEnd = FindAnyOf(text, u"/?#", std::min(end + 1, text.size()));
   bool isPort = false;
   static_cast<void>(
@@ -214,7 +214,7 @@ std::optional<URL> URLOfTypedText(const QString& text) {
   if (std::optional<URL> url = URL::URLWithString(text); url && CanBeFetched(*url)) return url;
   QString typed = text.trimmed();
   if (!HasWebScheme(typed) && HasScheme(typed)) return std::nullopt;
-  if (!HasWebScheme(typed)) typed.prepend(QStringLiteral("http://"));
+  if (!HasWebScheme(typed)) typed.prepend(typed.startsWith(u"//") ? u"http:" : u"http://");
   const Span authority = SplitURL(typed).authority;
   const qsizetype end = authority.start + authority.length;
   const qsizetype at = typed.first(end).lastIndexOf(u'@', -1);

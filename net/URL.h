@@ -56,9 +56,9 @@ class URL {
 [[nodiscard]] QString HostOf(const QString& text);
 
 /// What a person means who types `text` where a URL is wanted. A URL that can be fetched stays as it is. Else
-/// characters that may not stand in one are escaped, in UTF-8; "http://" is put in front where there is no
-/// scheme, and a host beyond ASCII gets its form for name servers (RFC 3492). Nothing when it has another
-/// scheme, or still no host.
+/// characters that may not stand in one are escaped, in UTF-8. "http://" is put in front where there is no
+/// scheme, or "http:" where the text begins with "//". A host beyond ASCII gets its form for name servers
+/// (RFC 3492). Nothing when it has another scheme, or still no host.
 [[nodiscard]] std::optional<URL> URLOfTypedText(const QString& text);
 
 /// `text` without "user:password@", whether or not it makes a URL.
