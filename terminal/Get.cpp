@@ -159,6 +159,7 @@ void Get::tryNextAgain() {
   }
   const Retry retry = next->second;
   retries_.erase(next);
+  tries_ = retry.tries;
   if (isPage(retry.url)) {
     workPage(retry.url.text);
   } else {
@@ -217,6 +218,7 @@ bool Get::isSettled(const QString& url) {
 }
 
 void Get::pageWasQueued(const QString& url, std::size_t linkCount) {
+  tries_ = 0;
   const QString shown = platform::WithoutCredentials(url);
   if (foundLinks_ > 0 && passedLinks_ == 0) {
     reporter_.notice(QStringLiteral("none of the %1 links on %2 is wanted").arg(foundLinks_).arg(shown));
@@ -236,11 +238,11 @@ void Get::pageDidNotLoad(const QString& url, const QString& reason) {
 }
 
 void Get::fail(const GivenURL& url, const QString& page, const Failure& failure) {
-  if (failure.cause.mayPass && tries_.value(url.text) < settings_.retries) {
-    const int tries = ++tries_[url.text];
+  const int tries = std::exchange(tries_, 0) + 1;
+  if (failure.cause.mayPass && tries <= settings_.retries) {
     const Clock::time_point due =
         Clock::now() + std::max<std::chrono::milliseconds>(BackOff(tries), pauseOfHost(url.text));
-    retries_.insert({due, {url, page}});
+    retries_.insert({due, {url, page, tries}});
     return reporter_.willRetry(failure);
   }
   ++summary_.failed;
@@ -286,6 +288,7 @@ void Get::downloadReceived(const app::DownloadProgress& progress) {
 }
 
 void Get::downloadFinished(const app::DownloadProgress& progress) {
+  tries_ = 0;
   ++summary_.finished;
   reporter_.fileDidFinish(progress.url, progress.path, progress.received);
   if (settings_.arguments.skipExisting) finished_.addFile(progress.text, progress.path);

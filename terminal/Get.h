@@ -53,6 +53,7 @@ class Get final : private app::ControllerObserver {
   struct Retry {
     GivenURL url;
     QString page;  // that it was found on; null: none
+    int tries;     // so far
   };
 
   void pageWasQueued(const QString& url, std::size_t linkCount) override;
@@ -107,7 +108,7 @@ class Get final : private app::ControllerObserver {
   int foundLinks_ = 0;    // on the page that is being read
   int passedLinks_ = 0;
   std::multimap<Clock::time_point, Retry> retries_;  // by when they are due
-  QHash<QString, int> tries_;                        // of URLs that have failed
+  int tries_ = 0;                                    // that have failed, of what is tried again now
   QHash<QString, Clock::time_point> hostsLeftAlone_;
   Summary summary_;
   QByteArray rest_;
