@@ -39,13 +39,15 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
       controller_(outlets_.outlets(), host(services)) {
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
-  downloads_.pauseBy([this] { return pauseBeforeNext(); });
+  downloads_.pauseBy([this] { return pauseAfterRequest(); });
   downloads_.hearFailures(
       [this](const platform::WebDownload& download, const platform::TransferFailure& failure) {
         leaveAlone(download.requestURL().host().toLower(), failure);
       });
-  pages_.afterEach([this] { waitHere(); });
-  sorting_.deferWhile([this] { return !retries_.empty() && !isStopped_; });
+  sorting_.deferWhile([this] {
+    const bool goesOn = !isStopped_ && lostCount_ == 0;
+    return goesOn && (!retries_.empty() || (isWaiting() && !urls_.empty()));
+  });
 }
 
 // No other program asks for anything here, and no browser is asked.
@@ -117,10 +119,11 @@ void Get::moveOn() {
     return moveOnLater();
   }
   const bool isIdle = !controller_.isBusy();
-  if (!isIdle && !controller_.isDownloading()) return;
+  const bool mayHandOver = isIdle || (controller_.isDownloading() && !isWaiting());
+  if (!mayHandOver) return;
   // Without a connection every further URL would be lost.
   if (!urls_.empty() && lostCount_ == 0) {
-    const std::chrono::milliseconds pause = pauseOfHost(urls_.front().text);
+    const std::chrono::milliseconds pause = pauseBefore(urls_.front().text);
     if (pause.count() > 0) return moveOnLater(pause);
     const GivenURL url = urls_.front();
     urls_.pop_front();
@@ -143,7 +146,9 @@ void Get::handOver(const GivenURL& url) {
   } else if (!isSettled(url.text)) {
     if (url.kind == GivenURL::Kind::judged) judged_.insert(url.text);
     // A folder that was given is decided on once; another may be asked for, or stored meanwhile.
-    controller_.startURL(url.text, !std::exchange(hasDecided_, settings_.arguments.to.has_value()));
+    const bool prompts = !std::exchange(hasDecided_, settings_.arguments.to.has_value());
+    waitForTurn(url.text);
+    controller_.startURL(url.text, prompts);
   }
 }
 
@@ -151,7 +156,7 @@ void Get::tryNextAgain() {
   const auto next = retries_.begin();
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next->first - Clock::now());
   if (wait.count() > 0) return moveOnLater(wait);
-  if (const std::chrono::milliseconds pause = pauseOfHost(next->second.url.text); pause.count() > 0) {
+  if (const std::chrono::milliseconds pause = pauseBefore(next->second.url.text); pause.count() > 0) {
     auto later = retries_.extract(next);
     later.key() = Clock::now() + pause;
     retries_.insert(std::move(later));
@@ -163,6 +168,7 @@ void Get::tryNextAgain() {
   if (isPage(retry.url)) {
     workPage(retry.url.text);
   } else {
+    waitForTurn(retry.url.text);
     controller_.startURL(retry.url.text, false, retry.page);
   }
   moveOnLater();
@@ -175,13 +181,15 @@ bool Get::isPage(const GivenURL& url) {
   const bool mustAsk = target && target->pathExtension().isEmpty();
   if (mustAsk) reporter_.willWait(QStringLiteral("Asking"), platform::WithoutCredentials(url.text));
   const bool answer = controller_.isWebPageURL(url.text);
-  if (mustAsk) waitHere();
-  if (mustAsk) reporter_.didWait();
+  if (!mustAsk) return answer;
+  noteEndOfRequest();
+  reporter_.didWait();
   return answer;
 }
 
 void Get::workPage(const QString& url) {
   foundLinks_ = passedLinks_ = 0;
+  waitForTurn(url);
   reporter_.willWait(QStringLiteral("Loading"), platform::WithoutCredentials(url));
   controller_.extractLinks(url);
   reporter_.didWait();
@@ -225,10 +233,13 @@ void Get::pageWasQueued(const QString& url, std::size_t linkCount) {
   } else {
     reporter_.pageDidLoad(shown, foundLinks_ > 0 ? passedLinks_ : static_cast<int>(linkCount));
   }
+  noteEndOfRequest();
+  if (controller_.numberOfRows() > 0) waitForTurn(controller_.objectValueForRow(0));
 }
 
 void Get::pageDidNotLoad(const QString& url, const QString& reason) {
   const GivenURL page{url, GivenURL::Kind::page};
+  noteEndOfRequest();
   if (shouldStop_()) {
     ++summary_.notFetched;
     return leave(page);
@@ -241,7 +252,7 @@ void Get::fail(const GivenURL& url, const QString& page, const Failure& failure)
   const int tries = std::exchange(tries_, 0) + 1;
   if (failure.cause.mayPass && tries <= settings_.retries) {
     const Clock::time_point due =
-        Clock::now() + std::max<std::chrono::milliseconds>(BackOff(tries), pauseOfHost(url.text));
+        Clock::now() + std::max<std::chrono::milliseconds>(BackOff(tries), pauseBefore(url.text));
     retries_.insert({due, {url, page, tries}});
     return reporter_.willRetry(failure);
   }
@@ -256,25 +267,26 @@ void Get::leaveAlone(const QString& host, const platform::TransferFailure& failu
   }
 }
 
-std::chrono::milliseconds Get::pauseOfHost(const QString& url) const {
-  if (hostsLeftAlone_.isEmpty()) return {};
-  const Clock::time_point until = hostsLeftAlone_.value(platform::HostOf(url));
-  return std::max(std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()),
+std::chrono::milliseconds Get::pauseBefore(const QString& url) const {
+  Clock::time_point due = nextRequest_;
+  if (!hostsLeftAlone_.isEmpty()) due = std::max(due, hostsLeftAlone_.value(platform::HostOf(url)));
+  return std::max(std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()),
                   std::chrono::milliseconds(0));
 }
 
-// Nothing is waited for when nothing is to come.
-std::chrono::milliseconds Get::pauseBeforeNext() const {
-  if (controller_.numberOfRows() == 0 && urls_.empty()) return {};
-  const QString next = controller_.numberOfRows() > 0 ? controller_.objectValueForRow(0) : urls_.front().text;
-  return std::max(settings_.wait, pauseOfHost(next));
+// Only what the controller starts by itself has to be held up.
+std::chrono::milliseconds Get::pauseAfterRequest() {
+  noteEndOfRequest();
+  return controller_.numberOfRows() == 0 ? std::chrono::milliseconds(0)
+                                         : pauseBefore(controller_.objectValueForRow(0));
 }
 
-// Where nothing else may happen meanwhile.
-void Get::waitHere() const {
-  const Clock::time_point end = Clock::now() + settings_.wait;
-  while (!shouldStop_() && Clock::now() < end) {
-    QThread::msleep(static_cast<unsigned long>(kLookInterval.count()));
+// Blocks. While a file is under way there is nothing to wait for: `moveOn` has seen to that.
+void Get::waitForTurn(const QString& url) const {
+  while (!controller_.isBusy() && !shouldStop_()) {
+    const std::chrono::milliseconds pause = std::min(pauseBefore(url), kLookInterval);
+    if (pause.count() == 0) return;
+    QThread::msleep(static_cast<unsigned long>(pause.count()));
   }
 }
 

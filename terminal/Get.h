@@ -3,8 +3,9 @@
 // One run of `get`: URLs in, the controller's work on them, one outcome a file out.
 //
 // URLs are handed to the controller one a turn of the event loop, and only while it is idle or a download
-// has begun: one that came between a start and its beginning would start a second download at once. What may
-// pass is tried again once nothing else is left. The run is over when nothing waits and nothing is under way.
+// has begun: one that came between a start and its beginning would start a second download at once. With a
+// wait between requests the controller has to be idle. What may pass is tried again once nothing else is
+// left. The run is over when nothing waits and nothing is under way.
 // Main thread, with an event loop of its own.
 #pragma once
 
@@ -84,9 +85,12 @@ class Get final : private app::ControllerObserver {
 
   void fail(const GivenURL& url, const QString& page, const Failure& failure);
   void leaveAlone(const QString& host, const platform::TransferFailure& failure);
-  [[nodiscard]] std::chrono::milliseconds pauseOfHost(const QString& url) const;
-  [[nodiscard]] std::chrono::milliseconds pauseBeforeNext() const;
-  void waitHere() const;
+  /// Whether requests come one after the other, with a wait in between.
+  [[nodiscard]] bool isWaiting() const { return settings_.wait.count() > 0; }
+  void noteEndOfRequest() { nextRequest_ = Clock::now() + settings_.wait; }
+  [[nodiscard]] std::chrono::milliseconds pauseBefore(const QString& url) const;
+  [[nodiscard]] std::chrono::milliseconds pauseAfterRequest();
+  void waitForTurn(const QString& url) const;
   [[nodiscard]] GivenURL::Kind kindOf(const QString& file) const;
   void leave(const GivenURL& url);
   void leaveAll();
@@ -109,7 +113,8 @@ class Get final : private app::ControllerObserver {
   int passedLinks_ = 0;
   std::multimap<Clock::time_point, Retry> retries_;  // by when they are due
   int tries_ = 0;                                    // that have failed, of what is tried again now
-  QHash<QString, Clock::time_point> hostsLeftAlone_;
+  QHash<QString, Clock::time_point> hostsLeftAlone_;  // until then
+  Clock::time_point nextRequest_{};                   // not before
   Summary summary_;
   QByteArray rest_;
   QString refusedURL_;  // null: none waits to be passed over

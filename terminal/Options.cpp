@@ -191,8 +191,9 @@ constexpr std::array kGetOptions{
     Option{.names = "--wait",
            .value = "SECONDS",
            .bind = Fill<GetArguments, &GetArguments::wait>,
-           .text =
-               "wait so long after each page and file; 0.5 is half a second. Nothing is asked for ahead then",
+           .text = "leave so long between two requests: for files, for pages, and for what a URL without an "
+                   "extension is. 0.5 is half a second. A redirect and a login belong to their request. Nothing "
+                   "is asked for ahead, or while a file is downloaded, then",
            .example = "get --wait 2 http://www.example.org/gallery/"},
     Option{
         .names = "--limit-rate",

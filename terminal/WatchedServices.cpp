@@ -67,7 +67,6 @@ void WatchedDownloads::tellEnds() {
 platform::PageLoad WatchedPages::resourceData(const platform::URL& url) {
   platform::PageLoad load = pages_.resourceData(url);
   failure_ = load.cause;
-  if (then_) then_();
   return load;
 }
 

@@ -3,8 +3,8 @@
 // Services that stand before those of the host for one run of `get`: they note what the controller does not
 // tell, and make it wait.
 //
-// A wait comes before the end of a file is told, or of a page, and so never between a request and its
-// beginning. Main thread.
+// A wait comes before the end of a file is told, and so never between a request and its beginning. Main
+// thread.
 #pragma once
 
 #include <QTimer>
@@ -19,7 +19,7 @@
 
 namespace quillforth::terminal {
 
-/// How long the next request is to wait; asked when one has ended.
+/// How long the controller is to wait before its next request; asked when a file has ended.
 using Pause = std::function<std::chrono::milliseconds()>;
 
 class WatchedDownloads final : public platform::WebDownloadService, private platform::WebDownloadDelegate {
@@ -28,6 +28,7 @@ class WatchedDownloads final : public platform::WebDownloadService, private plat
   WatchedDownloads(platform::WebDownloadService& downloads, bool mayGoAhead)
       : downloads_(downloads), mayGoAhead_(mayGoAhead) {
     timer_.setSingleShot(true);
+    timer_.setTimerType(Qt::PreciseTimer);  // others may be early
     timer_.callOnTimeout([this] { tellEnds(); });
   }
 
@@ -94,8 +95,6 @@ class WatchedPages final : public platform::PageLoader {
  public:
   /// `pages` outlives this.
   explicit WatchedPages(platform::PageLoader& pages) : pages_(pages) {}
-  /// Called when a page has come, or has not.
-  void afterEach(std::function<void()> then) { then_ = std::move(then); }
   /// Of the last page, when it did not load.
   [[nodiscard]] const platform::TransferFailure& failure() const { return failure_; }
 
@@ -104,7 +103,6 @@ class WatchedPages final : public platform::PageLoader {
 
  private:
   platform::PageLoader& pages_;
-  std::function<void()> then_;
   platform::TransferFailure failure_;
 };
 

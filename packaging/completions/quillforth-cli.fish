@@ -40,7 +40,7 @@ complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l header -x -d 
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l referer -x -a 'page none' -d 'tell servers where a link stood'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l user-agent -x -d 'what the program calls itself when it asks for pages and files'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l retry -x -a '1 2 3 5 10' -d 'when all else is done, try again what may pass'
-complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l wait -x -d 'wait so long after each page and file'
+complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l wait -x -d 'leave so long between two requests'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l limit-rate -x -d 'fetch at most so many bytes a second'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l no-comment -d 'do not note on files where they came from'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from get' -l remote-time -d 'give each file the time of its last change that the server tells (Last-Modified)'
