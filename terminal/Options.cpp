@@ -156,9 +156,9 @@ constexpr std::array kGetOptions{
         .value = "LINE",
         .bind = Fill<GetArguments, &GetArguments::headers>,
         .text =
-            "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. Not to "
-            "another host after a redirect; Authorization and Cookie only to the hosts of the URLs that you "
-            "give",
+            "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. It does "
+            "not go to another host after a redirect. Authorization and Cookie go only where scheme, host and "
+            "port are those of a URL that you give",
         .example = "get --header 'Accept-Language: de' http://www.example.org/",
         .isRepeated = true},
     Option{.names = "--referer",

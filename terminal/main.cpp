@@ -33,6 +33,7 @@
 #include "linux/transfer/CurlPageLoader.h"
 #include "linux/transfer/CurlReadStream.h"
 #include "linux/transfer/CurlSupport.h"
+#include "linux/transfer/TransferRequest.h"
 #include "net/URL.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Commands.h"
@@ -124,11 +125,9 @@ platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt
   transfers.cookies = options.cookies;
   for (const auto& [name, value] : options.headers) transfers.headers.push_back({name, value});
   for (const GivenURL& url : options.run.urls) {
-    const auto target = platform::URL::URLWithString(url.text);
-    if (!target) continue;
-    const QString host = target->host().toLower();
-    const bool isAddress = host.contains(u':');  // of IPv6, which has brackets there
-    transfers.trustedHosts.insert((isAddress ? u'[' + host + u']' : host).toStdString());
+    if (transfers.headers.empty()) break;
+    const auto target = platform::RequestURL::parse(url.text.toStdString());
+    if (target) transfers.trustedOrigins.insert(target->origin);
   }
   transfers.userAgent = arguments.userAgent.value_or("");
   transfers.referrer = options.referrer;

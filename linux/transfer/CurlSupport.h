@@ -54,8 +54,8 @@ struct TransferSettings {
   std::vector<std::string> cookies{};
   /// Go to the host of each URL that is asked for, and not to others where that redirects to.
   std::vector<HeaderField> headers{};
-  /// The hosts, in lower case, addresses of IPv6 in brackets, that may also be told who asks.
-  std::unordered_set<std::string> trustedHosts{};
+  /// The origins (`RequestURL`) that may also be told who asks.
+  std::unordered_set<std::string> trustedOrigins{};
   std::string userAgent{};          ///< empty: the program's own
   std::string referrer{};           ///< for every request; may hold what nobody is told; empty: the request's
   bool tellsWholeReferrer = false;  ///< also to other hosts

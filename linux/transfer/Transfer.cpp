@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/BoundedText.h"
-
 namespace quillforth::platform {
 
 namespace {
@@ -15,11 +13,6 @@ constexpr int kUnauthorized = 401;
 constexpr int kProxyUnauthorized = 407;
 constexpr int kTooManyRequests = 429;
 constexpr int kUnavailable = 503;
-
-std::string LowerCase(std::string text) {
-  std::ranges::transform(text, text.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
-  return text;
-}
 
 bool IsWantedStatus(Purpose purpose, int status) {
   switch (purpose) {
@@ -63,10 +56,9 @@ void Transfer::goTo(RequestURL url) {
 std::vector<HeaderField> Transfer::fieldsFor(const RequestURL& url) const {
   const TransferSettings& settings = context_->settings;
   const bool isLessSecure = firstOrigin_.starts_with("https:") && !url.origin.starts_with("https:");
-  const bool isSameHost = common::EqualsNoCase(url.host, firstHost_) && !isLessSecure;
-  if (request_.purpose == Purpose::probe || !isSameHost) return {};
+  if (request_.purpose == Purpose::probe || url.host != firstHost_ || isLessSecure) return {};
   std::vector<HeaderField> fields = settings.headers;
-  if (!settings.trustedHosts.contains(LowerCase(url.host))) {
+  if (!settings.trustedOrigins.contains(url.origin)) {
     std::erase_if(fields, [](const HeaderField& field) { return field.tellsWhoAsks(); });
   }
   return fields;
