@@ -158,7 +158,8 @@ constexpr std::array kGetOptions{
         .text =
             "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. It does "
             "not go to another host after a redirect. Authorization and Cookie go only where scheme, host and "
-            "port are those of a URL that you give",
+            "port are those of a URL that you give. A Cookie is sent together with those of --cookies and of "
+            "the server",
         .example = "get --header 'Accept-Language: de' http://www.example.org/",
         .isRepeated = true},
     Option{.names = "--referer",

@@ -235,8 +235,14 @@ void Exchange::setUsersOptions() {
   if (settings.keepsRemoteTime) curl_easy_setopt(handle_.get(), CURLOPT_FILETIME, 1L);
 }
 
+// A request has one field of cookies (RFC 6265, section 5.4). libcurl adds these to those of the jar.
 void Exchange::carry(const std::vector<HeaderField>& fields) {
+  std::string cookies;
   for (const HeaderField& field : fields) {
+    if (common::EqualsNoCase(field.name, "Cookie")) {
+      cookies.append(cookies.empty() ? "" : "; ").append(field.value);
+      continue;
+    }
     // A name alone would leave the field out.
     const std::string line = field.value.empty() ? field.name + ';' : field.name + ": " + field.value;
     curl_slist* longer = curl_slist_append(fields_.get(), line.c_str());
@@ -245,6 +251,7 @@ void Exchange::carry(const std::vector<HeaderField>& fields) {
     fields_.reset(longer);
   }
   curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, fields_.get());
+  if (!cookies.empty()) curl_easy_setopt(handle_.get(), CURLOPT_COOKIE, cookies.c_str());
 }
 
 std::int64_t Exchange::modified() const {
