@@ -54,6 +54,12 @@ void CookieJar::serve(CURL* handle) {
   curl_easy_setopt(handle, CURLOPT_COOKIEFILE, "");  // no file: this alone makes it use what is shared
 }
 
+void CookieJar::add(const std::string& line) {
+  curl_easy_setopt(handle_.get(), CURLOPT_COOKIELIST, line.c_str());
+  ++added_[std::string(SiteOf(line))];
+  ++addedCount_;
+}
+
 std::vector<std::string> CookieJar::cookiesNear(std::string_view host) {
   if (host.starts_with('[')) host = host.substr(1, host.size() - 2);  // an IPv6 address
   const std::string_view site = SiteOf(host);
@@ -78,10 +84,13 @@ void CookieJar::trim() {
   const std::vector<CookieText> cookies = CookiesOf(handle_.get());
   std::map<std::string_view, std::vector<const CookieText*>> sites;
   for (const CookieText& cookie : cookies) sites[SiteOf(cookie)].push_back(&cookie);
-  for (std::size_t count = cookies.size(); count > kMaxCookies;) {
-    const auto largest = std::max_element(sites.begin(), sites.end(), [](const auto& a, const auto& b) {
-      return a.second.size() < b.second.size();
-    });
+  const auto excess = [this](const auto& site) {
+    const auto added = added_.find(site.first);
+    return site.second.size() - (added == added_.end() ? 0 : std::min(added->second, site.second.size()));
+  };
+  for (std::size_t count = cookies.size(); count > kMaxCookies + addedCount_;) {
+    const auto largest = std::max_element(
+        sites.begin(), sites.end(), [&](const auto& a, const auto& b) { return excess(a) < excess(b); });
     for (const CookieText* cookie : largest->second) {
       curl_easy_setopt(handle_.get(), CURLOPT_COOKIELIST, Expired(*cookie).c_str());
     }

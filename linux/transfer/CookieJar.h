@@ -8,6 +8,8 @@
 
 #include <curl/curl.h>
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,7 +21,8 @@ namespace quillforth::platform {
 
 class CookieJar {
  public:
-  /// About as many as a browser keeps. There may be a third more until they are counted again.
+  /// About as many as a browser keeps, besides those that were added. There may be a third more until they
+  /// are counted again.
   static constexpr std::size_t kMaxCookies = 3000;
 
   CookieJar();
@@ -30,7 +33,7 @@ class CookieJar {
   /// called before the first request. `handle` does not outlive the jar.
   void serve(CURL* handle);
   /// Adds a cookie: a line of a file of Netscape's form. What is none is left out.
-  void add(const std::string& line) { curl_easy_setopt(handle_.get(), CURLOPT_COOKIELIST, line.c_str()); }
+  void add(const std::string& line);
   /// Those that a request to `host` may carry, and perhaps some of its neighbours', as texts of libcurl.
   [[nodiscard]] std::vector<std::string> cookiesNear(std::string_view host);
   /// The requests of `handle` carry of `cookies` those that concern them, and what their answers set goes
@@ -38,8 +41,8 @@ class CookieJar {
   static void lend(CURL* handle, const std::vector<std::string>& cookies);
   /// A line of a head has come to such a handle.
   void noteLine(std::string_view line);
-  /// To be called after each answer. Of too many cookies, those of the sites that have most go, so that no
-  /// server can make the others forget who asks.
+  /// To be called after each answer. Of too many cookies, those of the sites that have set most go, so that
+  /// no server can make the others forget who asks.
   void trim();
 
  private:
@@ -48,7 +51,9 @@ class CookieJar {
   };
 
   std::unique_ptr<CURLSH, ShareDeleter> share_;
-  CurlEasy handle_;                 // for looks at what is there
+  CurlEasy handle_;                                        // for looks at what is there
+  std::map<std::string, std::size_t, std::less<>> added_;  // how many of each site
+  std::size_t addedCount_ = 0;
   std::size_t uncountedLines_ = 0;  // each may have set a cookie since the last look
 };
 

@@ -138,6 +138,9 @@ TEST(Referrer, SaysNoMoreThanStrictOriginWhenCrossOrigin) {
 TEST(CookieJar, LetsNoServerFillItOrDriveOutTheCookiesOfOthers) {
   const platform::CurlGlobal curl;
   platform::CookieJar jar;
+  constexpr std::size_t kAdded = platform::CookieJar::kMaxCookies + 1;
+  for (std::size_t i = 0; i < kAdded; ++i)
+    jar.add("my.test\tFALSE\t/\tFALSE\t0\tn" + std::to_string(i) + "\t1");
   const platform::CurlEasy handle(curl_easy_init());
   jar.serve(handle.get());
   curl_easy_setopt(handle.get(), CURLOPT_COOKIELIST, "Set-Cookie: good=1; Domain=good.test");
@@ -151,12 +154,14 @@ TEST(CookieJar, LetsNoServerFillItOrDriveOutTheCookiesOfOthers) {
   }
   curl_slist* list = nullptr;
   curl_easy_getinfo(handle.get(), CURLINFO_COOKIELIST, &list);
-  std::size_t count = 0, goodCount = 0;
+  std::size_t count = 0, goodCount = 0, addedCount = 0;
   for (const curl_slist* each = list; each != nullptr; each = each->next, ++count) {
     if (std::string_view(each->data).find("good.test") != std::string_view::npos) ++goodCount;
+    if (std::string_view(each->data).find("my.test") != std::string_view::npos) ++addedCount;
   }
   curl_slist_free_all(list);
-  EXPECT_LE(count, platform::CookieJar::kMaxCookies * 4 / 3 + 50);
+  EXPECT_LE(count, kAdded + platform::CookieJar::kMaxCookies * 4 / 3 + 50);
+  EXPECT_EQ(addedCount, kAdded);
   EXPECT_EQ(goodCount, 1U);
 }
 
