@@ -348,8 +348,7 @@ void Get::leave(const GivenURL& url) {
   const bool isPage = url.kind == GivenURL::Kind::page;
   const bool isPlain = url.kind == GivenURL::Kind::judged || !target ||
                        (!target->pathExtension().isEmpty() && controller_.isWebPageURL(url.text) == isPage);
-  if (!isPlain) rest_ += isPage ? "page\t" : "file\t";
-  rest_ += url.text.toUtf8() + '\n';
+  rest_ += LineOfList({url.text, isPlain ? GivenURL::Kind::judged : url.kind});
 }
 
 // What is still there when the run ends was not fetched.
@@ -362,7 +361,6 @@ void Get::leaveAll() {
   }
   for (const auto& [due, retry] : retries_) leave(retry.url);
   for (const GivenURL& url : urls_) leave(url);
-  for (const QString& text : settings_.refused) rest_ += text.toUtf8() + '\n';
   const std::size_t left =
       static_cast<std::size_t>(inFlight.size()) + retries_.size() + urls_.size() + controller_.numberOfRows();
   summary_.notFetched += lostCount_ + static_cast<int>(left);

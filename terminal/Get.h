@@ -111,8 +111,8 @@ class Get final : private app::ControllerObserver {
   QSet<QString> judged_;  // what was given and judged to be a file
   int foundLinks_ = 0;    // on the page that is being read
   int passedLinks_ = 0;
-  std::multimap<Clock::time_point, Retry> retries_;  // by when they are due
-  int tries_ = 0;                                    // that have failed, of what is tried again now
+  std::multimap<Clock::time_point, Retry> retries_;   // by when they are due
+  int tries_ = 0;                                     // that have failed, of what is tried again now
   QHash<QString, Clock::time_point> hostsLeftAlone_;  // until then
   Clock::time_point nextRequest_{};                   // not before
   Summary summary_;

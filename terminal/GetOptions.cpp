@@ -41,12 +41,11 @@ GivenURL::Kind KindOf(const GetArguments& arguments) {
 }
 
 // The kind that is given for all counts for more than that of a line.
-void TakeURL(GivenURL url, GivenURL::Kind kind, GetSettings& run) {
-  if (kind != GivenURL::Kind::judged) url.kind = kind;
+void TakeURL(const GivenURL& url, GivenURL::Kind kind, GetSettings& run) {
   if (const auto meant = platform::URLOfTypedText(url.text)) {
-    run.urls.push_back({meant->absoluteString(), url.kind});
+    run.urls.push_back({meant->absoluteString(), kind == GivenURL::Kind::judged ? url.kind : kind});
   } else {
-    run.refused.append(url.text);
+    run.refused.push_back(url);
   }
 }
 
@@ -127,17 +126,6 @@ Error TakeCookies(const GetArguments& arguments, GetOptions& options) {
     options.cookies.push_back(line.toStdString());
   }
   return std::nullopt;
-}
-
-// It is written when all else is done, so that it has to be certain before that it can be.
-Error CheckRest(const GetArguments& arguments) {
-  if (!arguments.rest) return std::nullopt;
-  if (arguments.rest->empty() || *arguments.rest == "-") return Mistake("--rest takes the name of a file");
-  const QFileInfo file(QFile::decodeName(arguments.rest->c_str()));
-  if (file.exists() && !file.isFile()) return SettingsError{*arguments.rest + ": not a regular file"};
-  const QFileInfo folder(file.absolutePath());
-  if (folder.isDir() && folder.isWritable()) return std::nullopt;
-  return SettingsError{*arguments.rest + ": no file can be made there"};
 }
 
 Error TakeReferer(const GetArguments& arguments, GetOptions& options) {
@@ -248,9 +236,19 @@ Error TakeURLs(const GetArguments& arguments, GetSettings& run) {
   for (const std::string& path : arguments.inputFiles) {
     const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
     if (!list.error.isNull()) return Failed(list.error);
-    for (GivenURL& url : URLsOfList(list.bytes)) TakeURL(std::move(url), kind, run);
+    for (const GivenURL& url : URLsOfList(list.bytes)) TakeURL(url, kind, run);
   }
   return std::nullopt;
+}
+
+Error CheckRest(const GetArguments& arguments) {
+  if (!arguments.rest) return std::nullopt;
+  if (arguments.rest->empty() || *arguments.rest == "-") return Mistake("--rest takes the name of a file");
+  const QFileInfo file(QFile::decodeName(arguments.rest->c_str()));
+  if (file.exists() && !file.isFile()) return SettingsError{*arguments.rest + ": not a regular file"};
+  const QFileInfo folder(file.absolutePath());
+  if (folder.isDir() && folder.isWritable()) return std::nullopt;
+  return SettingsError{*arguments.rest + ": no file can be made there"};
 }
 
 Error TakeOptions(const GetArguments& arguments, platform::AliasManager& aliases,
@@ -266,7 +264,6 @@ Error TakeOptions(const GetArguments& arguments, platform::AliasManager& aliases
   if (!error) error = TakeHeaders(arguments, options);
   if (!error) error = TakeCookies(arguments, options);
   if (!error) error = CheckNotes(arguments, defaults, options.run);
-  if (!error) error = CheckRest(arguments);
   return error ? error : TakeDestination(arguments, options);
 }
 

@@ -6,7 +6,6 @@
 
 #include <QHash>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 #include <chrono>
 #include <cstdint>
@@ -44,7 +43,7 @@ class OverriddenDefaults final : public platform::UserDefaults {
 struct GetSettings {
   GetArguments arguments;
   std::vector<GivenURL> urls;            ///< usable ones only
-  QStringList refused;                   ///< texts that are none
+  std::vector<GivenURL> refused;         ///< texts that are none, as they were given
   QHash<QString, QVariant> preferences;  ///< replaced for this run
   app::LinkFilter filter;
   int retries = 0;
@@ -68,6 +67,10 @@ struct GetOptions {
 /// The URLs of the command line, then those of the lists; typed texts are mended. What is no URL is put into
 /// `refused`.
 [[nodiscard]] std::optional<SettingsError> TakeURLs(const GetArguments& arguments, GetSettings& run);
+
+/// Whether the list of what is left can be written. That happens when all else is done, so it has to be
+/// certain before.
+[[nodiscard]] std::optional<SettingsError> CheckRest(const GetArguments& arguments);
 
 /// All other options. Makes the destination folder, but not for a dry run. `defaults`: the stored settings.
 [[nodiscard]] std::optional<SettingsError> TakeOptions(const GetArguments& arguments,

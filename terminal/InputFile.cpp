@@ -78,4 +78,9 @@ std::vector<GivenURL> URLsOfList(const QByteArray& list) {
   return urls;
 }
 
+QByteArray LineOfList(const GivenURL& url) {
+  const char* kinds[] = {"", "page\t", "file\t"};
+  return kinds[static_cast<int>(url.kind)] + url.text.toUtf8() + '\n';
+}
+
 }  // namespace quillforth::terminal

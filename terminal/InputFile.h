@@ -32,5 +32,7 @@ inline constexpr qsizetype kMaxListLength = qsizetype{256} * 1024 * 1024;
 /// passed over, blanks around a URL do not count. A line that begins with "page" or "file" and a tab says
 /// what its URL is; what comes after another tab is passed over, so that the output of `classify` is a list.
 [[nodiscard]] std::vector<GivenURL> URLsOfList(const QByteArray& list);
+/// The line of a list that stands for `url`, with its end.
+[[nodiscard]] QByteArray LineOfList(const GivenURL& url);
 
 }  // namespace quillforth::terminal

@@ -157,9 +157,9 @@ constexpr std::array kGetOptions{
         .bind = Fill<GetArguments, &GetArguments::headers>,
         .text =
             "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. It does "
-            "not go to another host after a redirect. Authorization and Cookie go only where scheme, host and "
-            "port are those of a URL that you give. A Cookie is sent together with those of --cookies and of "
-            "the server",
+            "not go to another host after a redirect. Authorization and Cookie go only where scheme, host "
+            "and port are those of a URL that you give. A Cookie is sent together with those of --cookies and "
+            "of the server",
         .example = "get --header 'Accept-Language: de' http://www.example.org/",
         .isRepeated = true},
     Option{.names = "--referer",
@@ -192,9 +192,10 @@ constexpr std::array kGetOptions{
     Option{.names = "--wait",
            .value = "SECONDS",
            .bind = Fill<GetArguments, &GetArguments::wait>,
-           .text = "leave so long between two requests: for files, for pages, and for what a URL without an "
-                   "extension is. 0.5 is half a second. A redirect and a login belong to their request. Nothing "
-                   "is asked for ahead, or while a file is downloaded, then",
+           .text =
+               "leave so long between two requests: for files, for pages, and for what a URL without an "
+               "extension is. 0.5 is half a second. A redirect and a login belong to their request. Nothing "
+               "is asked for ahead, or while a file is downloaded, then",
            .example = "get --wait 2 http://www.example.org/gallery/"},
     Option{
         .names = "--limit-rate",

@@ -143,8 +143,11 @@ platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt
 }
 
 // For its owner only: URLs may hold passwords. False when it could not be written, which is said.
-bool WriteRest(const std::string& path, const QByteArray& rest, Output& errors) {
-  QSaveFile file(QFile::decodeName(path.c_str()));
+bool WriteRest(const GetArguments& arguments, QByteArray rest, const std::vector<GivenURL>& refused,
+               Output& errors) {
+  if (!arguments.rest || arguments.dryRun) return true;
+  for (const GivenURL& url : refused) rest += LineOfList(url);
+  QSaveFile file(QFile::decodeName(arguments.rest->c_str()));
   file.setDirectWriteFallback(true);
   const bool isWritten = file.open(QIODevice::WriteOnly) &&
                          file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
@@ -156,16 +159,20 @@ bool WriteRest(const std::string& path, const QByteArray& rest, Output& errors) 
 // With outputs of its own: waiting for their readers ends with a signal too.
 int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErrors) {
   GetOptions options;
+  if (const auto error = CheckRest(arguments)) return Complain(*error, "get", unguardedErrors);
   // A list may come from a person who types it, and who may press Ctrl-C.
   if (const auto error = TakeURLs(arguments, options.run)) return Complain(*error, "get", unguardedErrors);
   const platform::Interruption interruption;
   Output results(STDOUT_FILENO, interruption.descriptor());
   Output errors(STDERR_FILENO, interruption.descriptor());
-  for (const QString& text : options.run.refused) {
+  for (const GivenURL& url : options.run.refused) {
     errors.write(
-        NoticeText(platform::WithoutCredentials(text) + QStringLiteral(": no http, https or ftp URL")));
+        NoticeText(platform::WithoutCredentials(url.text) + QStringLiteral(": no http, https or ftp URL")));
   }
-  if (options.run.urls.empty() && !options.run.refused.isEmpty()) return kExitUsage;
+  if (options.run.urls.empty() && !options.run.refused.empty()) {
+    static_cast<void>(WriteRest(arguments, {}, options.run.refused, errors));
+    return kExitUsage;
+  }
   platform::LinuxAliasManager aliases(platform::HomeFolder());
   platform::SettingsUserDefaults defaults;
   if (const auto error = TakeOptions(arguments, aliases, defaults, options)) {
@@ -199,9 +206,9 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   });
 
   Summary summary = get.run();
-  const bool hasRest = arguments.rest && !arguments.dryRun;
-  if (hasRest && !WriteRest(*arguments.rest, get.rest(), errors)) summary.exitStatus = kExitFailure;
-  if (!options.run.refused.isEmpty()) summary.exitStatus = kExitUsage;
+  const bool isWritten = WriteRest(arguments, get.rest(), options.run.refused, errors);
+  if (!isWritten) summary.exitStatus = kExitFailure;
+  if (!options.run.refused.empty()) summary.exitStatus = kExitUsage;
   if (interruption.happened()) summary.exitStatus = interruption.exitStatus();
   reporter->end(summary);
   return Finish(summary.exitStatus, results, errors);

@@ -43,10 +43,12 @@ class GetOptions : public EndToEnd {
     if (path == "/g/") reply = HtmlReply("<a href=a.jpg><a href=b.zip><a href=\"a.jpg#x\"><a href=sub/>");
     if (path == "/missing.zip") reply = HttpReply("404 No", "");
     if (path == "/page.php") reply = HtmlReply("");
-    if (path == "/flaky.zip" && ++flakyCount_ < 2) reply = HttpReply("503 No", "", "Retry-After: 1\r\n");
+    if (path == "/flaky.zip" && ++flakyCount_ < 3) reply = HttpReply("503 No", "", "Retry-After: 1\r\n");
     connection.send(reply);
     return After::keepOpen;
   }};
+  RawServer other_{
+      Serving({{"/moved.zip", HttpReply("302 Found", "", "Location: " + server_.url("/m.zip") + "\r\n")}})};
 };
 
 TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
@@ -76,9 +78,18 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
        ""},
       {{"--archive", "~.archive", "{}/y.zip"}, "", "done {}/y.zip -> ~/y.zip\n", ""},
       {{"--archive", "~.archive", "{}/y.zip"}, "", "skipped {}/y.zip -> ~.archive\n", ""},
-      {{"--retry", "1", "--set", "aggregateFiles=yes", "{}/flaky.zip"},
+      {{"-i", "-", "--rest", "~.refused"},
+       "mailto:me@h\npage\tx:// y\n",
        "",
-       "retry {}/flaky.zip: The server answered 503 Service Unavailable.\ndone {}/flaky.zip -> ~/flaky.zip\n",
+       "quillforth-cli: mailto:me@h: no http, https or ftp URL\n"
+       "quillforth-cli: x:// y: no http, https or ftp URL\n",
+       2},
+      // Each of two equal URLs has its own tries.
+      {{"--retry", "1", "--set", "aggregateFiles=yes", "{}/flaky.zip", "{}/flaky.zip"},
+       "",
+       "retry {}/flaky.zip: The server answered 503 Service Unavailable.\n"
+       "retry {}/flaky.zip: The server answered 503 Service Unavailable.\n"
+       "done {}/flaky.zip -> ~/flaky.zip\ndone {}/flaky.zip -> ~/flaky-1.zip\n",
        ""},
       {{"--quiet", "{}/page.php"},
        "",
@@ -98,6 +109,7 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
     EXPECT_EQ(outcome.exitStatus, expected.exitStatus);
   }
   EXPECT_EQ(contents(folder() + ".rest"), filled("{}/missing.zip\n"));
+  EXPECT_EQ(contents(folder() + ".refused"), "mailto:me@h\npage\tx:// y\n");
   EXPECT_EQ(contents(folder() + ".archive"), filled("{}/y.zip\n"));
   EXPECT_EQ(contents(inFolder("zip/flaky.zip")), "/flaky.zip");
   struct stat status {};
@@ -108,16 +120,19 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
 TEST_F(GetOptions, RequestsCarryWhatTheUserGivesAndNobodyElseDoes) {
   std::ofstream(inRoot("cookies"))
       << "# Netscape HTTP Cookie File\n127.0.0.1\tFALSE\t/\tFALSE\t0\tsid\tabc\n";
-  std::ofstream(inRoot("headers")) << "X-Key: secret\n";
+  std::ofstream(inRoot("headers")) << "X-Key: secret\nCookie: mine=secret\n";
   const Outcome outcome =
       getWith({"-v", "--cookies", inRoot("cookies"), "--header", "@" + inRoot("headers"), "--user-agent",
                "UA", "--referer", "http://me:pw@h/p?q#f", "--remote-time", "{}/t.zip"});
   EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key") + ' ' + fieldOfLast("User-Agent") + ' ' +
                 fieldOfLast("Referer"),
-            "sid=abc secret UA http://h/p?q");
+            "sid=abc; mine=secret secret UA http://h/p?q");
   EXPECT_NE(outcome.errors.find("> GET /t.zip HTTP/1.1\n"), std::string::npos) << outcome.errors;
   for (const char* secret : {"abc", "secret", "pw"})
     EXPECT_EQ(outcome.errors.find(secret), std::string::npos) << outcome.errors;
+  // A redirect to another port of the host.
+  EXPECT_EQ(getWith({"--header", "@" + inRoot("headers"), other_.url("/moved.zip")}).exitStatus, 0);
+  EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key"), "none secret");
   struct stat status {};
   EXPECT_EQ(::stat(inFolder("t.zip").c_str(), &status), 0);
   EXPECT_EQ(status.st_mtime, 784903526);
