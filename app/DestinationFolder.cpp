@@ -37,15 +37,17 @@ std::optional<platform::FileReference> StoredFolder(platform::UserDefaults& user
   return aliases.resolveAlias(record);
 }
 
+std::optional<platform::FileReference> StoredOrSupportFolder(platform::UserDefaults& userDefaults,
+                                                             platform::AliasManager& aliases,
+                                                             platform::FileManager& files) {
+  std::optional<platform::FileReference> folder =
+      StoredFolder(userDefaults, aliases, kDestinationDirectoryKey);
+  return folder ? folder : fileops::GetSupportFolder(files);
+}
+
 const QString& DestinationFolder::decidedDestinationPath() {
   if (currentDestinationPath_.isNull()) decideDestinationFolder();
   return currentDestinationPath_;
-}
-
-std::optional<platform::FileReference> DestinationFolder::storedDestinationFolder() {
-  std::optional<platform::FileReference> folder =
-      StoredFolder(services_.userDefaults, services_.aliases, kDestinationDirectoryKey);
-  return folder ? folder : fileops::GetSupportFolder(services_.files);
 }
 
 void DestinationFolder::decideDestinationFolder() {

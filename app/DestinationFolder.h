@@ -39,6 +39,9 @@ bool StoreFolder(platform::UserDefaults& userDefaults, platform::AliasManager& a
 [[nodiscard]] std::optional<platform::FileReference> StoredFolder(platform::UserDefaults& userDefaults,
                                                                   platform::AliasManager& aliases,
                                                                   const QString& key);
+/// The folder that the user stored for downloads, else the support folder, which is created.
+[[nodiscard]] std::optional<platform::FileReference> StoredOrSupportFolder(
+    platform::UserDefaults& userDefaults, platform::AliasManager& aliases, platform::FileManager& files);
 
 class DestinationFolder {
  public:
@@ -59,8 +62,9 @@ class DestinationFolder {
   /// The same, decided now if it never was; null when there is no folder at all.
   [[nodiscard]] const QString& decidedDestinationPath();
 
-  /// The folder that the user stored, else the support folder, which is created.
-  [[nodiscard]] std::optional<platform::FileReference> storedDestinationFolder();
+  [[nodiscard]] std::optional<platform::FileReference> storedDestinationFolder() {
+    return StoredOrSupportFolder(services_.userDefaults, services_.aliases, services_.files);
+  }
   /// Asks the user, where that is set, else takes the stored folder. Without a result the path stays as it
   /// was.
   void decideDestinationFolder();

@@ -39,7 +39,7 @@ constexpr std::array kGetOptions{
                "download into DIR, which is made when it does not exist. It answers every question for a "
                "folder in this run, whatever the settings say. Without it the stored folder is used, see "
                "\"quillforth-cli settings DestinationDirectory\"; with alwaysPromptForOutputLocation set, "
-               "the terminal is asked",
+               "the terminal is asked, and Return alone answers with the folder that is shown",
            .completes = Completes::folders,
            .example = "get --to pictures http://www.example.org/gallery/"},
     Option{
@@ -158,7 +158,8 @@ constexpr std::array kGetOptions{
         .text =
             "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. It does "
             "not go to another host after a redirect. Authorization and Cookie go only where scheme, host "
-            "and port are those of a URL that you give. A Cookie is sent together with those of --cookies and "
+            "and port are those of a URL that you give. A Cookie is sent together with those of --cookies "
+            "and "
             "of the server",
         .example = "get --header 'Accept-Language: de' http://www.example.org/",
         .isRepeated = true},

@@ -12,7 +12,6 @@
 
 #include "app/DestinationFolder.h"
 #include "app/Preferences.h"
-#include "fileops/FolderItems.h"
 #include "terminal/Folders.h"
 #include "terminal/Reporter.h"
 #include "terminal/Text.h"
@@ -168,8 +167,7 @@ std::optional<SettingsError> SettingsCommand::unset(const QString& key) {
 
 std::optional<QString> SettingsCommand::effectiveValue(const QString& key) {
   if (key == app::kDestinationDirectoryKey) {
-    std::optional<platform::FileReference> folder = app::StoredFolder(defaults_, aliases_, key);
-    if (!folder) folder = fileops::GetSupportFolder(files_);
+    const auto folder = app::StoredOrSupportFolder(defaults_, aliases_, files_);
     return folder ? QFile::decodeName(folder->path().c_str()) : QString();
   }
   if (key == app::kDownloadsAheadKey) return QString::number(app::Preferences(defaults_).downloadsAhead());

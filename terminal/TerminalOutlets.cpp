@@ -94,14 +94,14 @@ std::optional<QString> TerminalApplication::runOpenPanel(const app::FolderPanel&
   }
   reporter_.suspend();
   const QString title = panel.title.isEmpty() ? panel.prompt : panel.title;
-  const QString before =
-      typedFolder_.isNull() ? QString() : QStringLiteral(" [%1]").arg(Printable(typedFolder_));
-  const QString question = Printable(title) + before + QStringLiteral(": ");
-  const QString typed = prompt_.ask(question, TerminalPrompt::Echo::shown).value_or(QString());
-  if (typed.isEmpty() && typedFolder_.isNull()) return std::nullopt;
-  const QString path = typed.isEmpty() ? typedFolder_ : AbsolutePath(typed);
+  const QString offered = keptFolder_.isNull() ? storedFolder_() : keptFolder_;
+  const QString shown = offered.isNull() ? QString() : QStringLiteral(" [%1]").arg(Printable(offered));
+  const std::optional<QString> typed =
+      prompt_.ask(Printable(title) + shown + QStringLiteral(": "), TerminalPrompt::Echo::shown);
+  const QString path = typed && !typed->isEmpty() ? AbsolutePath(*typed) : offered;
+  if (!typed || path.isNull()) return std::nullopt;
   if (QFileInfo(path).isDir() || QDir().mkpath(path)) {
-    typedFolder_ = path;
+    keptFolder_ = path;
     return path;
   }
   reporter_.notice(QStringLiteral("cannot make the folder ") + path);

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <optional>
 
 #include "app/Outlets.h"
@@ -94,9 +95,14 @@ class TerminalWindow final : public app::Window {
 
 class TerminalApplication final : public app::Application {
  public:
-  /// `destination`: what every folder panel answers; null: the user is asked.
-  TerminalApplication(Reporter& reporter, const TerminalPrompt& prompt, QString destination)
-      : reporter_(reporter), prompt_(prompt), destination_(std::move(destination)) {}
+  /// `destination`: what every folder panel answers; null: the user is asked. `storedFolder`: what Return
+  /// alone answers to the first question, absolute; null: nothing.
+  TerminalApplication(Reporter& reporter, const TerminalPrompt& prompt, QString destination,
+                      std::function<QString()> storedFolder)
+      : reporter_(reporter),
+        prompt_(prompt),
+        destination_(std::move(destination)),
+        storedFolder_(std::move(storedFolder)) {}
 
   void activateIgnoringOtherApps() override {}
   /// Rings where standard error is a terminal.
@@ -112,7 +118,8 @@ class TerminalApplication final : public app::Application {
   Reporter& reporter_;
   const TerminalPrompt& prompt_;
   QString destination_;
-  QString typedFolder_;  // the last that was typed, which Return alone keeps; null: none
+  std::function<QString()> storedFolder_;
+  QString keptFolder_;  // the last answer, which Return alone keeps; null: none
   bool hasToldOfTo_ = false;
 };
 

@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/DestinationFolder.h"
 #include "classify/InternetConfig.h"
 #include "host/Exhaustion.h"
 #include "host/FileOrigins.h"
@@ -187,7 +188,12 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   Status status;
   const std::unique_ptr<Reporter> reporter = MakeReporter(arguments, results, errors, status);
   const TerminalPrompt prompt(interruption.descriptor());
-  TerminalApplication terminalApplication(*reporter, prompt, options.destination);
+  platform::LinuxFileManager files;
+  OverriddenDefaults settings(defaults, options.run.preferences);
+  TerminalApplication terminalApplication(*reporter, prompt, options.destination, [&] {
+    const auto folder = app::StoredOrSupportFolder(settings, aliases, files);
+    return folder ? app::FolderPath(*folder, app::kLongestUsedPath) : QString();
+  });
   // Nothing else is to be done here while a disk is slow.
   host::HeadlessHost services({.mayWait = true}, TransfersFor(options, interruption.descriptor()));
   services.aggregation().tellMoves([&reporter](const std::string& from, const std::string& to) {

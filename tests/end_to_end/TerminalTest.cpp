@@ -127,14 +127,17 @@ TEST_F(Terminal, NameAndPasswordAreAskedAndThePasswordIsNotShown) {
 TEST_F(Terminal, TheFolderIsAskedWhereTheUserWantsThat) {
   gate_ = true;
   ASSERT_EQ(run({"settings", "alwaysPromptForOutputLocation", "yes"}).exitStatus, 0);
-  Program program(setup({"get", "--local", server_.url("/a.zip")}, 60));
-  // Once at the start, and once for the URL, where Return alone keeps the folder.
-  ASSERT_TRUE(program.waitForOutput("Choose a Destination Folder: "));
+  Program program(setup({"get", "--local", server_.url("/a.zip"), server_.url("/b.zip")}, 60));
+  // Once at the start, and once for each URL. Return alone takes the folder that is shown.
+  const std::string stored = inRoot(".local/share/Tessary Software/Quillforth");
+  ASSERT_TRUE(program.waitForOutput("Choose a Destination Folder [" + stored + "]: "));
+  program.type("\n");
+  ASSERT_TRUE(program.waitForOutput("\nChoose a Destination Folder [" + stored + "]: "));
   program.type("~/downloads\n");
   ASSERT_TRUE(program.waitForOutput("Folder [" + folder() + "]: "));
   program.type("\n");
   EXPECT_EQ(program.wait().exitStatus, 0);
-  EXPECT_EQ(files().at("a.zip").size(), 2938U);
+  EXPECT_EQ(files().at("a.zip").size() + files().at("b.zip").size(), 2U * 2938U);
 }
 
 }  // namespace
