@@ -27,11 +27,11 @@ QString NameOf(const QString& url) {
 
 }  // namespace
 
-Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
+Get::Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, ShownValues& shown,
          const TerminalPrompt& prompt)
     : settings_(settings),
       reporter_(reporter),
-      outlets_(status, reporter, prompt),
+      outlets_(shown, reporter, prompt),
       defaults_(*services.userDefaults, settings.preferences),
       downloads_(*services.downloads, settings.wait.count() == 0 && !settings.arguments.limitRate),
       pages_(*services.pageLoader),

@@ -33,8 +33,8 @@ namespace quillforth::terminal {
 
 class Get final : private app::ControllerObserver {
  public:
-  /// `services`: the host, some of whose services are observed from here. `status` is what `reporter` draws.
-  Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, Status& status,
+  /// `services`: the host, some of whose services are observed from here. `shown` is what `reporter` draws.
+  Get(const app::Host& services, const GetSettings& settings, Reporter& reporter, ShownValues& shown,
       const TerminalPrompt& prompt);
 
   void findOriginsBy(FindOrigins find) { findOrigins_ = std::move(find); }

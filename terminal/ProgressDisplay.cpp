@@ -37,20 +37,20 @@ QString Bar(double fraction, int width) {
 
 }  // namespace
 
-QByteArrayList LiveLines(const Status& status, WindowSize size) {
-  if (status.currentURLHidden) return {};
+QByteArrayList LiveLines(const ShownValues& shown, WindowSize size) {
+  if (shown.currentURLHidden) return {};
   const int columns = std::max(size.columns - 1, 1);
-  const QString url = ElideMiddle(Printable(platform::WithoutCredentials(status.currentURL)), columns);
+  const QString url = ElideMiddle(Printable(platform::WithoutCredentials(shown.currentURL)), columns);
   const QString bar =
-      status.progressBarHidden ? QString() : Bar(status.fraction, std::min(columns / 2, 40)) + u' ';
-  const QString text = status.progressTextHidden ? QString() : Printable(status.progressText);
-  const QByteArrayList lines = {url.toUtf8(), CutToWidth(bar + status.countText, columns).toUtf8(),
+      shown.progressBarHidden ? QString() : Bar(shown.fraction, std::min(columns / 2, 40)) + u' ';
+  const QString text = shown.progressTextHidden ? QString() : Printable(shown.progressText);
+  const QByteArrayList lines = {url.toUtf8(), CutToWidth(bar + shown.countText, columns).toUtf8(),
                                 CutToWidth(text, columns).toUtf8()};
   return lines.last(std::clamp<qsizetype>(size.rows - 1, 1, lines.size()));
 }
 
-ProgressDisplay::ProgressDisplay(Output& terminal, Output& errors, const Status& status, Colour colour)
-    : terminal_(terminal), errors_(errors), status_(status), colour_(colour) {
+ProgressDisplay::ProgressDisplay(Output& terminal, Output& errors, const ShownValues& shown, Colour colour)
+    : terminal_(terminal), errors_(errors), shown_(shown), colour_(colour) {
   timer_.callOnTimeout([this] { draw(); });
   timer_.start(kMillisecondsBetweenDrawings);
 }
@@ -105,15 +105,15 @@ void ProgressDisplay::end(const Summary& summary) {
   suspend();
   if (const QString message = SummaryNotice(summary); !message.isEmpty()) notice(message);
   const bool wasInterrupted = summary.exitStatus >= 128;
-  if (wasInterrupted || status_.progressTextHidden || status_.progressText.isEmpty()) return;
-  terminal_.writeLine(Printable(status_.progressText).toUtf8());
+  if (wasInterrupted || shown_.progressTextHidden || shown_.progressText.isEmpty()) return;
+  terminal_.writeLine(Printable(shown_.progressText).toUtf8());
 }
 
 void ProgressDisplay::draw() {
   const WindowSize size = SizeOf(terminal_);
   QByteArrayList live;
   if (waitingFor_.isNull()) {
-    live = LiveLines(status_, size);
+    live = LiveLines(shown_, size);
   } else {
     live = {ElideMiddle(waitingFor_, std::max(size.columns - 1, 1)).toUtf8()};
   }

@@ -29,13 +29,13 @@ struct WindowSize {
 
 /// The lines of the live area, each narrower than the window and fewer than its rows; none when nothing is
 /// under way.
-[[nodiscard]] QByteArrayList LiveLines(const Status& status, WindowSize size);
+[[nodiscard]] QByteArrayList LiveLines(const ShownValues& shown, WindowSize size);
 
 class ProgressDisplay final : public Reporter {
  public:
   enum class Colour { none, some };
-  /// `terminal` is one; `status` outlives this.
-  ProgressDisplay(Output& terminal, Output& errors, const Status& status, Colour colour);
+  /// `terminal` is one; `shown` outlives this.
+  ProgressDisplay(Output& terminal, Output& errors, const ShownValues& shown, Colour colour);
   ~ProgressDisplay() override;
 
   void willWait(const QString& what, const QString& url) override;
@@ -62,7 +62,7 @@ class ProgressDisplay final : public Reporter {
 
   Output& terminal_;
   Output& errors_;
-  const Status& status_;
+  const ShownValues& shown_;
   Colour colour_;
   QTimer timer_;
   QString waitingFor_;   // null: nothing blocks the run

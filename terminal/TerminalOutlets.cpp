@@ -118,14 +118,14 @@ void TerminalApplication::openFile(const QString& path) {
   reporter_.notice(path);
 }
 
-TerminalOutlets::TerminalOutlets(Status& status, Reporter& reporter, const TerminalPrompt& prompt)
+TerminalOutlets::TerminalOutlets(ShownValues& shown, Reporter& reporter, const TerminalPrompt& prompt)
     : downloadDestinationTextField_(unseenTexts_[0], unseenHidden_),
       urlTextField_(unseenTexts_[1], unseenHidden_),
-      countTextField_(status.countText, unseenHidden_),
+      countTextField_(shown.countText, unseenHidden_),
       window_(reporter, prompt),
-      fileDownloadProgressBar_(status),
-      fileDownloadProgressText_(status.progressText, status.progressTextHidden),
-      currentURLTextField_(status.currentURL, status.currentURLHidden) {}
+      fileDownloadProgressBar_(shown),
+      fileDownloadProgressText_(shown.progressText, shown.progressTextHidden),
+      currentURLTextField_(shown.currentURL, shown.currentURLHidden) {}
 
 app::Outlets TerminalOutlets::outlets() {
   return {.downloadDestinationTextField = downloadDestinationTextField_,

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The controller's outlets in a terminal: a few of them fill a Status, the others have nobody to show
+// The controller's outlets in a terminal: a few of them fill the ShownValues, the others have nobody to show
 // themselves to.
 //
 // Windows have no place here, so bringing them forward is nothing; sheets and alerts are messages; questions
@@ -19,7 +19,7 @@
 namespace quillforth::terminal {
 
 /// What the controller's outlets show at the moment, as plain values for whoever draws them. Main thread.
-struct Status {
+struct ShownValues {
   QString currentURL;
   bool currentURLHidden = true;
   double fraction = 0.0;
@@ -30,9 +30,9 @@ struct Status {
 };
 
 /// Keeps its text where the display finds it.
-class TextFieldInStatus final : public app::TextField {
+class ShownTextField final : public app::TextField {
  public:
-  TextFieldInStatus(QString& text, bool& hidden) : text_(text), hidden_(hidden) {}
+  ShownTextField(QString& text, bool& hidden) : text_(text), hidden_(hidden) {}
   [[nodiscard]] QString stringValue() const override { return text_; }
   void setStringValue(const QString& text) override { text_ = text; }
   void setHidden(bool hidden) override { hidden_ = hidden; }
@@ -42,16 +42,16 @@ class TextFieldInStatus final : public app::TextField {
   bool& hidden_;
 };
 
-class ProgressBarInStatus final : public app::ProgressIndicator {
+class ShownProgressBar final : public app::ProgressIndicator {
  public:
-  explicit ProgressBarInStatus(Status& status) : status_(status) {}
-  void setDoubleValue(double value) override { status_.fraction = value; }
-  void setHidden(bool hidden) override { status_.progressBarHidden = hidden; }
+  explicit ShownProgressBar(ShownValues& shown) : shown_(shown) {}
+  void setDoubleValue(double value) override { shown_.fraction = value; }
+  void setHidden(bool hidden) override { shown_.progressBarHidden = hidden; }
   void startAnimation() override {}
   void stopAnimation() override {}
 
  private:
-  Status& status_;
+  ShownValues& shown_;
 };
 
 /// A button, spinner or table that a terminal has no use for.
@@ -129,20 +129,20 @@ class TerminalApplication final : public app::Application {
 /// All outlets of one controller.
 class TerminalOutlets {
  public:
-  TerminalOutlets(Status& status, Reporter& reporter, const TerminalPrompt& prompt);
+  TerminalOutlets(ShownValues& shown, Reporter& reporter, const TerminalPrompt& prompt);
   [[nodiscard]] app::Outlets outlets();
 
  private:
   QString unseenTexts_[2];
   bool unseenHidden_ = false;
-  TextFieldInStatus downloadDestinationTextField_;
-  TextFieldInStatus urlTextField_;
-  TextFieldInStatus countTextField_;
+  ShownTextField downloadDestinationTextField_;
+  ShownTextField urlTextField_;
+  ShownTextField countTextField_;
   TerminalWindow window_;
   UnseenSpinner spinner_;
-  ProgressBarInStatus fileDownloadProgressBar_;
-  TextFieldInStatus fileDownloadProgressText_;
-  TextFieldInStatus currentURLTextField_;
+  ShownProgressBar fileDownloadProgressBar_;
+  ShownTextField fileDownloadProgressText_;
+  ShownTextField currentURLTextField_;
   UnseenButton button_;
   UnseenTable fileTable_;
 };

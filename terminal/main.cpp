@@ -110,13 +110,13 @@ classify::CExtensionMap LoadExtensionMap() {
 }
 
 std::unique_ptr<Reporter> MakeReporter(const GetArguments& arguments, Output& results, Output& errors,
-                                       const Status& status) {
+                                       const ShownValues& shown) {
   if (arguments.json) return std::make_unique<JsonReporter>(results, errors);
   if (arguments.quiet) return std::make_unique<QuietReporter>(results, errors);
   const bool hasLines = arguments.dryRun || arguments.verbose;
   if (hasLines || !IsCapableTerminal(results)) return std::make_unique<LineReporter>(results, errors);
   const auto colour = HasValue("NO_COLOR") ? ProgressDisplay::Colour::none : ProgressDisplay::Colour::some;
-  return std::make_unique<ProgressDisplay>(results, errors, status, colour);
+  return std::make_unique<ProgressDisplay>(results, errors, shown, colour);
 }
 
 platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt) {
@@ -185,8 +185,8 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   char name[] = "quillforth-cli";
   char* names[] = {name, nullptr};
   const QCoreApplication application(argumentCount, names);
-  Status status;
-  const std::unique_ptr<Reporter> reporter = MakeReporter(arguments, results, errors, status);
+  ShownValues shown;
+  const std::unique_ptr<Reporter> reporter = MakeReporter(arguments, results, errors, shown);
   const TerminalPrompt prompt(interruption.descriptor());
   platform::LinuxFileManager files;
   OverriddenDefaults settings(defaults, options.run.preferences);
@@ -202,7 +202,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   host::AssumedNetwork assumedNetwork;
   const app::Host host = arguments.local ? services.host(terminalApplication, assumedNetwork)
                                          : services.host(terminalApplication);
-  Get get(host, options.run, *reporter, status, prompt);
+  Get get(host, options.run, *reporter, shown, prompt);
   get.findOriginsBy(&host::ForEachOrigin);
   get.stopWhen([&interruption, &results] { return interruption.happened() || results.failed(); });
   QSocketNotifier notifier(interruption.descriptor(), QSocketNotifier::Read);
