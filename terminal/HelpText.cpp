@@ -37,8 +37,8 @@ that file is downloaded.
 Exit status:
   0    all well
   1    something failed: a page, a file, the connection, the output
-  2    a mistake on the command line; nothing was done, but for the URLs
-       that "get" was given beside a text that is none
+  2    a mistake on the command line. Nothing was done, except that "get"
+       fetches the URLs that stand beside a text that is no URL
   130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
 
 Environment:
@@ -50,8 +50,8 @@ Environment:
   http_proxy, https_proxy,    proxies, and the hosts that are reached without
   ftp_proxy, all_proxy,       them, as for curl(1)
   no_proxy                    (http_proxy in small letters only)
-  SSL_CERT_FILE,              the certificates to trust instead of the system's,
-  SSL_CERT_DIR                and a folder of more; as openssl-env(7) has them
+  SSL_CERT_FILE,              a file of certificates to trust instead of the
+  SSL_CERT_DIR                system's, and a folder of more; see openssl-env(7)
   NO_COLOR                    when set and not empty: no colours
   TERM                        when unset or "dumb": no live display
 
@@ -94,13 +94,15 @@ JSON events, one object a line, in ASCII; "event" says which:
   progress  "url", "received", "expected" (bytes, null when unknown); at most
             once a second
   done      "url", "path", "bytes": the file is complete
-  failed    "url", "reason", "kind" ("page" or "file"), "code" (a word for
-            programs), "httpStatus" when the code is "status"
+  failed    "url", "reason", "kind" ("page" or "file"); "code", a word for
+            programs, unless the text is no URL; "httpStatus" when the code is
+            "status"
   retry     the same, of what is tried again later
   moved     "from", "to": a file was sorted
   skipped   "url", "where": the file, or the archive
   wouldFetch  "url", "guessedName"
-  end       "done", "failed", "notFetched" (how many), "status" (exit status)
+  end       "done", "failed", "notFetched" (how many), "skipped" when there are
+            any, "status" (exit status)
 
 A user name and a password that a server asks for are asked on the terminal. An
 empty user name, or no terminal, makes that download fail.
@@ -116,8 +118,8 @@ Examples:
 Exit status:
   0    every page and file was fetched
   1    something failed, was not fetched, or could not be written
-  2    a mistake on the command line; nothing was done, but for the URLs
-       beside a text that is none
+  2    a mistake on the command line. Nothing was done, except that the URLs
+       that stand beside a text that is no URL were fetched
   130  interrupted by Ctrl-C (143 by SIGTERM, 129 by a hangup)
 )"},
     {"links",

@@ -57,8 +57,9 @@ constexpr std::array kGetOptions{
            .value = "FILE",
            .bind = Fill<GetArguments, &GetArguments::rest>,
            .text =
-               "at the end, also after Ctrl-C, write the URLs that failed or were not fetched to FILE, for "
-               "--input-file. It is for its owner only, because it keeps passwords in URLs",
+               "at the end, also after Ctrl-C, write the URLs that failed or were not fetched, and the texts "
+               "that are no URLs, to FILE, for --input-file. Only its owner may read it, because it keeps "
+               "passwords in URLs",
            .completes = Completes::files,
            .example = "get --rest left.txt --input-file list.txt"},
     Option{.names = "--unique",
@@ -69,28 +70,26 @@ constexpr std::array kGetOptions{
     Option{.names = "--page",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::page>,
-           .text = "all URLs are pages; none is judged",
+           .text = "take all URLs as pages; none is judged",
            .example = "get --page http://www.example.org/list.php",
            .excludes = "--file"},
     Option{.names = "--file",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::file>,
-           .text = "all URLs are files; none is judged",
+           .text = "take all URLs as files; none is judged",
            .example = "get --file http://www.example.org/index.html",
            .excludes = "--page"},
-    Option{
-        .names = "--accept",
-        .value = "LIST",
-        .bind = Fill<GetArguments, &GetArguments::accept>,
-        .text =
-            "of the links of pages, take only these: extensions and kinds, with commas between. The kinds "
-            "are "
-            "pictures, sound, film, archives, documents and pages; a link without an extension counts as a "
-            "page",
-        .completes = Completes::list,
-        .words = "pictures sound film archives documents pages",
-        .example = "get --accept pictures,pdf http://www.example.org/gallery/",
-        .isRepeated = true},
+    Option{.names = "--accept",
+           .value = "LIST",
+           .bind = Fill<GetArguments, &GetArguments::accept>,
+           .text =
+               "of the links of pages, take only these: extensions and kinds, with commas between. The "
+               "kinds are pictures, sound, film, archives, documents and pages. A link without an extension "
+               "counts as a page",
+           .completes = Completes::list,
+           .words = "pictures sound film archives documents pages",
+           .example = "get --accept pictures,pdf http://www.example.org/gallery/",
+           .isRepeated = true},
     Option{.names = "--reject",
            .value = "LIST",
            .bind = Fill<GetArguments, &GetArguments::reject>,
@@ -138,8 +137,7 @@ constexpr std::array kGetOptions{
            .value = "FILE",
            .bind = Fill<GetArguments, &GetArguments::archive>,
            .text = "skip the URLs that FILE lists, and add each that is fetched, without password: for "
-                   "folders where "
-                   "nothing can be noted on files, or files that are moved away",
+                   "folders where nothing can be noted on files, or files that are moved away",
            .completes = Completes::files,
            .example = "get --archive done.txt http://www.example.org/gallery/"},
     Option{.names = "--cookies",
@@ -151,61 +149,54 @@ constexpr std::array kGetOptions{
            .completes = Completes::files,
            .example = "get --cookies cookies.txt http://www.example.org/members/",
            .excludes = "--no-cookies"},
-    Option{
-        .names = "--header",
-        .value = "LINE",
-        .bind = Fill<GetArguments, &GetArguments::headers>,
-        .text =
-            "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. It does "
-            "not go to another host after a redirect. Authorization and Cookie go only where scheme, host "
-            "and port are those of a URL that you give. A Cookie is sent together with those of --cookies "
-            "and "
-            "of the server",
-        .example = "get --header 'Accept-Language: de' http://www.example.org/",
-        .isRepeated = true},
+    Option{.names = "--header",
+           .value = "LINE",
+           .bind = Fill<GetArguments, &GetArguments::headers>,
+           .text = "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. "
+                   "It does not go to another host after a redirect. Authorization and Cookie go only where "
+                   "scheme, host and port are those of a URL that you give. A Cookie is sent together with "
+                   "those of --cookies and of the server",
+           .example = "get --header 'Accept-Language: de' http://www.example.org/",
+           .isRepeated = true},
     Option{.names = "--referer",
            .value = "WHAT",
            .bind = Fill<GetArguments, &GetArguments::referer>,
-           .text = "tell servers where a link stood. The word page is for its page, none for nothing; a URL "
-                   "is told to all. "
-                   "Neither with a password and a fragment, nor from https to http. Without it the setting "
-                   "sendReferer "
-                   "counts",
+           .text = "tell servers where a link stood: its page (the word page), nothing (the word none), or "
+                   "always the URL that is given here. User name, password and fragment are never told, and "
+                   "nothing is told from https to http. Without this option the setting sendReferer counts",
            .completes = Completes::words,
            .words = "page none",
            .example = "get --referer page http://www.example.org/gallery/"},
     Option{.names = "--user-agent",
            .value = "TEXT",
            .bind = Fill<GetArguments, &GetArguments::userAgent>,
-           .text = "what the program calls itself when it asks for pages and files",
+           .text = "call the program TEXT when it asks for pages and files",
            .example = "get --user-agent 'Mozilla/5.0' http://www.example.org/"},
     Option{
         .names = "--retry",
         .value = "N",
         .bind = Fill<GetArguments, &GetArguments::retry>,
         .text =
-            "when all else is done, try again what may pass: a time-out, a connection that broke off, an "
-            "answer of 408, 429 or 5xx; up to N times, after 1, 2, 4 and so on to 60 seconds. A server that "
-            "says how long (Retry-After) is left alone for that time, up to 10 minutes",
+            "when all else is done, try again what may work later: after a time-out, a connection that broke "
+            "off, an answer of 408, 429 or 5xx; up to N times for each URL, after 1, 2, 4 and so on to 60 "
+            "seconds. A server that says how long (Retry-After) is left alone for that time, up to 10 "
+            "minutes",
         .completes = Completes::words,
         .words = "1 2 3 5 10",
         .example = "get --retry 5 --input-file list.txt"},
     Option{.names = "--wait",
            .value = "SECONDS",
            .bind = Fill<GetArguments, &GetArguments::wait>,
-           .text =
-               "leave so long between two requests: for files, for pages, and for what a URL without an "
-               "extension is. 0.5 is half a second. A redirect and a login belong to their request. Nothing "
-               "is asked for ahead, or while a file is downloaded, then",
+           .text = "let so much time pass between the end of a request and the next one, whether for a "
+                   "file, a page or the kind of a URL; 0.5 is half a second. Redirects and logins belong to "
+                   "their request. --ahead does not count then",
            .example = "get --wait 2 http://www.example.org/gallery/"},
-    Option{
-        .names = "--limit-rate",
-        .value = "BYTES",
-        .bind = Fill<GetArguments, &GetArguments::limitRate>,
-        .text =
-            "fetch at most so many bytes a second; k, M or G behind the number multiply by 1024. Nothing is "
-            "asked for ahead then",
-        .example = "get --limit-rate 500k http://www.example.org/big.iso"},
+    Option{.names = "--limit-rate",
+           .value = "BYTES",
+           .bind = Fill<GetArguments, &GetArguments::limitRate>,
+           .text = "fetch at most so many bytes a second. A k behind the number stands for 1,024 bytes, M "
+                   "for 1,024 k, and G for 1,024 M. --ahead does not count then",
+           .example = "get --limit-rate 500k http://www.example.org/big.iso"},
     Option{.names = "--no-comment",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::noComment>,
@@ -214,7 +205,7 @@ constexpr std::array kGetOptions{
     Option{.names = "--remote-time",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::remoteTime>,
-           .text = "give each file the time of its last change that the server tells (Last-Modified)",
+           .text = "give each file the time of its last change, as the server tells it (Last-Modified)",
            .example = "get --remote-time http://www.example.org/one.zip"},
     Option{.names = "--ahead",
            .value = "N",
@@ -233,13 +224,14 @@ constexpr std::array kGetOptions{
            .completes = Completes::settings,
            .example = "get --set overwriteFilesBySameName=yes http://www.example.org/one.zip",
            .isRepeated = true},
-    Option{.names = "--no-cookies",
-           .value = "",
-           .bind = Fill<GetArguments, &GetArguments::noCookies>,
-           .text =
-               "keep no cookies. Otherwise the pages and files of a run share those that servers set, which "
-               "are never on disk",
-           .example = "get --no-cookies http://www.example.org/gallery/"},
+    Option{
+        .names = "--no-cookies",
+        .value = "",
+        .bind = Fill<GetArguments, &GetArguments::noCookies>,
+        .text =
+            "keep no cookies. Otherwise the pages and files of a run share those that servers set. They are "
+            "never written to a disk",
+        .example = "get --no-cookies http://www.example.org/gallery/"},
     Option{.names = "--local",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::local>,
@@ -250,7 +242,7 @@ constexpr std::array kGetOptions{
     Option{.names = "--json",
            .value = "",
            .bind = Fill<GetArguments, &GetArguments::json>,
-           .text = "one JSON object an event on standard output, see below",
+           .text = "print one JSON object for each event on standard output; see below",
            .example = "get --json http://www.example.org/ | jq -r 'select(.event == \"done\") | .path'"},
     Option{.names = "-q,--quiet",
            .value = "",
@@ -289,29 +281,27 @@ constexpr std::array kLinksOptions{
            .value = "",
            .bind = Fill<LinksArguments, &LinksArguments::null>,
            .text =
-               "for every link the text as it stands in the page, a NUL byte, the absolute URL, a NUL byte; "
-               "the bytes as they are, for programs",
+               "print for every link the text as it stands in the page, a NUL byte, the absolute URL, a NUL "
+               "byte: the bytes as they are, for programs",
            .example = "links --null http://www.example.org/ | xargs -0 -n 2 echo"},
     Option{
         .names = "--with-filename",
         .value = "",
         .bind = Fill<LinksArguments, &LinksArguments::withFilename>,
-        .text = "with --null: before each link its FILE, - or URL and a NUL byte",
+        .text = "with --null: print its FILE, - or URL and a NUL byte before each link",
         .example = "links --url http://www.example.org/ --null --with-filename *.html | xargs -0 -n 3 echo",
         .needs = "--null"},
-    Option{
-        .names = "--accept",
-        .value = "LIST",
-        .bind = Fill<LinksArguments, &LinksArguments::accept>,
-        .text =
-            "of the links of pages, take only these: extensions and kinds, with commas between. The kinds "
-            "are "
-            "pictures, sound, film, archives, documents and pages; a link without an extension counts as a "
-            "page",
-        .completes = Completes::list,
-        .words = "pictures sound film archives documents pages",
-        .example = "links --accept pictures,pdf http://www.example.org/gallery/",
-        .isRepeated = true},
+    Option{.names = "--accept",
+           .value = "LIST",
+           .bind = Fill<LinksArguments, &LinksArguments::accept>,
+           .text =
+               "of the links of pages, take only these: extensions and kinds, with commas between. The "
+               "kinds are pictures, sound, film, archives, documents and pages. A link without an extension "
+               "counts as a page",
+           .completes = Completes::list,
+           .words = "pictures sound film archives documents pages",
+           .example = "links --accept pictures,pdf http://www.example.org/gallery/",
+           .isRepeated = true},
     Option{.names = "--reject",
            .value = "LIST",
            .bind = Fill<LinksArguments, &LinksArguments::reject>,
@@ -343,7 +333,8 @@ constexpr std::array kLinksOptions{
     Option{.names = "--json",
            .value = "",
            .bind = Fill<LinksArguments, &LinksArguments::json>,
-           .text = "one JSON object a link, with \"source\", \"link\" (as it stands in the page) and \"url\"",
+           .text = "print one JSON object for each link, with \"source\", \"link\" (as it stands in the "
+                   "page) and \"url\"",
            .example = "links --json http://www.example.org/ | jq -r .url",
            .excludes = "--null"},
     kHelp,
@@ -366,7 +357,8 @@ constexpr std::array kClassifyOptions{
     Option{.names = "--json",
            .value = "",
            .bind = Fill<ClassifyArguments, &ClassifyArguments::json>,
-           .text = "one JSON object a URL, with \"kind\" (\"page\" or \"file\"), \"url\" and \"reason\"",
+           .text = "print one JSON object for each URL, with \"kind\" (\"page\" or \"file\"), \"url\" and "
+                   "\"reason\"",
            .example = "classify --json http://www.example.org/"},
     kHelp,
     Option{
@@ -382,9 +374,8 @@ constexpr std::array kCommentOptions{
     Option{.names = "--find",
            .value = "URL-PART",
            .bind = Fill<CommentArguments, &CommentArguments::find>,
-           .text = "print the files below each FILE, which is a folder then, that came from a URL with "
-                   "URL-PART in it: "
-                   "the path, a tab, the URL",
+           .text = "take each FILE as a folder, and print the files below it that came from a URL with "
+                   "URL-PART in it. A line is the path, a tab, the URL",
            .example = "comment --find example.org/gallery ~/Pictures",
            .excludes = "--set"},
     kHelp,
@@ -406,12 +397,14 @@ constexpr std::array kSettingsOptions{
            .example = "settings --unset DestinationDirectory",
            .excludes = "VALUE",
            .needs = "KEY"},
-    Option{.names = "--json",
-           .value = "",
-           .bind = Fill<SettingsArguments, &SettingsArguments::json>,
-           .text = "print one JSON object a setting, with \"key\", \"value\" and \"origin\" (\"default\" or "
-                   "\"stored\")",
-           .example = "settings --json"},
+    Option{
+        .names = "--json",
+        .value = "",
+        .bind = Fill<SettingsArguments, &SettingsArguments::json>,
+        .text =
+            "print one JSON object for each setting, with \"key\", \"value\" and \"origin\" (\"default\" or "
+            "\"stored\")",
+        .example = "settings --json"},
     kHelp,
     Option{.names = "KEY",
            .value = "",
