@@ -28,12 +28,12 @@ namespace quillforth::terminal {
 [[nodiscard]] int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& folders,
                                const TerminalPrompt& prompt, Output& results, Output& errors);
 
-/// `classify`: "page" or "file", the URL without credentials and the reason, separated by tabs, a line a URL.
-/// As JSON, one object a URL.
+/// `classify`: "page" or "file", the URL without credentials and the reason, separated by tabs: one line for
+/// each URL. As JSON, one object for each.
 void PrintClassifications(const QStringList& urls, bool asJson, const classify::CExtensionMap& map,
                           platform::HTTPReadStreamFactory& streams, Output& output);
 
-/// `extensions`: extension and MIME type, separated by a tab, a line an entry, in the table's order.
+/// `extensions`: extension and MIME type, separated by a tab: one line for each entry, in the table's order.
 void PrintExtensions(const classify::CExtensionMap& map, Output& output);
 
 /// Tells where the files below a folder came from.

@@ -120,7 +120,7 @@ class Get final : private app::ControllerObserver {
   QString refusedURL_;  // null: none waits to be passed over
   int lostCount_ = 0;   // URLs, for want of a connection
   bool isStopped_ = false;
-  bool hasDecided_ = false;  // on the only folder
+  bool hasDecided_ = false;  // on the folder, where one was given for the run
   QEventLoop loop_;
   QTimer next_;  // fires as soon as the event loop is reached, or when a wait is over
 };

@@ -185,7 +185,7 @@ Error TakePreferences(const GetArguments& arguments, platform::AliasManager& ali
   return std::nullopt;
 }
 
-// What is to be found again by what is noted on files has to be noted.
+// A file without a note would not be found again.
 Error CheckNotes(const GetArguments& arguments, platform::UserDefaults& defaults, const GetSettings& run) {
   OverriddenDefaults overridden(defaults, run.preferences);
   if (!arguments.skipExisting || arguments.archive) return std::nullopt;

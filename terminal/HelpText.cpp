@@ -76,9 +76,9 @@ and passed over. When the connection is lost, the run ends. Ctrl-C ends it too,
 and leaves no partial file behind.
 )",
      R"(Output:
-  On a terminal: what is under way at the bottom, with a progress bar and the
-  progress line, redrawn in place; what is done scrolls above. Elsewhere one
-  line a file, as soon as it is done, and nothing else:
+  On a terminal, the last lines show what is under way, with a progress bar, and
+  are redrawn in place; what is done scrolls above. Elsewhere there is one line
+  for each file, as soon as it is done, and nothing else:
     done URL -> PATH
     failed URL: reason
     moved PATH -> PATH                     when files are sorted

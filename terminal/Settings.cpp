@@ -47,7 +47,7 @@ constexpr std::array kBooleanSettings{
         "tell the server on which page a file was found; another server is told only where the page is from"},
     BooleanSetting{app::kAllowKeystrokesForBrowserURL, &app::Preferences::allowKeystrokesForBrowserURL,
                    "let quillforth(1) copy the address of Firefox with keystrokes, over the clipboard, when "
-                   "it cannot be had else"},
+                   "it cannot be had otherwise"},
 };
 static_assert(kBooleanSettings.size() == app::kBooleanPreferences.size());
 
@@ -78,7 +78,7 @@ std::variant<Setting, SettingsError> MakeFolderSetting(const std::string& path,
   return Setting{app::kDestinationDirectoryKey, *alias};
 }
 
-// It is found again wherever it is moved, perhaps under a shorter path.
+// It may be stored: it is found again wherever it is moved, perhaps under a shorter path.
 void WarnOfLongFolder(const std::string& path, Output& errors) {
   const FolderAtPath folder = ExistingFolder(path);
   if (!folder.path || folder.path->size() <= app::kLongestUsedPath) return;

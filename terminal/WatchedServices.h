@@ -38,7 +38,7 @@ class WatchedDownloads final : public platform::WebDownloadService, private plat
       std::function<void(const platform::WebDownload&, const platform::TransferFailure&)> hear) {
     hearFailure_ = std::move(hear);
   }
-  /// These two, while the delegate is told of an end, are about that download.
+  /// While the delegate is told of an end, these two are about that download.
   [[nodiscard]] const platform::TransferFailure& failure() const { return failure_; }
   [[nodiscard]] const QString& mimeType() const { return mimeType_; }
 
@@ -106,7 +106,7 @@ class WatchedPages final : public platform::PageLoader {
   platform::TransferFailure failure_;
 };
 
-/// Sorts a folder later, when it is to be sorted in the middle of the work.
+/// Puts off a sort that comes in the middle of the work.
 class DeferredAggregation final : public app::FolderAggregation {
  public:
   /// `aggregation`: null: nothing is ever sorted.

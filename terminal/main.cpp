@@ -157,11 +157,11 @@ bool WriteRest(const GetArguments& arguments, QByteArray rest, const std::vector
   return isWritten;
 }
 
-// With outputs of its own: waiting for their readers ends with a signal too.
+// Has outputs of its own, because a wait for their readers ends with a signal, too.
 int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErrors) {
   GetOptions options;
   if (const auto error = CheckRest(arguments)) return Complain(*error, "get", unguardedErrors);
-  // A list may come from a person who types it, and who may press Ctrl-C.
+  // No signal is caught yet: a list may come from a person who types it, and who may press Ctrl-C.
   if (const auto error = TakeURLs(arguments, options.run)) return Complain(*error, "get", unguardedErrors);
   const platform::Interruption interruption;
   Output results(STDOUT_FILENO, interruption.descriptor());
@@ -194,7 +194,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
     const auto folder = app::StoredOrSupportFolder(settings, aliases, files);
     return folder ? app::FolderPath(*folder, app::kLongestUsedPath) : QString();
   });
-  // Nothing else is to be done here while a disk is slow.
+  // There is nothing else to do here while a disk is slow.
   host::HeadlessHost services({.mayWait = true}, TransfersFor(options, interruption.descriptor()));
   services.aggregation().tellMoves([&reporter](const std::string& from, const std::string& to) {
     reporter->didMove(QString::fromStdString(from), QString::fromStdString(to));
