@@ -44,6 +44,11 @@ class GetOptions : public EndToEnd {
     if (path == "/missing.zip") reply = HttpReply("404 No", "");
     if (path == "/page.php") reply = HtmlReply("");
     if (path == "/flaky.zip" && ++flakyCount_ < 3) reply = HttpReply("503 No", "", "Retry-After: 1\r\n");
+    if (path == "/held.zip") {
+      const std::size_t before = server_.requests().size();
+      for (int i = 0; i < 40 && server_.requests().size() == before; ++i) (void)connection.waitForEnd(5);
+      reply = HttpReply("200 OK", server_.requests().size() == before ? "alone" : "beside another");
+    }
     connection.send(reply);
     return After::keepOpen;
   }};
@@ -91,6 +96,10 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
        "retry {}/flaky.zip: The server answered 503 Service Unavailable.\n"
        "done {}/flaky.zip -> ~/flaky.zip\ndone {}/flaky.zip -> ~/flaky-1.zip\n",
        ""},
+      {{"--wait", "0.01", "{}/held.zip", "{}/sub/"},
+       "",
+       "done {}/held.zip -> ~/held.zip\ndone {}/sub/ -> ~/127.0.0.1\n",
+       ""},
       {{"--quiet", "{}/page.php"},
        "",
        "",
@@ -112,6 +121,7 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
   EXPECT_EQ(contents(folder() + ".refused"), "mailto:me@h\npage\tx:// y\n");
   EXPECT_EQ(contents(folder() + ".archive"), filled("{}/y.zip\n"));
   EXPECT_EQ(contents(inFolder("zip/flaky.zip")), "/flaky.zip");
+  EXPECT_EQ(contents(inFolder("held.zip")), "alone");
   struct stat status {};
   EXPECT_EQ(::stat((folder() + ".archive").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600U);
