@@ -106,9 +106,9 @@ bool WillDangle(const fs::path& link, const fs::path& folder, const Moves& moves
 
 AggregationResult Plan(const QString& folder, const fileops::AggregationServices& services, Output& results,
                        Output& errors) {
-  const auto relative = [&folder](const std::string& path) {
-    const QString text = QString::fromStdString(path).sliced(folder.size());
-    return Printable(text.startsWith(u'/') ? text.sliced(1) : text).toUtf8();
+  const auto start = static_cast<std::size_t>(folder.toUtf8().size()) + (folder.endsWith(u'/') ? 0 : 1);
+  const auto relative = [start](const std::string& path) {
+    return Printable(QString::fromStdString(path.substr(start))).toUtf8();
   };
   const std::vector<fs::path> links = LinksIn(folder.toStdString());
   Moves moves;
