@@ -17,7 +17,8 @@ namespace quillforth::app {
 [[nodiscard]] Alert AggregationConfirmation(const QString& path,
                                             const LocalizedText& localizedText = EnglishText);
 
-/// Where sorting `folder` takes an item of that name, unless the name is taken there; null where it stays.
+/// The path that an item called `name` has after `folder` is sorted, unless that path is taken; null for an
+/// item that stays.
 [[nodiscard]] QString SortedPath(const QString& folder, const QString& name);
 
 /// Moves keep comments on their own here, so that the setting

@@ -44,14 +44,14 @@ class ControllerObserver {
   virtual void urlWasRefused(const QString& /*text*/) {}
   /// There was no connection, and the URL is lost.
   virtual void urlWasLost(const QString& /*url*/) {}
-  /// The user has taken these out of the queue. Never without any.
+  /// The user has taken these out of the queue. There is at least one.
   virtual void urlsWereDiscarded(const std::shared_ptr<const UrlQueue>& /*urls*/) {}
-  /// These five come before the controller acts on it.
+  /// The next five are called before the controller acts on what has happened.
   virtual void downloadBegan(const DownloadProgress& /*progress*/) {}
   virtual void downloadReceived(const DownloadProgress& /*progress*/) {}
   virtual void downloadFinished(const DownloadProgress& /*progress*/) {}
   virtual void downloadFailed(const DownloadProgress& /*progress*/, const QString& /*reason*/) {}
-  /// The user has given it up.
+  /// By the user.
   virtual void downloadCancelled(const DownloadProgress& /*progress*/) {}
   /// A download has begun, ended or been cancelled, and the controller has acted on it.
   virtual void controllerMovedOn() {}

@@ -3,7 +3,7 @@
 // The one folder that downloads go into: how it is stored, chosen and decided.
 //
 // The chosen folder is stored as an alias record and so survives moves and new names. What downloads use is
-// `currentDestinationPath`, which changes only when it is decided anew: a choice that is stored meanwhile
+// `currentDestinationPath`, which changes only when it is decided again: a choice that is stored before that
 // counts from the next decision on. Main thread.
 #pragma once
 
@@ -65,8 +65,8 @@ class DestinationFolder {
   [[nodiscard]] std::optional<platform::FileReference> storedDestinationFolder() {
     return StoredOrSupportFolder(services_.userDefaults, services_.aliases, services_.files);
   }
-  /// Asks the user, where that is set, else takes the stored folder. Without a result the path stays as it
-  /// was.
+  /// Asks the user if `alwaysPromptForOutputLocation` says so, else takes the stored folder. Without a result
+  /// the path stays as it was.
   void decideDestinationFolder();
   /// The chosen folder's path, at most 255 bytes; null when there is no choice or the path is longer. A
   /// choice is stored either way.

@@ -224,7 +224,7 @@ void MyAppController::takeFailed(const platform::DownloadError& error) {
   hideProgressArea();
   setDownloading(false);
   takeNextURL(false);
-  // Looked at only now: when one URL was left, the folder is sorted while that one starts.
+  // The queue is looked at only now. So when one URL was left, the folder is sorted while that URL starts.
   if (preferences_.aggregateFiles() && urlList_.empty()) aggregateDestination();
 }
 

@@ -58,7 +58,7 @@ struct EventIntake {
 };
 
 /// Runs a long calculation on any thread, and returns when it is done. The calculation uses nothing that
-/// others use meanwhile. False when the user has given up, so that nobody wants the result.
+/// other threads use meanwhile. False when the user has given up, so that nobody wants the result.
 using Calculate = std::function<bool(const std::function<void()>& calculation)>;
 
 /// All outlive the controller. A member may be null only where its comment says what null means. They are

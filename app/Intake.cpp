@@ -110,7 +110,7 @@ struct Browser {
   const char* script;
 };
 
-// Ordered: with two of them running, the upper one is asked.
+// The order counts: when two of them run, the upper one is asked.
 constexpr std::array kBrowsers{
     Browser{FourCC("sfri"),
             "tell application \"Safari\"\r"

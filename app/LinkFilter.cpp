@@ -12,7 +12,7 @@ namespace quillforth::app {
 
 namespace {
 
-// Steps that an expression may take on one URL: far more than one needs that is not out to take long.
+// The most steps that an expression may take on one URL. Ordinary expressions need far fewer.
 constexpr QLatin1String kWorkLimit("(*LIMIT_MATCH=50000)");
 
 struct Kind {
@@ -38,7 +38,7 @@ constexpr Kind kKinds[] = {
      QLatin1String(" htm html shtml xhtml xht php php3 php5 phtml asp aspx jsp cgi ")},
 };
 
-// In lower case, without its dot; empty when there is none. Also of what is no valid URL.
+// In lower case, without its dot; empty when there is none. `url` need not be a valid URL.
 QString ExtensionOf(const QString& url) {
   const auto end = std::find_if(url.begin(), url.end(), [](QChar c) { return c == u'?' || c == u'#'; });
   const QStringView whole(url.begin(), end);

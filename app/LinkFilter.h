@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Which links of a page join the queue: the seat between the scan of a page and the queue, and the rules that
-// a user may put there.
+// Which links of a page join the queue: the function that is asked between the scan of a page and the queue,
+// and the rules that a user may give for it.
 //
 // Without rules every link joins. Pure values; any thread.
 #pragma once
@@ -41,12 +41,12 @@ class LinkFilter {
     bool sameHost = false;
   };
 
-  /// The names of all kinds, in the order in which they are told.
+  /// The names of all kinds, in the order of their table.
   [[nodiscard]] static const QStringList& kinds();
 
   /// Lets every link pass.
   LinkFilter() = default;
-  /// Nothing, and `error` says why for people, when an expression is none.
+  /// Nothing when an expression is not valid. Then `error` says why, for people.
   [[nodiscard]] static std::optional<LinkFilter> make(const Rules& rules, QString& error);
 
   /// The work of an expression on a URL is bounded; a link on which it takes longer does not pass.

@@ -53,7 +53,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
-  /// Of these, `page` is the URL of the page that `url` was found on; null: none.
+  /// `page`, here and below: the URL of the page that `url` was found on; null: none.
   void queueURL(const QString& url, const QString& page = {});
   void queueURLs(const UrlQueue& urls);
   void updateCountTextField();
@@ -167,7 +167,7 @@ class MyAppController final : public platform::WebDownloadDelegate,
   /// Activates, and takes the URL as a page or a file.
   void takeURL(const QString& url, bool promptForDestination);
   void removeEventHandlers();
-  /// Appends the page's links, and shows nothing of it yet. Silent on every failure.
+  /// Appends the page's links, but does not show them yet. Silent on every failure.
   void queueLinksOfPage(const QString& pageURL);
   /// Sorts the destination folder, deciding it first if it never was; nothing without a folder.
   void aggregateDestination();

@@ -65,8 +65,8 @@ class TableView {
   /// MIME types, the preferred one first.
   virtual void registerForDraggedTypes(const QStringList& types) = 0;
   /// The rows may have changed in any way; entries that are still there stay selected. It is called after
-  /// every change, so its cost must depend on the visible rows only. Whoever owns the table tells the
-  /// controller when the selection has changed, by this too.
+  /// every change, so its cost must depend on the visible rows only. The owner of the table tells the
+  /// controller when the selection has changed, also when this call has changed it.
   virtual void reloadData() = 0;
   /// Ascending, without duplicates.
   [[nodiscard]] virtual std::vector<std::size_t> selectedRowIndexes() const = 0;
@@ -81,15 +81,14 @@ struct Alert {
 };
 enum class AlertResult { defaultButton, alternateButton };
 
-/// What the end of a sheet says of the button: the default one, and the alternate one.
+/// The codes for the button that has ended a sheet: the default one, and the alternate one.
 inline constexpr int kAlertFirstButtonReturn = 1000;
 inline constexpr int kAlertSecondButtonReturn = 1001;
 
 class Window : public platform::AuthenticationSheetParent {
  public:
   virtual void makeKeyAndOrderFront() = 0;
-  /// The same, when new work comes in rather than in the middle of it. A window that the user has minimised
-  /// may come back.
+  /// The same, called when new work comes in. A window that the user has minimised may come back.
   virtual void orderFrontForNewWork() { makeKeyAndOrderFront(); }
   /// Takes the window off the screen. Nothing happens when it is not there.
   virtual void orderOut() = 0;
@@ -127,10 +126,10 @@ class Application {
   [[nodiscard]] virtual ChosenFolder runChooseFolderDialog(const FolderPanel& panel) = 0;
   /// Shows a folder in the user's file manager.
   virtual void openFile(const QString& path) = 0;
-  // A front end without a Services menu keeps these two.
-  /// `provider` does from now on what the menu's entries ask for. It may go once the event loop has ended.
+  // A front end without a Services menu leaves these two as they are.
+  /// From now on `provider` does what the menu's entries ask for. It may go once the event loop has ended.
   virtual void setServicesProvider(ServicesProvider& /*provider*/) {}
-  /// Lets the desktop read anew which entries there are.
+  /// Makes the desktop read again which entries there are.
   virtual void updateDynamicServices() {}
 };
 

@@ -65,7 +65,7 @@ inline constexpr int kMaxDownloadsAhead = 8;
 /// Holds the alias record of the folder that the user chose.
 inline constexpr QLatin1String kDestinationDirectoryKey("DestinationDirectory");
 
-/// YES for true, 1 and yes, NO for false, 0 and no, letter case apart; nothing for everything else.
+/// YES for true, 1 and yes, NO for false, 0 and no, in any letter case; nothing for everything else.
 [[nodiscard]] std::optional<bool> BooleanValue(const QVariant& stored);
 
 class Preferences {

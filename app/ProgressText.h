@@ -17,8 +17,8 @@
 
 namespace quillforth::app {
 
-/// The count in the locale's digits, in groups of three that "," separates, whatever the locale says of
-/// groups.
+/// The count in the locale's digits, in groups of three with "," between them, whatever separator the locale
+/// has.
 [[nodiscard]] QString groupedNumberText(std::int64_t count, QLocale locale);
 
 /// Appends "0 secs", or what is not zero of "2 hrs ", "1 min ", "5 secs ", each with its trailing blank.

@@ -10,7 +10,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// An event that nobody waits for, in the main loop's queue. All custom events of a manager are such.
+// An event that nobody waits for, in the main loop's queue. A manager gets no other custom events.
 class QueuedEvent final : public QEvent {
  public:
   explicit QueuedEvent(AppleEvent event) : QEvent(User), event_(std::move(event)) {}

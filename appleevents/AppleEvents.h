@@ -74,7 +74,7 @@ class AEDescriptor {
   [[nodiscard]] bool isNull() const { return type_ == descriptor_type::kNull; }
   /// Empty for a container.
   [[nodiscard]] const QByteArray& data() const { return data_; }
-  /// A container's own, in order; the keywords of a list's items mean nothing.
+  /// The items of a container, in order. In a list their keywords mean nothing.
   [[nodiscard]] const QList<Item>& items() const& { return items_; }
   const QList<Item>& items() const&& = delete;
   /// An item of a list, counted from 1; null when there is none there, and always at 0.
@@ -127,10 +127,10 @@ struct DescriptorResult {
 /// Never null; an odd last byte is dropped. Units that are no characters stay.
 [[nodiscard]] std::optional<QString> UnicodeTextValue(const AEDescriptor& descriptor);
 
-/// The same value as another type: itself for its own type and the wildcard; UTF-16, UTF-8 and plain text,
-/// the two integers, and record and object specifier, each into the other, where nothing is lost; numbers and
-/// truth values into text, in English form. The null descriptor has no value and stays itself. Everything
-/// else is -1700.
+/// The same value as another type. Its own type and the wildcard give the descriptor itself. Where nothing is
+/// lost, UTF-16, UTF-8 and plain text are turned into each other; so are the two integers, and so are record
+/// and object specifier. Numbers and truth values become text, in English form. The null descriptor has no
+/// value and stays itself. Everything else is -1700.
 [[nodiscard]] DescriptorResult CoerceDescriptor(const AEDescriptor& descriptor, common::FourCharCode type);
 
 /// Makes it the null descriptor. -50 for a null pointer.

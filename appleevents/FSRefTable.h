@@ -4,10 +4,9 @@
 //
 //   reference    number 8 | random 72
 //
-// The bytes do not name a file by themselves: they stand for the one for which this table made them. The
-// random part is drawn anew for each reference, so that bytes from elsewhere, or changed ones, stand for
-// nothing. A reference is valid until 1024 younger ones have been made.
-// Main thread.
+// The bytes do not name a file by themselves: they stand for the one for which this table made them. Each
+// reference has a random part of its own, so that bytes from elsewhere, or changed ones, stand for nothing. A
+// reference is valid until 1024 younger ones have been made. Main thread.
 #pragma once
 
 #include <QByteArray>

@@ -91,8 +91,8 @@ namespace {
 
 constexpr std::string_view kVolume = "Linux";
 
-// What separates names in one form may stand in a name of the other. Neither occurs inside a character, so
-// that a whole path is changed at once.
+// The separator of one form may stand in a name of the other form, so the two are exchanged. Neither occurs
+// inside another character, so a whole path is changed at once.
 template <typename Text>
 Text WithSeparatorsSwapped(Text text) {
   constexpr typename Text::value_type slash(u'/');

@@ -2,10 +2,10 @@
 //
 // Paths in the form that Apple events carry: "Volume:folder:name".
 //
-// The one volume is called "Linux" and is the root folder. Between its colons every name stands as lossless
-// text, with "/" for the ":" that it may hold; a name cannot hold "/". An empty component
-// goes up one folder, as ".." does; "." has no component. So every path comes back as it was, except that
-// doubled and trailing "/" and "/." are gone. Pure; any thread.
+// The one volume is called "Linux" and is the root folder. Between the colons stand the names, as lossless
+// text. A ":" in a name becomes "/", which no name can hold. An empty component goes up one folder, as ".."
+// does; "." becomes no component. So every path comes back as it was, except that doubled and trailing "/"
+// and "/." are gone. Pure; any thread.
 #pragma once
 
 #include <QString>

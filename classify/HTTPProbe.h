@@ -2,7 +2,7 @@
 //
 // Makes one HTTP request on a thread of its own, for the header of the response.
 //
-// The time-out limits silence. Only body bytes start it anew, so an exchange without a body has one time-out
+// The time-out limits silence. Only body bytes start it again, so an exchange without a body has one time-out
 // in all, redirects included. The status code does not matter: a 404 that ends cleanly has succeeded.
 //
 // The thread that starts the probe owns it. The flags may be read at any time from any thread; header and
@@ -32,7 +32,8 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
 
   /// `streams` outlives the probe. With `waitForCompletion`, `start` returns when the worker has ended.
   CHTTPProbe(std::int32_t timeoutSeconds, bool waitForCompletion, platform::HTTPReadStreamFactory& streams);
-  /// Asks a worker that still runs to stop, and waits for it: at most the time-out, unless data arrives.
+  /// Asks a worker that still runs to stop, and waits for it: until the next data arrive, at most for the
+  /// time-out.
   ~CHTTPProbe() override;
   CHTTPProbe(const CHTTPProbe&) = delete;
   CHTTPProbe& operator=(const CHTTPProbe&) = delete;
@@ -41,7 +42,7 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
   int head(const char* url, const char* userAgent, const char* userName, const char* password);
   /// Asks `url` with the method "GET"; see `start`.
   int get(const char* url, const char* userAgent, const char* userName, const char* password);
-  /// Starts the exchange: 0, or the error code for which no thread could be started. Every text is cut at 255
+  /// Starts the exchange. 0, or the error code when no thread could be started. Every text is cut at 255
   /// bytes, and a null one counts as empty. With a null `url` nothing happens at all. A worker of an earlier
   /// start is waited for, and what it found is dropped.
   int start(const char* url, const char* userAgent, const char* userName, const char* password,
@@ -88,7 +89,7 @@ class CHTTPProbe final : private platform::HTTPReadStreamClient {
   std::atomic<bool> cancelRequested_ = false;
   std::atomic<bool> workerFinished_ = false;
   std::thread worker_;
-  // The worker's until it has finished.
+  // These belong to the worker until it has finished.
   std::unique_ptr<platform::HTTPReadStream> stream_;
   std::unique_ptr<std::byte[]> readBuffer_;
   std::vector<std::byte> body_;

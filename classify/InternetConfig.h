@@ -50,7 +50,8 @@ class CInternetConfig {
 [[nodiscard]] common::FourCharCode bundleCreatorCode(platform::MainBundle& bundle);
 
 /// Fills `map` from the component's preference. Of several records for one extension the last is kept, in the
-/// first one's place. After a failure the map keeps what it holds by then, and nothing is reported.
+/// first one's place; the host decides about their order (on Linux SharedMimeInfo). After a failure the map
+/// keeps what it holds by then, and nothing is reported.
 void loadExtensionMappings(platform::InternetConfigComponent& component, platform::MainBundle& bundle,
                            CExtensionMap& map);
 

@@ -49,8 +49,8 @@ std::vector<std::size_t> Borders(std::u16string_view pattern) {
 
 constexpr std::size_t kNotFound = std::u16string_view::npos;
 
-// The first position at or after `from`. Unlike the library's search it never steps back in the text (the
-// algorithm of Knuth, Morris and Pratt).
+// The first position of `pattern` at or after `from`. Unlike the library's search, this never steps back in
+// the text (the algorithm of Knuth, Morris and Pratt).
 std::size_t Find(std::u16string_view text, std::u16string_view pattern, std::size_t from = 0) {
   if (pattern.empty()) return kNotFound;
   const std::vector<std::size_t> borders = Borders(pattern);

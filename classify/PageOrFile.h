@@ -2,10 +2,10 @@
 //
 // Whether a URL is a web page, whose links are wanted, or a file, which is wanted itself.
 //
-// An extension decides without a question to the server: the URL is a page when the table's type begins
-// with "text/", in exactly these letters, else a file. Only a URL without an extension costs a "HEAD"
-// request, which blocks the caller for up to ten seconds of silence. Nothing is ever reported: what fails
-// is a file, and its download says why. Any thread.
+// An extension decides without a question to the server: the URL is a page when the table's type begins with
+// "text/", in exactly these letters, else a file. Only a URL without an extension costs a "HEAD" request,
+// which blocks the caller for up to ten seconds of silence. No failure is reported here: the URL then counts
+// as a file, and its download says why. Any thread.
 #pragma once
 
 #include <QString>

@@ -72,7 +72,7 @@ void SafeAppend(BoundedText& destination, const char* source) noexcept;
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// The other way round.
+/// An ASCII letter in lower case, every other byte unchanged.
 [[nodiscard]] constexpr char LowerCased(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -87,7 +87,7 @@ void SafeAppend(BoundedText& destination, const char* source) noexcept;
 [[nodiscard]] bool StartsWithNoCase(std::string_view text, std::string_view prefix) noexcept;
 
 enum class LetterCase { ignored, exact };
-/// The same, or byte by byte.
+/// Whether `text` begins with `prefix`. `letterCase` says whether the case of letters counts.
 [[nodiscard]] bool StartsWith(std::string_view text, std::string_view prefix, LetterCase letterCase) noexcept;
 
 }  // namespace quillforth::common

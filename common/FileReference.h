@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Names a file or folder that exists, or did when the reference was made.
+// Names a file or folder by its path. The item need not exist.
 //
 // Linux names are bytes, of any encoding or none, so a reference holds the path's bytes and never converts
 // them.

@@ -20,30 +20,30 @@ namespace quillforth::common {
 /// What a shell offers for a value.
 enum class Completes {
   nothing,
-  words,  ///< one of them
-  list,   ///< some of them, with commas between
+  words,  ///< one of the option's `words`
+  list,   ///< some of its `words`, with commas between them
   files,
   folders,
-  settings,      ///< the keys, with a "=" behind an option
-  settingValues  ///< of the key before it
+  settings,      ///< the keys of the settings; as the value of an option, each with a "=" after it
+  settingValues  ///< the values of the setting whose key was given before
 };
 
 /// An option, or an argument that has no dashes.
 struct Option {
-  /// Adds it to a command of the parser, with the place in `parsed` that it fills; what that is is up to the
-  /// program.
+  /// Adds it to a command of the parser, which will write its value into `parsed`. The program knows what
+  /// type `parsed` points to.
   using Bind = CLI::Option* (*)(CLI::App& command, const std::string& names, void* parsed);
 
   std::string_view names;  ///< "-d,-P,--to", short ones first; "URL" for an argument
-  std::string_view value;  ///< what stands for its value; empty: it has none
-  Bind bind;               ///< null: the parser knows it by itself
+  std::string_view value;  ///< a name for its value, as help shows it; empty: it has no value
+  Bind bind;               ///< null: the parser adds it by itself
   std::string_view text;   ///< for people: plain ASCII, no line breaks
   Completes completes = Completes::nothing;
-  std::string_view words = {};     ///< that complete it, with blanks between them
+  std::string_view words = {};     ///< what completes it, with blanks between
   std::string_view example = {};   ///< a command line, without the program
-  std::string_view excludes = {};  ///< the long name of an option that it cannot stand beside
-  std::string_view needs = {};     ///< the long name of one that must be there, too
-  bool isRequired = false;         ///< of an argument
+  std::string_view excludes = {};  ///< long name of an option that cannot be given with it
+  std::string_view needs = {};     ///< long name of an option that must be given with it
+  bool isRequired = false;         ///< for an argument: it must be given
   bool isRepeated = false;         ///< may be given more than once
 
   [[nodiscard]] bool isArgument() const { return !names.starts_with('-'); }

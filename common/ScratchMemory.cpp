@@ -10,8 +10,8 @@ namespace quillforth::common {
 
 namespace {
 
-/// Blocks of other sizes come from the system each time. Small ones never fault twice. A huge one must not
-/// stay, because perhaps only a single page ever needs it.
+/// Blocks of other sizes are left to `operator new`. It keeps small ones for their next user by itself. A
+/// huge one must not stay, because perhaps only a single page ever needs it.
 constexpr std::size_t kSmallest = std::size_t{1} << 14;
 constexpr std::size_t kLargest = std::size_t{1} << 27;
 

@@ -2,10 +2,10 @@
 //
 // Memory that is needed page after page: for large arrays that live for a moment, and for records.
 //
-// Memory that goes back to the system is fetched again at one page fault for every 4 KiB. For a page of dense
-// links that costs as much as the scan itself. So idle blocks stay with the process, in sizes of powers of
-// two, for the next user of that size. A part of a block that was never touched costs nothing. Any thread;
-// a lock guards the blocks.
+// Memory that has gone back to the system costs a page fault for every 4 KiB when it is taken again. For a
+// page of dense links that costs as much as the scan itself. So idle blocks stay with the process, in sizes
+// of powers of two, for the next user of that size. A part of a block that was never touched costs nothing.
+// Any thread; a lock guards the blocks.
 #pragma once
 
 #include <concepts>
@@ -24,8 +24,8 @@ namespace quillforth::common {
 /// the system; the blocks stay reachable to the end, also for lists that outlive `main`. Any thread; a lock
 /// guards each list.
 ///
-/// `Record` has a member `Record* next`, through which idle records are threaded and which the
-/// holder of a record may use. A record comes out with its other members as its last user left them.
+/// `Record` has a member `Record* next`. It links idle records; the holder of a record may use it, too. A
+/// record comes out with its other members as its last user left them.
 template <class Record>
 class RecordPool {
  public:
@@ -85,8 +85,8 @@ class RecordPool {
 /// Takes back what `TakeScratch` gave for that size.
 void ReleaseScratch(void* memory, std::size_t size) noexcept;
 
-/// For a container of plain values in scratch memory. Elements for which it is given no value are left as
-/// they are, uninitialised.
+/// The allocator for containers of plain values that live in scratch memory. Elements that are made without a
+/// value stay uninitialised.
 template <class T>
 struct ScratchAllocator {
   using value_type = T;

@@ -89,8 +89,8 @@ bool IsGone(const ItemReference& item, Status status) {
   return status == common::kFileNotFound && item.parent.findItem(item.name) == common::kFileNotFound;
 }
 
-// Moves the item, and says under which name, or why not. The move itself finds out that a name is taken:
-// after a test it could be taken before the move.
+// Moves the item, and says under which name, or why not. The move itself finds out that a name is taken,
+// because the name could be taken between a test and the move.
 struct Moved {
   Status status;
   std::string name;
@@ -201,7 +201,7 @@ Status MoveItemToFolderPath(const AggregationServices& services, const ItemRefer
     status = subfolder.open();
     if (status == common::kNoError) return MoveItemPreservingComment(services, item, subfolder.folder());
   }
-  // An item that is no folder can be named too; then the move into it fails.
+  // Something that is no folder may have the subfolder's name. Then the item stays, and nothing is logged.
   if (status != common::kNotAFolder && !IsGone(item, status)) {
     services.log.log(
         QStringLiteral("An error occurred moving a folder or file. Error code = %1").arg(status));

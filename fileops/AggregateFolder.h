@@ -39,8 +39,8 @@ class Subfolder {
   Subfolder(const platform::Folder& parent, std::string name) : parent_(parent), name_(std::move(name)) {}
 
   [[nodiscard]] std::string path() const { return platform::PathInFolder(parent_.path(), name_); }
-  /// Opens it, unless it is open. From time to time it is checked that the name is still that folder's. -43
-  /// when there is nothing of that name, -1407 when it is something else, a link included.
+  /// Opens it, unless it is open. Checks from time to time that the name is still that of the open folder.
+  /// -43 when there is nothing of that name, -1407 when it is something else, a link included.
   [[nodiscard]] common::Status open();
   /// Whether the name is no longer that of the open folder; then it is closed. Ask when a move has failed.
   [[nodiscard]] bool wasReplaced();
@@ -91,7 +91,7 @@ class Subfolders {
 /// One name a line, compared byte for byte. A value; any thread.
 class HiddenNames {
  public:
-  /// So many bytes of a file are read. A line that is cut there does not count.
+  /// The most bytes of the file that are read. A line that is cut there does not count.
   static constexpr std::size_t kLongestFile = 1 << 20;
 
   /// Without a file that can be read, no name is hidden.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Names in a folder: whether one is taken, a folder of that name, and a name that nobody has. Also the
-// program's own folder, where downloads go when no other was chosen.
+// Names in a folder: asks whether one is taken, finds or makes a folder of that name, and makes up a name
+// that is free. Also the program's own folder, where downloads go when no other was chosen.
 //
 // Names are compared by the file system itself. Failures are handed back and never shown. Any thread.
 #pragma once
@@ -16,8 +16,8 @@
 
 namespace quillforth::fileops {
 
-/// Whether `name` is taken in `folder`. True also when that cannot be told, so that nothing is made a second
-/// time; `item` stays empty then.
+/// Whether `name` is taken in `folder`. Also true when that is unknown, so that nothing is made a second
+/// time; then `item` stays empty.
 [[nodiscard]] bool ItemExistsInFolder(platform::FileManager& files, const platform::FileReference& folder,
                                       std::string_view name, platform::FileReference& item);
 
@@ -26,7 +26,7 @@ namespace quillforth::fileops {
                                                       const platform::FileReference& parent,
                                                       std::string_view name);
 
-/// The same in a folder that is held open. Not 0 when the name may be taken, but that cannot be told.
+/// The same in a folder that is held open. Not 0 when it is unknown whether the name is taken.
 [[nodiscard]] common::Status FindOrCreateFolder(platform::Folder& parent, const std::string& name);
 
 /// The text after the last "."; empty for "name.", and for a name whose only "." is its first character.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Folders that only pretend to move: they stand before real ones, tell each move, and change nothing.
+// Folders that only pretend to move: they stand in front of real ones, report each move, and change nothing.
 //
 // Made for one run over one folder. A move that permissions or mounts forbid fails here, too. One thread.
 #pragma once

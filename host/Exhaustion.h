@@ -12,7 +12,7 @@ namespace quillforth::host {
 /// To be called first in main().
 void EndInALineWhenExhausted();
 
-/// For code that finds out in another way that there is no thread to be had. Any thread.
+/// For code that finds out in another way that no thread can be made. Any thread.
 [[noreturn]] void EndWithoutThread();
 
 }  // namespace quillforth::host

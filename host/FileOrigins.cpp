@@ -35,7 +35,7 @@ void ForEachOrigin(const std::string& folder,
          item.increment(error)) {
       if (item->path().filename().native().starts_with('.')) continue;
       std::error_code unknown;
-      // What kind it is, the folder has said already.
+      // None of these three looks at the item: the listing of the folder has told its kind.
       if (item->is_symlink(unknown)) continue;
       if (item->is_directory(unknown)) folders.push_back(item->path());
       if (!item->is_regular_file(unknown)) continue;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the controller stands on in every front end, as a Debian system answers it. Nobody sees or hears
-// anything of it: there is no sound, and nothing comes in from other programs.
+// What the controller stands on in every front end, on a Debian system. There is no sound, and nothing comes
+// in from other programs.
 //
 // Made before the first thread, and after the Interruption that ends its transfers. Main thread.
 #pragma once
@@ -27,7 +27,7 @@
 
 namespace quillforth::host {
 
-/// A network that counts as up without a look, for servers on this machine, which need no connection.
+/// A network that always counts as up, for servers on this machine, which need no connection.
 class AssumedNetwork final : public platform::NetworkDiagnostics {
  public:
   platform::NetworkStatus copyNetworkStatusPassively() override {
@@ -67,9 +67,9 @@ class HeadlessHost {
   ~HeadlessHost();
   HeadlessHost(const HeadlessHost&) = delete;
   HeadlessHost& operator=(const HeadlessHost&) = delete;
-  /// A host that asks this front end; texts are not translated. This outlives it.
+  /// A host for the front end of `application`; texts are not translated. This object outlives the host.
   [[nodiscard]] app::Host host(app::Application& application) { return host(application, network_); }
-  /// The same, with another service in the place of the network.
+  /// The same, with `network` instead of its own.
   [[nodiscard]] app::Host host(app::Application& application, platform::NetworkDiagnostics& network);
   [[nodiscard]] platform::CurlDownloadService& downloads() { return downloads_; }
   [[nodiscard]] platform::AppleEventManager& events() { return events_; }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// All that the controller stands on, as a Debian system with a desktop answers it: also sounds, and what
-// comes in from other programs.
+// What the controller stands on, on a Debian system with a desktop: also sounds, and what comes in from other
+// programs.
 //
 // Made before the first thread, and after the Interruption that ends its transfers. Main thread.
 #pragma once
@@ -26,9 +26,9 @@ class LinuxHost {
   ~LinuxHost();
   LinuxHost(const LinuxHost&) = delete;
   LinuxHost& operator=(const LinuxHost&) = delete;
-  /// A host that asks this front end; texts are not translated. This outlives it.
+  /// A host for the front end of `application`; texts are not translated. This object outlives the host.
   [[nodiscard]] app::Host host(app::Application& application) { return host(application, base_.network()); }
-  /// The same, with another service in the place of the network.
+  /// The same, with `network` instead of its own.
   [[nodiscard]] app::Host host(app::Application& application, platform::NetworkDiagnostics& network);
   [[nodiscard]] platform::CurlDownloadService& downloads() { return base_.downloads(); }
   [[nodiscard]] platform::AppleEventSender& events() { return base_.events(); }

@@ -96,7 +96,7 @@ struct Joint {
   std::uint8_t split = 0;  // of the name, between the two
 };
 
-/// By the low five bits of two characters. Other pairs share an entry, but no two joints do.
+/// The index of two characters, by the low five bits of each. Other pairs may share it, but no two joints do.
 constexpr std::size_t JointIndex(char before, char after) {
   return static_cast<std::size_t>((before & 31) << 5 | (after & 31));
 }
@@ -122,7 +122,7 @@ struct NameMatches {
   Positions ends;                     // right after each "=", ascending
   std::array<bool, 256> followers{};  // which bytes stand there
 };
-/// Of each name.
+/// For each name.
 using NamePositions = std::array<NameMatches, kNames.size()>;
 
 bool IsLastLetter(char c) {
@@ -195,7 +195,7 @@ class AttributeScanner {
     const std::span<Position> names = names_[row.name].ends;
     if (names.empty() || !mayMatch(row)) return;
     work_.setTo(names.front());
-    constexpr std::size_t kAhead = 32;  // names that the text's memory is asked for before it is read
+    constexpr std::size_t kAhead = 32;  // how many names ahead the memory of the text is asked for
     std::size_t kept = 0;
     std::size_t read = 0;
     std::optional<Position> revived;  // by a seam: to be looked at before all others
@@ -204,13 +204,14 @@ class AttributeScanner {
       if (names.size() - read > kAhead) work_.expect(names[read + kAhead]);
       work_.moveTo(name);
       if (work_.isCutBefore(name)) continue;
-      // Fewer names are kept than were read: what a seam revives stands for the one that was cut out there.
+      // Fewer names are kept than were read: a name that a seam revives takes the place of one that was cut
+      // out.
       names[kept++] = name;
       const Position begin = work_.firstKept(name);
       if (row.quote != 0 && !work_.is(begin, row.quote)) continue;
       const Position inner = begin + (row.quote != 0 ? 1 : 0);
       const Position end = work_.find(row.end, inner);
-      if (end == WorkText::kNowhere) break;  // nor does it follow any later name
+      if (end == WorkText::kNowhere) break;  // it does not follow any later name either
       --kept;
       emit(inner, end);
       const WorkText::Cursor start = work_.stepBackBy(work_.cursorAt(name), kNames[row.name].size());
@@ -237,9 +238,9 @@ class AttributeScanner {
            names_[row.name].followers[static_cast<unsigned char>(row.quote)];
   }
 
-  /// Each cut takes out a name; where that is one that a seam has joined together, the seam's cut becomes
-  /// part of it. A cut and what divides it from the next have 6 bytes or more, or hold 3 for every name
-  /// between.
+  /// Each cut holds a name of the page: where it takes out one that a seam has joined, it swallows the seam's
+  /// cut. So there are no more cuts than names. A name has 4 bytes or more. So a cut and the byte after it
+  /// have 3 bytes for the cut itself and 3 for every name in it.
   static std::size_t MostCuts(std::string_view text, const NamePositions& found) {
     std::size_t names = 0;
     for (const NameMatches& each : found) names += each.ends.size();
@@ -256,8 +257,8 @@ class AttributeScanner {
     links_.addJoined({pieces.data(), work_.copy(begin, end, pieces).count});
   }
 
-  /// The name, if there is one, that the seam has joined together: given back when it is the running row's,
-  /// else noted for the rows to come.
+  /// Looks for a name that the seam has joined. Gives it back when it is the running row's, else notes it for
+  /// the rows to come.
   [[nodiscard]] std::optional<Position> joinAcross(WorkText::Cut seam, std::size_t running) {
     if (seam.begin == 0 || seam.end == work_.text().size()) return std::nullopt;
     const char before = work_.text()[seam.begin - 1];
@@ -301,8 +302,8 @@ class AttributeScanner {
 
   NamePositions names_;  // may hold names that are cut out
   WorkText work_;
-  std::array<Positions, kNames.size()> joined_;  // by the running row, other names than its own
-  bool hasNewFollowers_ = false;                 // a seam stands behind a name, or in one
+  std::array<Positions, kNames.size()> joined_;  // by seams of the running row; not its own name
+  bool hasNewFollowers_ = false;                 // a seam stands right after a name, or in one
   LinkCollector& links_;
 };
 

@@ -137,13 +137,13 @@ void FindBareLinks(std::string_view text, const KnownSuffixes& known, LinkCollec
   WordFinder words(text);
   for (std::size_t dot = dots.next(2); dot != kNone;) {
     const std::size_t end = words.endOfWord(dot);
-    if (end == text.size()) return;  // and so it is for every later dot
+    if (end == text.size()) return;  // the words of all later dots end there, too
     std::size_t resume = dot + 1;
     const std::string_view suffix(text.begin() + dot + 1, text.begin() + end);
     if (RoleOf(text[end]) == Role::spoiler) {
       resume = end;
     } else if (suffix.size() > longestSuffix) {
-      resume = end - 1 - longestSuffix;  // the word's dots before that are as far from its end
+      resume = end - 1 - longestSuffix;  // earlier dots of the word are too far from its end
     } else if (!suffix.empty() && (IsPlainSuffix(suffix) || known.contains(suffix))) {
       const std::size_t begin = words.beginOfWord(dot);
       if (begin < dot) links.add(text.substr(begin, std::min(end - begin, BoundedText::kMaxLength)));

@@ -26,8 +26,9 @@ class KnownSuffixes {
   [[nodiscard]] bool contains(std::string_view suffix) const {
     return firsts_[static_cast<unsigned char>(suffix[0])] && find(suffix);
   }
-  /// Bytes without the leading "." above which no suffix is known; the largest number there is when a
-  /// full-length extension is, since a longer suffix is cut to one.
+  /// The length, without the leading ".", of the longest suffix that can be known. A suffix that is too long
+  /// is cut to 255 bytes. So when an extension has that length, there is no limit, and this is the largest
+  /// number there is.
   [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
 
  private:
@@ -47,8 +48,8 @@ class KnownSuffixes {
 [[nodiscard]] bool LooksLikeSuffix(std::string_view suffix, const KnownSuffixes& known);
 
 /// Gives `links` a candidate for every "." of `text` whose word ends in a suffix. A word reaches from one
-/// delimiter (a quote, a parenthesis, "<", ">" or a line end) to the next, and holds no character that no URL
-/// has. Candidates come in the order of the dots, duplicates included.
+/// delimiter (a quote, a parenthesis, "<", ">" or a line end) to the next, and holds only characters that a
+/// URL may have. Candidates come in the order of the dots, duplicates included.
 ///
 /// The first byte of the text is never part of a candidate. A word that ends with the text is no candidate.
 /// Both are kept on purpose. Linear in the text.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Takes the links that the two passes over a page find to the link table.
+// Carries the links that the two passes over a page find into the link table.
 //
 // One thread.
 #pragma once
@@ -31,7 +31,7 @@ class QuotedWords {
     constexpr std::size_t kBytesForEach = 32;
     if (beginsLikeValue(link) && words_.size() < page_.size() / kBytesForEach) words_.push_back(wordOf(link));
   }
-  /// Fast as long as the links asked for come in the order of the page, too.
+  /// Fast as long as the links that are asked for come in the order of the page, too.
   [[nodiscard]] bool contains(std::string_view link) noexcept {
     if (!beginsLikeValue(link)) return false;
     const Word wanted = wordOf(link);
@@ -59,7 +59,7 @@ class QuotedWords {
 
   std::string_view page_;
   common::ScratchVector<Word> words_;
-  std::size_t next_ = 0;  // the first word that is not before the link asked for last
+  std::size_t next_ = 0;  // the first word not before the link that was asked for last
 };
 
 /// Gets the links of both passes over a page, and enters them into a table. Each link is entered a few links
@@ -94,11 +94,11 @@ class LinkCollector {
   struct Waiting {
     std::uint32_t hash;
     std::string_view key;
-    std::array<char, common::BoundedText::kMaxLength> text;  // the key's, when nobody else keeps it
+    std::array<char, common::BoundedText::kMaxLength> text;  // holds the key when nothing else does
   };
   enum class Kept { no, yes };
   static constexpr std::size_t kWaiting = 16;
-  static constexpr std::size_t kNearby = 4096;  // links of a table that the processor holds at hand
+  static constexpr std::size_t kNearby = 4096;  // links; a table of so few stays in the processor's cache
 
   [[nodiscard]] static bool isLeftOut(std::string_view link) noexcept {
     if (link.empty()) return false;

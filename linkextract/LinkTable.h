@@ -28,7 +28,7 @@
 
 namespace quillforth::linkextract {
 
-/// What links resolve against. All who keep a link share it.
+/// What links resolve against. Everything that keeps a link shares it.
 using SharedBase = std::shared_ptr<const LinkResolver>;
 
 /// One link; lives until its table is cleared.
@@ -72,7 +72,7 @@ class LinkTable {
   /// The base of the links that are inserted from now on.
   void setBase(const common::BoundedText& base);
   /// The entry under exactly the first 255 bytes of `key`: the one that is there, or a new one at the end of
-  /// the order. It is under the present base from now on.
+  /// the order. From now on it belongs to the present base.
   const LinkEntry& insert(std::string_view key) { return insert(key, hashOf(key)); }
   void clear() noexcept;
   /// Makes the slots for `count` links at once, which costs less than one step at a time.
@@ -122,8 +122,8 @@ class LinkTable {
     Block* next;
     alignas(LinkEntry) char bytes[4096 - alignof(LinkEntry)];
   };
-  /// Where an entry lies, counted in its alignment as if the blocks lay one after the other. Never 0, where
-  /// the first block's `next` is. A table cannot grow beyond 32 GiB: that is out of memory.
+  /// Where an entry lies, counted in its alignment as if the blocks lay one after the other. Never 0, because
+  /// the first block's `next` is there. A table cannot grow beyond 32 GiB: that counts as out of memory.
   using EntryOffset = std::uint32_t;
   static constexpr EntryOffset kOffsetsInBlock = sizeof(Block) / alignof(LinkEntry);
   struct Slot {

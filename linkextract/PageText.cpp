@@ -155,7 +155,7 @@ constexpr bool IsASCII(char c) noexcept {
   return Byte(c) < 0x80;
 }
 
-/// How many bytes at the front of `text` are ASCII, eight at a time and perhaps a few short of all.
+/// How many bytes at the front of `text` are ASCII. It counts by eight, so up to seven more may be.
 std::size_t ASCIIWords(std::string_view text) noexcept {
   std::size_t count = 0;
   for (std::uint64_t word = 0; text.size() - count >= sizeof word; count += sizeof word) {

@@ -57,8 +57,8 @@ class TextBuffer {
     return text_ ? std::string_view(*text_) : std::string_view();
   }
   [[nodiscard]] std::int32_t length() const { return static_cast<std::int32_t>(view().size()); }
-  /// How many bytes fit before the next growth, a multiple of the growth block. Memory behind it grows faster
-  /// than this number, so that appending a byte stays constant time.
+  /// How many bytes fit before the next growth, a multiple of the growth block. The memory itself grows
+  /// faster than this number, so that appending a byte stays constant time.
   [[nodiscard]] std::int32_t capacity() const { return capacity_; }
   [[nodiscard]] common::BoundedText& sideText() { return sideText_; }
 

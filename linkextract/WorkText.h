@@ -35,7 +35,7 @@ class WorkText {
 
   struct Cut {
     Position begin;
-    Position end;  ///< one behind the last byte of the cut
+    Position end;  ///< one after the last byte of the cut
   };
 
   /// A kept byte, and how many of the cuts behind the reading position stand before it.
@@ -56,7 +56,7 @@ class WorkText {
     __builtin_prefetch(text_.data() + std::min(position + kCacheLine, text_.size()));
   }
 
-  /// Sets the reading position, forth or back, to `position`; a cut that begins right there is behind it.
+  /// Sets the reading position to `position`, forward or back; a cut that begins right there is behind it.
   void setTo(Position position) noexcept;
   /// The same, but never back. Fast over short distances.
   void moveTo(Position position) noexcept {
@@ -67,7 +67,8 @@ class WorkText {
     }
   }
 
-  /// The reading position's kept byte at or after `position`, or the text's size.
+  /// The first kept byte at or after `position`, which is the reading position; the text's size if there is
+  /// none.
   [[nodiscard]] Position firstKept(Position position) const noexcept {
     return cutBeginsAt(position) ? cuts_[behind_ - 1].end : position;
   }
@@ -112,7 +113,7 @@ class WorkText {
   }
   struct Copied {
     std::size_t count;
-    Position end;  ///< one behind the last byte copied
+    Position end;  ///< one after the last byte copied
   };
   /// Copies kept bytes from `begin` on, which the reading position has not passed, to at most `end`, until
   /// `out` is full.
@@ -122,8 +123,8 @@ class WorkText {
     return aheadBegin_ == aheadEnd_ || cuts_[aheadBegin_].begin >= end;
   }
 
-  /// Cuts out what is left from `begin` to before `end`, and moves the reading position there. The cut as it
-  /// is now, joined with its neighbours.
+  /// Cuts out what is left from `begin` to before `end`, and moves the reading position there. Gives the cut
+  /// as it is now, joined with its neighbours.
   Cut cut(Cursor begin, Position end) noexcept;
 
  private:

@@ -33,8 +33,8 @@ using PreferredExtension = std::function<QString(std::string_view MIMEType)>;
 ///
 /// Only what follows the last "/" or "\" counts. Control characters, direction marks and overrides, and line
 /// separators are dropped; blanks and dots at the start, and blanks and dots at the end, are trimmed. Bytes
-/// are UTF-8, or ISO Latin-1 where they are not valid UTF-8. Of a parameter given twice the first counts.
-/// Encoded words (RFC 2047) and %-escapes in a plain `filename` are taken as they stand.
+/// are UTF-8, or ISO Latin-1 where they are not valid UTF-8. When a parameter is given twice, the first
+/// counts. Encoded words (RFC 2047) and %-escapes in a plain `filename` are taken as they stand.
 ///
 /// A name without an extension gets that of the MIME type, unless the type is "application/octet-stream".
 /// `preferredExtension` is asked only then. At most kMaxSuggestedFilenameBytes, cut at a character before the

@@ -48,8 +48,8 @@ bool IsAddressLiteral(QStringView text) {
   return QUrl(QStringLiteral("http://[%1]").arg(text), QUrl::StrictMode).isValid();
 }
 
-// Whether what looks like a port in an authority cannot be one; then it is the beginning of a password that
-// holds a delimiter.
+// Whether what stands where an authority has its port cannot be a port. Then it is the beginning of a
+// password that holds a delimiter.
 bool HasImpossiblePort(QStringView authority) {
   const QStringView host = authority.sliced(authority.lastIndexOf(u'@') + 1);
   if (host.startsWith(u'[') && host.endsWith(u']')) return false;
@@ -120,7 +120,8 @@ bool HasScheme(const QString& text) {
   return end > 0 && !isPort;
 }
 
-// What may not stand in a URL, and a "%" or a second "#" that means itself, as %-escapes of UTF-8.
+// `text` with %-escapes, of UTF-8, for what may not stand in a URL, and for a "%" or a second "#" that means
+// itself.
 QString Escaped(const QString& text) {
   QString escaped;
   bool inFragment = false;
@@ -272,7 +273,7 @@ namespace {
 
 constexpr std::string_view kScheme("file:");
 
-// The path after an authority that means this machine; nothing after another one.
+// The path after an authority that means this machine; nothing when it means another.
 std::optional<QByteArrayView> PathOf(QByteArrayView afterScheme) {
   if (!afterScheme.startsWith("//")) return afterScheme;
   const QByteArrayView authorityAndPath = afterScheme.sliced(2);

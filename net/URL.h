@@ -55,36 +55,37 @@ class URL {
 /// The host of `text` as `URL::host` has it, in lower case, whether or not the text makes a URL.
 [[nodiscard]] QString HostOf(const QString& text);
 
-/// What a person means who types `text` where a URL is wanted. A URL that can be fetched stays as it is. Else
-/// characters that may not stand in one are escaped, in UTF-8. "http://" is put in front where there is no
-/// scheme, or "http:" where the text begins with "//". A host beyond ASCII gets its form for name servers
-/// (RFC 3492). Nothing when it has another scheme, or still no host.
+/// The URL that a person means by typing `text`. A URL that can be fetched stays as it is. In other texts,
+/// characters that may not stand in a URL are escaped, in UTF-8. Where there is no scheme, "http://" is put
+/// in front, or "http:" where the text begins with "//". A host beyond ASCII gets its form for name servers
+/// (RFC 3492). Nothing when the text has another scheme, or still no host.
 [[nodiscard]] std::optional<URL> URLOfTypedText(const QString& text);
 
 /// `text` without "user:password@", whether or not it makes a URL.
 ///
 /// Forms that only a lenient reader takes for an authority lose it too, such as "http:/user:password@host"
-/// and "user:password@host". A password that holds a "/", a "?" or a "#" goes where no port can be meant. A
-/// mangled text is better than a password on the screen. Only "mailto:user@host" stays as it is.
+/// and "user:password@host". A password may hold "/", "?" or "#". It is recognised when the text between ":"
+/// and the first of these cannot be a port. A mangled text is better than a password on the screen. Only
+/// "mailto:user@host" stays as it is.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
 /// The same with the user name kept, as "user@".
 [[nodiscard]] QString WithoutPassword(const QString& text);
-/// The characters of user name and password become "*" where they stand, but for the "@": for an argument of
-/// the process, which other programs can read as long as it runs.
+/// Overwrites user name and password with "*", up to the "@". For an argument of the process, which other
+/// programs can read as long as it runs.
 void OverwriteCredentials(char* text);
 
 // Files as paths and as "file" URLs (RFC 8089), whatever bytes their names are made of.
 
-/// Bytes of a path that the system takes.
+/// The longest path that the system takes, in bytes.
 inline constexpr std::size_t kMaxPathLength = 4095;
 
-/// The file at an absolute path, there or not. Nothing for a relative path, one that holds a NUL character or
-/// a surrogate without its partner. "/" at the end is dropped.
+/// The file at an absolute path; it need not exist. Nothing for a relative path, or one that holds a NUL
+/// character or a surrogate without its partner. "/" at the end is dropped.
 [[nodiscard]] std::optional<FileReference> FileAtPath(const QString& path);
 /// "file:///…", with every character of the path as a %-escape unless it is unreserved or "/".
 [[nodiscard]] QByteArray FileURL(const FileReference& file);
-/// The file that `url` names, there or not. Nothing for another scheme, a host that is not this one, a path
-/// that is relative, too long or holds a NUL byte. A query and a fragment are dropped.
+/// The file that `url` names; it need not exist. Nothing for another scheme, another host, or a path that is
+/// relative, too long or holds a NUL byte. A query and a fragment are dropped.
 [[nodiscard]] std::optional<FileReference> FileAtURL(QByteArrayView url);
 
 }  // namespace quillforth::platform

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Strict UTF-8: bytes that become a text, and texts that become bytes, or nothing. And texts that become fit
-// to be shown. Pure; any thread.
+// Strict UTF-8: turns bytes into a text and a text into bytes, or gives nothing. Also makes texts fit to be
+// shown. Pure; any thread.
 #pragma once
 
 #include <QByteArrayView>
@@ -19,8 +19,8 @@ namespace quillforth::platform {
 ///
 /// URLs, server messages and file names may hold characters that control a terminal, turn the direction in
 /// which a text is read, or end a line. Every control, format and unassigned character is written as "\xHH",
-/// "\uHHHH" or "\UHHHHHHHH". The line is read in the order in which it stands. Only letters of right-to-left
-/// scripts run the other way.
+/// "\uHHHH" or "\UHHHHHHHH". These include all direction marks, so only letters of right-to-left scripts
+/// still run the other way.
 [[nodiscard]] QString Printable(const QString& text);
 
 }  // namespace quillforth::platform

@@ -51,12 +51,13 @@ class Folder {
   [[nodiscard]] virtual bool isSameFolder(const Folder& other) const = 0;
   /// 0 when this user may add items to the folder and take items out of it.
   [[nodiscard]] virtual common::Status checkChanges() const = 0;
-  /// What `moveItem` would give, as far as permissions and mounts tell; the folder may change before that.
+  /// What `moveItem` would give, as far as permissions and mounts tell. The folder may change before the
+  /// move.
   [[nodiscard]] virtual common::Status checkMove(const std::string& name,
                                                  const Folder& destination) const = 0;
   /// Moves the item `name` into `destination`, a folder of the same file system and of the same FolderAccess.
   ///
-  /// Whatever fails leaves the item where it was: -48 when `newName` is taken there, -37 when it is too long.
+  /// A failure leaves the item where it was: -48 when `newName` is taken there, -37 when it is too long.
   /// Nothing is ever replaced, not even an item that takes the name at this moment, and nothing is copied.
   [[nodiscard]] virtual common::Status moveItem(const std::string& name, Folder& destination,
                                                 const std::string& newName) = 0;
@@ -65,7 +66,7 @@ class Folder {
 class FolderAccess {
  public:
   virtual ~FolderAccess() = default;
-  /// Opens an existing folder, through a link as well. -1407 when it is none.
+  /// Opens an existing folder, through a link as well. -1407 when it is something else.
   [[nodiscard]] virtual FolderResult openFolder(const FileReference& folder) = 0;
 };
 

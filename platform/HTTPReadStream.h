@@ -87,7 +87,8 @@ class HTTPReadStream {
   virtual void setDeadline(std::optional<Clock::time_point> deadline) = 0;
   /// Delivers events until the last one, or until `close`. Follows redirects.
   virtual void run() = 0;
-  /// Takes body bytes that have arrived, without waiting: how many; 0 at the end; negative after an error.
+  /// Takes body bytes that have arrived, without waiting. Gives their number; 0 at the end; a negative number
+  /// after an error.
   [[nodiscard]] virtual std::ptrdiff_t read(std::span<std::byte> buffer) = 0;
   /// The header of the final response, not of redirects and interim responses. Nothing when no response was
   /// HTTP. Not after `close`.
@@ -102,8 +103,8 @@ class HTTPReadStreamFactory {
   /// Null when no stream can be made of `request`: not http, https or ftp, or texts that no header can hold.
   /// Any thread. The factory outlives its streams.
   [[nodiscard]] virtual std::unique_ptr<HTTPReadStream> createStream(const HTTPRequest& request) = 0;
-  /// Waits for the end of a thread that runs a stream to `url`, as it was given. A host with a window keeps
-  /// it drawn meanwhile in here.
+  /// Waits for the end of a thread that runs a stream to `url`, as it was given. A front end with a window
+  /// keeps the window drawn meanwhile.
   virtual void join(std::thread& worker, std::string_view /*url*/) { worker.join(); }
   /// As long as it is true, every stream fails soon, including those that run. Any thread.
   virtual void setGivenUp(bool /*isGivenUp*/) {}

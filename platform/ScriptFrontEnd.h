@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// What a script host asks of the front end that it serves. The host must not include the front end's room.
+// What a script host asks of the front end that it serves. It is here because a host must not include the
+// room of a front end.
 //
-// Called on the thread that runs the script. What has to be asked on the main thread is waited for a moment
-// only: the program may be about to end.
+// Called on the thread that runs the script. An answer that has to come from the main thread is awaited for a
+// moment only, because the program may be about to end.
 #pragma once
 
 #include <QString>

@@ -11,7 +11,7 @@
 //   downloadShouldDecodeSourceDataOfMIMEType      only for a body that arrives encoded
 //   downloadDecideDestinationWithSuggestedFilename
 //   downloadDidCreateDestination                  again if the final name had to differ
-//   downloadDidReceiveDataOfLength                any number of times, each with the sum of a short while
+//   downloadDidReceiveDataOfLength                any number of times, each for what came in a short while
 //   downloadDidFinish
 //
 // At any point downloadDidFailWithError may come instead of the rest. Nothing follows after either end, or
@@ -56,8 +56,8 @@ class AuthenticationSheetParent {
 
 struct WebDownloadRequest {
   URL url;
-  /// The URL of the page that it was found on. The server is told of it (`Referer`; RFC 9110, section
-  /// 10.1.3) what a browser tells, and never credentials. Null: nothing is told.
+  /// The URL of the page that it was found on. The server learns as much of it as a browser would tell
+  /// (`Referer`; RFC 9110, section 10.1.3), and never credentials. Null: it learns nothing.
   QString referrer{};
 };
 
@@ -84,7 +84,7 @@ class WebDownloadDelegate {
   /// `filename` is one safe path component of at most 255 bytes in UTF-8.
   virtual void downloadDecideDestinationWithSuggestedFilename(WebDownload& download,
                                                               const QString& filename) = 0;
-  /// Null fails the download.
+  /// When it gives null, the download fails.
   virtual AuthenticationSheetParent* downloadWindowForAuthenticationSheet(WebDownload& download) = 0;
   virtual bool downloadShouldDecodeSourceDataOfMIMEType(WebDownload& download, const QString& mimeType) = 0;
   /// `path` is where the complete file will appear; there is nothing under that name before the end.
@@ -108,19 +108,20 @@ class WebDownload {
   virtual void cancel() = 0;
 };
 
-/// Starts downloads. When it goes it cancels what is still in flight and waits until no partial file is left.
+/// Starts downloads. Its destructor cancels what is still in flight, and waits until no partial file is left.
 class WebDownloadService {
  public:
   virtual ~WebDownloadService() = default;
   /// Never fails here. A fault of the URL is reported to `delegate`, which must outlive the download.
   [[nodiscard]] virtual std::shared_ptr<WebDownload> startDownload(const WebDownloadRequest& request,
                                                                    WebDownloadDelegate& delegate) = 0;
-  /// What is to be started next, in this order, into `folder` (an absolute path; null: unknown). While a
-  /// download is under way, the service may ask for these already; nobody sees anything of it, and what is
-  /// not named any more is let go. Each `startDownload` takes its request out of these.
+  /// Says what is to be started next, in this order, into `folder` (an absolute path; null: unknown). While a
+  /// download is under way, the service may ask for these already. Nobody sees anything of it. What is no
+  /// longer named is dropped. Each `startDownload` takes its request out of these.
   virtual void expectDownloads(const std::vector<WebDownloadRequest>& requests, const QString& folder) = 0;
-  /// The program ends: a download whose file has its final name calls back to its end, from in here; all
-  /// others are cancelled, and those that are started from now on never begin. Not from inside a callback.
+  /// To be called when the program ends, but not from inside a callback. A download whose file has its final
+  /// name makes its last callbacks from in here. All others are cancelled, and those that are started from
+  /// now on never begin.
   virtual void end() = 0;
 };
 

@@ -149,7 +149,7 @@ using MaybeSentence = std::optional<ScriptSentence>;
 constexpr std::array kPlaces{QLatin1String("front"), QLatin1String("first"), QLatin1String("current"),
                              QLatin1String("active")};
 constexpr std::array kObjects{QLatin1String("window"), QLatin1String("document"), QLatin1String("tab")};
-// What no variable can be called, besides places and objects.
+// Words that cannot name a variable. Nor can those for places and objects.
 constexpr std::array kReservedWords{
     QLatin1String("tell"),    QLatin1String("application"), QLatin1String("to"),    QLatin1String("end"),
     QLatin1String("set"),     QLatin1String("return"),      QLatin1String("delay"), QLatin1String("activate"),

@@ -36,7 +36,7 @@ struct ScriptExpression {
     address,      ///< of the operand, which must be what an application shows
     properties,   ///< of such an operand: title, index and address
     item,         ///< of the second operand, at the first one, counted from 1
-    asList,       ///< the operand, in a list of its own if it is none
+    asList,       ///< the operand; in a list of its own unless it is a list
     runInWindow,  ///< the first operand's text as a script of the page shown; the second says where
   };
   Kind kind = Kind::literal;

@@ -24,7 +24,7 @@ using ScriptValue = std::variant<std::monostate, AEDescriptor, Shown>;
 /// Nothing when the script fails.
 using MaybeValue = std::optional<ScriptValue>;
 
-// How many values a list holds, down to a depth of `depth` lists. Too many when some lie deeper.
+// How many values a list holds, down to a depth of `depth` lists. More than allowed when some lie deeper.
 int ListSize(const AEDescriptor& list, int depth = kMaximumScriptDepth) {
   if (depth == 0) return kMaximumScriptListSize + 1;
   int size = 0;

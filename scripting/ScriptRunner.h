@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Compiles a script and carries it out, and says what it needs for that: what it does to other programs.
+// Compiles a script and carries it out. `ScriptEffects` is what it needs for that: what a script does to
+// other programs.
 #pragma once
 
 #include <QString>
@@ -46,9 +47,9 @@ inline constexpr std::chrono::milliseconds kMaximumScriptDelay{5000};
 /// A list that holds more values than this, counting those in its lists, ends its script.
 inline constexpr int kMaximumScriptListSize = 1000;
 
-/// The value of the sentence that was carried out last, as a script host gives it. Nothing comes of a text
-/// that does not compile, and none of its sentences is carried out. Blocks; any thread, on which
-/// `effects` is called.
+/// The value of the sentence that was carried out last, as a script host gives it. A text that does not
+/// compile gives nothing, and none of its sentences is carried out. Blocks; any thread. `effects` is called
+/// on the same one.
 [[nodiscard]] std::optional<AEDescriptor> RunScript(QStringView source, ScriptEffects& effects);
 
 }  // namespace quillforth::platform

@@ -137,7 +137,7 @@ QString AccessibilityBus::name(const AccessibleObject& object) {
 }
 
 QString AccessibilityBus::documentAddress(const AccessibleObject& document) {
-  for (const char* attribute : {"DocURL", "URI"}) {  // as Firefox calls it, and as the others do
+  for (const char* attribute : {"DocURL", "URI"}) {  // Firefox's name for it, and that of the others
     QString address =
         TakeText(call(document, "org.a11y.atspi.Document", "GetAttributeValue", "s", "s", attribute));
     if (!address.isEmpty()) return address;
@@ -189,7 +189,8 @@ Document ReadDocument(AccessibilityBus& bus, const AccessibleObject& document,
   return {states.isShowing(), WebAddress(bus.documentAddress(document))};
 }
 
-// The document that a window says it is about. It need not show: some browsers hide what other windows cover.
+// The document that a window names as its content. It need not be shown: some browsers hide what other
+// windows cover.
 std::optional<Document> EmbeddedDocument(AccessibilityBus& bus, const AccessibleObject& window) {
   for (const AccessibleObject& object : bus.embeddedObjects(window)) {
     const std::optional<AccessibleStates> states = bus.states(object);

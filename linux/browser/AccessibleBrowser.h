@@ -39,9 +39,9 @@ struct AccessibleStates {
 
 /// Asks other programs about their windows.
 ///
-/// No program is trusted. One that does not answer a call soon is not called again. One object makes only a
-/// limited number of calls, in a limited time. A reply of another shape is no reply. Asking starts and
-/// switches on nothing.
+/// No program is trusted. One that does not answer a call soon is not called again. An object of this class
+/// makes only a limited number of calls, in a limited time. A reply of other types counts as none. Asking
+/// starts no program and switches nothing on.
 class AccessibilityBus {
  public:
   static constexpr int kMillisecondsPerCall = 500;

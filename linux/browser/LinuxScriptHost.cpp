@@ -210,7 +210,7 @@ class LinuxScriptEffects final : public ScriptEffects {
     return hasTyped_;
   }
 
-  /// Keys go to the window in front, so it must be one of Firefox, and say that it is in front.
+  /// Keys go to the window in front. So that must be a window of Firefox, and say that it is in front.
   bool bringForward(AccessibilityBus& bus) {
     std::vector<AccessibleWindow> found = windows(bus, kFirefox);
     if (found.empty()) return false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The session's switch for accessibility, which is properties of org.a11y.Status on the session bus, and
-// the bus on which programs show their windows while it is on.
+// The session's switch for accessibility, and the bus on which programs show their windows while it is on.
+// The switch is made of properties of org.a11y.Status on the session bus.
 #pragma once
 
 #include "linux/browser/MessageBus.h"

@@ -37,8 +37,8 @@ struct BusObject {
 /// The bus at a D-Bus server address, in the same way.
 [[nodiscard]] Bus OpenBus(const std::string& address, const QDeadlineTimer& deadline);
 
-/// A call that starts no service. Null when something in it cannot be on a bus. `types` and `values` as for
-/// sd_bus_message_append(3).
+/// A call that starts no service. Null when something in it cannot be sent on a bus. `types` and `values` as
+/// for sd_bus_message_append(3).
 template <typename... Values>
 [[nodiscard]] BusMessage NewCall(sd_bus& bus, const BusObject& object, const char* interface,
                                  const char* method, const char* types = "", Values... values) {

@@ -72,7 +72,8 @@ class Watch {
   }
 
  private:
-  /// Calls `hear` with each message that matches. Does not wait for the bus, which is left when it refuses.
+  /// From now on `hear` is called with each message that matches. Does not wait for the bus. When the bus
+  /// refuses, its connection ends.
   template <void (Watch::*hear)(sd_bus_message*)>
   bool hears(sd_bus& bus, const char* match) {
     const auto call = [](sd_bus_message* message, void* self, sd_bus_error*) {

@@ -3,7 +3,7 @@
 // Hears which windows of other programs become active, on the accessibility bus.
 //
 // A thread of its own listens whenever accessibility is on for the session. It switches nothing on and asks
-// no program. Only the bus itself is believed about who sends a message.
+// no program. The sender of a message is taken from the bus, never from the message's content.
 #pragma once
 
 #include <cstddef>

@@ -34,10 +34,10 @@ class DestinationFile {
   DestinationFile(const DestinationFile&) = delete;
   DestinationFile& operator=(const DestinationFile&) = delete;
 
-  /// Changes the target to another one in the same folder. Only before all that follows.
+  /// Changes the target to another one in the same folder. To be called before any of the functions below.
   void aimAt(const Target& target);
-  /// Looks for a free name, or whether the wanted one may be overwritten. For callers that need a name before
-  /// the file is there.
+  /// Looks for a free name, or checks whether the wanted one may be overwritten. For callers that need a name
+  /// before the file is there.
   [[nodiscard]] int planName();
   /// The final name: the wanted or planned one, and once published the one that the file has.
   [[nodiscard]] const std::string& name() const { return name_; }
@@ -48,13 +48,14 @@ class DestinationFile {
   [[nodiscard]] std::string movedFolder() const;
   /// Appends all of `bytes`.
   [[nodiscard]] int write(std::string_view bytes);
-  /// What the file gives as the time of its last change, in seconds since 1970. After the last byte; a
+  /// Sets the time of the file's last change, in seconds since 1970. To be called after the last byte; a
   /// failure is ignored.
   void setModified(std::int64_t seconds);
   /// Gives the file its final name. Without permission to overwrite, the wanted name or the next free of
-  /// "name-1.ext", "name-2.ext", …. With it, what has the name is replaced; a link itself, not what it names;
-  /// a folder is never replaced (EISDIR). ESTALE when somebody has removed or replaced the temporary file.
-  /// Waits until the disk has taken the last of the bytes. Nothing more is written after a success.
+  /// "name-1.ext", "name-2.ext", …. With it, an item that has the name is replaced. Of a link, the link
+  /// itself is replaced. A folder is never replaced (EISDIR). ESTALE when somebody has removed or replaced
+  /// the temporary file. Waits until the disk has taken the last of the bytes. Nothing more is written after
+  /// a success.
   [[nodiscard]] int publish();
 
  private:
@@ -76,7 +77,7 @@ class DestinationFile {
   std::string wantedName_;
   bool allowOverwrite_;
   std::string name_;
-  std::uint64_t number_ = 0;  // behind the wanted name; 0: none
+  std::uint64_t number_ = 0;  // after the wanted name; 0: none
   std::string temporaryName_;
   FileDescriptor file_;
   dev_t device_ = 0;

@@ -24,7 +24,8 @@ namespace {
 // The time between two looks at a process that has no descriptor.
 constexpr std::chrono::milliseconds kPause(20);
 
-// Closes everything of the program except `items`: no lock and no pipe stays open. `items` is sorted.
+// Closes all descriptors of the program except `items`, so that no lock and no pipe stays open. `items` is
+// sorted.
 [[noreturn]] void SyncAndExit(FileCalls& calls, const std::vector<int>& items) {
   int next = 0;
   for (const int item : items) {

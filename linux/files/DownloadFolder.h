@@ -33,7 +33,7 @@ namespace quillforth::platform {
 /// outlive this one.
 class DiskSync {
  public:
-  /// Something new is in `folder`, which is a descriptor of the caller's and lies on `device`. `file` is an
+  /// Notes that something new is in `folder`, a descriptor that stays the caller's, on `device`. `file` is an
   /// open item there. Keeps at most one descriptor for each file system. Any thread.
   void add(int folder, dev_t device, FileDescriptor file);
 
@@ -58,8 +58,8 @@ class DiskSync {
   int error_ = 0;                            // the latest
 };
 
-/// For each wanted name that was taken, the highest number put behind it so far. The next file of that name
-/// need not try the lower ones again.
+/// For each wanted name that was taken, the highest number that was put after it so far. The next file of
+/// that name need not try the lower ones again.
 class NameNumbers {
  public:
   /// 0: none.

@@ -13,7 +13,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// Of nearly all values: only longer ones cost another call.
+// Nearly all values fit; only longer ones cost another call.
 constexpr std::size_t kUsualLength = 512;
 
 common::Status StatusOfAttributeError(int error) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Owners of what the system counts: a file descriptor, and a folder whose entries are read.
+// Owners of a file descriptor, and of a folder whose entries are read. Each closes what it owns.
 #pragma once
 
 #include <dirent.h>

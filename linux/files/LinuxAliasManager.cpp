@@ -173,7 +173,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr auto kLongestResolution = 900ms;
-// After a search of the home folder that found nothing and took this long, there is none for a while.
+// After a search of the home folder that found nothing and took this long, no other is made for a while.
 constexpr auto kLongSearch = 100ms;
 constexpr auto kPauseAfterLongSearch = 10s;
 

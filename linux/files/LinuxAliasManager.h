@@ -53,8 +53,7 @@ struct FolderIdentity {
 };
 
 /// Whether inode and birth time are the same. A later folder with the same inode has another birth time.
-/// Device numbers may change when the machine starts anew, so they count only where a birth time is
-/// missing.
+/// Device numbers may change when the machine starts again, so they count only where a birth time is missing.
 [[nodiscard]] bool SameFolder(const FolderIdentity& a, const FolderIdentity& b);
 
 /// The identity in a `statx` result; nothing unless it is a folder's.

@@ -126,10 +126,10 @@ common::Status MoveWithoutReplacing(const NamedItem& from, const NamedItem& to) 
   return MoveWithoutFlags(from, to);
 }
 
-// Enough to move items into the folder, without permission to read it.
+// This is enough to move items into the folder, and needs no permission to read it.
 constexpr int kHeld = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-// What is known of an item; an empty name means the folder. All zero when nothing is.
+// What is known of an item; an empty name means the folder. All zero when nothing is known.
 struct statx Describe(const NamedItem& named) {
   struct statx item {};
   const int flags = AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;

@@ -30,7 +30,7 @@ struct NamedItem {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-/// Whether `item` has that name at this moment.
+/// Whether `item` is under that name at this moment.
 [[nodiscard]] inline bool IsAt(const NamedItem& named, const struct stat& item) {
   struct stat found {};
   return Examine(named, found) == 0 && IsSameItem(found, item);

@@ -16,7 +16,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// The URL in a property list, read by libplist. It gets no list that could cost more than its size.
+// The URL in a property list, read by libplist.
 //
 // libplist follows references and frees nested values by calling itself, so that a few bytes could make it
 // fill the memory or the stack. A link is one dictionary of plain values, and libplist gets only such
@@ -48,7 +48,7 @@ std::uint64_t OffsetIn(QByteArrayView bytes) {
 // Whether a binary list has one container at most, and that one of at most 14 values.
 //
 //   list       "bplist00" | objects | offset table | trailer 32
-//   object     marker 1: kind in the upper four bits, number of values in the lower (15: stands behind it) |
+//   object     marker 1: kind in the upper four bits, number of values in the lower (15: it follows) |
 //   … trailer    unused 6 | bytes of an offset 1 | bytes of a reference 1 | number of objects 8
 //              | root's number 8 | position of the offset table 8
 bool IsPlainBinaryList(const ByteRegion& list) {
@@ -124,7 +124,7 @@ QByteArray Content(QByteArrayView bytes) {
 }
 
 // Takes the first line off `rest`, without its end and the blanks around it; nothing when all are taken.
-// Lines end in LF, CR LF, where an empty one follows, or CR.
+// Lines end in LF, CR or CR LF; after CR LF an empty line follows.
 std::optional<QByteArrayView> TakeLine(QByteArrayView& rest) {
   if (rest.isEmpty()) return std::nullopt;
   const auto end = std::find_if(rest.begin(), rest.end(), [](char c) { return c == '\n' || c == '\r'; });
@@ -136,11 +136,11 @@ std::optional<QByteArrayView> TakeLine(QByteArrayView& rest) {
 
 struct Name {
   QByteArrayView text;
-  bool mayHoldVariables = false;  // what is under it
+  bool mayHoldVariables = false;  // the value of this key
 };
 
-// A key or a group, without the flags of KDE after it: what is under "name[$i]" is not to be changed, the
-// value of "name[$e]" may hold variables. Unknown flags stay.
+// A key or a group without KDE's flags after it: "name[$i]" must not be changed, and the value of "name[$e]"
+// may hold variables. Unknown flags stay.
 Name NameWithoutFlags(QByteArrayView text) {
   Name name{text};
   while (name.text.endsWith(']')) {
@@ -186,7 +186,7 @@ std::optional<Value> ValueInGroup(QByteArrayView text, QByteArrayView group, QBy
 
 QByteArrayView FirstGroup(QByteArrayView text) {
   while (const std::optional<QByteArrayView> line = TakeLine(text)) {
-    const QByteArrayView name = NameWithoutFlags(*line).text;  // none where the flags are the whole file's
+    const QByteArrayView name = NameWithoutFlags(*line).text;  // empty for flags of the whole file
     if (!name.isEmpty() && !name.startsWith('#') && !name.startsWith(';')) return name;
   }
   return {};

@@ -24,10 +24,10 @@ namespace {
 
 constexpr std::array kForkAttributes{"user.com.apple.ResourceFork", "user.org.netatalk.ResourceFork"};
 
-// Folders from the file's own up that may be the root of an unpacked archive.
+// How many folders, from the file's own upwards, may be the root of an unpacked archive.
 constexpr std::size_t kMostLevels = 32;
 
-// What a link file answers with.
+// The fork that stands in for a link file.
 class LinkFork final : public ResourceFork {
  public:
   explicit LinkFork(QByteArray url) : url_(std::move(url)) {}
@@ -93,7 +93,7 @@ bool HaveSameOwner(const FileDescriptor& a, const FileDescriptor& b) {
   return ::fstat(a.get(), &first) == 0 && ::fstat(b.get(), &second) == 0 && first.st_uid == second.st_uid;
 }
 
-// The places of a file's fork, one after the other.
+// Looks for a file's fork in one place after the other.
 class ForkSearch {
  public:
   explicit ForkSearch(const std::filesystem::path& path)
@@ -115,7 +115,7 @@ class ForkSearch {
   }
 
  private:
-  // Each says whether there is nothing left to look for.
+  // Each returns whether the search is over.
   bool lookInCompanion(const FileDescriptor& companion) {
     const auto bytes =
         companion.isOpen() ? ReadFile(companion, kMaxResourceForkLength) : std::optional<QByteArray>();

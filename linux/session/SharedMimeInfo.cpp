@@ -73,8 +73,8 @@ bool IsText(std::string_view type) {
   return type.starts_with("text/");
 }
 
-// "weight:type:pattern" and possibly more fields, such as ":cs" for a pattern in which letter case counts;
-// keys of the table are compared exactly in any case.
+// "weight:type:pattern" and possibly more fields, such as ":cs" for a pattern in which letter case counts. In
+// the extension table it always counts.
 std::optional<GlobLine> ParseLine(std::string_view line) {
   GlobLine glob;
   const std::string_view weight = TakeField(line, ':');
@@ -120,7 +120,8 @@ common::Status SharedMimeInfo::getPrefHandle(std::string_view key) {
     readFolder(folder, hiddenTypes);
     if (folder == folders.front()) own = static_cast<std::ptrdiff_t>(globs_.size());
   }
-  // Text comes before its equals, and loses: a file that is taken for a page is not downloaded.
+  // Text loses against types of the same weight, because a file that is taken for a page is not downloaded.
+  // It goes to the end here, and the reversal below brings it to the front.
   const auto isNoText = [](const Glob& glob) { return !IsText(glob.type); };
   std::stable_partition(globs_.begin(), globs_.begin() + own, isNoText);
   std::stable_partition(globs_.begin() + own, globs_.end(), isNoText);

@@ -22,7 +22,7 @@ namespace quillforth::platform {
 
 class SharedMimeInfo final : public InternetConfigComponent {
  public:
-  /// A longer globs2 file is passed over.
+  /// A longer globs2 file is not read.
   static constexpr std::size_t kMaxFileLength = std::size_t{4} * 1024 * 1024;
   /// Further records are dropped, those of the least important folder first.
   static constexpr std::size_t kMaxEntries = 32768;

@@ -36,10 +36,10 @@ class SingleInstance {
   [[nodiscard]] Outcome begin(std::string_view line, std::chrono::milliseconds patience);
   /// Becomes the instance where there is none. Where there is one, the outcome is `noAnswer`.
   [[nodiscard]] Outcome beginAlone();
-  /// After a line was handed over. Returns when the instance that has it has ended, and every instance that
-  /// took its place at once.
+  /// To be called after a line was handed over. Returns when the instance that took the line has ended, and
+  /// also every instance that took its place at once.
   void waitForEnd() const;
-  /// Where the first instance shall listen; empty for the others.
+  /// Where the first instance is to listen; empty for the others.
   [[nodiscard]] const std::string& socketPath() const { return socketPath_; }
 
  private:

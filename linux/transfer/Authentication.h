@@ -27,11 +27,11 @@ struct OfferedScheme {
   std::string realm;
 };
 
-/// The strongest scheme that we can do of those in the values of WWW-Authenticate or Proxy-Authenticate
-/// fields: Digest before Basic. Nothing when there is none.
+/// The strongest scheme that is supported here, among those in the values of WWW-Authenticate or
+/// Proxy-Authenticate fields: Digest before Basic. Nothing when there is none.
 [[nodiscard]] std::optional<OfferedScheme> StrongestScheme(const std::vector<std::string_view>& fields);
 
-/// Who asks: an origin, or a proxy's address behind "proxy ", and its realm.
+/// What asks for a login: an origin, or "proxy " and the address of a proxy; and the realm.
 using ProtectionSpace = std::pair<std::string, std::string>;
 
 class CredentialStore {
@@ -43,7 +43,7 @@ class CredentialStore {
   /// `path`: of the request that was answered.
   void remember(const ProtectionSpace& space, const Login& login, const std::string& path);
   void forget(const ProtectionSpace& space) { generation_ += entries_.erase(space); }
-  /// Another one whenever a request might now carry another login.
+  /// A number that changes whenever a request might now carry another login.
   [[nodiscard]] std::size_t generation() const { return generation_; }
 
  private:
@@ -56,12 +56,12 @@ class CredentialStore {
   std::size_t generation_ = 0;
 };
 
-/// Which logins the requests of one download carry, and what comes of a refusal.
+/// Which logins the requests of one download carry, and what to do after a refusal.
 ///
 /// A login is bound to the origin that asked for it, and goes to no other. The transfer thread only.
 class DownloadLogins {
  public:
-  /// So many refused answers are enough.
+  /// After this many refused answers the download gives up.
   static constexpr int kMaxFailures = 5;
 
   /// A response with status 401 (407 for a proxy).
@@ -75,7 +75,7 @@ class DownloadLogins {
     retry,
     ask,
     giveUp,  ///< too many answers were refused
-    cannot   ///< none of the schemes can be done here
+    cannot   ///< none of the schemes is supported here
   };
 
   /// `isShared`: logins that were taken before go along, and those that are taken now are kept.
@@ -91,7 +91,7 @@ class DownloadLogins {
   [[nodiscard]] const AuthenticationChallenge& challenge() const { return challenge_; }
   /// The answer to `challenge`; false when nothing was asked.
   [[nodiscard]] bool answer(const std::string& user, const std::string& password);
-  /// The next request carries a login that its server has taken before.
+  /// Whether the next request carries a login that its server has taken before.
   [[nodiscard]] bool isRemembered() const { return server_.login && server_.space; }
   /// The request for `path` was not refused.
   void accepted(const std::string& path);
@@ -114,7 +114,7 @@ class DownloadLogins {
   unsigned long challengedMethod_ = 0;  // 0: nothing is asked
 };
 
-/// What has come of a transfer that got no answer to `challenge`.
+/// The outcome of a transfer that got no answer to `challenge`.
 [[nodiscard]] TransferOutcome OutcomeWithoutLogin(const AuthenticationChallenge& challenge);
 
 }  // namespace quillforth::platform

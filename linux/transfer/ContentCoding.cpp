@@ -26,10 +26,10 @@ enum class Step { more, end, fault };
 class Decoder {
  public:
   virtual ~Decoder() = default;
-  /// Moves `input` on, and sets `length` to the bytes that stand in `output` now. `more` without a byte from
-  /// either: the input has run out.
+  /// Moves `input` on, and sets `length` to the number of bytes that are in `output` now. When it gives
+  /// `more` without having taken or given a byte, the input has run out.
   virtual Step step(std::string_view& input, Piece& output, std::size_t& length) = 0;
-  /// After the end: whether the same may come once more.
+  /// After the end: whether another stream of the same coding may follow.
   virtual bool beginAgain() { return false; }
 };
 

@@ -32,17 +32,17 @@ class CookieJar {
   /// The requests of `handle` carry the cookies that concern them, and their answers set cookies. To be
   /// called before the first request. `handle` does not outlive the jar.
   void serve(CURL* handle);
-  /// Adds a cookie: a line of a file of Netscape's form. What is none is left out.
+  /// Adds a cookie: a line of a file of Netscape's form. A line that is no cookie is left out.
   void add(const std::string& line);
-  /// Those that a request to `host` may carry, and perhaps some of its neighbours', as texts of libcurl.
+  /// The cookies that a request to `host` may carry, and perhaps some of its neighbours', in libcurl's form.
   [[nodiscard]] std::vector<std::string> cookiesNear(std::string_view host);
-  /// The requests of `handle` carry of `cookies` those that concern them, and what their answers set goes
-  /// nowhere. To be called before the first request.
+  /// The requests of `handle` carry those of `cookies` that concern them. Cookies that their answers set are
+  /// not kept. To be called before the first request.
   static void lend(CURL* handle, const std::vector<std::string>& cookies);
-  /// A line of a head has come to such a handle.
+  /// To be called with each line of a head that comes to a handle of `serve`.
   void noteLine(std::string_view line);
-  /// To be called after each answer. Of too many cookies, those of the sites that have set most go, so that
-  /// no server can make the others forget who asks.
+  /// To be called after each answer. When there are too many cookies, the sites that have set most lose all
+  /// of theirs, so that no server can push out the cookies of others.
   void trim();
 
  private:

@@ -174,9 +174,9 @@ namespace {
 
 // A fraction of a frame. Other events wait for their turn no longer than this.
 constexpr std::chrono::milliseconds kDeliveryTime{5};
-// The same where nothing is drawn. Many servers have answered by then, and wake no other thread.
+// The same where nothing is drawn. Many servers have answered by then, and so wake no other thread.
 constexpr std::chrono::milliseconds kLongDeliveryTime{50};
-// Once nothing has been downloaded for so long, the disks are made to keep what was.
+// After this time without a download, the disks are made to keep what was downloaded.
 constexpr std::chrono::seconds kRest{1};
 
 }  // namespace
@@ -319,7 +319,7 @@ void CurlDownloadService::deliver(Report& report) {
   std::visit(receive, report);
 }
 
-// Not in a program whose windows must be drawn meanwhile.
+// Hands the command over without waking the transfer thread, unless there are windows to be drawn meanwhile.
 void CurlDownloadService::decide(ChangeCommand command) {
   if (options_.mayWait) {
     thread_.postQuietly(std::move(command));

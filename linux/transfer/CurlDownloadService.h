@@ -67,7 +67,7 @@ class LookAhead {
 class CurlDownload;
 
 struct DownloadOptions {
-  /// A transfer fails when no byte comes for so long.
+  /// A transfer fails when no byte comes for this long.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
   FileCalls* files = nullptr;  ///< outlives the service; null: the kernel's
   /// The service's thread has nothing to draw: it may wait for a server, and for a disk that takes a small
@@ -94,8 +94,9 @@ class CurlDownloadService final : public WebDownloadService {
   /// While false, callbacks are held back and keep their order. For an owner whose event loop runs while a
   /// delegate is busy.
   void setDelivering(bool isDelivering);
-  /// Holds just the ends of downloads back, in their order: all else is called back. Ends that were held are
-  /// called back from the event loop, or in `end`; those of a download that is cancelled meanwhile never.
+  /// Holds back only the ends of downloads, in their order; all other callbacks go on. Ends that were held
+  /// are called back later from the event loop, or in `end`, unless their download has been cancelled
+  /// meanwhile.
   void setHoldingEnds(bool isHolding);
   [[nodiscard]] bool isHoldingAnEnd() const { return !heldEnds_.empty(); }
   /// For pages and probes, which then share connections with the files.

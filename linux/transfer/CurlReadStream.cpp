@@ -11,7 +11,7 @@ namespace quillforth::platform {
 
 namespace {
 
-// So often it is looked whether the stream is given up.
+// How often the stream checks whether it is given up.
 constexpr std::chrono::milliseconds kLookInterval{100};
 
 // RFC 9110, section 5.6.2.

@@ -39,6 +39,7 @@ class CurlGlobal {
 struct HeaderField {
   std::string name;
   std::string value;
+  /// Whether it may tell the server who the user is: Authorization and Cookie.
   [[nodiscard]] bool tellsWhoAsks() const;
 };
 
@@ -49,23 +50,24 @@ struct TransferSettings {
   bool keepsCookies = true;                        ///< for pages and files; probes have none
   std::string caCertificateFolder{};               ///< hashed, to trust as well; empty: the system's
 
-  // What follows is for pages and files only, and probes go without.
+  // The members from here to `trace` are for pages and files only, not for probes.
   /// Cookies to begin with: lines of a file of Netscape's form.
   std::vector<std::string> cookies{};
-  /// Go to the host of each URL that is asked for, and not to others where that redirects to.
+  /// They go to the host of each URL that is asked for, and to no other host after a redirect.
   std::vector<HeaderField> headers{};
-  /// The origins (`RequestURL`) that may also be told who asks.
+  /// The origins (`RequestURL`) that also get the fields that tell who the user is.
   std::unordered_set<std::string> trustedOrigins{};
-  std::string userAgent{};          ///< empty: the program's own
-  std::string referrer{};           ///< for every request; may hold what nobody is told; empty: the request's
-  bool tellsWholeReferrer = false;  ///< also to other hosts
+  std::string userAgent{};           ///< empty: the program's own
+  std::string referrer{};            ///< for every request, without its secrets; empty: the request's own
+  bool tellsWholeReferrer = false;   ///< also to other hosts
   std::int64_t maxBytesASecond = 0;  ///< of each transfer; 0: no limit
   bool keepsRemoteTime = false;      ///< files get the time that their server gives
   /// Gets each line of requests and heads, those of probes too, without what is secret; on any thread.
   std::function<void(const std::string& line)> trace{};
 };
 
-/// That trust what the environment says (SSL_CERT_FILE, SSL_CERT_DIR; openssl-env(7)).
+/// Settings that trust the certificates that the environment names (SSL_CERT_FILE, SSL_CERT_DIR;
+/// openssl-env(7)).
 [[nodiscard]] TransferSettings SettingsFromEnvironment();
 
 inline constexpr int kMaxRedirects = 20;

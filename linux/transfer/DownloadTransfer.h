@@ -46,7 +46,7 @@ struct ResponseReport {
 struct DestinationReport {
   DownloadId id;
   std::string name;
-  std::string folder;  ///< where it lies by now; empty: in the folder that was decided
+  std::string folder;  ///< where it lies now; empty: in the folder that was decided
 };
 struct DataReport {
   DownloadId id;
@@ -142,7 +142,7 @@ class DownloadTransfer final : public Transfer {
   BodySink sink_;
   bool isWhole_ = false;
   bool isResponseReported_ = false;
-  bool hasWaitedAhead_ = false;  // with the most that is taken
+  bool hasWaitedAhead_ = false;  // because it had taken the most that it may
   bool isSecondTry_ = false;
   std::string reportedName_;
   std::uint64_t reportedLength_ = 0;

@@ -154,7 +154,8 @@ bool IsMemoryLeft() {
   return std::unique_ptr<char[]>(new (std::nothrow) char[ResponseHead::kMaxLength]) != nullptr;
 }
 
-// Of an answer to SIZE (RFC 3659, section 4). libcurl finds a number in any, and takes no byte more.
+// Whether the text of an answer to SIZE (RFC 3659, section 4) is a length. libcurl finds a number in any
+// text, and then takes no more bytes than that.
 bool SaysLength(std::string_view text) {
   std::int64_t length = 0;
   const char* end = text.data() + text.size();
@@ -228,7 +229,7 @@ void Exchange::setUsersOptions() {
     curl_easy_setopt(handle_.get(), CURLOPT_USERAGENT, settings.userAgent.c_str());
   }
   if (settings.maxBytesASecond > 0) {
-    // What is received at a time is not more than an eighth of a second's.
+    // At most an eighth of a second's bytes are received at a time.
     const auto piece = std::clamp<std::int64_t>(settings.maxBytesASecond / 8, 1024, kReceiveBytes);
     curl_easy_setopt(handle_.get(), CURLOPT_BUFFERSIZE, static_cast<long>(piece));
   }
@@ -288,7 +289,8 @@ std::size_t Exchange::receiveHeader(const char* data, std::size_t /*size*/, std:
   return exchange.outcome_.isWhole() && !exchange.nextAttempt_ ? count : 0;
 }
 
-// What a server has not said yet may come later: the connection is good for nothing else.
+// Anything but 0 ends the exchange. The rest of the answer may still come then, so its connection is not used
+// again.
 int Exchange::mayGoOn(void* self, curl_off_t /*total*/, curl_off_t /*now*/, curl_off_t /*uploadTotal*/,
                       curl_off_t /*uploadNow*/) {
   const auto& exchange = *static_cast<Exchange*>(self);
@@ -325,7 +327,7 @@ void Exchange::judgeHead() {
   }
 }
 
-// The head is a proxy's answer to our wish to be connected through.
+// Whether the head is a proxy's answer to our request for a tunnel.
 bool Exchange::isTunnelsHead() const {
   return InfoOf(handle_.get(), CURLINFO_HTTP_CONNECTCODE, 0L) != 0 &&
          InfoOf(handle_.get(), CURLINFO_RESPONSE_CODE, 0L) == 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One request and its answer. This is where it is judged whether the answer counts.
+// One request and its answer. This class decides whether the answer counts.
 //
 // libcurl speaks the protocols. The owner handles redirects and refused logins. A kept connection is looked
 // at just before it is used again: whatever its server has said since then is not the answer. What arrives
@@ -41,16 +41,17 @@ class OpenSockets {
   /// Follows the sockets that `handle` opens from now on until they are closed. They may outlive `handle`,
   /// but not this.
   void watch(CURL* handle);
-  /// Of the connection from local port `port`; CURL_SOCKET_BAD: none.
+  /// That of the connection from local port `port`; CURL_SOCKET_BAD when there is none.
   [[nodiscard]] curl_socket_t find(int port) const;
   /// Whether the peer has said something more, or has gone.
   [[nodiscard]] bool isReadable(curl_socket_t socket) const;
   /// How long ago the peer has sent something, or the connection was made; nothing when it is closed.
   [[nodiscard]] std::optional<std::chrono::milliseconds> ageOfLastByte(curl_socket_t socket) const;
-  /// Has the kernel say at once what has arrived. A peer may hold back what else it has to say until then
-  /// (RFC 9293, section 3.7.4), which would be after the next look. Nothing when it is closed.
+  /// Makes the kernel acknowledge at once what has arrived. Until then a peer may hold back what else it has
+  /// to say (RFC 9293, section 3.7.4), and that would come after the next look. Does nothing when it is
+  /// closed.
   void acknowledge(curl_socket_t socket) const;
-  /// Nobody waits for a word on them any more.
+  /// Shuts all of them down, so that nobody waits for anything on them any more.
   void shutDown();
 
  private:
@@ -68,7 +69,7 @@ class OpenSockets {
 /// Whether the server has said that it sends nothing more (close_notify; RFC 8446, section 6.1).
 using TLSEnd = std::shared_ptr<const bool>;
 
-/// Makes the connections that `handle` opens take notice of their end.
+/// Makes the connections that `handle` opens note how they end.
 void WatchTLSEnd(CURL* handle);
 /// The end of the connection that `handle` is using now; null for one without TLS. Take it before the
 /// connection can end; it outlives the connection.
@@ -80,7 +81,7 @@ void WatchTLSEnd(CURL* handle);
 struct TransferContext {
   const TransferSettings& settings;
   std::atomic<bool> isStopped = false;
-  /// libcurl waits for a server of FTP with all its other work undone; no longer than until then.
+  /// While libcurl waits for an FTP server it does no other work, so it is made to give up at this time.
   std::chrono::steady_clock::time_point endOfTurn{};
   OpenSockets sockets{};
   CookieJar cookies{};
@@ -102,7 +103,7 @@ class Exchange {
   enum class Attempt {
     first,
     anew,            ///< on a new connection
-    anewWithoutSize  ///< and a server of FTP is not asked how long the file is
+    anewWithoutSize  ///< and an FTP server is not asked how long the file is
   };
 
   /// Takes the answer. Called while libcurl works.
@@ -129,13 +130,13 @@ class Exchange {
   /// Null when memory was short.
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
   [[nodiscard]] const ResponseHead& head() const { return head_; }
-  /// The request carries these fields. Before it is driven.
+  /// Adds fields to the request. To be called before the handle is driven.
   void carry(const std::vector<HeaderField>& fields);
   [[nodiscard]] bool isFTP() const;
   /// As in ResponseHead; also for FTP. Only once the head is complete.
   [[nodiscard]] std::int64_t announcedLength() const;
-  /// When the server says that the file was changed last, in seconds since 1970; 0 when nobody wants to know,
-  /// or that is nowhere in the past.
+  /// The time of the file's last change that the server gives, in seconds since 1970. 0 when the settings do
+  /// not ask for it, when the server gives none, and for a time that is not in the past.
   [[nodiscard]] std::int64_t modified() const;
   /// Seconds for which the server wants to be left alone (RFC 9110, section 10.2.3), at most
   /// `kMaxRetryAfter`.
@@ -147,11 +148,11 @@ class Exchange {
   /// "address:port" of the peer: the server or a proxy.
   [[nodiscard]] std::string peer() const;
   [[nodiscard]] bool isPaused() const { return isPaused_; }
-  /// When to go on, where it is paused because it was faster than the user wants it.
+  /// When to go on, if it is paused because it was faster than the user wants.
   [[nodiscard]] std::optional<Clock::time_point> slowedDownUntil() const {
     return isSlowedDown_ ? std::optional(due_) : std::nullopt;
   }
-  /// The answer sets a cookie, which nobody has kept: it was asked for with cookies that were lent.
+  /// Whether the answer sets a cookie that is not kept, because the request was made with lent cookies.
   [[nodiscard]] bool hasLostCookie() const { return hasLostCookie_; }
   void resume();
   /// Whether the taker was asked, and wants the body.
@@ -159,9 +160,9 @@ class Exchange {
 
   /// To be called when the handle is done. Asks the taker now if there is a head and it was not asked.
   void end(CURLcode result);
-  /// After `end`: how the same is to be asked for once more, if it is.
+  /// After `end`: how the same request is to be made once more; nothing if it is not.
   [[nodiscard]] std::optional<Attempt> nextAttempt() const { return nextAttempt_; }
-  /// After `end`; for a body that is not wanted, whole.
+  /// After `end`. A body that is not wanted counts as whole.
   [[nodiscard]] const TransferOutcome& outcome() const { return outcome_; }
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Tells the requests and the heads of answers as they go over the wire, without passwords, cookies and what
-// else is secret. Any thread.
+// Reports requests and the heads of answers as they go over the wire, without passwords, cookies and other
+// secrets. Any thread.
 #pragma once
 
 #include <curl/curl.h>

@@ -52,7 +52,7 @@ std::optional<int> StatusOf(std::string_view line) {
   return status >= 100 ? std::optional(status) : std::nullopt;
 }
 
-// RFC 1738, section 3.2.2: ";type=" and "a", "i" or "d" behind the path.
+// RFC 1738, section 3.2.2: ";type=" and "a", "i" or "d" after the path.
 std::string_view FTPTransferType(std::string_view url) {
   constexpr std::string_view kType = ";type=";
   const std::size_t start = url.size() < kType.size() + 1 ? 0 : url.size() - kType.size() - 1;

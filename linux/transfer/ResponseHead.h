@@ -47,8 +47,8 @@ class ResponseHead {
   [[nodiscard]] std::string_view firstValue(std::string_view name) const;
   /// Where the answer redirects to; empty when it does not.
   [[nodiscard]] std::string_view location() const;
-  /// Bytes that are announced, -1 when none are. Nothing when what it says cannot be: no number, one that 63
-  /// bits cannot hold, or two that differ (RFC 9112, section 6.3).
+  /// The length of the body that is announced, in bytes; -1 when none is. Nothing when the announcement is no
+  /// number, does not fit 63 bits, or is two numbers that differ (RFC 9112, section 6.3).
   [[nodiscard]] std::optional<std::int64_t> announcedLength() const;
   /// Whether the body ends where the connection does.
   [[nodiscard]] bool endsWithConnection() const;

@@ -52,7 +52,7 @@ void Transfer::goTo(RequestURL url) {
   beginExchange();
 }
 
-// The user's, as far as a server may see them.
+// The user's fields that the server of `url` may see.
 std::vector<HeaderField> Transfer::fieldsFor(const RequestURL& url) const {
   const TransferSettings& settings = context_->settings;
   const bool isLessSecure = firstOrigin_.starts_with("https:") && !url.origin.starts_with("https:");

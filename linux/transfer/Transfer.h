@@ -139,7 +139,7 @@ class Transfer : private Exchange::Taker {
   int redirectsLeft_ = kMaxRedirects;
   std::optional<DownloadLogins> logins_;
   std::unique_ptr<Exchange> exchange_;
-  TransferOutcome fault_;  // of the answer, or of who takes it
+  TransferOutcome fault_;  // of the answer, or of whoever takes it
   bool hasBegun_ = false;
   std::uint64_t takenLength_ = 0;
   Clock::time_point lastMove_{};

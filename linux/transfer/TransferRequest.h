@@ -34,8 +34,8 @@ struct RequestURL {
 
   /// Nothing when `text` is no absolute URL of http, https or ftp.
   [[nodiscard]] static std::optional<RequestURL> parse(const std::string& text);
-  /// Where a redirect to `location` goes from here. Nothing as above; blanks and bytes above ASCII are
-  /// escaped.
+  /// Where a redirect to `location` goes from here. Nothing in the same cases; blanks and bytes above ASCII
+  /// are escaped.
   [[nodiscard]] std::optional<RequestURL> redirectedTo(const std::string& location) const;
   /// What a request for this may tell of the page at `referrer`: all, its origin, or nothing (empty), as
   /// "strict-origin-when-cross-origin" has it (Referrer Policy, section 8).
@@ -61,7 +61,7 @@ struct TransferRequest {
   std::optional<Login> login{};        ///< for the origin of `url`
   /// The longest body that is taken, in bytes as they are sent.
   std::uint64_t maxBodyLength = std::numeric_limits<std::uint64_t>::max();
-  /// The transfer fails when no byte comes for so long.
+  /// The transfer fails when no byte comes for this long.
   std::chrono::milliseconds stallTimeout = std::chrono::seconds(kStallSeconds);
 };
 

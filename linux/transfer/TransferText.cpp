@@ -206,7 +206,7 @@ const OutcomePhrase& PhraseOf(OutcomeKind kind) {
                        [kind](const OutcomePhrase& p) { return p.kind == kind; });
 }
 
-// What is about a moment and not about the file.
+// Whether the failure is one of the moment, and not of the file.
 bool MayPass(OutcomeKind kind, long status) {
   constexpr OutcomeKind kPassing[] = {
       OutcomeKind::silence,        OutcomeKind::slowHead,  OutcomeKind::timeout,   OutcomeKind::noAnswer,
@@ -243,7 +243,7 @@ TransferFailure TransferOutcome::failure() const {
 
 TransferOutcome OutcomeOf(CURLcode code) {
   if (code == CURLE_OK) return {};
-  // When there is no socket to be had, libcurl says only that there is no connection.
+  // When no socket can be made, libcurl says only that there is no connection.
   const bool isUnconnected = code == CURLE_COULDNT_CONNECT || code == CURLE_COULDNT_RESOLVE_HOST;
   if (isUnconnected && !FileDescriptor(::eventfd(0, EFD_CLOEXEC)).isOpen())
     return {OutcomeKind::system, errno};

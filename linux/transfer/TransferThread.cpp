@@ -20,7 +20,7 @@ constexpr int kMaxConnectionsAHost = 6;
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(1);
 // libcurl 7.88 may wait although it could go on: it does when the answer to EPSV came at once.
 constexpr std::chrono::milliseconds kLongestFTPWait{20};
-// A server of FTP may take so long for its last word on a file. All other transfers wait for it.
+// An FTP server may take this long for its last answer about a file. All other transfers wait meanwhile.
 constexpr std::chrono::seconds kLongestTurn{10};
 
 // The main thread takes the signals. SIGPIPE and SIGXFSZ are to become error numbers.
@@ -59,7 +59,7 @@ void TransferThread::run() {
       turn.lock();
     }
   }
-  // libcurl says goodbye to servers of FTP, and would wait minutes for an answer.
+  // libcurl says goodbye to FTP servers, and would wait minutes for an answer.
   context_.sockets.shutDown();
   while (!entries_.empty()) release(entries_.begin());
 }

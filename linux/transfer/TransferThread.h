@@ -50,11 +50,13 @@ class TransferThread {
   [[nodiscard]] TransferId newId() { return ++lastId_; }
   void post(Command command) { commands_.post(std::move(command)); }
   [[nodiscard]] bool isGivingUp() const { return context_.isGivingUp(); }
-  /// On one thread only, as all below: `work` or `handOver` is to follow, and until then nothing comes of it.
+  /// For one thread only, like everything below. Nothing happens before the `work` or `handOver` that has to
+  /// follow.
   void postQuietly(Command command);
-  /// Does what `postQuietly` was given, and this thread's work on the calling thread, until `isDone` or
-  /// `until`. This thread goes on with what is under way then.
+  /// Does what `postQuietly` was given, and all other work of the transfer thread, on the calling thread,
+  /// until `isDone` or `until`. Then the transfer thread goes on with what is under way.
   void work(std::chrono::steady_clock::time_point until, const std::function<bool()>& isDone);
+  /// Leaves what `postQuietly` was given to the transfer thread.
   void handOver();
 
  private:
@@ -65,7 +67,7 @@ class TransferThread {
     std::unique_ptr<Transfer> transfer;
     bool isDriven = false;  // its handle is in the multi handle
   };
-  using Entries = std::map<TransferId, Entry>;  // what is ahead goes in the order of its turns
+  using Entries = std::map<TransferId, Entry>;  // transfers ahead go in the order of their turns
   using Clock = Transfer::Clock;
 
   void run();
