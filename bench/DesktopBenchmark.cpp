@@ -100,7 +100,7 @@ void Queue(desktop::Desktop& program, int count) {
   timer.start();
   QueueURLs(program, count);
   const auto queued = timer.elapsed();
-  auto* table = program.statusWindow().findChild<desktop::QueueTable*>();
+  auto* table = &program.statusWindow().table();
   RunUntil([table, count] { return table->model()->rowCount() == count; });
   std::printf("queued-ms %lld\nshown-ms %lld\nmemory-before-MiB %.1f\nmemory-MiB %.1f\n",
               static_cast<long long>(queued), static_cast<long long>(timer.elapsed()), before,
@@ -131,7 +131,7 @@ void Turn(QWidget& viewport, int notches) {
 
 void Rows(desktop::Desktop& program, int count) {
   RunUntil([&program] { return !program.gate().isBusy(); });
-  auto& table = *program.statusWindow().findChild<desktop::QueueTable*>();
+  auto& table = program.statusWindow().table();
   auto& bar = *table.verticalScrollBar();
   auto& selection = *table.selectionModel();
   const auto press = [&](const char* name) {

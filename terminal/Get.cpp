@@ -344,6 +344,7 @@ GivenURL::Kind Get::kindOf(const QString& file) const {
 
 // The kind stands on the line where the URL would be taken for something else.
 void Get::leave(const GivenURL& url) {
+  if (!settings_.arguments.rest) return;
   const std::optional<platform::URL> target = platform::URL::URLWithString(url.text);
   const bool isPage = url.kind == GivenURL::Kind::page;
   const bool isPlain = url.kind == GivenURL::Kind::judged || !target ||
@@ -354,6 +355,10 @@ void Get::leave(const GivenURL& url) {
 // What is still there when the run ends was not fetched.
 void Get::leaveAll() {
   const QStringList inFlight = controller_.textsInFlight();
+  const std::size_t left =
+      static_cast<std::size_t>(inFlight.size()) + retries_.size() + urls_.size() + controller_.numberOfRows();
+  summary_.notFetched += lostCount_ + static_cast<int>(left);
+  if (!settings_.arguments.rest) return;
   for (const QString& text : inFlight) leave({text, kindOf(text)});
   for (std::size_t row = 0; row < controller_.numberOfRows(); ++row) {
     const QString text = controller_.objectValueForRow(row);
@@ -361,9 +366,6 @@ void Get::leaveAll() {
   }
   for (const auto& [due, retry] : retries_) leave(retry.url);
   for (const GivenURL& url : urls_) leave(url);
-  const std::size_t left =
-      static_cast<std::size_t>(inFlight.size()) + retries_.size() + urls_.size() + controller_.numberOfRows();
-  summary_.notFetched += lostCount_ + static_cast<int>(left);
 }
 
 }  // namespace quillforth::terminal
