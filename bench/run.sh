@@ -60,8 +60,10 @@ mkdir "$work/www/large"
 head -c "$((large * 1048576))" /dev/urandom > "$work/www/large/large.bin"
 ours_large() { measure ours "$cli" get --local --file --to "$out" "$base/large/large.bin"; }
 curl_large() { measure curl curl --silent --output "$out/large.bin" "$base/large/large.bin"; }
-in_turn 3 ours_large curl_large
+hasty_large() { measure ours-hasty env LD_PRELOAD="$work/hasty.so" "$cli" get --local --file --to "$out" "$base/large/large.bin"; }
+in_turn 3 ours_large hasty_large curl_large
 row "one file of $large MiB to the disk" ours curl
+row "the same without waiting for the disk" ours-hasty curl
 
 make_files small "$many" 10
 wanted=small
