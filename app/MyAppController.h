@@ -50,7 +50,6 @@ class MyAppController final : public platform::WebDownloadDelegate,
   /// Null when the sound could not be loaded. The controller never plays it.
   [[nodiscard]] const platform::Sound* completionSound() const { return harpSound_.get(); }
   /// Empty until `applicationWillFinishLaunching`.
-  /// Empty until `applicationWillFinishLaunching`.
   [[nodiscard]] const classify::CExtensionMap& extensionMap() const { return extensionMap_; }
 
   // Queue and table (Queue.cpp).
