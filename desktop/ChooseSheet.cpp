@@ -120,7 +120,9 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
       text_(new QLineEdit(this)),
       kinds_(new KindsButton(this)),
       table_(new QueueTable(this)),
-      counts_(new QLabel(this)) {
+      counts_(new QLabel(this)),
+      tickAll_(new QPushButton(tr("&Tick All"), this)),
+      untickAll_(new QPushButton(tr("&Untick All"), this)) {
   setWindowTitle(tr("Choose Links"));
   auto* page = new ElidedLabel(this);
   page->setWholeText(tr("Links of %1").arg(platform::WithoutCredentials(links.entryAt(0).page)));
@@ -128,25 +130,28 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
   text_->setAccessibleName(tr("Filter of the links"));
   text_->setClearButtonEnabled(true);
   table_->setAccessibleName(tr("Links of the page"));
-  table_->setInvitation(tr("The filter hides all URLs."));
+  table_->setInvitation(tr("No URL passes the filter."));
   table_->setModel(&model_);
   table_->setItemDelegate(MakeURLDelegate(table_));
   counts_->setTextFormat(Qt::PlainText);
   auto* buttons = new QDialogButtonBox(this);
   queue_ = buttons->addButton(tr("&Queue Ticked"), QDialogButtonBox::AcceptRole);
   buttons->addButton(tr("&Cancel"), QDialogButtonBox::RejectRole)->setToolTip(tr("Queue none of them"));
-  tickAll_ = buttons->addButton(tr("&Tick All"), QDialogButtonBox::ActionRole);
-  untickAll_ = buttons->addButton(tr("&Untick All"), QDialogButtonBox::ActionRole);
-  for (QPushButton* button : {tickAll_, untickAll_})
-    button->setToolTip(tr("All links that the filter shows"));
   auto* filterRow = new QHBoxLayout;
   filterRow->addWidget(text_);
   filterRow->addWidget(kinds_);
+  auto* tickRow = new QHBoxLayout;
+  tickRow->addWidget(counts_, 1);
+  for (QPushButton* button : {tickAll_, untickAll_}) {
+    button->setToolTip(tr("All links that the filter shows"));
+    button->setAutoDefault(false);
+    tickRow->addWidget(button);
+  }
   auto* rows = new QVBoxLayout(this);
   rows->addWidget(page);
   rows->addLayout(filterRow);
   rows->addWidget(table_);
-  rows->addWidget(counts_);
+  rows->addLayout(tickRow);
   rows->addWidget(buttons);
   for (QObject* watched : {static_cast<QObject*>(text_), static_cast<QObject*>(table_)})
     watched->installEventFilter(this);
@@ -176,7 +181,10 @@ bool ChooseSheet::eventFilter(QObject* watched, QEvent* event) {
 bool ChooseSheet::takesKey(const QObject* watched, int key) {
   if (watched == table_ && key == Qt::Key_Space) {
     const QModelIndex current = table_->currentIndex();
-    if (current.isValid()) model_.setTicked(table_->selectedRows(), !model_.isTicked(current.row()));
+    if (!current.isValid()) return true;
+    RowRanges rows = table_->selectedRows();
+    if (rows.empty()) rows = {{current.row(), current.row()}};
+    model_.setTicked(rows, !model_.isTicked(current.row()));
     return true;
   }
   if (watched != text_) return false;

@@ -204,9 +204,8 @@ void Desktop::connectCommands() {
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
-  bind(ui.actionDelete, ui.deleteButton, [this] {
-    give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); });
-  });
+  bind(ui.actionDelete, ui.deleteButton,
+       [this] { give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); }); });
   bind(ui.actionRemoveDuplicates, nullptr, [this] { give([this] { removeDuplicates(); }); });
   bind(ui.actionSaveList, nullptr, [this] { saveList(); });
   bind(ui.actionHelp, nullptr, [this] { showManual(); });

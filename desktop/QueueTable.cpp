@@ -36,6 +36,8 @@ class URLDelegate final : public QStyledItemDelegate {
     initStyleOption(&option, index);
     const QString url = std::exchange(option.text, {});
     const QStyle* style = option.widget->style();
+    // Fusion draws the box of a tick in a shade of it, which is lost on the dark ground of a list.
+    option.palette.setColor(QPalette::Window, option.palette.color(QPalette::PlaceholderText));
     style->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
     const bool hasTick = option.features.testFlag(QStyleOptionViewItem::HasCheckIndicator);
@@ -129,7 +131,7 @@ void QueueTable::followModel() {
   const bool isEmpty = model() == nullptr || model()->rowCount() == 0;
   const auto* queue = qobject_cast<const QueueModel*>(model());
   const bool isFiltered = queue != nullptr && queue->isFiltered();
-  const QString said = !isEmpty ? QString() : isFiltered ? tr("The filter hides all URLs.") : text_;
+  const QString said = !isEmpty ? QString() : isFiltered ? tr("No URL passes the filter.") : text_;
   invitation_->setVisible(isEmpty);
   if (accessibleDescription() != said) setAccessibleDescription(said);
   if (!isEmpty) return;

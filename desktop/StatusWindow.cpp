@@ -8,6 +8,7 @@
 #include <QKeySequence>
 #include <utility>
 
+#include "desktop/Appearance.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -25,7 +26,6 @@ void Accept(QDropEvent& event) {
   event.ignore();
 }
 
-// By the names of the freedesktop icon naming specification. A theme may lack some.
 void SetIcons(const Ui::StatusWindow& ui) {
   const std::pair<QAction*, const char*> icons[] = {{ui.actionAddURLs, "list-add"},
                                                     {ui.actionImportURL, "text-html"},
@@ -46,10 +46,7 @@ void SetIcons(const Ui::StatusWindow& ui) {
                                                     {ui.actionClear, "edit-clear"},
                                                     {ui.actionHelp, "help-contents"},
                                                     {ui.actionAbout, "help-about"}};
-  for (const auto& [action, name] : icons) {
-    const QLatin1StringView shown(name);
-    action->setIcon(QIcon::fromTheme(shown, QIcon(QStringLiteral(":/icons/%1.svg").arg(shown))));
-  }
+  for (const auto& [action, name] : icons) action->setIcon(CommandIcon(QString::fromLatin1(name)));
   ui.addButton->setIcon(ui.actionAddURLs->icon());
 }
 

@@ -99,9 +99,10 @@ void WorkProgress::settle() {
 
 QString WorkProgress::bytesText(bool isWaiting) const {
   const bool isTold = expected_ > 0 && expected_ <= std::numeric_limits<std::int32_t>::max() && !isWaiting;
-  if (!isUnderWay_ || isTold) return {};
+  const std::uint64_t count = received_ + services_.undeliveredBytes();
+  if (!isUnderWay_ || isTold || count == 0) return {};
   const QLocale locale;
-  const QString received = locale.toString(qulonglong{received_ + services_.undeliveredBytes()});
+  const QString received = locale.toString(qulonglong{count});
   if (expected_ <= 0) return StatusWindow::tr("%1 bytes").arg(received);
   return StatusWindow::tr("%1 of %2 bytes").arg(received, locale.toString(qlonglong{expected_}));
 }

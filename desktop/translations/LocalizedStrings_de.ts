@@ -833,7 +833,7 @@
     </message>
     <message>
         <source>&amp;Import Page…</source>
-        <translation>Seite &amp;importieren…</translation>
+        <translation>Seite &amp;importieren&#xa0;…</translation>
     </message>
 </context>
 <context>
@@ -948,8 +948,8 @@
         <translation>Links der Seite</translation>
     </message>
     <message>
-        <source>The filter hides all URLs.</source>
-        <translation>Der Filter blendet alle URLs aus.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Keine URL passt zum Filter.</translation>
     </message>
     <message>
         <source>&amp;Queue Ticked</source>
@@ -1174,8 +1174,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>The filter hides all URLs.</source>
-        <translation>Der Filter blendet alle URLs aus.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Keine URL passt zum Filter.</translation>
     </message>
 </context>
 <context>
@@ -1334,11 +1334,11 @@
     </message>
     <message>
         <source>%1 bytes</source>
-        <translation>%1 Bytes</translation>
+        <translation>%1 Byte</translation>
     </message>
     <message>
         <source>%1 of %2 bytes</source>
-        <translation>%1 von %2 Bytes</translation>
+        <translation>%1 von %2 Byte</translation>
     </message>
 </context>
 <context>

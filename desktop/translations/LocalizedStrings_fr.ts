@@ -948,8 +948,8 @@
         <translation>Liens de la page</translation>
     </message>
     <message>
-        <source>The filter hides all URLs.</source>
-        <translation>Le filtre masque toutes les URL.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Aucune URL ne correspond au filtre.</translation>
     </message>
     <message>
         <source>&amp;Queue Ticked</source>
@@ -1134,7 +1134,7 @@
     </message>
     <message>
         <source>%1 done, %2 failed</source>
-        <translation>%1 réussis, %2 échecs</translation>
+        <translation>%1 faits, %2 échecs</translation>
     </message>
     <message>
         <source> (the oldest %1 are not listed any more)</source>
@@ -1174,8 +1174,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>The filter hides all URLs.</source>
-        <translation>Le filtre masque toutes les URL.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Aucune URL ne correspond au filtre.</translation>
     </message>
 </context>
 <context>
