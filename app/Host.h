@@ -85,6 +85,7 @@ struct Host {
   platform::RunningProcesses* processes = nullptr;  ///< null: no browser ever runs
   platform::ScriptHost* scripts = nullptr;          ///< null: no script compiles
   LinkChoice wantsLink = {};                        ///< null: every link of a page joins the queue
+  PageChoice chooseLinks = {};                      ///< null: what `wantsLink` wants joins at once
   Calculate calculate = [](const std::function<void()>& calculation) { return calculation(), true; };
 };
 

@@ -92,6 +92,7 @@ void MyAppController::queueLinksOfPage(const QString& pageURL) {
   UrlQueue urls;
   if (!host_.calculate([&] { urls = LinksOfPage(page, pageURL, extensionMap_, host_.wantsLink); }))
     return fail({});
+  if (host_.chooseLinks && !urls.empty()) host_.chooseLinks(urls);
   const std::size_t linkCount = urls.size();
   urlList_.append(std::move(urls));
   tell(&ControllerObserver::pageWasQueued, pageURL, linkCount);

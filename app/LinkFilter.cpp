@@ -2,7 +2,9 @@
 
 #include "app/LinkFilter.h"
 
+#include <QHash>
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "common/BoundedText.h"
@@ -18,24 +20,24 @@ constexpr QLatin1String kWorkLimit("(*LIMIT_MATCH=50000)");
 struct Kind {
   QLatin1String name;
   QLatin1String typePrefix;  // of MIME types that belong to it; may be empty
-  QLatin1String extensions;  // that belong to it whatever the table says, with a blank around each
+  QLatin1String extensions;  // that belong to it whatever the table says
 };
 
 constexpr Kind kKinds[] = {
     {QLatin1String("pictures"), QLatin1String("image/"),
-     QLatin1String(" jpg jpeg jpe png gif webp avif jxl svg bmp tif tiff heic heif psd xcf ")},
+     QLatin1String("jpg jpeg jpe png gif webp avif jxl svg bmp tif tiff heic heif psd xcf")},
     {QLatin1String("sound"), QLatin1String("audio/"),
-     QLatin1String(" mp3 ogg oga opus flac wav aac m4a wma aif aiff mid midi ")},
+     QLatin1String("mp3 ogg oga opus flac wav aac m4a wma aif aiff mid midi")},
     {QLatin1String("film"), QLatin1String("video/"),
-     QLatin1String(" mp4 m4v mkv webm avi mov mpg mpeg ogv wmv flv 3gp ")},
+     QLatin1String("mp4 m4v mkv webm avi mov mpg mpeg ogv wmv flv 3gp")},
     {QLatin1String("archives"),
      {},
-     QLatin1String(" zip tar gz tgz bz2 tbz tbz2 xz txz zst lz lzma 7z rar cab iso jar deb rpm ")},
+     QLatin1String("zip tar gz tgz bz2 tbz tbz2 xz txz zst lz lzma 7z rar cab iso jar deb rpm")},
     {QLatin1String("documents"),
      {},
-     QLatin1String(" pdf ps djvu epub mobi doc docx odt rtf xls xlsx ods csv ppt pptx odp txt md tex ")},
+     QLatin1String("pdf ps djvu epub mobi doc docx odt rtf xls xlsx ods csv ppt pptx odp txt md tex")},
     {QLatin1String("pages"), QLatin1String("text/html"),
-     QLatin1String(" htm html shtml xhtml xht php php3 php5 phtml asp aspx jsp cgi ")},
+     QLatin1String("htm html shtml xhtml xht php php3 php5 phtml asp aspx jsp cgi")},
 };
 
 // In lower case, without its dot; empty when there is none. `url` need not be a valid URL.
@@ -59,27 +61,28 @@ QByteArray TypeOf(const QString& extension, const classify::CExtensionMap& exten
   return {type.data(), static_cast<qsizetype>(type.size())};
 }
 
-bool IsOfKind(const Kind& kind, const QString& extension, const QByteArray& type) {
-  if (extension.isEmpty()) return kind.name == QLatin1String("pages");
-  if (QString(kind.extensions).contains(u' ' + extension + u' ')) return true;
-  return !kind.typePrefix.isEmpty() && type.startsWith(kind.typePrefix.data());
+const QHash<QString, LinkKinds>& KindsOfExtensions() {
+  static const QHash<QString, LinkKinds> kinds = [] {
+    QHash<QString, LinkKinds> all;
+    for (std::size_t i = 0; i < std::size(kKinds); ++i) {
+      for (const QString& extension : QString(kKinds[i].extensions).split(u' ', Qt::SkipEmptyParts))
+        all[extension] |= 1U << i;
+    }
+    return all;
+  }();
+  return kinds;
 }
 
-bool IsListed(const QStringList& list, const QString& extension, const QByteArray& type) {
-  return std::any_of(list.begin(), list.end(), [&](const QString& item) {
-    const auto* const kind =
-        std::ranges::find_if(kKinds, [&](const Kind& each) { return each.name == item; });
-    return kind != std::end(kKinds) ? IsOfKind(*kind, extension, type) : item == extension;
-  });
-}
-
-QStringList Items(const QStringList& list) {
-  QStringList items;
-  for (const QString& item : list) {
-    const QString word = item.trimmed().toLower();
-    if (!word.isEmpty()) items.append(word.startsWith(u'.') ? word.sliced(1) : word);
+LinkKinds KindsOf(const QString& extension, const classify::CExtensionMap& extensions) {
+  constexpr LinkKinds kPages = 1U << (std::size(kKinds) - 1);  // the last one
+  if (extension.isEmpty()) return kPages;
+  const QByteArray type = TypeOf(extension, extensions);
+  LinkKinds kinds = KindsOfExtensions().value(extension);
+  for (std::size_t i = 0; i < std::size(kKinds); ++i) {
+    const QLatin1String prefix = kKinds[i].typePrefix;
+    if (!prefix.isEmpty() && type.startsWith(prefix.data())) kinds |= 1U << i;
   }
-  return items;
+  return kinds;
 }
 
 bool MakeExpressions(const QStringList& patterns, std::vector<QRegularExpression>& expressions,
@@ -114,6 +117,23 @@ const QStringList& LinkFilter::kinds() {
   return names;
 }
 
+LinkKinds LinkFilter::kindsOf(const QString& url, const classify::CExtensionMap& extensions) {
+  return KindsOf(ExtensionOf(url), extensions);
+}
+
+LinkFilter::Items::Items(const QStringList& words) {
+  for (const QString& item : words) {
+    QString word = item.trimmed().toLower();
+    if (word.startsWith(u'.')) word.remove(0, 1);
+    const qsizetype kind = LinkFilter::kinds().indexOf(word);
+    if (kind >= 0) {
+      kinds |= 1U << kind;
+    } else if (!word.isEmpty()) {
+      extensions.append(word);
+    }
+  }
+}
+
 std::optional<LinkFilter> LinkFilter::make(const Rules& rules, QString& error) {
   LinkFilter filter;
   filter.accept_ = Items(rules.accept);
@@ -131,9 +151,12 @@ bool LinkFilter::isEmpty() const {
 bool LinkFilter::passes(const FoundLink& link, const classify::CExtensionMap& extensions) const {
   if (!accept_.isEmpty() || !reject_.isEmpty()) {
     const QString extension = ExtensionOf(link.url);
-    const QByteArray type = TypeOf(extension, extensions);
-    if (!accept_.isEmpty() && !IsListed(accept_, extension, type)) return false;
-    if (IsListed(reject_, extension, type)) return false;
+    const LinkKinds kinds = KindsOf(extension, extensions);
+    const auto isIn = [&](const Items& items) {
+      return (items.kinds & kinds) != 0 || items.extensions.contains(extension);
+    };
+    if (!accept_.isEmpty() && !isIn(accept_)) return false;
+    if (isIn(reject_)) return false;
   }
   if (sameHost_) {
     const QString host = platform::HostOf(link.url);

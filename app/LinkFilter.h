@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Which links of a page join the queue: the function that is asked between the scan of a page and the queue,
-// and the rules that a user may give for it.
+// Which links of a page join the queue: the functions that are asked between the scan of a page and the
+// queue, and the rules that a user may give for it.
 //
 // Without rules every link joins. Pure values; any thread.
 #pragma once
@@ -17,6 +17,8 @@
 
 namespace quillforth::app {
 
+class UrlQueue;
+
 /// A link as the scan of a page has given it.
 struct FoundLink {
   QString url;        ///< absolute; perhaps no valid URL
@@ -27,6 +29,13 @@ struct FoundLink {
 /// Whether a link joins the queue. Called for the links of one page after another, in their order, on the
 /// thread that calculates (`Calculate` in Host.h).
 using LinkChoice = std::function<bool(const FoundLink& link)>;
+
+/// Takes out of `links`, which are all of one page and in their order, those that are not to join the queue.
+/// Called after `LinkChoice`, once for each page that has links left. Main thread; may run its event loop.
+using PageChoice = std::function<void(UrlQueue& links)>;
+
+/// A set of kinds of links: one bit each, by its place in `LinkFilter::kinds()`.
+using LinkKinds = unsigned;
 
 class LinkFilter {
  public:
@@ -43,6 +52,8 @@ class LinkFilter {
 
   /// The names of all kinds, in the order of their table.
   [[nodiscard]] static const QStringList& kinds();
+  /// Those that `url` belongs to, which need be no valid URL.
+  [[nodiscard]] static LinkKinds kindsOf(const QString& url, const classify::CExtensionMap& extensions);
 
   /// Lets every link pass.
   LinkFilter() = default;
@@ -55,9 +66,16 @@ class LinkFilter {
 
  private:
   using Expressions = std::vector<QRegularExpression>;
+  struct Items {
+    LinkKinds kinds = 0;
+    QStringList extensions = {};
 
-  QStringList accept_;
-  QStringList reject_;
+    explicit Items(const QStringList& words = {});
+    [[nodiscard]] bool isEmpty() const { return kinds == 0 && extensions.isEmpty(); }
+  };
+
+  Items accept_;
+  Items reject_;
   Expressions match_;
   Expressions noMatch_;
   bool sameHost_ = false;

@@ -39,6 +39,9 @@ inline constexpr BooleanPreference kPlaySoundWhenDone{QLatin1String("playSoundWh
 /// Tells servers on which page a file was found.
 inline constexpr BooleanPreference kSendReferer{QLatin1String("sendReferer"), false};
 
+/// Lets the user choose which links of a page join the queue. For a front end with windows, too.
+inline constexpr BooleanPreference kChooseLinks{QLatin1String("chooseLinks"), false};
+
 /// Lets the script for Firefox type into its window and read the clipboard, if Firefox does not say its
 /// address in another way.
 inline constexpr BooleanPreference kAllowKeystrokesForBrowserURL{
@@ -56,6 +59,7 @@ inline constexpr std::array kBooleanPreferences{kShowStatusWindow,
                                                 kNotifyWhenDone,
                                                 kPlaySoundWhenDone,
                                                 kSendReferer,
+                                                kChooseLinks,
                                                 kAllowKeystrokesForBrowserURL};
 
 /// How many URLs of the queue are asked for while the one before them is downloaded.
@@ -84,6 +88,7 @@ class Preferences {
   [[nodiscard]] bool notifyWhenDone() const { return read(kNotifyWhenDone); }
   [[nodiscard]] bool playSoundWhenDone() const { return read(kPlaySoundWhenDone); }
   [[nodiscard]] bool sendReferer() const { return read(kSendReferer); }
+  [[nodiscard]] bool chooseLinks() const { return read(kChooseLinks); }
   [[nodiscard]] bool allowKeystrokesForBrowserURL() const { return read(kAllowKeystrokesForBrowserURL); }
   /// 0 to `kMaxDownloadsAhead`, the nearest to what is stored; 0 when that is no number.
   [[nodiscard]] int downloadsAhead() const;

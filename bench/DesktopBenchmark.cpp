@@ -5,7 +5,10 @@
 //   desktop_benchmark bare          a plain window of Qt, until it is painted: what "startup" is held against
 //   desktop_benchmark startup       the status window, until it is painted
 //   desktop_benchmark queue COUNT   COUNT URLs are queued, and shown
-//   desktop_benchmark rows COUNT    they are scrolled, selected, deleted and grow; the longest gap in each
+//   desktop_benchmark rows COUNT    they are scrolled, filtered, selected, deleted, brought back and grow,
+//   with
+//                                   half as many in each other list; the longest gap in each
+//   desktop_benchmark choose COUNT  the sheet that lists COUNT links of a page; the longest gap in each step
 //   desktop_benchmark download URL  one file; also the longest time for which the event loop did not turn
 //
 // Prints "NAME VALUE" lines: milliseconds, and the peak memory in MiB.
@@ -15,8 +18,11 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
+#include <QMenu>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTimer>
 #include <QWheelEvent>
 #include <algorithm>
@@ -24,6 +30,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "desktop/ChooseSheet.h"
 #include "desktop/Desktop.h"
 #include "host/HeadlessHost.h"
 #include "host/LinuxHost.h"
@@ -121,6 +128,15 @@ void MeasureSteps(const char* name, int count, const std::function<void(int numb
   std::printf("%s-gap-ms %lld\n", name, heart.longestGap());
 }
 
+void AppendOutcomes(QAbstractItemModel& model, int count) {
+  for (int i = 0; i < count; ++i) {
+    static_cast<desktop::OutcomeModel&>(model).append(
+        {.url = "http://127.0.0.1:9/some/folder/of/files/file-" + QByteArray::number(i) + ".jpeg",
+         .detail = QStringLiteral("/tmp"),
+         .name = "file-" + QByteArray::number(i) + ".jpeg"});
+  }
+}
+
 void Turn(QWidget& viewport, int notches) {
   constexpr int kNotch = 120;
   const QPointF middle = viewport.rect().center();
@@ -131,7 +147,12 @@ void Turn(QWidget& viewport, int notches) {
 
 void Rows(desktop::Desktop& program, int count) {
   RunUntil([&program] { return !program.gate().isBusy(); });
-  auto& table = program.statusWindow().table();
+  const auto tableCalled = [&](const char* name) {
+    return program.statusWindow().findChild<desktop::QueueTable*>(QLatin1StringView(name));
+  };
+  auto& table = *tableCalled("fileTable");
+  auto& tabs = *program.statusWindow().findChild<QTabBar*>();
+  auto& filter = *program.statusWindow().findChild<QLineEdit*>(QStringLiteral("filterField"));
   auto& bar = *table.verticalScrollBar();
   auto& selection = *table.selectionModel();
   const auto press = [&](const char* name) {
@@ -141,6 +162,18 @@ void Rows(desktop::Desktop& program, int count) {
     selection.select(table.model()->index(row, 0), QItemSelectionModel::Select);
   };
   MeasureSteps("fill", 1, [&](int) { QueueURLs(program, count); });
+  for (const char* name : {"finishedTable", "failedTable"})
+    MeasureSteps(name, 1, [&](int) { AppendOutcomes(*tableCalled(name)->model(), count / 2); });
+  MeasureSteps("tabs", 60, [&](int number) { tabs.setCurrentIndex((number + 1) % 3); });
+  for (const int tab : {1, 2}) {
+    tabs.setCurrentIndex(tab);
+    auto& shown = program.statusWindow().table();
+    MeasureSteps("wheel-outcomes", 100, [&](int number) { Turn(*shown.viewport(), number % 20); });
+    MeasureSteps("select-all-outcomes", 1, [&](int) { press("actionSelectAll"); });
+  }
+  tabs.setCurrentIndex(0);
+  MeasureSteps("filter", 4, [&](int number) { filter.setText(QStringLiteral("file-9").first(3 + number)); });
+  MeasureSteps("filter-end", 1, [&](int) { filter.clear(); });
   MeasureSteps("wheel", 300, [&](int number) { Turn(*table.viewport(), number % 20); });
   MeasureSteps("drag", 100, [&](int number) { bar.setValue(bar.maximum() / 100 * number); });
   MeasureSteps("grow", 200, [&](int) { QueueURLs(program, 10); });
@@ -150,6 +183,35 @@ void Rows(desktop::Desktop& program, int count) {
   MeasureSteps("grow-selected", 200, [&](int) { QueueURLs(program, 10); });
   MeasureSteps("copy-all", 1, [&](int) { press("actionCopy"); });
   MeasureSteps("delete-all", 1, [&](int) { press("actionDelete"); });
+  MeasureSteps("undo", 1, [&](int) { press("actionUndo"); });
+  MeasureSteps("clear", 1, [&](int) { press("actionClear"); });
+  MeasureSteps("undo-clear", 1, [&](int) { press("actionUndo"); });
+}
+
+void Choose(int count) {
+  app::UrlQueue links;
+  for (int i = 0; i < count; ++i)
+    links.append(QStringLiteral("http://127.0.0.1:9/some/folder/of/files/file-%1.jpeg").arg(i));
+  const classify::CExtensionMap extensions;
+  desktop::ChooseSheet sheet(links, extensions, nullptr);
+  auto& field = *sheet.findChild<QLineEdit*>();
+  auto& table = *sheet.findChild<desktop::QueueTable*>();
+  const QList<QPushButton*> buttons = sheet.findChildren<QPushButton*>();
+  const auto press = [&](QStringView text) {
+    for (QPushButton* button : buttons) {
+      if (button->text() == text) button->click();
+    }
+  };
+  MeasureSteps("show", 1, [&](int) { sheet.show(); });
+  MeasureSteps("wheel", 100, [&](int number) { Turn(*table.viewport(), number % 20); });
+  MeasureSteps("untick-all", 1, [&](int) { press(u"&Untick All"); });
+  MeasureSteps("filter", 4, [&](int number) { field.setText(QStringLiteral("file-9").first(3 + number)); });
+  RunUntil([&] { return !static_cast<desktop::LinkModel*>(table.model())->isLooking(); });
+  MeasureSteps("tick-all", 1, [&](int) { press(u"&Tick All"); });
+  MeasureSteps("filter-end", 1, [&](int) { field.clear(); });
+  MeasureSteps("kinds", 1, [&](int) { sheet.findChild<QMenu*>()->actions().constFirst()->trigger(); });
+  RunUntil([&] { return !static_cast<desktop::LinkModel*>(table.model())->isLooking(); });
+  std::printf("memory-MiB %.1f\n", PeakMebibytes());
 }
 
 void Download(desktop::Desktop& program, const char* url) {
@@ -172,12 +234,13 @@ void Download(desktop::Desktop& program, const char* url) {
 int main(int argc, char** argv) {
   const std::string_view mode = argc > 1 ? argv[1] : "";
   const char* argument = argc > 2 ? argv[2] : nullptr;
-  const bool needsArgument = mode == "queue" || mode == "rows" || mode == "download";
+  const bool needsArgument = mode == "queue" || mode == "rows" || mode == "choose" || mode == "download";
   if (!needsArgument && mode != "bare" && mode != "startup") return 2;
   if (needsArgument && argument == nullptr) return 2;
   const platform::Interruption interruption;
   const QApplication application(argc, argv);
   if (mode == "bare") return RunBare();
+  if (mode == "choose") return Choose(std::max(1, std::atoi(argument))), 0;
   host::LinuxHost services;
   host::AssumedNetwork network;
   desktop::Desktop program(

@@ -8,7 +8,10 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QIconEngine>
+#include <QPainter>
 #include <QPalette>
+#include <QPixmap>
 #include <QStyle>
 #include <QToolTip>
 
@@ -91,7 +94,36 @@ uint Preference(QVariant value) {
   return value.toUInt();
 }
 
+/// A drawing whose shape alone counts.
+class ShapeIcon final : public QIconEngine {
+ public:
+  explicit ShapeIcon(const QIcon& drawing) : drawing_(drawing) {}
+
+  void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+    const qreal ratio = painter->device()->devicePixelRatio();
+    painter->drawPixmap(rect, pixmap((QSizeF(rect.size()) * ratio).toSize(), mode, state));
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/) override {
+    const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+    const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
+    QPixmap shape = drawing_.pixmap(size, 1.0);
+    QPainter painter(&shape);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(shape.rect(), QGuiApplication::palette().color(group, role));
+    return shape;
+  }
+  [[nodiscard]] QIconEngine* clone() const override { return new ShapeIcon(drawing_); }
+
+ private:
+  QIcon drawing_;
+};
+
 }  // namespace
+
+QIcon CommandIcon(const QString& name) {
+  const QIcon drawing(QStringLiteral(":/icons/%1.svg").arg(name));
+  return QIcon::fromTheme(name, QIcon(new ShapeIcon(drawing)));
+}
 
 QIcon ProgramIcon() {
   const QString name = QString::fromLatin1(kApplicationID);

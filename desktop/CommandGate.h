@@ -42,6 +42,8 @@ class CommandGate {
   [[nodiscard]] bool isClosed() const { return isClosed_; }
   /// A command runs or is waited for.
   [[nodiscard]] bool isBusy() const { return isRunning_ || holds_ > 0 || !waiting_.empty(); }
+  /// A command runs, or waits for its turn.
+  [[nodiscard]] bool hasCommand() const { return isRunning_ || !waiting_.empty(); }
   /// A command waits for its turn.
   [[nodiscard]] bool hasWaiting() const { return !waiting_.empty(); }
   /// Whether a download was asked for, and has not begun. `goOn` is to be called when it has.

@@ -25,13 +25,17 @@ Desktop::Desktop(const DesktopServices& services)
       notice_(noticeServices()),
       outcomes_(pacer_, window_, host_.localizedText),
       pacedIntake_(gate_),
-      workLine_(pacer_, window_),
-      workProgress_(
-          pacer_, window_, [this] { return controller_.numberOfRows(); }, [this] { return hasWork(); },
-          [this](const QString& text) {
-            end_ = text;
-            showStanding();
-          }),
+      workLine_(pacer_, window_, [this](bool isWaiting) { return workProgress_.bytesText(isWaiting); }),
+      workProgress_(pacer_, window_,
+                    {.waitingCount = [this] { return controller_.numberOfRows(); },
+                     .isWorkLeft = [this] { return hasWork() || gate_.hasWaiting(); },
+                     .undeliveredBytes = services_.undeliveredBytes,
+                     .tellEnd =
+                         [this](const QString& text) {
+                           end_ = text;
+                           showStanding();
+                         },
+                     .wasShown = [this] { workLine_.show(); }}),
       pageLoader_(*host_.pageLoader, *host_.log, gate_, workLine_),
       readStreams_(*host_.readStreams, gate_, workLine_, [this] { rememberUnwantedFile(); }),
       scripts_(host_.scripts, gate_),
@@ -67,6 +71,7 @@ Desktop::Desktop(const DesktopServices& services)
   gate_.waitWhile([this] { return controller_.isBeginning(); });
   gate_.afterEach([this] {
     takeOutUnwantedFile();
+    workProgress_.settle();
     followState();
   });
   fileTable_.setDataSource(controller_);
@@ -106,6 +111,7 @@ app::Host Desktop::waitingHost() {
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;
   host.aggregation = &aggregation_;
+  host.chooseLinks = [this](app::UrlQueue& links) { chooseLinks(links); };
   host.calculate = [this](const std::function<void()>& calculation) {
     WaitFor(gate_, calculation);
     return !importOutlet_.isGivenUp();
@@ -198,14 +204,13 @@ void Desktop::connectCommands() {
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
   bind(ui.actionOpenDestination, ui.openOutputFolderButton, &Controller::openDestinationDirectory);
   bind(ui.actionAggregate, nullptr, &Controller::aggregateFile);
-  bind(ui.actionDelete, ui.deleteButton, [this] { askDelete(); });
+  bind(ui.actionDelete, ui.deleteButton,
+       [this] { give([this, entries = fileTable_.selectedEntries()] { deleteEntries(entries); }); });
   bind(ui.actionRemoveDuplicates, nullptr, [this] { give([this] { removeDuplicates(); }); });
   bind(ui.actionSaveList, nullptr, [this] { saveList(); });
   bind(ui.actionHelp, nullptr, [this] { showManual(); });
-  QObject::connect(ui.filterField, &QLineEdit::textChanged, &window_, [this](const QString& text) {
-    fileTable_.setFilter(text);
-    followState();
-  });
+  QObject::connect(ui.filterField, &QLineEdit::textChanged, &window_, [this] { filter(); });
+  QObject::connect(ui.kindsButton, &KindsButton::kindsDidChange, &window_, [this] { filter(); });
   bind(ui.actionUndo, nullptr, [this] { give([this] { undo(); }); });
   bind(ui.actionHold, ui.holdButton, [this] { toggleHold(); });
   bind(ui.actionClear, nullptr,
@@ -248,7 +253,8 @@ void Desktop::chooseDestination() {
 
 void Desktop::pageWasQueued(const QString& /*url*/, std::size_t linkCount) {
   beforeUnwantedFile_.reset();  // the answer came first: it is a page
-  if (linkCount == 0) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+  const bool isEmpty = linkCount == 0 && !std::exchange(isNoneChosen_, false);
+  if (isEmpty) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
 }
 
 void Desktop::pageDidNotLoad(const QString& /*url*/, const QString& reason) {
@@ -267,13 +273,10 @@ bool Desktop::windowShouldClose() {
     return true;
   }
   statusOutlet_.beginSheet([this] {
-    const QString lost =
-        workCount() == 0
-            ? StatusWindow::tr("What is under way will be broken off.")
-            : StatusWindow::tr("URLs that will be lost: %1").arg(QLocale().toString(qulonglong{workCount()}));
-    auto* box = MakeMessageBox(
-        {StatusWindow::tr("Quit Quillforth?"), lost, StatusWindow::tr("Quit"), StatusWindow::tr("Stay")},
-        QMessageBox::Question, &window_);
+    auto* box = MakeMessageBox({StatusWindow::tr("Quit Quillforth?"), lossText(), StatusWindow::tr("Quit"),
+                                StatusWindow::tr("Stay")},
+                               QMessageBox::Question, &window_);
+    quitQuestion_ = box;
     PreferStaying(*box);
     QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
       if (IsAccepted(*box)) quit();
@@ -289,6 +292,14 @@ bool Desktop::hasWork() const {
 
 std::size_t Desktop::workCount() const {
   return controller_.numberOfRows() + pacedIntake_.urlCount() + (controller_.isBusy() ? 1 : 0);
+}
+
+QString Desktop::lossText() const {
+  const std::size_t count = workCount() + (workLine_.isWaiting() ? 1 : 0);
+  if (count > 0)
+    return StatusWindow::tr("URLs that will be lost: %1").arg(QLocale().toString(qulonglong{count}));
+  return gate_.hasCommand() ? StatusWindow::tr("What is under way will be broken off.")
+                            : StatusWindow::tr("Nothing will be lost.");
 }
 
 void Desktop::quit() {

@@ -9,6 +9,8 @@
 // has come in its place. Main thread; a QApplication exists.
 #pragma once
 
+#include <QMessageBox>
+#include <QPointer>
 #include <QString>
 #include <array>
 #include <deque>
@@ -50,6 +52,8 @@ struct DesktopServices {
   std::function<void(bool isHeld)> holdEnds;
   /// Whether the end of a download is held back.
   std::function<bool()> holdsAnEnd;
+  /// Bytes of the file under way that have come in while callbacks are held back.
+  std::function<std::uint64_t()> undeliveredBytes = [] { return 0; };
   QString settingsFile;            ///< absolute path
   QString transferLibrary{};       ///< with its version, for people
   std::function<bool()> isStored;  ///< whether all that was set is in that file
@@ -125,12 +129,12 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void doUndoably(const QString& undoText, const std::function<void()>& command,
                   std::vector<PacedIntake::Waiting> dropped = {});
   void sortLater();
+  void filter();
   void showFilterCount();
   void undo();
   void toggleHold();
   void setHeld(bool isHeld);
   void showStanding();
-  void askDelete();
   void removeDuplicates();
   void saveList();
   /// Which commands for the queue there are at the moment.
@@ -166,6 +170,10 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   [[nodiscard]] bool hasWork() const;
   /// How many URLs wait or are being downloaded.
   [[nodiscard]] std::size_t workCount() const;
+  /// What the end of the program would break off.
+  [[nodiscard]] QString lossText() const;
+  /// Lets the user choose among the links of a page, if that is wanted.
+  void chooseLinks(app::UrlQueue& links);
   void showAbout();
   void showManual();
   /// A window, and where its place is kept in the settings, as Qt describes it.
@@ -231,6 +239,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   QString undoText_;                           // of the command that runs; null: it cannot be undone
   std::vector<PacedIntake::Waiting> dropped_;  // by that command
   bool isHeld_ = false;
+  bool isNoneChosen_ = false;  // of the links of a page that is about to be queued
+  QPointer<QMessageBox> quitQuestion_;
   QString end_;  // what there is to say of the work that has ended
   /// What there was before a cancelled question makes a file of its URL.
   struct BeforeFile {

@@ -6,9 +6,11 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QScopedPointer>
+#include <QStandardPaths>
 #include <QUrl>
 #include <utility>
 
@@ -29,6 +31,16 @@ void ShowMessage(const QString& message, QFileDialog& dialog) {
   label->setTextFormat(Qt::PlainText);
   label->setText(message);
   grid->addWidget(label, grid->rowCount(), 0, 1, -1);
+}
+
+// Only the toolkit's own dialog has none of its own that people know.
+void ShowDownloadFolder(QFileDialog& dialog) {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+  const QUrl place = QUrl::fromLocalFile(folder);
+  QList<QUrl> places = dialog.sidebarUrls();
+  if (folder.isEmpty() || !QFileInfo(folder).isDir() || places.contains(place)) return;
+  places.append(place);
+  dialog.setSidebarUrls(places);
 }
 
 }  // namespace
@@ -68,6 +80,7 @@ std::optional<QString> DesktopApplication::runPanel(const app::FolderPanel& pane
   dialog.setOption(QFileDialog::ShowDirsOnly);
   dialog.setLabelText(QFileDialog::Accept, panel.prompt);
   ShowMessage(panel.message, dialog);
+  ShowDownloadFolder(dialog);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   return dialog.selectedFiles().constFirst();
 }

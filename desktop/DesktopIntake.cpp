@@ -11,6 +11,7 @@
 
 #include "app/Pasteboard.h"
 #include "desktop/AddSheet.h"
+#include "desktop/ChooseSheet.h"
 #include "desktop/Desktop.h"
 #include "desktop/Request.h"
 #include "desktop/ShownText.h"
@@ -82,6 +83,17 @@ void Desktop::drop(const QMimeData& data) {
   const QString string = app::DraggedString(pasteboard);
   if (namesLinkFile(string)) return openDocuments_({string});
   give([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
+}
+
+// As an alert of the controller, which is in the middle of a page.
+void Desktop::chooseLinks(app::UrlQueue& links) {
+  if (!preferences_.chooseLinks()) return;
+  const CommandGate::Hold hold(gate_);
+  if (!window_.isVisible()) window_.show();
+  ChooseSheet sheet(links, controller_.extensionMap(), &window_);
+  const bool isChosen = !gate_.isClosed() && sheet.exec() == QDialog::Accepted;
+  isChosen ? links.takeAt(sheet.unwanted()) : links.takeAll();
+  isNoneChosen_ = links.empty();
 }
 
 void Desktop::copy() {

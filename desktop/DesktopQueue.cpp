@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
@@ -41,28 +42,6 @@ void Desktop::importPage() {
   if (!importOutlet_.stringValue().isEmpty()) dropped = pacedIntake_.dropFirst(addedBeforeImport_);
   doUndoably(
       StatusWindow::tr("&Undo Import"), [this] { controller_.importURL(importOutlet_); }, std::move(dropped));
-}
-
-// What a filter hides goes with the rest when nothing is selected, so that is asked for.
-void Desktop::askDelete() {
-  const Entries entries = fileTable_.selectedEntries();
-  if (!entries.empty() || !fileTable_.isFiltered()) {
-    return give([this, entries] { deleteEntries(entries); });
-  }
-  statusOutlet_.beginSheet([this] {
-    const QLocale locale;
-    auto* box = MakeMessageBox({StatusWindow::tr("Delete all URLs of the queue?"),
-                                StatusWindow::tr("All: %1. Shown by the filter: %2.")
-                                    .arg(locale.toString(qulonglong{controller_.numberOfRows()}),
-                                         locale.toString(fileTable_.shownCount())),
-                                StatusWindow::tr("Delete All"), StatusWindow::tr("Cancel")},
-                               QMessageBox::Question, &window_);
-    PreferStaying(*box);
-    QObject::connect(box, &QMessageBox::finished, &window_, [this, box] {
-      if (IsAccepted(*box)) give([this] { deleteEntries({}); });
-    });
-    return box;
-  });
 }
 
 // The first of equal ones stays.
@@ -222,8 +201,15 @@ void Desktop::followState() {
   ui.actionClear->setEnabled(isWork);
   if (!controller_.isBusy()) setHeld(false);
   holdButton_.setEnabled(controller_.isBusy());
+  if (quitQuestion_) SetInformativeText(*quitQuestion_, lossText());
   ui.actionUndo->setEnabled(gate_.hasWaiting() || !undoSteps_.empty());
   ui.actionUndo->setText(undoSteps_.empty() ? StatusWindow::tr("&Undo") : undoSteps_.back().text);
+}
+
+void Desktop::filter() {
+  const Ui::StatusWindow& ui = window_.ui();
+  fileTable_.setFilter({ui.filterField->text(), ui.kindsButton->kinds(), &controller_.extensionMap()});
+  followState();
 }
 
 void Desktop::showFilterCount() {

@@ -18,8 +18,12 @@ constexpr qsizetype kLongestReason = 300;
 ImportWindow::ImportWindow(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::ImportWindow>()) {
   ui_->setupUi(this);
   ui_->importLabel->hide();
-  connect(ui_->importButton, &QPushButton::clicked, this, &ImportWindow::importRequested);
-  connect(ui_->cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+  import_ = ui_->buttons->addButton(tr("&Import"), QDialogButtonBox::AcceptRole);
+  import_->setObjectName(QStringLiteral("importButton"));
+  QPushButton* cancel = ui_->buttons->addButton(tr("&Cancel"), QDialogButtonBox::RejectRole);
+  cancel->setObjectName(QStringLiteral("cancelButton"));
+  connect(ui_->buttons, &QDialogButtonBox::accepted, this, &ImportWindow::importRequested);
+  connect(ui_->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
 ImportWindow::~ImportWindow() = default;
@@ -36,7 +40,7 @@ QLineEdit& ImportWindow::urlTextField() {
 }
 
 void ImportWindow::showImport(Import import) {
-  ui_->importButton->setEnabled(import == Import::none);
+  import_->setEnabled(import == Import::none);
   ui_->importLabel->setText(import == Import::waits ? tr("Waiting for its turn…") : tr("Loading the page…"));
   ui_->importLabel->setHidden(import == Import::none);
 }

@@ -8,6 +8,7 @@
 
 #include <QDialog>
 #include <QLineEdit>
+#include <QPushButton>
 #include <functional>
 #include <memory>
 
@@ -43,6 +44,7 @@ class ImportWindow final : public QDialog {
 
  private:
   std::unique_ptr<Ui::ImportWindow> ui_;
+  QPushButton* import_;
 };
 
 /// The import window as the controller sees it, and an import from the button to its end.

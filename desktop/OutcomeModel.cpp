@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "app/Aggregation.h"
-#include "desktop/QueueModel.h"
 #include "desktop/ShownText.h"
 #include "net/URL.h"
 

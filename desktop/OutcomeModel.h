@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "desktop/FramePacer.h"
+#include "desktop/QueueModel.h"
 
 namespace quillforth::desktop {
 
@@ -36,13 +37,6 @@ struct Outcome {
   mutable Place place = Place::asDownloaded;  ///< of the file, when it was looked for last
   mutable std::int64_t lookedAt = 0;          ///< milliseconds of the steady clock
 };
-
-/// Rows from the first to the last, both included; several are ascending and apart.
-struct RowRange {
-  int first;
-  int last;
-};
-using RowRanges = std::vector<RowRange>;
 
 class OutcomeModel : public QAbstractTableModel {
   Q_OBJECT

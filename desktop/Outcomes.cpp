@@ -30,15 +30,6 @@ QString Number(std::size_t number) {
   return QLocale().toString(static_cast<qulonglong>(number));
 }
 
-RowRanges SelectedRows(const QTableView& table) {
-  RowRanges ranges;
-  for (const QItemSelectionRange& range : table.selectionModel()->selection()) {
-    if (range.isValid()) ranges.push_back({range.top(), range.bottom()});
-  }
-  std::sort(ranges.begin(), ranges.end(), [](RowRange a, RowRange b) { return a.first < b.first; });
-  return ranges;
-}
-
 // Rows that say the same share one text.
 const QString& Shared(QString& last, const QString& text) {
   if (last != text) last = text;
@@ -94,7 +85,7 @@ Outcomes::Outcomes(FramePacer& pacer, StatusWindow& window, app::LocalizedText l
   connect(ui_.finishedTable, &QTableView::activated, this, &Outcomes::openFile);
   connect(ui_.actionShowInFolder, &QAction::triggered, this, &Outcomes::showInFolder);
   connect(ui_.actionRemove, &QAction::triggered, this,
-          [this] { shownModel().take(SelectedRows(window_.table())); });
+          [this] { shownModel().take(window_.table().selectedRows()); });
   showWaiting(0);
   showCounts();
   showTab(waiting);
@@ -206,7 +197,7 @@ OutcomeModel& Outcomes::shownModel() {
 }
 
 QString Outcomes::selectedPlace() const {
-  const RowRanges selected = SelectedRows(*ui_.finishedTable);
+  const RowRanges selected = ui_.finishedTable->selectedRows();
   QString place;
   if (!selected.empty()) place = finished_.place(selected.front().first);
   if (place.isNull()) QApplication::beep();
@@ -227,7 +218,7 @@ QStringList Outcomes::selectedURLs() const {
   const OutcomeModel& model =
       ui_.tabs->currentIndex() == finished ? static_cast<const OutcomeModel&>(finished_) : failed_;
   QStringList urls;
-  for (const RowRange& range : SelectedRows(window_.table())) {
+  for (const RowRange& range : window_.table().selectedRows()) {
     for (int row = range.first; row <= range.last; ++row) urls.append(QString::fromUtf8(model.at(row).url));
   }
   return urls;
@@ -240,7 +231,7 @@ QStringList Outcomes::failedURLs() const {
 }
 
 std::vector<Outcome> Outcomes::takeFailures(std::size_t limit) {
-  RowRanges wanted = SelectedRows(*ui_.failedTable);
+  RowRanges wanted = ui_.failedTable->selectedRows();
   if (wanted.empty()) wanted = {{0, failed_.rowCount() - 1}};
   RowRanges taken;
   std::size_t size = 0;

@@ -87,9 +87,8 @@ std::vector<std::uint64_t> QueueModel::wantedFrom(std::size_t queueRow) const {
   std::vector<std::uint64_t> wanted;
   const std::size_t end = std::min(source_->numberOfRows(), kMostRows);
   for (std::size_t row = queueRow; row < end; ++row) {
-    const bool isWanted =
-        !isFiltered() || source_->objectValueForRow(row).contains(filter_, Qt::CaseInsensitive);
-    if (isWanted) wanted.push_back(source_->identifierOfRow(row));
+    if (!isFiltered() || filter_.shows(source_->objectValueForRow(row)))
+      wanted.push_back(source_->identifierOfRow(row));
   }
   return wanted;
 }
@@ -125,9 +124,9 @@ void QueueModel::reset() {
   endResetModel();
 }
 
-void QueueModel::setFilter(const QString& text) {
-  if (text == filter_) return;
-  filter_ = text;
+void QueueModel::setFilter(const ListFilter& filter) {
+  if (filter == filter_) return;
+  filter_ = filter;
   reset();
 }
 

@@ -16,8 +16,16 @@
 #include <vector>
 
 #include "app/Outlets.h"
+#include "desktop/ListFilter.h"
 
 namespace quillforth::desktop {
+
+/// Rows from the first to the last, both included; several are ascending and apart.
+struct RowRange {
+  int first;
+  int last;
+};
+using RowRanges = std::vector<RowRange>;
 
 class QueueModel final : public QAbstractTableModel {
   Q_OBJECT
@@ -30,8 +38,8 @@ class QueueModel final : public QAbstractTableModel {
   void setDataSource(const app::TableViewDataSource& source) { source_ = &source; }
   /// Takes in how the queue has changed. Many scattered removals reset the model.
   void catchUp();
-  /// Shows just the URLs that hold this text, whatever the case; empty: all. Resets the model.
-  void setFilter(const QString& text);
+  /// Resets the model.
+  void setFilter(const ListFilter& filter);
   [[nodiscard]] bool isFiltered() const { return !filter_.isEmpty(); }
 
   /// The identifier of a row of the model.
@@ -67,7 +75,7 @@ class QueueModel final : public QAbstractTableModel {
 
   const app::TableViewDataSource* source_ = nullptr;
   std::deque<std::uint64_t> shown_;
-  QString filter_;
+  ListFilter filter_;
   std::uint64_t nextSeen_ = 0;  // what has this identifier or a higher one is new
 };
 

@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
@@ -26,7 +27,6 @@ qsizetype LastPart(const QString& url) {
   return end < 0 ? 0 : url.lastIndexOf(u'/', end) + 1;
 }
 
-/// Draws the last part of a URL as usual and the rest muted, and no password.
 class URLDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -36,9 +36,14 @@ class URLDelegate final : public QStyledItemDelegate {
     initStyleOption(&option, index);
     const QString url = std::exchange(option.text, {});
     const QStyle* style = option.widget->style();
+    // Fusion draws the box of a tick in a shade of it, which is lost on the dark ground of a list.
+    option.palette.setColor(QPalette::Window, option.palette.color(QPalette::PlaceholderText));
     style->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
-    QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+    const bool hasTick = option.features.testFlag(QStyleOptionViewItem::HasCheckIndicator);
+    const int tick =
+        hasTick ? style->pixelMetric(QStyle::PM_IndicatorWidth, &option, option.widget) + 2 * margin : 0;
+    QRect room = option.rect.adjusted(tick + margin, 0, -margin, 0);
     const QString shown =
         option.fontMetrics.elidedText(platform::WithoutPassword(url), Qt::ElideMiddle, room.width());
     const qsizetype last = LastPart(shown);
@@ -60,7 +65,16 @@ class URLDelegate final : public QStyledItemDelegate {
 
 }  // namespace
 
-QueueTable::QueueTable(QWidget* parent) : QTableView(parent) {
+QAbstractItemDelegate* MakeURLDelegate(QObject* parent) {
+  return new URLDelegate(parent);
+}
+
+QueueTable::QueueTable(QWidget* parent)
+    : QTableView(parent),
+      invitation_(new QWidget(viewport())),
+      invitationIcon_(new QLabel(invitation_)),
+      invitationText_(new QLabel(invitation_)),
+      invitationButtons_(new QHBoxLayout) {
   setSelectionBehavior(SelectRows);
   setSelectionMode(ExtendedSelection);
   setEditTriggers(NoEditTriggers);
@@ -74,13 +88,83 @@ QueueTable::QueueTable(QWidget* parent) : QTableView(parent) {
   horizontalHeader()->setStretchLastSection(true);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  invitationIcon_->setAlignment(Qt::AlignCenter);
+  invitationIcon_->setPixmap(QApplication::windowIcon().pixmap(kInvitationIcon));
+  invitationText_->setAlignment(Qt::AlignCenter);
+  invitationText_->setTextFormat(Qt::PlainText);
+  invitationText_->setWordWrap(true);
+  invitationText_->setForegroundRole(QPalette::PlaceholderText);
+  auto* rows = new QVBoxLayout(invitation_);
+  rows->setSizeConstraint(QLayout::SetNoConstraint);
+  rows->addStretch();
+  rows->addWidget(invitationIcon_);
+  rows->addWidget(invitationText_);
+  rows->addLayout(invitationButtons_);
+  rows->addStretch();
   followFont();
+}
+
+void QueueTable::setModel(QAbstractItemModel* model) {
+  QTableView::setModel(model);
+  if (model == nullptr) return;
+  connect(model, &QAbstractItemModel::modelReset, this, &QueueTable::followModel);
+  connect(model, &QAbstractItemModel::rowsInserted, this, &QueueTable::followModel);
+  connect(model, &QAbstractItemModel::rowsRemoved, this, &QueueTable::followModel);
+  followModel();
+}
+
+void QueueTable::setInvitation(const QString& text, const QList<QAction*>& actions) {
+  text_ = text;
+  if (!actions.isEmpty()) invitationButtons_->addStretch();
+  for (QAction* action : actions) {
+    auto* button = new QPushButton(action->icon(), action->iconText(), invitation_);
+    button->setFocusPolicy(Qt::NoFocus);
+    connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    invitationButtons_->addWidget(button);
+  }
+  if (!actions.isEmpty()) invitationButtons_->addStretch();
+  followModel();
+}
+
+// The buttons are for a queue that has nothing, not for one that is hidden.
+void QueueTable::followModel() {
+  const bool isEmpty = model() == nullptr || model()->rowCount() == 0;
+  const auto* queue = qobject_cast<const QueueModel*>(model());
+  const bool isFiltered = queue != nullptr && queue->isFiltered();
+  const QString said = !isEmpty ? QString() : isFiltered ? tr("No URL passes the filter.") : text_;
+  invitation_->setVisible(isEmpty);
+  if (accessibleDescription() != said) setAccessibleDescription(said);
+  if (!isEmpty) return;
+  invitationText_->setText(said);
+  for (int i = 0; i < invitationButtons_->count(); ++i) {
+    if (QWidget* button = invitationButtons_->itemAt(i)->widget()) button->setHidden(isFiltered);
+  }
+  placeInvitation();
+}
+
+void QueueTable::placeInvitation() {
+  invitation_->setGeometry(viewport()->rect());
+  invitationIcon_->show();
+  const int width = invitation_->width();
+  invitationIcon_->setVisible(invitation_->layout()->totalHeightForWidth(width) <= invitation_->height());
+}
+
+RowRanges QueueTable::selectedRows() const {
+  RowRanges ranges;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+    if (range.isValid()) ranges.push_back({range.top(), range.bottom()});
+  }
+  std::sort(ranges.begin(), ranges.end(), [](RowRange a, RowRange b) { return a.first < b.first; });
+  return ranges;
 }
 
 void QueueTable::followFont() {
   const int height = fontMetrics().height() + kRowPadding;
   verticalHeader()->setMinimumSectionSize(height);
   verticalHeader()->setDefaultSectionSize(height);
+  QFont large = font();
+  large.setPointSizeF(large.pointSizeF() * 1.3);
+  invitationText_->setFont(large);
 }
 
 // In a table they go to the ends of a row.
@@ -105,34 +189,21 @@ void QueueTable::changeEvent(QEvent* event) {
 
 void QueueTable::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
-  if (model() == nullptr || model()->rowCount() == 0) paintInvitation();
   if (!isDropHighlighted_) return;
   QPainter painter(viewport());
   painter.setPen(QPen(palette().color(QPalette::Highlight), 3));
   painter.drawRect(viewport()->rect().adjusted(1, 1, -2, -2));
 }
 
-void QueueTable::paintInvitation() {
-  QPainter painter(viewport());
-  QFont large = font();
-  large.setPointSizeF(large.pointSizeF() * 1.3);
-  painter.setFont(large);
-  painter.setPen(palette().color(QPalette::PlaceholderText));
-  const QRect room = viewport()->rect();
-  constexpr int kFlags = static_cast<int>(Qt::AlignCenter | Qt::TextWordWrap);
-  const auto* queue = qobject_cast<const QueueModel*>(model());
-  const QString said = queue != nullptr && queue->isFiltered() ? tr("No URL holds that text.") : invitation_;
-  const QRect text = painter.boundingRect(room, kFlags, said);
-  painter.drawText(text, kFlags, said);
-  const QRect icon(room.center().x() - kInvitationIcon / 2, text.top() - kInvitationIcon * 5 / 4,
-                   kInvitationIcon, kInvitationIcon);
-  if (icon.top() > 0) QApplication::windowIcon().paint(&painter, icon);
+void QueueTable::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  placeInvitation();
 }
 
 TableOutlet::TableOutlet(FramePacer& pacer, QueueTable& table, std::function<void()> selectionDidChange)
     : table_(table), reload_(pacer, [this] { catchUp(); }), selection_(pacer, std::move(selectionDidChange)) {
   table_.setModel(&model_);
-  table_.setItemDelegate(new URLDelegate(&table_));
+  table_.setItemDelegate(MakeURLDelegate(&table_));
   QObject::connect(table_.selectionModel(), &QItemSelectionModel::selectionChanged, &table_,
                    [this] { selectionChanged(); });
   QObject::connect(&model_, &QueueModel::modelAboutToBeReset, &table_,
@@ -146,15 +217,6 @@ TableOutlet::~TableOutlet() {
 
 void TableOutlet::registerForDraggedTypes(const QStringList& /*types*/) {
   table_.window()->setAcceptDrops(true);  // the window takes drops for the table, which is most of it
-}
-
-std::vector<QItemSelectionRange> TableOutlet::selectedRanges() const {
-  const QItemSelection selection = table_.selectionModel()->selection();
-  std::vector<QItemSelectionRange> ranges(selection.begin(), selection.end());
-  std::erase_if(ranges, [](const QItemSelectionRange& range) { return !range.isValid(); });
-  std::sort(ranges.begin(), ranges.end(),
-            [](const QItemSelectionRange& a, const QItemSelectionRange& b) { return a.top() < b.top(); });
-  return ranges;
 }
 
 // A selection of which nothing waits any more is gone at once, so that no command can be given for it.
@@ -187,10 +249,10 @@ std::vector<std::size_t> TableOutlet::selectedRowIndexes() const {
 
 Entries TableOutlet::selectedEntries() const {
   Entries entries;
-  for (const QItemSelectionRange& range : selectedRanges()) {
+  for (const RowRange& range : table_.selectedRows()) {
     // Between two rows that are shown there may be some that the filter hides.
-    const int step = model_.isFiltered() ? 1 : range.height();
-    for (int row = range.top(); row <= range.bottom(); row += step) {
+    const int step = model_.isFiltered() ? 1 : range.last - range.first + 1;
+    for (int row = range.first; row <= range.last; row += step) {
       entries.push_back({model_.identifier(row), model_.identifier(row + step - 1)});
     }
   }
@@ -237,6 +299,7 @@ void TableOutlet::restoreSelection() {
   }
   table_.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
   selection_.request();
+  if (selection.isEmpty()) selection_.flush();
 }
 
 }  // namespace quillforth::desktop

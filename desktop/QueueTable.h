@@ -5,6 +5,9 @@
 // Rows have one height and are never measured. Main thread.
 #pragma once
 
+#include <QAction>
+#include <QBoxLayout>
+#include <QLabel>
 #include <QTableView>
 #include <cstdint>
 #include <functional>
@@ -17,6 +20,9 @@
 
 namespace quillforth::desktop {
 
+/// Draws the last part of a URL as usual and the rest muted, and no password.
+[[nodiscard]] QAbstractItemDelegate* MakeURLDelegate(QObject* parent);
+
 /// A table of URLs. Says in the middle what it is for while it is empty.
 class QueueTable final : public QTableView {
   Q_OBJECT
@@ -24,8 +30,11 @@ class QueueTable final : public QTableView {
  public:
   explicit QueueTable(QWidget* parent = nullptr);
 
-  /// What it says while it is empty.
-  void setInvitation(const QString& text) { invitation_ = text; }
+  void setModel(QAbstractItemModel* model) override;
+  /// What it says while it is empty, with a button for each of `actions`. The keyboard has other ways to
+  /// them.
+  void setInvitation(const QString& text, const QList<QAction*>& actions = {});
+  [[nodiscard]] RowRanges selectedRows() const;
   /// Shows that something that is dragged may be dropped.
   void setDropHighlighted(bool isHighlighted);
   /// Does nothing: URLs begin alike, and a search by first letters would read them all.
@@ -33,14 +42,20 @@ class QueueTable final : public QTableView {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
   QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
  private:
   void followFont();
-  void paintInvitation();
+  void followModel();
+  void placeInvitation();
 
-  QString invitation_ = tr("Drop or paste URLs here");
+  QString text_;
+  QWidget* invitation_;
+  QLabel* invitationIcon_;
+  QLabel* invitationText_;
+  QHBoxLayout* invitationButtons_;
   bool isDropHighlighted_ = false;
 };
 
@@ -65,9 +80,8 @@ class TableOutlet final : public app::TableView {
     source_ = &source;
     model_.setDataSource(source);
   }
-  /// Shows just the URLs that hold this text; empty: all. What is hidden is selected no more.
-  void setFilter(const QString& text) { model_.setFilter(text); }
-  [[nodiscard]] bool isFiltered() const { return model_.isFiltered(); }
+  /// What is hidden is selected no more.
+  void setFilter(const ListFilter& filter) { model_.setFilter(filter); }
   [[nodiscard]] int shownCount() const { return model_.rowCount(); }
   void registerForDraggedTypes(const QStringList& types) override;
   void reloadData() override;
@@ -86,7 +100,6 @@ class TableOutlet final : public app::TableView {
   [[nodiscard]] QStringList selectedURLs() const;
 
  private:
-  [[nodiscard]] std::vector<QItemSelectionRange> selectedRanges() const;
   void selectionChanged();
   void catchUp();
   void restoreSelection();

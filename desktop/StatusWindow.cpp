@@ -8,6 +8,7 @@
 #include <QKeySequence>
 #include <utility>
 
+#include "desktop/Appearance.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -25,9 +26,9 @@ void Accept(QDropEvent& event) {
   event.ignore();
 }
 
-// By the names of the freedesktop icon naming specification; a theme may lack some.
 void SetIcons(const Ui::StatusWindow& ui) {
   const std::pair<QAction*, const char*> icons[] = {{ui.actionAddURLs, "list-add"},
+                                                    {ui.actionImportURL, "text-html"},
                                                     {ui.actionOpenLinkFile, "document-open"},
                                                     {ui.actionSaveList, "document-save"},
                                                     {ui.actionOpenDestination, "folder-open"},
@@ -45,7 +46,8 @@ void SetIcons(const Ui::StatusWindow& ui) {
                                                     {ui.actionClear, "edit-clear"},
                                                     {ui.actionHelp, "help-contents"},
                                                     {ui.actionAbout, "help-about"}};
-  for (const auto& [action, name] : icons) action->setIcon(QIcon::fromTheme(QLatin1StringView(name)));
+  for (const auto& [action, name] : icons) action->setIcon(CommandIcon(QString::fromLatin1(name)));
+  ui.addButton->setIcon(ui.actionAddURLs->icon());
 }
 
 }  // namespace
@@ -54,6 +56,7 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
     : owner_(owner), ui_(std::make_unique<Ui::StatusWindow>()) {
   ui_->setupUi(this);
   SetIcons(*ui_);
+  ui_->fileTable->setInvitation(tr("Drop or paste URLs here"), {ui_->actionAddURLs, ui_->actionImportURL});
   ui_->actionAddURLs->setShortcut(QKeySequence::New);
   ui_->actionQuit->setShortcut(QKeySequence::Quit);
   ui_->actionUndo->setShortcut(QKeySequence::Undo);
@@ -83,7 +86,7 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
     ui_->filterField->selectAll();
   });
   connect(ui_->tabs, &QTabBar::currentChanged, this,
-          [this](int tab) { ui_->filterRow->setVisible(tab == 0 && !ui_->filterField->text().isEmpty()); });
+          [this](int tab) { ui_->filterRow->setVisible(tab == 0 && isFiltered()); });
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
 }
 
@@ -91,6 +94,10 @@ StatusWindow::~StatusWindow() = default;
 
 QueueTable& StatusWindow::table() const {
   return static_cast<QueueTable&>(*ui_->tables->currentWidget());
+}
+
+bool StatusWindow::isFiltered() const {
+  return !ui_->filterField->text().isEmpty() || ui_->kindsButton->kinds() != 0;
 }
 
 void StatusWindow::dragEnterEvent(QDragEnterEvent* event) {
@@ -123,7 +130,8 @@ void StatusWindow::dropEvent(QDropEvent* event) {
 }
 
 bool StatusWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == ui_->filterField) return endFilter(*event);
+  if ((watched == ui_->filterField || watched == ui_->kindsButton) && endFilter(*event)) return true;
+  if (watched == ui_->filterField) return false;
   return event->type() == QEvent::MouseButtonDblClick || QMainWindow::eventFilter(watched, event);
 }
 
@@ -134,6 +142,7 @@ bool StatusWindow::endFilter(QEvent& event) {
   event.accept();
   if (event.type() == QEvent::ShortcutOverride) return true;
   ui_->filterField->clear();
+  ui_->kindsButton->clear();
   ui_->filterRow->hide();
   table().setFocus();
   return true;

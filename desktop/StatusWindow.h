@@ -39,6 +39,8 @@ class StatusWindow final : public QMainWindow {
   [[nodiscard]] Ui::StatusWindow& ui() { return *ui_; }
   /// The one that is shown.
   [[nodiscard]] QueueTable& table() const;
+  /// Of the queue.
+  [[nodiscard]] bool isFiltered() const;
 
  protected:
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -52,7 +54,7 @@ class StatusWindow final : public QMainWindow {
 
  private:
   void answer(QDragMoveEvent& event) const;
-  /// Whether the event of the field for the filter goes no further.
+  /// Whether the event of the row for the filter goes no further.
   bool endFilter(QEvent& event);
 
   StatusWindowOwner& owner_;

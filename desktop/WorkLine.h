@@ -20,8 +20,9 @@ class WorkLine final : public QObject {
   Q_OBJECT
 
  public:
-  /// Both outlive this.
-  WorkLine(FramePacer& pacer, StatusWindow& window);
+  /// `bytes`: what is said of the bytes of the file under way, also while the controller waits. All outlive
+  /// this.
+  WorkLine(FramePacer& pacer, StatusWindow& window, std::function<QString(bool isWaiting)> bytes);
 
   /// Something that the program waits for while this lives. There is one at a time.
   class Wait {
@@ -40,6 +41,9 @@ class WorkLine final : public QObject {
 
   /// What the line says while nothing is waited for.
   void setStanding(const QString& text);
+  [[nodiscard]] bool isWaiting() const { return !waiting_.isEmpty(); }
+  /// Brings the line up to date. It does so by itself while the program waits.
+  void show();
 
  private:
   void begin(const QString& text, std::function<void()> cancel);
@@ -49,9 +53,12 @@ class WorkLine final : public QObject {
 
   ElidedLabel& label_;
   ButtonOutlet button_;
+  std::function<QString(bool isWaiting)> bytes_;
   QTimer delay_;
+  QTimer recount_;
   QString standing_;
   QString waiting_;  // empty: nothing is waited for
+  bool isWaitShown_ = false;
   std::function<void()> cancel_;
   bool isCancelled_ = false;
 };

@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QLocale>
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -24,20 +25,15 @@ std::optional<double> Fraction(std::uint64_t received, std::int64_t expected) {
 
 }  // namespace
 
-WorkProgress::WorkProgress(FramePacer& pacer, QWidget& window, std::function<std::size_t()> waitingCount,
-                           std::function<bool()> isWorkLeft, std::function<void(const QString&)> tell)
-    : window_(window),
-      waitingCount_(std::move(waitingCount)),
-      isWorkLeft_(std::move(isWorkLeft)),
-      tell_(std::move(tell)),
-      update_(pacer, [this] { show(); }) {}
+WorkProgress::WorkProgress(FramePacer& pacer, QWidget& window, WorkProgressServices services)
+    : window_(window), services_(std::move(services)), update_(pacer, [this] { show(); }) {}
 
 WorkProgress::~WorkProgress() {
   showOnIcon(-1);
 }
 
 void WorkProgress::downloadBegan(const app::DownloadProgress& /*progress*/) {
-  if (ended_ == 0) tell_({});
+  begin();
   isUnderWay_ = true;
   received_ = 0;
   expected_ = -1;
@@ -55,12 +51,20 @@ void WorkProgress::downloadFinished(const app::DownloadProgress& /*progress*/) {
 }
 
 void WorkProgress::downloadFailed(const app::DownloadProgress& /*progress*/, const QString& /*reason*/) {
-  ++failed_;
-  end();
+  isUnderWay_ = false;
+  fail();
+}
+
+void WorkProgress::pageDidNotLoad(const QString& /*url*/, const QString& reason) {
+  if (!reason.isNull()) fail();
 }
 
 void WorkProgress::downloadCancelled(const app::DownloadProgress& /*progress*/) {
   end();
+}
+
+void WorkProgress::begin() {
+  if (!std::exchange(isWork_, true)) services_.tellEnd({});
 }
 
 void WorkProgress::end() {
@@ -68,21 +72,45 @@ void WorkProgress::end() {
   isUnderWay_ = false;
 }
 
+// A page that does not load, and a text that makes no URL, leave a file under way alone.
+void WorkProgress::fail() {
+  begin();
+  ++failed_;
+  ++ended_;
+  update_.request();
+}
+
 void WorkProgress::controllerMovedOn() {
   update_.request();
-  if (ended_ == 0 || isWorkLeft_()) return;
+  settle();
+}
+
+void WorkProgress::settle() {
+  if (ended_ == 0 || services_.isWorkLeft()) return;
+  isWork_ = false;
   const std::size_t failed = std::exchange(failed_, 0);
   const std::size_t ended = std::exchange(ended_, 0);
   if (failed == 0) return;
   const QLocale locale;
-  tell_(StatusWindow::tr("The work has ended, and %1 of %2 downloads failed.")
-            .arg(locale.toString(static_cast<qulonglong>(failed)),
-                 locale.toString(static_cast<qulonglong>(ended))));
+  services_.tellEnd(StatusWindow::tr("The work has ended. Failed: %1 of %2.")
+                        .arg(locale.toString(static_cast<qulonglong>(failed)),
+                             locale.toString(static_cast<qulonglong>(ended))));
+}
+
+QString WorkProgress::bytesText(bool isWaiting) const {
+  const bool isTold = expected_ > 0 && expected_ <= std::numeric_limits<std::int32_t>::max() && !isWaiting;
+  const std::uint64_t count = received_ + services_.undeliveredBytes();
+  if (!isUnderWay_ || isTold || count == 0) return {};
+  const QLocale locale;
+  const QString received = locale.toString(qulonglong{count});
+  if (expected_ <= 0) return StatusWindow::tr("%1 bytes").arg(received);
+  return StatusWindow::tr("%1 of %2 bytes").arg(received, locale.toString(qlonglong{expected_}));
 }
 
 void WorkProgress::show() {
   const std::size_t done = ended_ + (isUnderWay_ ? 1 : 0);
-  const std::size_t all = done + waitingCount_();
+  const std::size_t all = done + services_.waitingCount();
+  services_.wasShown();
   if (done == 0) {
     window_.setWindowTitle(QStringLiteral("Quillforth"));
     return showOnIcon(-1);

@@ -3,7 +3,7 @@
 // How far the work is, for who looks from elsewhere: in the title of the window, on the icon of the program
 // where a desktop shows such (com.canonical.Unity.LauncherEntry), and at the end in words.
 //
-// A piece of work goes from the first download to the moment when nothing is left. Main thread.
+// A piece of work goes from the first download or failure to the moment when nothing is left. Main thread.
 #pragma once
 
 #include <QWidget>
@@ -14,14 +14,24 @@
 
 namespace quillforth::desktop {
 
+/// All outlive the progress.
+struct WorkProgressServices {
+  std::function<std::size_t()> waitingCount;  ///< the URLs in the queue
+  std::function<bool()> isWorkLeft;           ///< something waits or is under way
+  std::function<std::uint64_t()>
+      undeliveredBytes;  ///< of the file under way; the controller has not heard of them
+  std::function<void(const QString&)> tellEnd;  ///< given null while there is work, or all has gone well
+  std::function<void()> wasShown;
+};
+
 class WorkProgress final : public app::ControllerObserver {
  public:
-  /// `waitingCount`: the URLs in the queue. `isWorkLeft`: something waits or is under way. `tell` is given
-  /// what the window says of the end: null while there is work, or all has gone well. All outlive this.
-  WorkProgress(FramePacer& pacer, QWidget& window, std::function<std::size_t()> waitingCount,
-               std::function<bool()> isWorkLeft, std::function<void(const QString&)> tell);
+  WorkProgress(FramePacer& pacer, QWidget& window, WorkProgressServices services);
   ~WorkProgress() override;
 
+  void pageDidNotLoad(const QString& url, const QString& reason) override;
+  void urlWasRefused(const QString& /*text*/) override { fail(); }
+  void urlWasLost(const QString& /*url*/) override { fail(); }
   void downloadBegan(const app::DownloadProgress& progress) override;
   void downloadReceived(const app::DownloadProgress& progress) override;
   void downloadFinished(const app::DownloadProgress& progress) override;
@@ -30,16 +40,22 @@ class WorkProgress final : public app::ControllerObserver {
   void controllerMovedOn() override;
   /// The queue has changed.
   void queueDidChange() { update_.request(); }
+  /// A command has returned, or a download has ended: nothing may be left.
+  void settle();
+  /// How many bytes of the file under way there are, where the progress bar and its text cannot tell: their
+  /// counts have 32 bits and need the length. `isWaiting`: the controller does not hear of them now.
+  [[nodiscard]] QString bytesText(bool isWaiting) const;
 
  private:
+  void begin();
   void end();
+  void fail();
   void show();
   void showOnIcon(int percent);
 
   QWidget& window_;
-  std::function<std::size_t()> waitingCount_;
-  std::function<bool()> isWorkLeft_;
-  std::function<void(const QString&)> tell_;
+  WorkProgressServices services_;
+  bool isWork_ = false;
   std::size_t ended_ = 0;  // of this piece of work
   std::size_t failed_ = 0;
   std::uint64_t received_ = 0;  // of the file under way

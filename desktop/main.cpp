@@ -324,6 +324,7 @@ int Run(const Arguments& arguments, int argc, char** argv) {
        .interrupt = &platform::Interruption::request,
        .holdEnds = [&](bool isHeld) { services.downloads().setHoldingEnds(isHeld); },
        .holdsAnEnd = [&] { return services.downloads().isHoldingAnEnd(); },
+       .undeliveredBytes = [&] { return services.downloads().undeliveredLength(); },
        .settingsFile = services.userDefaults().fileName(),
        .transferLibrary =
            QStringLiteral("libcurl %1").arg(QLatin1StringView(curl_version_info(CURLVERSION_NOW)->version)),

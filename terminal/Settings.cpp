@@ -45,6 +45,8 @@ constexpr std::array kBooleanSettings{
     BooleanSetting{
         app::kSendReferer, &app::Preferences::sendReferer,
         "tell the server on which page a file was found; another server is told only where the page is from"},
+    BooleanSetting{app::kChooseLinks, &app::Preferences::chooseLinks,
+                   "let quillforth(1) ask which links of a page join the queue"},
     BooleanSetting{app::kAllowKeystrokesForBrowserURL, &app::Preferences::allowKeystrokesForBrowserURL,
                    "let quillforth(1) copy the address of Firefox with keystrokes, over the clipboard, when "
                    "it cannot be had otherwise"},

@@ -19,14 +19,6 @@
         <source>URL of a web page</source>
         <translation>URL einer Webseite</translation>
     </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>&amp;Abbrechen</translation>
-    </message>
-    <message>
-        <source>&amp;Import</source>
-        <translation>&amp;Importieren</translation>
-    </message>
 </context>
 <context>
     <name>LocalizedStrings</name>
@@ -489,6 +481,14 @@
         <source>&amp;Bring the status window forward when URLs come in</source>
         <translation>&amp;Statusfenster bei neuen URLs anzeigen</translation>
     </message>
+    <message>
+        <source>Shows the links of each page before they join the queue. Only those that are ticked do.</source>
+        <translation>Zeigt die Links jeder Seite, bevor sie in die Warteschlange kommen. Nur die angekreuzten werden eingereiht.</translation>
+    </message>
+    <message>
+        <source>&amp;Choose which links of a page are queued</source>
+        <translation>&amp;Auswählen, welche Links einer Seite eingereiht werden</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>
@@ -530,10 +530,6 @@
     <message>
         <source>URLs that wait</source>
         <translation>Wartende URLs</translation>
-    </message>
-    <message>
-        <source>&amp;Import…</source>
-        <translation>&amp;Importieren&#xa0;…</translation>
     </message>
     <message>
         <source>Queue the links of a page</source>
@@ -582,10 +578,6 @@
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
-    </message>
-    <message>
-        <source>&amp;Import URL…</source>
-        <translation>URL &amp;importieren&#xa0;…</translation>
     </message>
     <message>
         <source>Get URL from &amp;Browser</source>
@@ -839,6 +831,10 @@
         <source>&amp;Manual</source>
         <translation>&amp;Anleitung</translation>
     </message>
+    <message>
+        <source>&amp;Import Page…</source>
+        <translation>Seite &amp;importieren&#xa0;…</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AddSheet</name>
@@ -930,6 +926,61 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::ChooseSheet</name>
+    <message>
+        <source>Choose Links</source>
+        <translation>Links auswählen</translation>
+    </message>
+    <message>
+        <source>Links of %1</source>
+        <translation>Links von %1</translation>
+    </message>
+    <message>
+        <source>Show just the URLs that hold this text</source>
+        <translation>Nur URLs mit diesem Text zeigen</translation>
+    </message>
+    <message>
+        <source>Filter of the links</source>
+        <translation>Filter der Links</translation>
+    </message>
+    <message>
+        <source>Links of the page</source>
+        <translation>Links der Seite</translation>
+    </message>
+    <message>
+        <source>No URL passes the filter.</source>
+        <translation>Keine URL passt zum Filter.</translation>
+    </message>
+    <message>
+        <source>&amp;Queue Ticked</source>
+        <translation>Angekreuzte &amp;einreihen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Queue none of them</source>
+        <translation>Keinen davon einreihen</translation>
+    </message>
+    <message>
+        <source>&amp;Tick All</source>
+        <translation>Alle an&amp;kreuzen</translation>
+    </message>
+    <message>
+        <source>&amp;Untick All</source>
+        <translation>Alle ab&amp;wählen</translation>
+    </message>
+    <message>
+        <source>All links that the filter shows</source>
+        <translation>Alle Links, die der Filter zeigt</translation>
+    </message>
+    <message>
+        <source>Ticked: %1 of %2. Shown: %3.</source>
+        <translation>Angekreuzt: %1 von %2. Gezeigt: %3.</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -1007,6 +1058,53 @@
         <source>Loading the page…</source>
         <translation>Die Seite wird geladen …</translation>
     </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importieren</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::KindsButton</name>
+    <message>
+        <source>Kinds of URLs that are shown</source>
+        <translation>Arten von URLs, die gezeigt werden</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures</source>
+        <translation>&amp;Bilder</translation>
+    </message>
+    <message>
+        <source>&amp;Sound</source>
+        <translation>&amp;Ton</translation>
+    </message>
+    <message>
+        <source>&amp;Film</source>
+        <translation>&amp;Film</translation>
+    </message>
+    <message>
+        <source>&amp;Archives</source>
+        <translation>&amp;Archive</translation>
+    </message>
+    <message>
+        <source>&amp;Documents</source>
+        <translation>&amp;Dokumente</translation>
+    </message>
+    <message>
+        <source>Pa&amp;ges</source>
+        <translation>&amp;Seiten</translation>
+    </message>
+    <message>
+        <source>All Kinds</source>
+        <translation>Alle Arten</translation>
+    </message>
+    <message>
+        <source>%1 Kinds</source>
+        <translation>%1 Arten</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::Outcomes</name>
@@ -1076,12 +1174,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>Drop or paste URLs here</source>
-        <translation>URLs hierher ziehen oder einfügen</translation>
-    </message>
-    <message>
-        <source>No URL holds that text.</source>
-        <translation>Keine URL enthält diesen Text.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Keine URL passt zum Filter.</translation>
     </message>
 </context>
 <context>
@@ -1203,32 +1297,12 @@
         <translation>Ein Terminal zeigt sie mit: man quillforth</translation>
     </message>
     <message>
-        <source>The work has ended, and %1 of %2 downloads failed.</source>
-        <translation>Fertig; %1 von %2 Downloads sind fehlgeschlagen.</translation>
-    </message>
-    <message>
         <source>(%1 of %2)</source>
         <translation>(%1 von %2)</translation>
     </message>
     <message>
         <source>%1 %</source>
         <translation>%1 %</translation>
-    </message>
-    <message>
-        <source>Delete all URLs of the queue?</source>
-        <translation>Alle URLs der Warteschlange löschen?</translation>
-    </message>
-    <message>
-        <source>All: %1. Shown by the filter: %2.</source>
-        <translation>Insgesamt: %1. Davon zeigt der Filter: %2.</translation>
-    </message>
-    <message>
-        <source>Delete All</source>
-        <translation>Alle löschen</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
     </message>
     <message>
         <source>&amp;Undo Remove Duplicates</source>
@@ -1245,6 +1319,26 @@
     <message>
         <source>%1 of %2 shown</source>
         <translation>%1 von %2 zu sehen</translation>
+    </message>
+    <message>
+        <source>Nothing will be lost.</source>
+        <translation>Nichts geht verloren.</translation>
+    </message>
+    <message>
+        <source>Drop or paste URLs here</source>
+        <translation>URLs hierher ziehen oder einfügen</translation>
+    </message>
+    <message>
+        <source>The work has ended. Failed: %1 of %2.</source>
+        <translation>Die Arbeit ist beendet. Fehlgeschlagen: %1 von %2.</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bytes</source>
+        <translation>%1 von %2 Byte</translation>
     </message>
 </context>
 <context>

@@ -19,14 +19,6 @@
         <source>URL of a web page</source>
         <translation>URL d’une page web</translation>
     </message>
-    <message>
-        <source>&amp;Cancel</source>
-        <translation>&amp;Annuler</translation>
-    </message>
-    <message>
-        <source>&amp;Import</source>
-        <translation>&amp;Importer</translation>
-    </message>
 </context>
 <context>
     <name>LocalizedStrings</name>
@@ -489,6 +481,14 @@
         <source>&amp;Bring the status window forward when URLs come in</source>
         <translation>A&amp;fficher la fenêtre d’état à l’arrivée d’URL</translation>
     </message>
+    <message>
+        <source>Shows the links of each page before they join the queue. Only those that are ticked do.</source>
+        <translation>Montre les liens de chaque page avant qu’ils rejoignent la file. Seuls ceux qui sont cochés la rejoignent.</translation>
+    </message>
+    <message>
+        <source>&amp;Choose which links of a page are queued</source>
+        <translation>C&amp;hoisir les liens de chaque page à mettre en file</translation>
+    </message>
 </context>
 <context>
     <name>QDialog</name>
@@ -530,10 +530,6 @@
     <message>
         <source>URLs that wait</source>
         <translation>URL en attente</translation>
-    </message>
-    <message>
-        <source>&amp;Import…</source>
-        <translation>&amp;Importer…</translation>
     </message>
     <message>
         <source>Queue the links of a page</source>
@@ -582,10 +578,6 @@
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Aide</translation>
-    </message>
-    <message>
-        <source>&amp;Import URL…</source>
-        <translation>&amp;Importer une URL…</translation>
     </message>
     <message>
         <source>Get URL from &amp;Browser</source>
@@ -839,6 +831,10 @@
         <source>&amp;Manual</source>
         <translation>&amp;Manuel</translation>
     </message>
+    <message>
+        <source>&amp;Import Page…</source>
+        <translation>&amp;Importer une page…</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AddSheet</name>
@@ -930,6 +926,61 @@
     </message>
 </context>
 <context>
+    <name>quillforth::desktop::ChooseSheet</name>
+    <message>
+        <source>Choose Links</source>
+        <translation>Choisir les liens</translation>
+    </message>
+    <message>
+        <source>Links of %1</source>
+        <translation>Liens de %1</translation>
+    </message>
+    <message>
+        <source>Show just the URLs that hold this text</source>
+        <translation>N’afficher que les URL qui contiennent ce texte</translation>
+    </message>
+    <message>
+        <source>Filter of the links</source>
+        <translation>Filtre des liens</translation>
+    </message>
+    <message>
+        <source>Links of the page</source>
+        <translation>Liens de la page</translation>
+    </message>
+    <message>
+        <source>No URL passes the filter.</source>
+        <translation>Aucune URL ne correspond au filtre.</translation>
+    </message>
+    <message>
+        <source>&amp;Queue Ticked</source>
+        <translation>&amp;Mettre en file les cochés</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Queue none of them</source>
+        <translation>N’en mettre aucun en file</translation>
+    </message>
+    <message>
+        <source>&amp;Tick All</source>
+        <translation>&amp;Tout cocher</translation>
+    </message>
+    <message>
+        <source>&amp;Untick All</source>
+        <translation>Tout &amp;décocher</translation>
+    </message>
+    <message>
+        <source>All links that the filter shows</source>
+        <translation>Tous les liens que le filtre affiche</translation>
+    </message>
+    <message>
+        <source>Ticked: %1 of %2. Shown: %3.</source>
+        <translation>Cochés&#xa0;: %1 sur %2. Affichés&#xa0;: %3.</translation>
+    </message>
+</context>
+<context>
     <name>quillforth::desktop::CompletionNotice</name>
     <message>
         <source>A download failed</source>
@@ -1007,6 +1058,53 @@
         <source>Loading the page…</source>
         <translation>Chargement de la page…</translation>
     </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importer</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>quillforth::desktop::KindsButton</name>
+    <message>
+        <source>Kinds of URLs that are shown</source>
+        <translation>Types d’URL affichés</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures</source>
+        <translation>&amp;Images</translation>
+    </message>
+    <message>
+        <source>&amp;Sound</source>
+        <translation>&amp;Sons</translation>
+    </message>
+    <message>
+        <source>&amp;Film</source>
+        <translation>&amp;Films</translation>
+    </message>
+    <message>
+        <source>&amp;Archives</source>
+        <translation>&amp;Archives</translation>
+    </message>
+    <message>
+        <source>&amp;Documents</source>
+        <translation>&amp;Documents</translation>
+    </message>
+    <message>
+        <source>Pa&amp;ges</source>
+        <translation>Pa&amp;ges</translation>
+    </message>
+    <message>
+        <source>All Kinds</source>
+        <translation>Tous les types</translation>
+    </message>
+    <message>
+        <source>%1 Kinds</source>
+        <translation>%1 types</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::Outcomes</name>
@@ -1036,7 +1134,7 @@
     </message>
     <message>
         <source>%1 done, %2 failed</source>
-        <translation>%1 réussis, %2 échecs</translation>
+        <translation>%1 faits, %2 échecs</translation>
     </message>
     <message>
         <source> (the oldest %1 are not listed any more)</source>
@@ -1076,12 +1174,8 @@
 <context>
     <name>quillforth::desktop::QueueTable</name>
     <message>
-        <source>Drop or paste URLs here</source>
-        <translation>Déposez ou collez des URL ici</translation>
-    </message>
-    <message>
-        <source>No URL holds that text.</source>
-        <translation>Aucune URL ne contient ce texte.</translation>
+        <source>No URL passes the filter.</source>
+        <translation>Aucune URL ne correspond au filtre.</translation>
     </message>
 </context>
 <context>
@@ -1203,32 +1297,12 @@
         <translation>Un terminal l’affiche avec : man quillforth</translation>
     </message>
     <message>
-        <source>The work has ended, and %1 of %2 downloads failed.</source>
-        <translation>Terminé ; %1 téléchargements sur %2 ont échoué.</translation>
-    </message>
-    <message>
         <source>(%1 of %2)</source>
         <translation>(%1 sur %2)</translation>
     </message>
     <message>
         <source>%1 %</source>
         <translation>%1 %</translation>
-    </message>
-    <message>
-        <source>Delete all URLs of the queue?</source>
-        <translation>Supprimer toutes les URL de la file ?</translation>
-    </message>
-    <message>
-        <source>All: %1. Shown by the filter: %2.</source>
-        <translation>En tout : %1. Affichées par le filtre : %2.</translation>
-    </message>
-    <message>
-        <source>Delete All</source>
-        <translation>Tout supprimer</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Annuler</translation>
     </message>
     <message>
         <source>&amp;Undo Remove Duplicates</source>
@@ -1245,6 +1319,26 @@
     <message>
         <source>%1 of %2 shown</source>
         <translation>%1 sur %2 affichées</translation>
+    </message>
+    <message>
+        <source>Nothing will be lost.</source>
+        <translation>Rien ne sera perdu.</translation>
+    </message>
+    <message>
+        <source>Drop or paste URLs here</source>
+        <translation>Déposez ou collez des URL ici</translation>
+    </message>
+    <message>
+        <source>The work has ended. Failed: %1 of %2.</source>
+        <translation>Le travail est terminé. Échecs&#xa0;: %1 sur %2.</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 octets</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bytes</source>
+        <translation>%1 octets sur %2</translation>
     </message>
 </context>
 <context>

@@ -310,6 +310,7 @@ bool CurlDownloadService::deliverOne(std::chrono::steady_clock::time_point end) 
 }
 
 void CurlDownloadService::deliver(Report& report) {
+  if (const auto* data = std::get_if<DataReport>(&report)) deliveredLength_ += data->length;
   const auto receive = [this](auto& specific) {
     const auto found = downloads_.find(specific.id);
     if (found == downloads_.end()) return;

@@ -11,6 +11,7 @@
 
 #include <QSocketNotifier>
 #include <QTimer>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -99,6 +100,8 @@ class CurlDownloadService final : public WebDownloadService {
   /// meanwhile.
   void setHoldingEnds(bool isHolding);
   [[nodiscard]] bool isHoldingAnEnd() const { return !heldEnds_.empty(); }
+  /// Bytes that have come in, and have not been called back.
+  [[nodiscard]] std::uint64_t undeliveredLength() const { return reportedLength_ - deliveredLength_; }
   /// For pages and probes, which then share connections with the files.
   [[nodiscard]] TransferThread& thread() { return thread_; }
 
@@ -122,7 +125,9 @@ class CurlDownloadService final : public WebDownloadService {
   FileCalls& files_;
   DownloadFolders folders_;
   Mailbox<Report> reports_;
-  const DownloadContext context_{files_, folders_, reports_};
+  std::atomic<std::uint64_t> reportedLength_ = 0;
+  std::uint64_t deliveredLength_ = 0;
+  const DownloadContext context_{files_, folders_, reports_, reportedLength_};
   const DownloadOptions options_;
   QSocketNotifier notifier_;
   std::unordered_map<DownloadId, std::shared_ptr<CurlDownload>> downloads_;

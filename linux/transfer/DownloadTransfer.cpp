@@ -113,11 +113,17 @@ void DownloadTransfer::finishFile() {
     reports.emplace_back(DestinationReport{id(), name, std::move(movedTo)});
   }
   if (sink_.length() > reportedLength_) {
-    reports.emplace_back(DataReport{id(), sink_.length() - reportedLength_});
+    reports.emplace_back(newData());
   }
   reports.emplace_back(FinishedReport{id()});
   context_.reports.postAll(reports);
   setPhase(Phase::ended);
+}
+
+DataReport DownloadTransfer::newData() {
+  const std::uint64_t known = std::exchange(reportedLength_, sink_.length());
+  context_.reportedLength += sink_.length() - known;
+  return {id(), sink_.length() - known};
 }
 
 void DownloadTransfer::discard() {
@@ -172,8 +178,7 @@ DownloadTransfer::Clock::time_point DownloadTransfer::lookAtClock(Clock::time_po
   if (phase() != Phase::requesting || !target_ || sink_.length() <= reportedLength_) return next;
   if (now < lastReport_ + kReportInterval) return std::min(next, lastReport_ + kReportInterval);
   lastReport_ = now;
-  const std::uint64_t known = std::exchange(reportedLength_, sink_.length());
-  context_.reports.post(DataReport{id(), sink_.length() - known});
+  context_.reports.post(newData());
   return next;
 }
 

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QString>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -99,6 +100,7 @@ struct DownloadContext {
   FileCalls& files;
   DownloadFolders& folders;
   Mailbox<Report>& reports;
+  std::atomic<std::uint64_t>& reportedLength;  ///< of all DataReports ever
 };
 
 class DownloadTransfer final : public Transfer {
@@ -133,6 +135,7 @@ class DownloadTransfer final : public Transfer {
   void findPlace();
   void finishFile();
   void reportResponse();
+  [[nodiscard]] DataReport newData();
   [[nodiscard]] bool isWorthAnotherTry(const TransferOutcome& outcome);
 
   const DownloadContext& context_;

@@ -4,7 +4,7 @@
 
 _quillforth_cli() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
-  local keys='showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer allowKeystrokesForBrowserURL downloadsAhead DestinationDirectory'
+  local keys='showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer chooseLinks allowKeystrokesForBrowserURL downloadsAhead DestinationDirectory'
   local words='' kind='' key='' prefix='' suffix=''
   # bash makes three words of a word with a "=".
   if [[ $current == '=' ]]; then

@@ -3,7 +3,7 @@
 # Completion of quillforth-cli for fish. Made by packaging/OptionDocuments.cpp.
 
 function __quillforth_cli_assignments
-    for key in showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer allowKeystrokesForBrowserURL
+    for key in showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer chooseLinks allowKeystrokesForBrowserURL
         printf '%s=yes\n%s=no\n' $key $key
     end
     printf 'downloadsAhead=%s\n' (seq 0 8)
@@ -75,7 +75,7 @@ complete -c quillforth-cli -n '__fish_seen_subcommand_from extensions' -s h -l h
 complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -l unset -d 'go back to the default'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -l json -d 'print one JSON object for each setting, with "key", "value" and "origin" ("default" or "stored")'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -s h -l help -d 'show this text'
-complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -a 'showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer allowKeystrokesForBrowserURL downloadsAhead DestinationDirectory'
+complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -a 'showStatusWindow bringApplicationToFront setCommentToLocationURL overwriteFilesBySameName preserveFileCommentsWhenAggregatingFiles alwaysPromptForOutputLocation aggregateFiles showAlertsWhenErrorsOccur notifyWhenDone playSoundWhenDone sendReferer chooseLinks allowKeystrokesForBrowserURL downloadsAhead DestinationDirectory'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from settings' -a 'yes no'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from aggregate' -l yes -d 'do not ask'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from aggregate' -s n -l dry-run -d 'only print what would be moved where, a line each'

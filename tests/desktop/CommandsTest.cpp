@@ -136,6 +136,14 @@ TEST_F(CommandsTest, ACommandIsDoneForWhatWasSeenOrNotAtAll) {
        hasTakenHead,
        closeModal,
        {"12|0", "12|0", "12|0", "|0"}},
+      {"links are chosen",
+       false,
+       true,
+       [&] { drop("/page.html"); },
+       isModal,
+       isReady,
+       [modal] { modal()->accept(); },
+       {"12nn|0", "12nn|0", "12nn|0", "|0"}},
       {"a sheet of the user is open",
        true,
        true,
@@ -154,6 +162,8 @@ TEST_F(CommandsTest, ACommandIsDoneForWhatWasSeenOrNotAtAll) {
        {"2|1", "12|0", "20|1", "|"}},
   };
   for (const auto& state : states) {
+    const bool chooses = std::string_view(state.title) == "links are chosen";
+    services_.userDefaults().setObject(app::kChooseLinks.key, chooses);
     for (std::size_t i = 0; i < std::size(commands); ++i) {
       SCOPED_TRACE(std::string(state.title) + ", " + commands[i]);
       empty();
@@ -205,7 +215,7 @@ TEST_F(CommandsTest, UndoBringsBackInOrderAndHoldKeepsAllWhileAFileEnds) {
   EXPECT_TRUE(comesTo("209|1"));
 }
 
-TEST_F(CommandsTest, UnderAFilterDeletingAllIsAskedForAndDuplicatesGoWhereverTheyAre) {
+TEST_F(CommandsTest, WhatAFilterHidesIsNotDeletedAndDuplicatesGoWhereverTheyAre) {
   beginGatedDownload();
   fillQueue();
   for (const char* path : {"/slow2", "/slow0"}) desktop_.controller().queueURL(url(path));
@@ -213,14 +223,11 @@ TEST_F(CommandsTest, UnderAFilterDeletingAllIsAskedForAndDuplicatesGoWhereverThe
   EXPECT_FALSE(table_.selectionModel()->hasSelection());
   trigger("actionRemoveDuplicates");
   ASSERT_TRUE(comesTo("012|n"));
-  for (const bool isWanted : {false, true}) {
-    find<QAction>("actionDelete").setEnabled(true);
-    trigger("actionDelete");
-    auto* question = window().findChild<QMessageBox*>();
-    ASSERT_NE(question, nullptr);
-    isWanted ? question->buttons().first()->click() : question->reject();
-    EXPECT_TRUE(comesTo(isWanted ? "|n" : "012|n"));
-  }
+  EXPECT_FALSE(find<QAction>("actionDelete").isEnabled());
+  trigger("actionSelectAll");
+  ASSERT_TRUE(RunLoopUntil([this] { return find<QAction>("actionDelete").isEnabled(); }));
+  trigger("actionDelete");
+  EXPECT_TRUE(comesTo("02|n"));
 }
 
 TEST_F(CommandsTest, ADoubleClickIsOneCommand) {

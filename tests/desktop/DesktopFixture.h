@@ -100,6 +100,7 @@ class DesktopFixture : public ::testing::Test {
        .interrupt = &platform::Interruption::request,
        .holdEnds = [this](bool isHeld) { services_.downloads().setHoldingEnds(isHeld); },
        .holdsAnEnd = [this] { return services_.downloads().isHoldingAnEnd(); },
+       .undeliveredBytes = [this] { return services_.downloads().undeliveredLength(); },
        .settingsFile = services_.userDefaults().fileName(),
        .isStored = [] { return true; }}};
 };

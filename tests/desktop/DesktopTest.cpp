@@ -158,7 +158,7 @@ TEST_F(DesktopTest, FailuresThatWaitAreOneSheetThatBlocksNothing) {
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   EXPECT_TRUE(box()->informativeText().contains(QStringLiteral("/cut1.bin")));
   EXPECT_TRUE(box()->informativeText().contains(u'2'));
-  EXPECT_TRUE(find<QLabel>("workLabel").text().endsWith(u" downloads failed."));
+  EXPECT_EQ(find<QLabel>("workLabel").text(), QStringLiteral("The work has ended. Failed: 3 of 3."));
   services_.userDefaults().removeObject(QStringLiteral("showAlertsWhenErrorsOccur"));
 }
 

@@ -7,6 +7,7 @@
 #include <QTabWidget>
 
 #include "desktop/AddSheet.h"
+#include "desktop/ChooseSheet.h"
 #include "desktop/MessageSheets.h"
 #include "desktop/Translations.h"
 #include "desktop/WidgetOutlets.h"
@@ -60,9 +61,12 @@ TEST_P(LayoutTest, NothingIsCutOffOrOverlaps) {
   const QString folder = QString(1000, u'm');
   auto* box = desktop::MakeMessageBox({folder, folder, folder.left(9), {}}, QMessageBox::Warning, &window());
   desktop::AddSheet add(QStringLiteral("a.test\n").repeated(9), nullptr);
-  QList<QWidget*> windows = {&window(), &sheet, &add};
+  app::UrlQueue links;
+  links.append(folder, folder);
+  desktop::ChooseSheet choose(links, desktop_.controller().extensionMap(), nullptr);
+  QList<QWidget*> windows = {&window(), &sheet, &add, &choose};
   for (QDialog* dialog : window().findChildren<QDialog*>()) windows.append(dialog);
-  ASSERT_EQ(windows.size(), 6);
+  ASSERT_EQ(windows.size(), 7);
   ASSERT_TRUE(RunLoopUntil([this] { return !find<QLabel>("countTextField").text().isEmpty(); }));
   for (const char* name : {"filterRow", "cancelWaitButton", "currentURLTextField", "fileDownloadProgressBar",
                            "fileDownloadCancelButton"}) {

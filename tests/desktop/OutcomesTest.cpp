@@ -26,7 +26,8 @@ class OutcomesTest : public DesktopFixture {
 TEST_F(OutcomesTest, EachURLIsListedWithWhatCameOfItAndFailuresAreQueuedAgain) {
   using desktop::FinishedModel;
   ASSERT_TRUE(drop("/a.bin") && tabsSay("Finished (1)", "Failed (0)"));
-  ASSERT_TRUE(drop("/cut.html") && drop("/cut.bin") && tabsSay("Finished (1)", "Failed (2)"));
+  ASSERT_TRUE(drop("/cut.html") && waitForText("workLabel", "The work has ended. Failed: 1 of 1."));
+  ASSERT_TRUE(drop("/cut.bin") && tabsSay("Finished (1)", "Failed (2)"));
   desktop_.controller().queueURL(QStringLiteral("no URL"));
   ASSERT_TRUE(waitForText("countTextField", "1 "));
   trigger("actionTryAgain");

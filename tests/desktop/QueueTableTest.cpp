@@ -70,7 +70,7 @@ TEST(QueueTable, SelectionFollowsEntriesAndReloadsCostWhatIsVisible) {
 
   // A filter hides rows, and what it hides is not selected.
   view.selectAll();
-  table.setFilter(QStringLiteral("/9999"));
+  table.setFilter({.text = QStringLiteral("/9999")});
   EXPECT_EQ(table.shownCount(), 11);
   const auto rowOf = [&queue](std::uint64_t identifier) {
     const auto found = std::find(queue.identifiers.begin(), queue.identifiers.end(), identifier);

@@ -4,6 +4,7 @@
 
 #include <sys/xattr.h>
 
+#include <QMessageBox>
 #include <QTableView>
 
 #include "tests/desktop/DesktopFixture.h"
@@ -76,13 +77,13 @@ TEST_F(WaitingTest, TheWindowLivesWhileAServerIsAsked) {
   EXPECT_EQ(files(), QStringLiteral("gated"));
 }
 
-// With nothing to do, with a file that waits, and with one that is in transfer.
+// With nothing to do, with a file that waits, and with one that is in transfer and another that waits.
 TEST_F(WaitingTest, OnlyWhatIsWaitedForIsCancelledAndItsFileIsTakenOutAgain) {
   auto& cancel = find<QAction>("actionCancelWait");
   const auto& failed = *find<QTableView>("failedTable").model();
   QObject::connect(&cancel, &QAction::changed, [&cancel] { cancel.isEnabled() ? cancel.trigger() : void(); });
   int failures = 0;
-  for (const char* other : {"", "/slow.bin", ""}) {
+  for (const char* other : {"", "/slow.bin", "/kept.bin"}) {
     if (*other != 0) desktop_.controller().queueURL(QString::fromStdString(server_.url(other)));
     for (const char* path : {"/gated", "/gated.html"}) {
       ASSERT_TRUE(drop(path));
@@ -90,12 +91,72 @@ TEST_F(WaitingTest, OnlyWhatIsWaitedForIsCancelledAndItsFileIsTakenOutAgain) {
       ASSERT_TRUE(RunLoopUntil([&] { return failed.rowCount() == failures && !desktop_.gate().isBusy(); }));
       EXPECT_TRUE(failed.index(failures - 1, 0).data().toString().endsWith(QLatin1StringView(path)));
       EXPECT_FALSE(cancel.isEnabled());
-      EXPECT_EQ(desktop_.controller().numberOfRows(), 0U);
+      EXPECT_EQ(desktop_.controller().numberOfRows(), failures > 4 ? 1U : 0U);
     }
     EXPECT_EQ(desktop_.controller().isDownloading(), failures > 2) << "the file that waited goes on";
   }
   EXPECT_EQ(find<QLabel>("outcomeLabel").text(), QStringLiteral("0 done, 6 failed"));
   EXPECT_FALSE(files().contains(QStringLiteral("gated")));
+}
+
+TEST_F(WaitingTest, TheLineCountsOnWhileAPageLoads) {
+  ASSERT_TRUE(drop("/half-gated.bin"));
+  ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
+  ASSERT_TRUE(drop("/slow.html"));
+  const auto& line = find<QLabel>("workLabel");
+  EXPECT_TRUE(RunLoopUntil([&] {
+    const bool isWaiting = line.text().startsWith(u"Loading ");
+    if (isWaiting && line.text().endsWith(u"/slow.html — 4 of 9 bytes")) mayAnswer_ = true;
+    if (isWaiting && line.text().endsWith(u" — 9 of 9 bytes")) trigger("actionCancelWait");
+    return mayAnswer_ && !desktop_.gate().isBusy();
+  }));
+}
+
+TEST_F(WaitingTest, TheQuestionBeforeTheEndSaysWhatWouldBeLostNow) {
+  whileWaiting([this] { EXPECT_FALSE(window().close()); });
+  ASSERT_TRUE(drop("/gated.html"));
+  EXPECT_TRUE(RunLoopUntil([this] {
+    const auto* box = window().findChild<QMessageBox*>();
+    const QString text = box == nullptr ? QString() : box->informativeText();
+    if (text.contains(QStringLiteral("lost: 1<"))) mayAnswer_ = true;
+    return mayAnswer_ && text.contains(QStringLiteral("Nothing will be lost."));
+  }));
+  EXPECT_EQ(files(), QStringLiteral("a.bin b.bin"));
+}
+
+class HoldTest : public WaitingTest {
+ protected:
+  /// On hold, a file is complete, and its end is not told.
+  void holdTheEnd() {
+    ASSERT_TRUE(drop("/half-gated.bin"));
+    ASSERT_TRUE(waitForText("fileDownloadProgressText", "44 percent"));
+    const desktop::CommandGate::Hold hold(desktop_.gate(), desktop::CommandGate::Held::commands);
+    trigger("actionCancelDownload");
+    trigger("actionHold");
+    mayAnswer_ = true;
+    ASSERT_TRUE(RunLoopUntil([this] { return services_.downloads().isHoldingAnEnd(); }));
+  }
+};
+
+TEST_F(HoldTest, ACancelFromBeforeComesTooLateForAFileThatIsComplete) {
+  holdTheEnd();
+  ASSERT_TRUE(RunLoopUntil([this] { return !desktop_.gate().isBusy(); }));
+  trigger("actionHold");
+  EXPECT_TRUE(waitForText("outcomeLabel", "1 done, 0 failed"));
+}
+
+TEST_F(HoldTest, ASortWaitsForTheFileThatIsUnderWayWhenItGoesOn) {
+  services_.userDefaults().setObject(QStringLiteral("aggregateFiles"), true);
+  holdTheEnd();
+  ASSERT_TRUE(drop("/slow.bin"));
+  trigger("actionTryAgain");  // sorts first
+  ASSERT_TRUE(RunLoopUntil([this] { return !desktop_.gate().isBusy(); }));
+  trigger("actionHold");
+  ASSERT_TRUE(RunLoopUntil([this] { return server_.requests().size() == 2 && !desktop_.gate().isBusy(); }));
+  EXPECT_TRUE(files().endsWith(u"half-gated.bin"));
+  desktop_.controller().cancelDownloadFile();
+  EXPECT_TRUE(RunLoopUntil([] { return QFile::exists(folder() + QStringLiteral("/bin/half-gated.bin")); }));
+  services_.userDefaults().removeObject(QStringLiteral("aggregateFiles"));
 }
 
 TEST_F(WaitingTest, QuittingEndsTheWaitSoon) {

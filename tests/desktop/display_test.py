@@ -109,7 +109,7 @@ class Display(unittest.TestCase):
         button, box, field = "push button", "check box", "text"
         self.look_at("Quillforth", "Queued URLs", ["table", button, button, "page tab list", button, button])
         xdotool("key", "ctrl+comma")
-        self.look_at("Preferences", "Bring the status window forward when URLs come in", [box, box, "spin button", box, button, "page tab list"])
+        self.look_at("Preferences", "Bring the status window forward when URLs come in", [box, box, "spin button", box, box, button, "page tab list"])
         xdotool("key", "Escape", "sleep", 0.5, "key", "ctrl+i")
         self.look_at("Import URL", "URL of a web page", [field, button, button])
 
