@@ -90,9 +90,12 @@ void Desktop::chooseLinks(app::UrlQueue& links) {
   if (!preferences_.chooseLinks()) return;
   const CommandGate::Hold hold(gate_);
   if (!window_.isVisible()) window_.show();
-  ChooseSheet sheet(links, controller_.extensionMap(), &window_);
-  const bool isChosen = !gate_.isClosed() && sheet.exec() == QDialog::Accepted;
-  isChosen ? links.takeAt(sheet.unwanted()) : links.takeAll();
+  std::optional<std::vector<std::size_t>> unwanted;
+  {
+    ChooseSheet sheet(links, controller_.extensionMap(), &window_);
+    if (!gate_.isClosed() && sheet.exec() == QDialog::Accepted) unwanted = sheet.unwanted();
+  }
+  unwanted ? links.takeAt(*unwanted) : links.takeAll();
   isNoneChosen_ = links.empty();
 }
 

@@ -14,7 +14,7 @@ bool ListFilter::shows(const QString& url) const {
 
 KindsButton::KindsButton(QWidget* parent) : QPushButton(parent) {
   setAutoDefault(false);
-  setAccessibleName(tr("Kinds of URLs that are shown"));
+  setAccessibleDescription(tr("Kinds of URLs that are shown"));
   setMenu(new QMenu(this));
   int width = 0;
   // In the order of LinkFilter::kinds.
