@@ -34,7 +34,7 @@ for target; do
     >"$work/log" 2>&1 || { status=1 && result=$(sed -n 's/.*Test unit written to //p' "$work/log"); }
   [ "$result" = none ] || grep -aE 'does not hold|SUMMARY|runtime error' "$work/log" || true
   last=$(grep -E 'cov: [0-9]+ ft: ' "$work/log" | tail -n 1)
-  number() { grep -oE "$1 [0-9]+" <<<"$2" | grep -oE '[0-9]+$' || echo '?'; }
+  number() { grep -oE "$1 +[0-9]+" <<<"$2" | grep -oE '[0-9]+$' || echo '?'; }
   printf '%-14s %10s %9s %8s %8s  %s\n' "$target" "$(number 'number_of_executed_units:' "$(cat "$work/log")")" \
     "$(number 'average_exec_per_sec:' "$(cat "$work/log")")" "$(number cov: "$last")" "$(number ft: "$last")" "$result"
   rm -r "$work/seeds"
