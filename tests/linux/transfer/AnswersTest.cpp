@@ -9,6 +9,7 @@
 #include "linux/transfer/CurlPageLoader.h"
 #include "linux/transfer/CurlReadStream.h"
 #include "tests/linux/transfer/DownloadFixture.h"
+#include "tests/linux/transfer/StrictReader.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::tests {
@@ -44,6 +45,9 @@ TEST_F(Answers, AreJudgedByTheSameRulesForAProbeAPageAndAFile) {
     EXPECT_EQ(file(url), row[2]) << row[0];
     EXPECT_EQ(page(url), row[3] == "=" ? row[2] : row[3]) << row[0];
     EXPECT_EQ(probe(url), row[4]) << row[0];
+    const StrictReader reader(row[1], false, false);
+    const bool isTaken = !row[2].starts_with('!') && reader.status() / 100 != 3;
+    EXPECT_TRUE(!isTaken || (reader.isWhole() && reader.body() == row[2])) << row[0];
   }
 }
 
