@@ -14,6 +14,7 @@ import random
 import re
 import subprocess
 import sys
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 COPY = ROOT / "build/mutants"
@@ -58,7 +59,7 @@ def run(*command, seconds=900):
         return None
 
 
-def verdict(room, path, number, line, changed):
+def verdict(limits, room, path, number, line, changed):
     lines = path.read_text().splitlines(keepends=True)
     assert lines[number - 1].rstrip("\n") == line
     try:
@@ -66,7 +67,7 @@ def verdict(room, path, number, line, changed):
         for test in TESTS[room]:
             if run("nice", "ninja", "-C", "build/dev", test) != 0:
                 return "no code"  # -Werror may see it, or the program that lists its cases ends
-            if run("nice", "build/dev/bin/" + test, seconds=60) != 0:
+            if run("nice", "build/dev/bin/" + test, seconds=limits[test]) != 0:
                 return "killed"
         return "lived"
     finally:
@@ -76,13 +77,20 @@ def verdict(room, path, number, line, changed):
 def main():
     seed, wanted, places = int(sys.argv[1]), int(sys.argv[2]), sys.argv[3:]
     if COPY.exists():
-        subprocess.run(["git", "-C", COPY, "checkout", "-q", "--detach", "-f",
-                        subprocess.check_output(["git", "-C", ROOT, "rev-parse", "HEAD"], text=True).strip()], check=True)
+        head = subprocess.check_output(["git", "-C", ROOT, "rev-parse", "HEAD"], text=True).strip()
+        subprocess.run(["git", "-C", COPY, "checkout", "-q", "--detach", "-f", head], check=True)
     else:
         subprocess.run(["git", "-C", ROOT, "worktree", "add", "-q", "--detach", COPY], check=True)
     tests = sorted({test for room in TESTS.values() for test in room})
-    if run("cmake", "--preset", "dev", "-DQUILLFORTH_WARNINGS_AS_ERRORS=OFF") or run("nice", "ninja", "-C", "build/dev", *tests, seconds=7200):
+    if run("cmake", "--preset", "dev", "-DQUILLFORTH_WARNINGS_AS_ERRORS=OFF") != 0 or \
+       run("nice", "ninja", "-C", "build/dev", *tests, seconds=7200) != 0:
         sys.exit("the copy does not build")
+    limits = {}
+    for test in tests:
+        start = time.monotonic()
+        if run("nice", "build/dev/bin/" + test) != 0:
+            sys.exit(test + " fails without a fault")
+        limits[test] = 30 + 4 * (time.monotonic() - start)
     drawn = list(faults())
     random.Random(seed).shuffle(drawn)
     if places:
@@ -91,10 +99,11 @@ def main():
     for fault in drawn:
         if counts["killed"] + counts["lived"] == wanted:
             break
-        result = verdict(*fault)
+        result = verdict(limits, *fault)
         counts[result] += 1
         if result != "no code":
-            print(f"{result} {fault[1].relative_to(COPY)}:{fault[2]}: {fault[3].strip()}  ->  {fault[4].strip()}", flush=True)
+            place = f"{fault[1].relative_to(COPY)}:{fault[2]}"
+            print(f"{result} {place}: {fault[3].strip()}  ->  {fault[4].strip()}", flush=True)
     print(counts)
     sys.exit(10 * counts["lived"] > counts["killed"] + counts["lived"])
 
