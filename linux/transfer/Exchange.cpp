@@ -353,6 +353,11 @@ bool Exchange::isTooFast(std::size_t length) {
 }
 
 std::size_t Exchange::takeBody(std::string_view bytes) {
+  // libcurl ends a head at any line that begins with a carriage return.
+  if (head_.isOpen()) {
+    outcome_.kind = OutcomeKind::malformedAnswer;
+    return CURL_WRITEFUNC_ERROR;
+  }
   if (isTooFast(bytes.size())) return CURL_WRITEFUNC_PAUSE;
   if (!isWanted_) isWanted_ = taker_.wantsBody();
   if (!*isWanted_) {

@@ -40,10 +40,10 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// The status of "HTTP/1.1 200 OK" (RFC 9112, section 4); nothing for any other line. The reason may be
-// absent.
+// The status of "HTTP/1.1 200 OK" (RFC 9112, section 4); nothing for any other line, also of another major
+// version, which nobody asks for. The reason may be absent.
 std::optional<int> StatusOf(std::string_view line) {
-  constexpr std::string_view kForm = "HTTP/0.0 000";
+  constexpr std::string_view kForm = "HTTP/1.0 000";
   if (line.size() < kForm.size() || (line.size() > kForm.size() && IsDigit(line[kForm.size()]))) return {};
   for (std::size_t i = 0; i < kForm.size(); ++i) {
     if (kForm[i] == '0' ? !IsDigit(line[i]) : line[i] != kForm[i]) return std::nullopt;

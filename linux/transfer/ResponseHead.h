@@ -32,6 +32,8 @@ class ResponseHead {
 
   ResponseHead() = default;
 
+  /// Whether a head has begun, and its blank line has not come.
+  [[nodiscard]] bool isOpen() const { return isInside_; }
   /// Whether the head of a final answer is complete.
   [[nodiscard]] bool isComplete() const { return !isInside_ && status_ >= 200; }
   /// What is wrong with one of the lines so far.
@@ -64,7 +66,7 @@ class ResponseHead {
   HTTPResponseHeader header_;
   std::size_t length_ = 0;
   int status_ = 0;
-  bool isInside_ = false;  // a head has begun, but its blank line has not come
+  bool isInside_ = false;
   bool isMalformed_ = false;
   bool isFraming_ = false;  // the last field says how long the body is
   bool hasBrokenFraming_ = false;

@@ -9,6 +9,7 @@
 #include "linux/transfer/CurlPageLoader.h"
 #include "linux/transfer/CurlReadStream.h"
 #include "tests/linux/transfer/DownloadFixture.h"
+#include "tests/linux/transfer/StrictReader.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::tests {
@@ -44,6 +45,9 @@ TEST_F(Answers, AreJudgedByTheSameRulesForAProbeAPageAndAFile) {
     EXPECT_EQ(file(url), row[2]) << row[0];
     EXPECT_EQ(page(url), row[3] == "=" ? row[2] : row[3]) << row[0];
     EXPECT_EQ(probe(url), row[4]) << row[0];
+    const StrictReader reader(row[1], false, false);
+    const bool isTaken = !row[2].starts_with('!') && reader.status() / 100 != 3;
+    EXPECT_TRUE(!isTaken || (reader.isWhole() && reader.body() == row[2])) << row[0];
   }
 }
 
@@ -191,16 +195,20 @@ TEST_F(Answers, ThatBreakOffBeforeTheirHeadAreAskedForOnceMoreOnlyOnAUsedConnect
   RawServer server([](RawServer::Connection& connection, const std::string& request) {
     static thread_local int count = 0;  // of this connection
     const bool isWhole = count++ == 0 && request.find(" /never ") == std::string::npos;
-    connection.send(isWhole ? HttpReply("200 OK", "whole") : "HTTP/1.1 200 OK\r\nX");
+    const bool isOdd = request.find(" /odd ") != std::string::npos;
+    const char* broken = isOdd ? "HTTP/1.1 200 OK\r\n\r)\nodd" : "HTTP/1.1 200 OK\r\nX";
+    connection.send(isWhole ? HttpReply("200 OK", "whole") : broken);
     return isWhole ? RawServer::After::keepOpen : RawServer::After::close;
   });
   EXPECT_EQ(file(server.url("/1")), "whole");
   EXPECT_EQ(file(server.url("/2")), "whole");
   EXPECT_EQ(page(server.url("/3")), "whole");
   EXPECT_EQ(server.requests().size(), 5U);
+  EXPECT_EQ(file(server.url("/odd")), "!The server's answer cannot be understood.");
+  EXPECT_EQ(server.requests().size(), 6U);
   restart();
   EXPECT_EQ(file(server.url("/never")), "!The server sent less than the whole file.");
-  EXPECT_EQ(server.requests().size(), 6U);
+  EXPECT_EQ(server.requests().size(), 7U);
 }
 
 }  // namespace
