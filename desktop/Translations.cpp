@@ -10,8 +10,8 @@ namespace quillforth::desktop {
 namespace {
 
 // The errors that name a detail; it is put into the translation as it is.
-constexpr const char* kDetailedErrors[] = {"The server answered %1.", "The transfer failed: %1.",
-                                           "The file could not be written: %1."};
+constexpr const char* kDetailedErrors[] = {"The server answered %1.", "The proxy server answered %1.",
+                                           "The transfer failed: %1.", "The file could not be written: %1."};
 
 QString Translation(const QString& key) {
   return QCoreApplication::translate("LocalizedStrings", key.toUtf8().constData());

@@ -87,7 +87,8 @@ DownloadLogins::Next DownloadLogins::refused(const Refusal& refusal) {
   if (!offered) return Next::cannot;
   Use& use = useFor(refusal.isProxy);
   const ProtectionSpace space(refusal.origin, offered->realm);
-  if (use.login && use.origin == refusal.origin) {
+  const bool hadLogin = use.login && use.origin == refusal.origin;
+  if (hadLogin || (refusal.hadOtherLogin && use.failureCount == 0)) {
     if (++use.failureCount >= kMaxFailures) return Next::giveUp;
     if (use.space == space) store_.forget(space);
   }

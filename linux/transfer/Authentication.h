@@ -70,6 +70,7 @@ class DownloadLogins {
     std::string origin;                    ///< who refused, as in ProtectionSpace
     std::string host;                      ///< to be shown
     std::vector<std::string_view> fields;  ///< values of WWW-Authenticate (Proxy-Authenticate)
+    bool hadOtherLogin = false;            ///< the request carried one that was not from here
   };
   enum class Next {
     retry,

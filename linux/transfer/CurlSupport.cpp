@@ -2,6 +2,8 @@
 
 #include "linux/transfer/CurlSupport.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 
 #include "common/BoundedText.h"
@@ -26,6 +28,18 @@ TransferSettings SettingsFromEnvironment() {
   settings.caCertificateFile = Environment("SSL_CERT_FILE");
   settings.caCertificateFolder = Environment("SSL_CERT_DIR");
   return settings;
+}
+
+// A server that runs scripts has the field "Proxy:" of its requests in HTTP_PROXY.
+std::string ProxyFromEnvironment(const std::string& scheme) {
+  std::string upper = scheme + "_proxy";
+  std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return std::toupper(c); });
+  const std::string own = Environment((scheme + "_proxy").c_str());
+  for (const std::string& proxy : {own, scheme == "http" ? "" : Environment(upper.c_str()),
+                                   Environment("all_proxy"), Environment("ALL_PROXY")}) {
+    if (!proxy.empty()) return proxy;
+  }
+  return {};
 }
 
 }  // namespace quillforth::platform

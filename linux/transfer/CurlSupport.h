@@ -69,6 +69,9 @@ struct TransferSettings {
 /// Settings that trust the certificates that the environment names (SSL_CERT_FILE, SSL_CERT_DIR;
 /// openssl-env(7)).
 [[nodiscard]] TransferSettings SettingsFromEnvironment();
+/// The proxy that the environment names for URLs of `scheme` (in lower case), as libcurl-env(3) has it; empty
+/// when there is none. Does not look at the exceptions in "no_proxy".
+[[nodiscard]] std::string ProxyFromEnvironment(const std::string& scheme);
 
 inline constexpr int kMaxRedirects = 20;
 /// Seconds without a byte after which a transfer counts as stalled.

@@ -140,6 +140,7 @@ namespace {
 
 // How much is received at a time: the most that libcurl allows. Large files are fast with few, large steps.
 constexpr long kReceiveBytes = 512L * 1024;
+constexpr int kProxyUnauthorized = 407;
 // A body that nobody wants is read to its end up to this size, which keeps the connection usable.
 constexpr std::size_t kMaxDiscardedBytes = 64UL * 1024;
 
@@ -276,8 +277,7 @@ int Exchange::willRequest(void* self, char* /*remoteAddress*/, char* /*localAddr
   exchange.socket_ = exchange.context_.sockets.find(localPort);
   exchange.requestTime_ = Clock::now();
   const bool hasSaidMore = exchange.context_.sockets.isReadable(exchange.socket_) || HasUnreadTLS(handle);
-  if (!exchange.isOnUsedConnection_ || exchange.attempt_ != Attempt::first || !hasSaidMore)
-    return CURL_PREREQFUNC_OK;
+  if (!exchange.isOnUsedConnection_ || !hasSaidMore) return CURL_PREREQFUNC_OK;
   exchange.nextAttempt_ = Attempt::anew;
   return CURL_PREREQFUNC_ABORT;
 }
@@ -320,8 +320,10 @@ void Exchange::takeLine(std::string_view line) {
 void Exchange::judgeHead() {
   if (!isTunnelsHead()) {
     outcome_.kind = head_.fault(request_.method != "HEAD");
-  } else if (head_.status() >= 300) {
+  } else if (head_.status() == kProxyUnauthorized && request_.purpose != Purpose::probe) {
     isTunnelRefused_ = true;
+  } else if (head_.status() >= 300) {
+    outcome_ = {OutcomeKind::proxyStatus, head_.status()};
   } else {
     head_.expectAnother();
   }
@@ -412,8 +414,10 @@ void Exchange::end(CURLcode result) {
   hasMoved_ = true;
   context_.sockets.acknowledge(socket_);
   context_.cookies.trim();
+  // The last of these: what has come first is no status line, so it may belong to the answer before.
   const bool isBroken = result == CURLE_GOT_NOTHING || result == CURLE_RECV_ERROR ||
-                        result == CURLE_SEND_ERROR || result == CURLE_OK;
+                        result == CURLE_SEND_ERROR || result == CURLE_OK ||
+                        result == CURLE_UNSUPPORTED_PROTOCOL;
   const bool isAnswered = isFTP() || !outcome_.isWhole() || head_.isComplete();
   if (isOnUsedConnection_ && attempt_ == Attempt::first && isBroken && !isAnswered)
     nextAttempt_ = Attempt::anew;

@@ -131,7 +131,7 @@ OutcomeKind ResponseHead::fault(bool hasBody) const {
 }
 
 bool ResponseHead::hasTwoLocations() const {
-  if (location().empty()) return false;
+  if (status_ < 300 || status_ >= 400) return false;
   const std::vector<std::string_view> all = header_.valuesOfField("Location");
   return std::any_of(all.begin(), all.end(), [&all](std::string_view other) { return other != all[0]; });
 }

@@ -9,6 +9,8 @@ namespace quillforth::platform {
 
 namespace {
 
+// So often a URL is asked for once more, when a connection was not fit for it.
+constexpr int kMaxFurtherAttempts = 4;
 constexpr int kUnauthorized = 401;
 constexpr int kProxyUnauthorized = 407;
 constexpr int kTooManyRequests = 429;
@@ -47,6 +49,7 @@ void Transfer::start(TransferContext& context) {
 
 void Transfer::goTo(RequestURL url) {
   url_ = std::move(url);
+  attemptsLeft_ = kMaxFurtherAttempts;
   if (!referrer_.empty()) referrer_ = url_.reducedReferrer(referrer_, context_->settings.tellsWholeReferrer);
   logins_->goTo(url_);
   beginExchange();
@@ -133,7 +136,10 @@ Exchange::Taking Transfer::takeBody(std::string_view bytes) {
 
 void Transfer::requestDone(CURLcode result) {
   exchange_->end(result);
-  if (const auto attempt = exchange_->nextAttempt()) return beginExchange(*attempt);
+  if (const auto attempt = exchange_->nextAttempt()) {
+    if (attemptsLeft_-- > 0) return beginExchange(*attempt);
+    return fail({OutcomeKind::malformedAnswer});
+  }
   if (isOnlyForItsTurn()) {
     context_->hostsInTurnOnly.insert(url_.host);
     return isAhead_ ? drop() : startAgain();
@@ -158,9 +164,13 @@ void Transfer::followRedirect() {
 }
 
 void Transfer::handleRefusal() {
-  const bool isProxy = exchange_->head().status() == kProxyUnauthorized;
+  const int status = exchange_->head().status();
+  const bool isProxy = status == kProxyUnauthorized;
   DownloadLogins::Refusal refusal{isProxy, url_.origin, url_.host + ':' + url_.port, {}};
   if (isProxy) {
+    const std::string proxy = ProxyFromEnvironment(url_.origin.substr(0, url_.origin.find(':')));
+    if (proxy.empty()) return fail({OutcomeKind::status, status});
+    refusal.hadOtherLogin = proxy.find('@') != std::string::npos;
     refusal.host = exchange_->peer();
     refusal.origin = "proxy " + refusal.host;
   }
@@ -176,7 +186,7 @@ void Transfer::handleRefusal() {
     case DownloadLogins::Next::giveUp:
       return fail({isProxy ? OutcomeKind::proxyLoginRefused : OutcomeKind::loginRefused});
     case DownloadLogins::Next::cannot:
-      return fail({OutcomeKind::status, exchange_->head().status()});
+      return fail({isProxy ? OutcomeKind::proxyStatus : OutcomeKind::status, status});
   }
 }
 

@@ -137,6 +137,7 @@ class Transfer : private Exchange::Taker {
   std::string firstOrigin_;  // what was asked for, before any redirect
   std::string firstHost_;
   int redirectsLeft_ = kMaxRedirects;
+  int attemptsLeft_ = 0;  // of the present URL
   std::optional<DownloadLogins> logins_;
   std::unique_ptr<Exchange> exchange_;
   TransferOutcome fault_;  // of the answer, or of whoever takes it

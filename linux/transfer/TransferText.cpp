@@ -129,6 +129,7 @@ constexpr OutcomePhrase kOutcomePhrases[] = {
     {OutcomeKind::noDestination, "noDestination",
      LOCALIZED_CHARS("There is no destination folder for the file.")},
     {OutcomeKind::status, "status", nullptr},
+    {OutcomeKind::proxyStatus, "proxyStatus", nullptr},
     {OutcomeKind::system, "system", nullptr},
     {OutcomeKind::file, "file", nullptr},
     {OutcomeKind::other, "other", nullptr},
@@ -192,12 +193,11 @@ const char* PhraseFor(const Phrase (&phrases)[Size], long code) {
   return found == std::end(phrases) ? nullptr : found->text;
 }
 
-QString StatusText(long status) {
-  constexpr long kProxyUnauthorized = 407;
+QString StatusText(OutcomeKind kind, long status) {
   const char* phrase = PhraseFor(kStatusPhrases, status);
   const QString number = QString::number(status);
-  const QString& answer = status == kProxyUnauthorized ? LOCALIZED("The proxy server answered %1.")
-                                                       : LOCALIZED("The server answered %1.");
+  const QString& answer = kind == OutcomeKind::proxyStatus ? LOCALIZED("The proxy server answered %1.")
+                                                           : LOCALIZED("The server answered %1.");
   return answer.arg(phrase == nullptr ? number : number + u' ' + QLatin1StringView(phrase));
 }
 
@@ -206,12 +206,16 @@ const OutcomePhrase& PhraseOf(OutcomeKind kind) {
                        [kind](const OutcomePhrase& p) { return p.kind == kind; });
 }
 
+bool HasStatus(OutcomeKind kind) {
+  return kind == OutcomeKind::status || kind == OutcomeKind::proxyStatus;
+}
+
 // Whether the failure is one of the moment, and not of the file.
 bool MayPass(OutcomeKind kind, long status) {
   constexpr OutcomeKind kPassing[] = {
       OutcomeKind::silence,        OutcomeKind::slowHead,  OutcomeKind::timeout,   OutcomeKind::noAnswer,
       OutcomeKind::connectionLost, OutcomeKind::brokenOff, OutcomeKind::incomplete};
-  if (kind == OutcomeKind::status) return status == 408 || status == 429 || status >= 500;
+  if (HasStatus(kind)) return status == 408 || status == 429 || status >= 500;
   return std::find(std::begin(kPassing), std::end(kPassing), kind) != std::end(kPassing);
 }
 
@@ -222,7 +226,8 @@ QString TransferOutcome::sentence() const {
     case OutcomeKind::whole:
       return {};
     case OutcomeKind::status:
-      return StatusText(detail);
+    case OutcomeKind::proxyStatus:
+      return StatusText(kind, detail);
     case OutcomeKind::file:
       return FileErrorText(static_cast<int>(detail));
     case OutcomeKind::system:
@@ -237,7 +242,7 @@ QString TransferOutcome::sentence() const {
 
 TransferFailure TransferOutcome::failure() const {
   if (isWhole()) return {};
-  const int status = kind == OutcomeKind::status ? static_cast<int>(detail) : 0;
+  const int status = HasStatus(kind) ? static_cast<int>(detail) : 0;
   return {QString::fromLatin1(PhraseOf(kind).word), status, retryAfter, MayPass(kind, detail)};
 }
 

@@ -15,6 +15,7 @@ namespace quillforth::platform {
 enum class OutcomeKind {
   whole,  ///< all is here
   status,
+  proxyStatus,  ///< what a proxy answered when it was asked for a connection
   malformedURL,
   unsupportedURL,
   proxyNotFound,
@@ -54,7 +55,8 @@ enum class OutcomeKind {
 
 struct TransferOutcome {
   OutcomeKind kind = OutcomeKind::whole;
-  /// The status for `status`, an error number for `system` and `file`, libcurl's code for `other`.
+  /// The status for `status` and `proxyStatus`, an error number for `system` and `file`, libcurl's code for
+  /// `other`.
   long detail = 0;
   int retryAfter = 0;  ///< seconds for which the server wants to be left alone
 

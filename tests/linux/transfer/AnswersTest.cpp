@@ -195,8 +195,10 @@ TEST_F(Answers, ThatBreakOffBeforeTheirHeadAreAskedForOnceMoreOnlyOnAUsedConnect
   RawServer server([](RawServer::Connection& connection, const std::string& request) {
     static thread_local int count = 0;  // of this connection
     const bool isWhole = count++ == 0 && request.find(" /never ") == std::string::npos;
-    const bool isOdd = request.find(" /odd ") != std::string::npos;
-    const char* broken = isOdd ? "HTTP/1.1 200 OK\r\n\r)\nodd" : "HTTP/1.1 200 OK\r\nX";
+    const auto asks = [&request](const char* path) { return request.find(path) != std::string::npos; };
+    const char* broken = asks(" /odd ")    ? "HTTP/1.1 200 OK\r\n\r)\nodd"
+                         : asks(" /late ") ? "the rest of what came before"
+                                           : "HTTP/1.1 200 OK\r\nX";
     connection.send(isWhole ? HttpReply("200 OK", "whole") : broken);
     return isWhole ? RawServer::After::keepOpen : RawServer::After::close;
   });
@@ -206,9 +208,12 @@ TEST_F(Answers, ThatBreakOffBeforeTheirHeadAreAskedForOnceMoreOnlyOnAUsedConnect
   EXPECT_EQ(server.requests().size(), 5U);
   EXPECT_EQ(file(server.url("/odd")), "!The server's answer cannot be understood.");
   EXPECT_EQ(server.requests().size(), 6U);
+  EXPECT_EQ(file(server.url("/4")), "whole");
+  EXPECT_EQ(file(server.url("/late")), "whole");
+  EXPECT_EQ(server.requests().size(), 9U);
   restart();
   EXPECT_EQ(file(server.url("/never")), "!The server sent less than the whole file.");
-  EXPECT_EQ(server.requests().size(), 7U);
+  EXPECT_EQ(server.requests().size(), 10U);
 }
 
 }  // namespace

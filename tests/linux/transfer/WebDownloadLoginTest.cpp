@@ -156,9 +156,13 @@ TEST_F(DownloadTest, ALoginInTheURLIsUsedAndStaysWithItsHost) {
 TEST_F(DownloadTest, AProxyAsksForItsOwnLogin) {
   RawServer proxy([](RawServer::Connection& connection, const std::string& request) {
     const bool isKnown = Field(request, "Proxy-Authorization") == Basic(kGood);
-    const std::string status = request.starts_with("CONNECT") ? "502 Bad Gateway" : "200 OK";
-    connection.send(isKnown ? HttpReply(status, "whole")
-                            : HttpReply("407 No", "x", "Proxy-Authenticate: Basic realm=p\r\n"));
+    const bool isMoved = request.starts_with("CONNECT site-d");
+    const std::string status = isMoved                           ? "302 Found"
+                               : request.starts_with("CONNECT ") ? "502 Bad Gateway"
+                                                                 : "200 OK";
+    connection.send(isKnown
+                        ? HttpReply(status, "whole", isMoved ? "Location: http://site-a.invalid/x\r\n" : "")
+                        : HttpReply("407 No", "x", "Proxy-Authenticate: Basic realm=p\r\n"));
     return After::keepOpen;
   });
   for (const char* name : {"http_proxy", "https_proxy"})
@@ -167,7 +171,9 @@ TEST_F(DownloadTest, AProxyAsksForItsOwnLogin) {
   plain.answers = {kWrong, kGood};
   EXPECT_EQ(content(download("http://site-a.invalid/x", plain)), "whole");
   EXPECT_EQ(Asked(download("http://site-b.invalid/x")), "");
-  EXPECT_EQ(download("https://site-c.invalid/x", tunnelled).error, "The server answered 502 Bad Gateway.");
+  EXPECT_EQ(download("https://site-c.invalid/x", tunnelled).error,
+            "The proxy server answered 502 Bad Gateway.");
+  EXPECT_EQ(download("https://site-d.invalid/x").error, "The proxy server answered 302 Found.");
   for (const char* name : {"http_proxy", "https_proxy"}) qunsetenv(name);
   EXPECT_EQ(Asked(plain) + Asked(tunnelled), "proxy Basic p 0;proxy Basic p 1;");
 }
