@@ -355,37 +355,5 @@ TEST_F(Aggregation, ARunThatIsKilledAnywhereLosesNothingAndNeedsFewDescriptors) 
   }
 }
 
-TEST_F(Aggregation, AFolderThatSomeoneKeepsFillingIsSortedWithoutALoss) {
-  constexpr int kRounds = 400;
-  make({"pdf/", "txt/"});
-  const pid_t filler = ::fork();
-  if (filler == 0) {
-    // The same name in the folder and, as a rival for it, in the subfolder.
-    for (int i = 0; i < kRounds; ++i) {
-      const std::string name = std::to_string(i % 50) + (i % 2 == 0 ? ".pdf" : ".txt");
-      WriteFile(root_ / ".arriving", std::to_string(i));
-      if (::link((root_ / ".arriving").c_str(), (root_ / name).c_str()) != 0) --i;
-      ::unlink((root_ / ".arriving").c_str());
-      WriteFile(root_ / ".rival", "rival");
-      std::error_code ignored;  // the sorter may have been first, or the subfolder not be there yet
-      std::filesystem::create_hard_link(root_ / ".rival", root_ / name.substr(name.size() - 3) / name,
-                                        ignored);
-    }
-    ::unlink((root_ / ".rival").c_str());
-    ::_exit(0);
-  }
-  int status = 0;
-  while (::waitpid(filler, &status, WNOHANG) == 0) (void)run();
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(run().left, 0U);
-  std::set<std::string> contents;
-  for (const std::string& line : TreeOf(root_)) {
-    EXPECT_NE(line.find('/'), std::string::npos) << line;
-    contents.insert(line.substr(line.find(" < ") + 3));
-  }
-  contents.erase("rival");
-  EXPECT_EQ(contents.size(), static_cast<std::size_t>(kRounds));
-}
-
 }  // namespace
 }  // namespace quillforth::tests
