@@ -4,6 +4,7 @@
 
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
+#include "linkextract/ResolveLink.h"
 #include "tests/linkextract/ReferenceScanner.h"
 #include "tests/support/CaseTable.h"
 
@@ -29,14 +30,6 @@ TEST(ScanPageTest, FindsLinksInTheOrderOfThePassesAndTheBaseOfTheHeadOrThePagesO
     EXPECT_EQ(KeysOf(tests::FastScan(row[1], "http://h/d/", SomeExtensions())), row[2]) << row[1];
     EXPECT_EQ(KeysOf(tests::ReferenceScan(row[1], "http://h/d/", SomeExtensions())), row[2]) << row[1];
   }
-}
-
-TEST(ScanPageTest, OverwritesValuesOfAnotherPage) {
-  LinkTable table;
-  ScanPage("<a href=x>", common::BoundedText("http://one/"), table, SomeExtensions());
-  ScanPage("<a href=y><a href=x>", common::BoundedText("http://two/"), table, SomeExtensions());
-  EXPECT_EQ(table.size(), 2U);
-  EXPECT_EQ(table.begin()->value().view(), "http://two/x");
 }
 
 TEST(ScanPageTest, TakesLinearTimeOnPagesMadeToSlowItDown) {
@@ -107,6 +100,35 @@ TEST(PageLinksTest, GoesFromBytesToLinks) {
   EXPECT_EQ(std::next(table.begin())->value().view(), "http://b/d/caf\xC3\xA9");
   EXPECT_TRUE(ExtractPageLinks("<a href=x>", "", extensions).empty());
   EXPECT_TRUE(ExtractPageLinks("", "http://own/", extensions).empty());
+}
+
+TEST(ResolveLinkTest, GivesAnAbsoluteHttpUrl) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/resolved_links.tsv", 3)) {
+    SCOPED_TRACE(row[0] + " + " + row[1]);
+    EXPECT_EQ(ResolveLink(common::BoundedText(row[0]), common::BoundedText(row[1])).view(), row[2]);
+    EXPECT_EQ(tests::ReferenceResolve(row[0], row[1].substr(0, 255)), row[2]);
+  }
+}
+
+TEST(ParsedURLTest, SplitsTextsIntoTheirParts) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/url_parts.tsv", 2)) {
+    const ParsedURL url{common::BoundedText(row[1])};
+    constexpr const char* kSchemes[] = {"", "http", "ftp", "https"};
+    std::string found = kSchemes[static_cast<std::size_t>(url.scheme)] + std::string("|");
+    for (const common::BoundedText* part : {&url.host, &url.directory, &url.fileNameWithQuery, &url.fileName,
+                                            &url.extension, &url.query, &url.dollarPart, &url.fragment}) {
+      found.append(part->view()) += '|';
+    }
+    EXPECT_EQ(found + std::to_string(url.segments.count()), row[0]) << row[1];
+  }
+}
+
+TEST(ParsedURLTest, KnowsTheTypesOfTheTable) {
+  const classify::CExtensionMap extensions = tests::SomeExtensions();
+  const ParsedURL known(common::BoundedText("http://h/a.jpeg"), &extensions);
+  EXPECT_EQ(known.fileType, 1001U);
+  EXPECT_EQ(known.creator, 1002U);
+  EXPECT_EQ(ParsedURL(common::BoundedText("http://h/a.JPEG"), &extensions).fileType, 0U);
 }
 
 }  // namespace

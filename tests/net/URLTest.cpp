@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// What makes a URL, and what its parts are.
+// What makes a URL, what its parts are, and which file name comes of what servers and URLs say, honest or
+// not.
 
 #include "net/URL.h"
 
 #include <QStringList>
 
+#include "net/SuggestedFilename.h"
 #include "tests/support/CaseTable.h"
 
 namespace quillforth::platform {
@@ -41,6 +43,26 @@ TEST(URL, TypedTextsAreMendedWhereTheyAreNone) {
   }
   EXPECT_EQ(WithoutPassword(QStringLiteral("http://me:p@ss@h/a@b")), u"http://me@h/a@b");
   EXPECT_EQ(WithoutPassword(QStringLiteral("http://:word@h/")), u"http://h/");
+}
+
+QString ExtensionForTest(std::string_view mimeType) {
+  if (mimeType == "image/jpeg") return QStringLiteral("jpg");
+  if (mimeType == "application/octet-stream") return QStringLiteral("bin");
+  return mimeType == "application/evil" ? QStringLiteral("../x") : QString();
+}
+
+TEST(SuggestedFilename, IsOneVisibleComponentWhateverTheServerSays) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/suggested_filenames.tsv", 4)) {
+    const std::string name = SuggestedFilename({row[0], row[1], row[2]}, ExtensionForTest).toStdString();
+    EXPECT_EQ(name, row[3]) << row[0] << row[1];
+    EXPECT_LE(name.size(), static_cast<std::size_t>(kMaxSuggestedFilenameBytes));
+  }
+}
+
+TEST(SuggestedFilename, AnInsertGoesBeforeTheExtensionAndTheRestIsCut) {
+  EXPECT_EQ(FilenameWithInsert("a.tar.gz", "-1", 255), "a.tar-1.gz");
+  EXPECT_EQ(FilenameWithInsert(".rc", "-1", 255), ".rc-1");
+  EXPECT_EQ(FilenameWithInsert(QByteArray(255, 'a') + ".gz", "-12", 255), QByteArray(249, 'a') + "-12.gz");
 }
 
 }  // namespace
