@@ -106,7 +106,7 @@ app::Outlets Desktop::outlets() {
 
 app::Host Desktop::waitingHost() {
   app::Host host = host_;
-  host.observers = {&notice_, &outcomes_, &workProgress_, this};
+  host.observers.insert(host.observers.end(), {&notice_, &outcomes_, &workProgress_, this});
   host.pageLoader = &pageLoader_;
   host.readStreams = &readStreams_;
   host.scripts = &scripts_;

@@ -20,10 +20,12 @@ namespace {
 
 using platform::AEDescriptor;
 
-struct OneString final : app::Pasteboard {
-  QString stringForType(const char* wanted) const override { return wanted == type ? string : QString(); }
-  std::string type;
-  QString string;
+struct FakePasteboard final : app::Pasteboard {
+  std::map<std::string, QString> strings;
+  [[nodiscard]] QString stringForType(const char* type) const override {
+    const auto found = strings.find(type);
+    return found == strings.end() ? QString() : found->second;
+  }
 };
 
 QString Q(const std::string& text) {
@@ -68,14 +70,8 @@ class Stage {
   }
   /// "string|URL"; an empty one is not offered.
   void drag() {
-    struct FakePasteboard final : app::Pasteboard {
-      QString string, url;
-      [[nodiscard]] QString stringForType(const char* type) const override {
-        return type == std::string_view(app::kStringPasteboardType) ? string : url;
-      }
-    } pasteboard;
-    pasteboard.string = Q(a_);
-    pasteboard.url = Q(b_);
+    FakePasteboard pasteboard;
+    pasteboard.strings = {{app::kStringPasteboardType, Q(a_)}, {app::kURLPasteboardType, Q(b_)}};
     const bool isWelcome = controller_->tableViewValidateDrop(pasteboard) == app::DragOperation::every;
     log_.add(isWelcome ? "welcome" : "refused");
     if (!controller_->tableViewAcceptDrop(pasteboard)) log_.add("not taken");
@@ -133,9 +129,8 @@ class Stage {
   }
   void service() {
     QString error = QStringLiteral("error");
-    OneString pasteboard;
-    pasteboard.type = a_;
-    pasteboard.string = Q(b_);
+    FakePasteboard pasteboard;
+    pasteboard.strings[a_] = Q(b_);
     controller_->downloadURLUserDataError(pasteboard, {}, &error);
     if (!error.isNull()) log_.add("error");
   }

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace quillforth::platform {
 namespace {
 
@@ -60,27 +58,6 @@ TEST(HFSPath, PathsHaveColonsAndComeBack) {
     EXPECT_FALSE(TargetOfHFSPath(hfsPath)) << hfsPath.toUtf8().constData();
   }
   EXPECT_FALSE(TargetOfHFSPath(QStringLiteral("Linux:a") + QChar(0)));
-}
-
-TEST(HFSPath, EveryLegalNameComesBack) {
-  // Bytes that make up whole characters, parts of some, and what no text holds.
-  const std::string bytes = ":. \na\x7F\x80\xA9\xBF\xBB\xC3\xE9\xED\xB2\xEF\xF0\x9F\x98\xF4\xFF";
-  std::mt19937 engine(20260731);
-  const auto random = [&engine] { return static_cast<unsigned>(engine()); };
-  for (int round = 0; round < 50000; ++round) {
-    std::string path;
-    for (unsigned depth = 1 + random() % 3; depth > 0; --depth) {
-      std::string name;
-      for (unsigned length = 1 + random() % 8; length > 0; --length) name += bytes[random() % bytes.size()];
-      path += '/' + (name == "." ? ".." : name);
-    }
-    const bool isDirectory = random() % 2 == 0 || path.ends_with("/..");
-    const std::optional<HFSPathTarget> target =
-        TargetOfHFSPath(HFSPath({path, isDirectory}).value_or(QString()));
-    ASSERT_TRUE(target) << path;
-    ASSERT_EQ(target->path, path);
-    ASSERT_EQ(target->isDirectory, isDirectory);
-  }
 }
 
 }  // namespace

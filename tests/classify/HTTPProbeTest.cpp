@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <chrono>
 #include <optional>
+#include <semaphore>
 #include <span>
 
 #include "linux/transfer/CurlReadStream.h"
@@ -15,6 +16,7 @@
 namespace quillforth::classify {
 namespace {
 
+using namespace std::chrono_literals;
 using platform::StreamEvent;
 using tests::HttpReply;
 using tests::RawServer;
@@ -143,12 +145,6 @@ TEST(HTTPProbe, AsksOnlyForSupportedSchemesAndCutsItsTexts) {
 
 class HTTPProbeOverSockets : public ::testing::Test {
  protected:
-  bool waitUntil(const std::function<bool()>& condition) {
-    for (int i = 0; i < 10'000 && !condition(); ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return condition();
-  }
-
   std::atomic<bool> interrupted = false;
   platform::TransferSettings settings{{}, &interrupted};
   platform::TransferThread thread{settings};
@@ -176,12 +172,13 @@ TEST_F(HTTPProbeOverSockets, SilenceCountsFromTheLastBodyByteOnly) {
 }
 
 TEST_F(HTTPProbeOverSockets, AnInterruptionAndACancelEndARunningExchange) {
-  std::atomic<int> leftByClient = 0;
+  std::counting_semaphore<> arrived(0), left(0);
   RawServer server([&](RawServer::Connection& connection, const std::string& request) {
+    arrived.release();
     connection.send("HTTP/1.1 200 OK\r\n\r\n");
     const bool isEndless = request.find(" /endless ") != std::string::npos;
     for (int i = 0; i < 1000; ++i) {
-      if (connection.waitForEnd(10)) return ++leftByClient, RawServer::After::close;
+      if (connection.waitForEnd(10)) return left.release(), RawServer::After::close;
       connection.send(isEndless ? "x" : "");
     }
     return RawServer::After::close;
@@ -190,13 +187,13 @@ TEST_F(HTTPProbeOverSockets, AnInterruptionAndACancelEndARunningExchange) {
     CHTTPProbe cancelled(20, false, streams), stopped(20, false, streams);
     EXPECT_EQ(cancelled.get(server.url("/endless").c_str(), "", "", ""), 0);
     EXPECT_EQ(stopped.get(server.url("/silent").c_str(), "", "", ""), 0);
-    EXPECT_TRUE(waitUntil([&] { return server.requests().size() == 2; }));
+    EXPECT_TRUE(arrived.try_acquire_for(10s) && arrived.try_acquire_for(10s));
     cancelled.requestCancel();
-    EXPECT_TRUE(waitUntil([&] { return cancelled.workerFinished(); }));
-    EXPECT_TRUE(cancelled.done() && !cancelled.succeeded() && !stopped.workerFinished());
+    EXPECT_TRUE(left.try_acquire_for(10s));
+    EXPECT_FALSE(cancelled.succeeded() || stopped.workerFinished());
     interrupted = true;
   }
-  EXPECT_TRUE(waitUntil([&] { return leftByClient == 2; }));
+  EXPECT_TRUE(left.try_acquire_for(10s));
 }
 
 TEST_F(HTTPProbeOverSockets, TakesALargeBodyWholeAndSendsCredentialsOnlyWhenBothAreGiven) {

@@ -45,7 +45,7 @@ inline void MakeItem(const std::filesystem::path& root, const std::string& line)
 
 /// The text with each UUID in it as "UUID".
 inline std::string WithoutUUIDs(const std::string& text) {
-  static const std::regex uuid("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}", std::regex::icase);
+  static const std::regex uuid("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
   return std::regex_replace(text, uuid, "UUID");
 }
 

@@ -4,7 +4,9 @@
 
 #include "linkextract/PageLinks.h"
 #include "linkextract/PageText.h"
+#include "linkextract/ResolveLink.h"
 #include "tests/linkextract/ReferenceScanner.h"
+#include "tests/support/CaseTable.h"
 
 namespace quillforth::linkextract {
 namespace {
@@ -12,42 +14,22 @@ namespace {
 using namespace std::string_literals;
 using tests::SomeExtensions;
 
-std::vector<std::string> KeysOf(const std::string& page) {
-  std::vector<std::string> keys;
-  for (const auto& [key, value] : tests::FastScan(page, "http://h/d/", SomeExtensions())) keys.push_back(key);
-  return keys;
+std::string KeysOf(const tests::Links& links) {
+  std::string keys;
+  for (const auto& [key, value] : links) keys.append(&key == &links[0].first ? "" : "|").append(key);
+  return links.empty() ? "-" : keys;
 }
 
-TEST(ScanPageTest, FindsLinksInTheOrderOfThePasses) {
-  const std::string k255(255, 'k');
-  const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"<A HREF=\"Page.html\"><a href='Page.html'>", {"Page.html"}},
-      {"<a href=next>", {"next"}},
-      {"<a href=x.html title=t>", {"x.html title=t"}},
-      {"<a href=\"#top\"><a href=\"mailto:someone\"><a href='MAILTO:y'>", {}},
-      {"<td>site-a.test</td>", {"site-a.test"}},
-      {"<a href=\"one\" src=two href='three' background=four>'a.com'",
-       {"a.com", "one", "three", "two", "four"}},
-      {"\"a.c1\"(b.x)\"c.7z\"<d.>\"e.tar.gz!\"", {"b.x", "c.7z"}},
-      {"\"x.y.manifest\"", {"x.y.manifest"}},
-      {"a.com\"", {}},
-      {"\"a.com", {}},
-      {"\"mailto:a.com\"#b.com'", {}},
-      {"href=hrefhref=\"\"=\"b\"", {"", "b"}},
-      {"<srsrc= c=a b", {"", "a"}},
-      {"<a href=\"" + k255 + "1\"><a href=\"" + k255 + "2\">", {k255}},
-      {"<a href=\"a\"><a href=\"neverclosed", {"a"}},
-      {"<a href=\"a\">\0<a href=\"b\">"s, {"a"}},
-  };
-  for (const auto& [page, keys] : cases) EXPECT_EQ(KeysOf(page), keys) << page;
-}
-
-TEST(ScanPageTest, OverwritesValuesOfAnotherPage) {
-  LinkTable table;
-  ScanPage("<a href=x>", common::BoundedText("http://one/"), table, SomeExtensions());
-  ScanPage("<a href=y><a href=x>", common::BoundedText("http://two/"), table, SomeExtensions());
-  EXPECT_EQ(table.size(), 2U);
-  EXPECT_EQ(table.begin()->value().view(), "http://two/x");
+TEST(ScanPageTest, FindsLinksInTheOrderOfThePassesAndTheBaseOfTheHeadOrThePagesOwnUrl) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/pages.tsv", 3)) {
+    const std::string url = "http://own/" + std::string(300, 'u');
+    if (row[0] == "base") {
+      EXPECT_EQ(FindPageBase(row[1], url).view(), row[2] == "(own)" ? url.substr(0, 255) : row[2]) << row[1];
+      continue;
+    }
+    EXPECT_EQ(KeysOf(tests::FastScan(row[1], "http://h/d/", SomeExtensions())), row[2]) << row[1];
+    EXPECT_EQ(KeysOf(tests::ReferenceScan(row[1], "http://h/d/", SomeExtensions())), row[2]) << row[1];
+  }
 }
 
 TEST(ScanPageTest, TakesLinearTimeOnPagesMadeToSlowItDown) {
@@ -68,25 +50,25 @@ TEST(ScanPageTest, TakesLinearTimeOnPagesMadeToSlowItDown) {
 }
 
 TEST(PageTextTest, ValidatesUtf8Strictly) {
-  const std::vector<std::string> valid = {"",
-                                          "plain",
-                                          "\xC2\x80\xDF\xBF",
-                                          "\xE0\xA0\x80\xED\x9F\xBF\xEF\xBF\xBF",
-                                          "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",
-                                          "a\0b"s};
-  const std::vector<std::string> invalid = {"\x80",
-                                            "\xC1\xBF",
-                                            "\xC2",
-                                            "\xC2x",
-                                            "\xE0\x9F\xBF",
-                                            "\xED\xA0\x80",
-                                            "\xE1\x80",
-                                            "\xE1\x80\xC0",
-                                            "\xF0\x8F\xBF\xBF",
-                                            "\xF4\x90\x80\x80",
-                                            "\xF1\x80\x80",
-                                            "\xF5\x80\x80\x80",
-                                            "\xFF"};
+  const std::string valid[] = {"",
+                               "plain",
+                               "\xC2\x80\xDF\xBF",
+                               "\xE0\xA0\x80\xED\x9F\xBF\xEF\xBF\xBF",
+                               "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",
+                               "a\0b"s};
+  const std::string invalid[] = {"\x80",
+                                 "\xC1\xBF",
+                                 "\xC2",
+                                 "\xC2x",
+                                 "\xE0\x9F\xBF",
+                                 "\xED\xA0\x80",
+                                 "\xE1\x80",
+                                 "\xE1\x80\xC0",
+                                 "\xF0\x8F\xBF\xBF",
+                                 "\xF4\x90\x80\x80",
+                                 "\xF1\x80\x80",
+                                 "\xF5\x80\x80\x80",
+                                 "\xFF"};
   for (std::size_t shift = 0; shift < 17; ++shift) {  // across the words that are looked at whole
     const std::string before(shift, 'p'), after(shift * 3 % 17, 'q');
     for (const std::string& text : valid) EXPECT_TRUE(IsValidUTF8(before + text + after)) << text << shift;
@@ -109,27 +91,6 @@ TEST(PageTextTest, TakesAllElseAsMacRomanUpToTheFirstNul) {
   }
 }
 
-TEST(PageLinksTest, TakesTheBaseOfTheHeadOrThePagesOwnUrl) {
-  const std::string url = "http://own/" + std::string(300, 'u');
-  const std::string own = url.substr(0, 255);
-  const std::pair<std::string, std::string> cases[] = {
-      {"<head><base href=\"http://b/sub/x.html\"></head>", "http://b/sub/x.html"},
-      {"<HEAD><BASE HREF=\"http://b/\"></HEAD>", "http://b/"},
-      {"<head><base href='http://b/'></head>", own},
-      {"<head><base href=http://b/></head><p><base href=\"http://late/\">", "http://late/"},
-      {"<base href=\"http://early/\"><head><base href=></head>", "http://early/"},
-      {"<head></head><base href=\"http://b/\">", own},
-      {"<head><base href=\"http://b/\">", own},
-      {"<base href=\"http://b/\">", own},
-      {"<head><base href=\"\"></head>", own},
-      {"<head><base href=\"never closed</head>", own},
-      {"<head lang=en><base href=\"http://b/\"></head>", own},
-      {"<head><base href=\"http://b/" + url + "\"></head>", ("http://b/" + url).substr(0, 255)},
-      {"", own},
-  };
-  for (const auto& [page, base] : cases) EXPECT_EQ(FindPageBase(page, url).view(), base) << page;
-}
-
 TEST(PageLinksTest, GoesFromBytesToLinks) {
   const classify::CExtensionMap extensions = SomeExtensions();
   const LinkTable table =
@@ -139,6 +100,35 @@ TEST(PageLinksTest, GoesFromBytesToLinks) {
   EXPECT_EQ(std::next(table.begin())->value().view(), "http://b/d/caf\xC3\xA9");
   EXPECT_TRUE(ExtractPageLinks("<a href=x>", "", extensions).empty());
   EXPECT_TRUE(ExtractPageLinks("", "http://own/", extensions).empty());
+}
+
+TEST(ResolveLinkTest, GivesAnAbsoluteHttpUrl) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/resolved_links.tsv", 3)) {
+    SCOPED_TRACE(row[0] + " + " + row[1]);
+    EXPECT_EQ(ResolveLink(common::BoundedText(row[0]), common::BoundedText(row[1])).view(), row[2]);
+    EXPECT_EQ(tests::ReferenceResolve(row[0], row[1].substr(0, 255)), row[2]);
+  }
+}
+
+TEST(ParsedURLTest, SplitsTextsIntoTheirParts) {
+  for (const auto& row : tests::ReadCases(QUILLFORTH_TEST_DATA "/url_parts.tsv", 2)) {
+    const ParsedURL url{common::BoundedText(row[1])};
+    constexpr const char* kSchemes[] = {"", "http", "ftp", "https"};
+    std::string found = kSchemes[static_cast<std::size_t>(url.scheme)] + std::string("|");
+    for (const common::BoundedText* part : {&url.host, &url.directory, &url.fileNameWithQuery, &url.fileName,
+                                            &url.extension, &url.query, &url.dollarPart, &url.fragment}) {
+      found.append(part->view()) += '|';
+    }
+    EXPECT_EQ(found + std::to_string(url.segments.count()), row[0]) << row[1];
+  }
+}
+
+TEST(ParsedURLTest, KnowsTheTypesOfTheTable) {
+  const classify::CExtensionMap extensions = tests::SomeExtensions();
+  const ParsedURL known(common::BoundedText("http://h/a.jpeg"), &extensions);
+  EXPECT_EQ(known.fileType, 1001U);
+  EXPECT_EQ(known.creator, 1002U);
+  EXPECT_EQ(ParsedURL(common::BoundedText("http://h/a.JPEG"), &extensions).fileType, 0U);
 }
 
 }  // namespace

@@ -13,6 +13,8 @@ namespace quillforth::tests {
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr std::size_t kNone = std::string::npos;
 
 std::string Cut(const std::string& text) {
@@ -143,7 +145,9 @@ Links FastScan(const std::string& page, const std::string& base, const classify:
 
 classify::CExtensionMap SomeExtensions() {
   classify::CExtensionMap map;
-  for (const char* const key : {".html", ".jpeg", ".zip", ".tar.gz", ".7z", ".C", ".x", ".manifest"}) {
+  const std::string longest = "." + std::string(254, 'e');
+  for (const std::string& key :
+       {".html"s, ".jpeg"s, ".zip"s, ".tar.gz"s, ".7z"s, ".C"s, ".x"s, ".manifest"s, longest}) {
     platform::ICMapEntry record{};
     record.fileType = static_cast<common::FourCharCode>(1000 + map.size());
     record.fileCreator = record.fileType + 1;

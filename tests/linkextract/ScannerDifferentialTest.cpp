@@ -123,21 +123,5 @@ TEST(ScannerDifferentialTest, FindsExactlyWhatCuttingAndStartingOverFinds) {
   EXPECT_GT(found, 30000U);
 }
 
-TEST(ScannerDifferentialTest, AgreesOnAllBytesAndOnAFullLengthExtension) {
-  classify::CExtensionMap extensions = SomeExtensions();
-  const std::string longest(255, 'e');
-  extensions.findOrInsert(common::BoundedText("." + longest.substr(1)), {});
-  std::mt19937 random(7);
-  for (unsigned round = 0; round < 600; ++round) {
-    std::string page(random() % 2000, '\0');
-    for (char& c : page) c = static_cast<char>(random() % 255 + 1);
-    page += "\"" + std::string(1 + random() % 300, 'l') + "." + std::string(250 + random() % 20, 'e') + "\"";
-    page.insert(page.size() / 2, round % 2 == 0 ? " href=\"" : "src=");
-    if (round % 8 == 0) page[random() % page.size()] = '\0';
-    ASSERT_EQ(FastScan(page, "http://h/d/", extensions), ReferenceScan(page, "http://h/d/", extensions))
-        << round;
-  }
-}
-
 }  // namespace
 }  // namespace quillforth::tests

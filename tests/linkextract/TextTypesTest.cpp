@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/ScratchMemory.h"
 #include "linkextract/LinkTable.h"
 #include "linkextract/PageText.h"
 #include "linkextract/ResolveLink.h"
@@ -109,6 +110,22 @@ TEST(TextListTest, KeepsOrderAndDuplicatesUnlessAskedNotTo) {
   EXPECT_EQ(all, "babcc");
   list = TextList();
   EXPECT_EQ(list.count(), 0);
+}
+
+TEST(TextListTest, TheRecordsOfListsThatHaveGoneServeTheNextOnes) {
+  using Pool = common::RecordPool<TextList::Record>;
+  std::size_t size = 0;
+  for (int round = 0; round < 3; ++round) {
+    TextList one, other;
+    for (int i = 0; i < 600; ++i) (i % 2 == 0 ? one : other).append(std::to_string(i));
+    int i = 0;
+    for (const auto *a = one.first(), *b = other.first(); a != nullptr; a = a->next, b = b->next, i += 2) {
+      EXPECT_EQ(a->text.view(), std::to_string(i));
+      EXPECT_EQ(b->text.view(), std::to_string(i + 1));
+    }
+    EXPECT_EQ(i, 600);
+    EXPECT_EQ(Pool::size(), round == 0 ? size = Pool::size() : size);
+  }
 }
 
 TEST(LinkTableTest, IsUniqueByExactKeyInOrderOfFirstInsertion) {

@@ -95,39 +95,32 @@ TEST_P(LinuxFinderTest, SpecifiersOfSomethingElseGetAnErrorNumber) {
   const QString hfsPath = QString::fromStdString("Linux" + file_).replace(u'/', u':');
   const auto path = [&hfsPath](const QString& end) { return UnicodeTextDescriptor(hfsPath + end); };
   const auto want = [](const char* code) { return AEDescriptor(FourCC("type"), code); };
-  using Case = std::tuple<common::FourCharCode, Status, AEDescriptor>;
-  const Case ofItem[] = {
-      {FourCC("want"), 0, want("cobj")},
-      {FourCC("want"), -1728, want("disk")},
-      {FourCC("want"), -1728, {FourCC("enum"), "file"}},
-      {FourCC("form"), -1728, {FourCC("enum"), "indx"}},
-      {FourCC("from"), -1728, {FourCC("obj "), {}}},
-      {FourCC("seld"), -1728, {FourCC("utf8"), "Linux:tmp"}},
-      {FourCC("seld"), -1728, path(QStringLiteral(":"))},
-      {FourCC("seld"), -43, path(QStringLiteral("x"))},
-      {FourCC("seld"), -1407, path(QStringLiteral(":x"))},
-      {FourCC("seld"), -37, path(QString(300, u'x'))},
+  // Of the item, or else of its property.
+  const std::tuple<bool, common::FourCharCode, Status, AEDescriptor> cases[] = {
+      {true, FourCC("want"), 0, want("cobj")},
+      {true, FourCC("want"), -1728, want("disk")},
+      {true, FourCC("want"), -1728, {FourCC("enum"), "file"}},
+      {true, FourCC("form"), -1728, {FourCC("enum"), "indx"}},
+      {true, FourCC("from"), -1728, {FourCC("obj "), {}}},
+      {true, FourCC("seld"), -1728, {FourCC("utf8"), "Linux:tmp"}},
+      {true, FourCC("seld"), -1728, path(QStringLiteral(":"))},
+      {true, FourCC("seld"), -43, path(QStringLiteral("x"))},
+      {true, FourCC("seld"), -1407, path(QStringLiteral(":x"))},
+      {true, FourCC("seld"), -37, path(QString(300, u'x'))},
+      {false, FourCC("want"), -1728, want("file")},
+      {false, FourCC("seld"), -1728, want("name")},
+      {false, FourCC("from"), -1728, {}},
   };
-  const Case ofProperty[] = {
-      {FourCC("want"), -1728, want("file")},
-      {FourCC("seld"), -1728, want("name")},
-      {FourCC("from"), -1728, {}},
-  };
-  const AEDescriptor item = ObjectSpecifier(FourCC("file"), {}, FourCC("name"), path({}));
-  const auto send = [this, &want](const AEDescriptor& of, const Case* change) {
-    AEDescriptor property = ObjectSpecifier(FourCC("prop"), of, FourCC("prop"), want("comt"));
-    if (change != nullptr) property.setField(std::get<0>(*change), std::get<2>(*change));
+  for (const auto& [isOfItem, field, status, value] : cases) {
+    AEDescriptor item = ObjectSpecifier(FourCC("file"), {}, FourCC("name"), path({}));
+    if (isOfItem) item.setField(field, value);
+    AEDescriptor property = ObjectSpecifier(FourCC("prop"), item, FourCC("prop"), want("comt"));
+    if (!isOfItem) property.setField(field, value);
     AppleEvent event(FourCC("core"), FourCC("setd"), {FourCC("sign"), "MACS"});
     event.setParameter(FourCC("----"), property);
     event.setParameter(FourCC("data"), UnicodeTextDescriptor(u"x"));
-    return SendEventCheckReply(manager_, event, &FinderEventIdleProc);
-  };
-  for (const auto& [field, status, value] : ofItem) {
-    AEDescriptor changed = item;
-    changed.setField(field, value);
-    EXPECT_EQ(send(changed, nullptr), status) << field;
+    EXPECT_EQ(SendEventCheckReply(manager_, event, &FinderEventIdleProc), status) << field;
   }
-  for (const Case& one : ofProperty) EXPECT_EQ(send(item, &one), std::get<1>(one)) << std::get<0>(one);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
+#include <semaphore>
 
 #include "tests/support/RawServer.h"
 
@@ -70,28 +70,20 @@ TEST_F(CurlPageLoaderTest, KeepsTheConnectionAndAnswersOnlyTheHostThatTheCredent
 }
 
 TEST_F(CurlPageLoaderTest, GivesUpOnAStallAndSoonAfterAnInterruption) {
-  std::atomic<int> leftByClient = 0;
-  std::promise<void> secondRequest;
+  std::counting_semaphore<> arrived(0), left(0);
   RawServer server([&](Connection& connection, const std::string&) {
     connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\npage");
-    if (leftByClient == 1) secondRequest.set_value();
-    if (connection.waitForEnd(10'000)) ++leftByClient;
+    arrived.release();
+    if (connection.waitForEnd(10'000)) left.release();
     return RawServer::After::close;
   });
   EXPECT_EQ(load(server.url("/")), "-");
-  const auto hasLeft = [&](int count) {
-    for (int i = 0; i < 10'000 && leftByClient < count; ++i) std::this_thread::sleep_for(1ms);
-    return leftByClient == count;
-  };
-  EXPECT_TRUE(hasLeft(1));
+  EXPECT_TRUE(arrived.try_acquire_for(10s) && left.try_acquire_for(10s));
   CurlPageLoader patient(thread);
-  std::thread user([&] {
-    secondRequest.get_future().wait_for(10s);
-    interrupted = true;
-  });
+  std::thread user([&] { interrupted = arrived.try_acquire_for(10s); });
   EXPECT_FALSE(patient.resourceData(*URL::URLWithString(QString::fromStdString(server.url("/")))).data);
   user.join();
-  EXPECT_TRUE(hasLeft(2));
+  EXPECT_TRUE(left.try_acquire_for(10s));
 }
 
 }  // namespace
