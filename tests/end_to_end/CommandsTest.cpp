@@ -119,7 +119,7 @@ TEST_F(Commands, SettingsAreListedStoredAndForgotten) {
   const std::string defaults = run({"settings"}).output;
   EXPECT_NE(defaults.find("aggregateFiles\tno\tdefault\n"), std::string::npos) << defaults;
   EXPECT_NE(defaults.find("DestinationDirectory\t" + root_.string()), std::string::npos) << defaults;
-  EXPECT_EQ(std::count(defaults.begin(), defaults.end(), '\n'), 14);
+  EXPECT_EQ(std::count(defaults.begin(), defaults.end(), '\n'), 15);
   EXPECT_EQ(run({"settings", "aggregateFiles", "ON"}).exitStatus, 0);
   EXPECT_EQ(run({"settings", "aggregateFiles"}).output, "yes\n");
   EXPECT_EQ(run({"settings", "--unset", "aggregateFiles"}).exitStatus, 0);
