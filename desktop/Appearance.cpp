@@ -94,8 +94,7 @@ uint Preference(QVariant value) {
 }  // namespace
 
 QIcon ProgramIcon() {
-  const QString name = QString::fromLatin1(kApplicationID);
-  return QIcon::fromTheme(name, QIcon(QStringLiteral(":/icons/%1.svg").arg(name)));
+  return QIcon::fromTheme(QString::fromLatin1(kApplicationID), QIcon(QStringLiteral(":/icons/128x128.png")));
 }
 
 Appearance::Appearance(QObject* parent) : QObject(parent) {
