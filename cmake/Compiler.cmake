@@ -19,6 +19,7 @@ if(QUILLFORTH_WARNINGS_AS_ERRORS)
   add_compile_options(-Werror)
 endif()
 
+set(CMAKE_SKIP_RPATH ON)  # libraries are where the system looks, and no folder's name is left in the programs
 add_link_options(-Wl,--as-needed)  # a library that nothing is taken from is not loaded
 
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH _FILE_OFFSET_BITS=64)

@@ -126,8 +126,7 @@ QIcon CommandIcon(const QString& name) {
 }
 
 QIcon ProgramIcon() {
-  const QString name = QString::fromLatin1(kApplicationID);
-  return QIcon::fromTheme(name, QIcon(QStringLiteral(":/icons/%1.svg").arg(name)));
+  return QIcon::fromTheme(QString::fromLatin1(kApplicationID), QIcon(QStringLiteral(":/icons/128x128.png")));
 }
 
 Appearance::Appearance(QObject* parent) : QObject(parent) {

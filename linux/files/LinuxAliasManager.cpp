@@ -31,8 +31,8 @@ void WriteBytes(QDataStream& out, const std::string& bytes) {
 
 std::string ReadBytes(QDataStream& in, std::size_t length) {
   std::string bytes(length, '\0');
-  const int read = in.readRawData(bytes.data(), static_cast<int>(length));
-  if (read != static_cast<int>(length)) in.setStatus(QDataStream::ReadPastEnd);
+  const int wanted = static_cast<int>(length);
+  if (in.readRawData(bytes.data(), wanted) != wanted) in.setStatus(QDataStream::ReadPastEnd);
   return bytes;
 }
 

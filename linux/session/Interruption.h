@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <iterator>
 
 namespace quillforth::platform {
 
