@@ -50,27 +50,24 @@ void CheckSettings(std::string_view text) {
   Require(defaults.objectForKey(app::kDestinationDirectoryKey) == alias, "and the rest stays");
 }
 
-struct Kind {
-  int weight;
-  bool isNoText;
-  std::string type;
-};
-
 // The type to pick for each extension: of the greatest weight, then no text, then the first line's.
-std::map<std::string, Kind> PlainGlobs(std::string_view text) {
+std::map<std::string, std::string> PlainTypes(std::string_view text) {
   static const QRegularExpression form(QStringLiteral(
       "\\A(-?0*[0-9]{1,3}):([!-.0-9;-~][!-9;-~]*/[!-9;-~]+):\\*(\\.[^:*?\\[\\]\\\\]+)(:.*)?\\z"));
-  std::map<std::string, Kind> kinds;
+  std::map<std::string, std::string> types;
+  std::map<std::string, std::pair<int, bool>> ranks;
   for (const QByteArray& line : QByteArray(text.data(), static_cast<qsizetype>(text.size())).split('\n')) {
     const auto match = form.match(QString::fromLatin1(line));
-    const int weight = match.captured(1).toInt();
-    if (!match.hasMatch() || weight < 0 || weight > 100 || match.capturedLength(2) > 255) continue;
-    const std::string type = match.captured(2).toLatin1().toStdString();
-    const Kind kind{weight, !type.starts_with("text/"), type};
-    Kind& best = kinds.emplace(match.captured(3).toLatin1().toStdString().substr(0, 255), kind).first->second;
-    if (std::pair(kind.weight, kind.isNoText) > std::pair(best.weight, best.isNoText)) best = kind;
+    const std::pair rank(match.captured(1).toInt(),
+                         !match.captured(2).startsWith(QLatin1StringView("text/")));
+    if (!match.hasMatch() || rank.first < 0 || rank.first > 100 || match.capturedLength(2) > 255) continue;
+    const std::string extension = match.captured(3).toLatin1().toStdString().substr(0, 255);
+    const bool isFirst = types.try_emplace(extension).second;
+    if (!isFirst && rank <= ranks[extension]) continue;
+    types[extension] = match.captured(2).toLatin1().toStdString();
+    ranks[extension] = rank;
   }
-  return kinds;
+  return types;
 }
 
 void CheckGlobs(std::string_view text) {
@@ -82,9 +79,7 @@ void CheckGlobs(std::string_view text) {
   for (std::int32_t i = 1; info.getIndMapEntry(i, entry) == common::kNoError; ++i)
     types[std::string(platform::PascalStringView(entry.extension))] =
         platform::PascalStringView(entry.MIMEType);
-  const auto plain = PlainGlobs(text);
-  Require(types.size() == plain.size(), "as many extensions as plain reading finds");
-  for (const auto& [extension, kind] : plain) Require(types[extension] == kind.type, "the same type");
+  Require(types == PlainTypes(text), "each extension has the type that plain reading finds");
 }
 
 }  // namespace

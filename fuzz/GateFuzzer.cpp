@@ -66,6 +66,10 @@ struct Model {
     waiting += links;
     takeNext();
   }
+  void import(const QString& page) {
+    remove(0);
+    extract(page.startsWith(u'h') ? page : QStringLiteral("http://") + page);
+  }
   static bool isSelected(unsigned mask, qsizetype row) { return (mask >> row % 3 & 1) != 0; }
   // The selected rows; all when there is none.
   void remove(unsigned mask) {
@@ -118,54 +122,42 @@ class Stage final : platform::PageLoader {
     return value;
   }
 
+  // A byte says what to do, the next one with what.
   void step() {
-    const unsigned kind = take(16);
-    if (kind < 2) giveURL(kind == 0 ? QStringLiteral("http://h/%1").arg(take(9)) : QStringLiteral("no url"));
-    if (kind == 2 || kind == 3) givePage(QStringLiteral("http://h/p%1").arg(take(4)));
-    if (kind == 4) giveImport(QStringLiteral("http://h/i%1").arg(take(4)));
+    const unsigned kind = take(16), argument = take(12);
+    const QString url =
+        argument == 11 ? QStringLiteral("no url") : QStringLiteral("http://h/%1").arg(argument % 5);
+    if (kind < 2) give([=, this] { controller_->startURL(url, false); }, [=, this] { model_.start(url); });
+    if (kind / 2 == 1)
+      give([=, this] { controller_->extractLinks(url); }, [=, this] { model_.extract(url); });
+    if (kind == 4) give([=, this] { import(url); }, [=, this] { model_.import(url); });
     if (kind == 5) give([this] { controller_->clearQueue(); }, [this] { model_.remove(0); });
-    if (kind == 6) giveDelete(take(8));
+    if (kind == 6) give([=, this] { remove(argument); }, [=, this] { model_.remove(argument); });
     if (kind == 7) give([this] { controller_->tryAgain(); }, [this] { model_.takeNext(); });
     if (kind == 8) give([this] { controller_->cancelDownloadFile(); }, [this] { model_.end("cancelled "); });
     if (kind == 9) {
-      model_.isUp = take(2) == 0;
+      model_.isUp = argument % 2 == 0;
       host_.services.network =
           model_.isUp ? platform::NetworkStatus::connectionUp : platform::NetworkStatus{};
     }
-    if (kind == 10) changeHold(take(3));
+    if (kind == 10) {
+      hold_.reset();
+      if (argument % 3 < 2) hold_.emplace(gate_, static_cast<CommandGate::Held>(argument % 3));
+    }
     if (kind > 10 && kind < 14) callBack(kind);
     if (kind > 13) run();
   }
-  void giveURL(const QString& url) {
-    give([=, this] { controller_->startURL(url, false); }, [=, this] { model_.start(url); });
+  void import(const QString& page) {
+    outlets_.url.text = page;
+    controller_->importURL(outlets_.preferencesWindow);
   }
-  void givePage(const QString& page) {
-    give([=, this] { controller_->extractLinks(page); }, [=, this] { model_.extract(page); });
-  }
-  void giveImport(const QString& page) {
-    const auto real = [=, this] {
-      outlets_.url.text = page;
-      controller_->importURL(outlets_.preferencesWindow);
-    };
-    give(real, [=, this] {
-      model_.remove(0);
-      model_.extract(page);
-    });
-  }
-  void giveDelete(unsigned mask) {
-    const auto real = [=, this] {
-      std::vector<std::size_t> rows;
-      for (std::size_t row = 0; row < controller_->numberOfRows(); ++row) {
-        if (Model::isSelected(mask, static_cast<qsizetype>(row))) rows.push_back(row);
-      }
-      outlets_.table.select(rows);
-      controller_->deleteButtonClicked();
-    };
-    give(real, [=, this] { model_.remove(mask); });
-  }
-  void changeHold(unsigned kind) {
-    hold_.reset();
-    if (kind < 2) hold_.emplace(gate_, static_cast<CommandGate::Held>(kind));
+  void remove(unsigned mask) {
+    std::vector<std::size_t> rows;
+    for (std::size_t row = 0; row < controller_->numberOfRows(); ++row) {
+      if (Model::isSelected(mask, static_cast<qsizetype>(row))) rows.push_back(row);
+    }
+    outlets_.table.select(rows);
+    controller_->deleteButtonClicked();
   }
 
   // Both do the same, one after the other, when it is their turn.

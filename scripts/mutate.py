@@ -23,7 +23,7 @@ TESTS = {
     "classify": ["test_classify"],
     "fileops": ["test_fileops", "test_aggregation", "test_finder_comment"],
     "app": ["test_app"],
-    "net": ["test_net", "test_app"],
+    "net": ["test_net", "terminal_test"],
     "linux/transfer": ["test_transfer"],
 }
 FAULTS = [(re.compile(pattern), new) for pattern, new in [

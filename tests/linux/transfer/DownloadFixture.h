@@ -30,6 +30,7 @@ class DownloadRecorder final : public platform::WebDownloadDelegate,
   QString name;    ///< null: as suggested
   bool allowOverwrite = false, hasWindow = true;
   std::list<std::optional<Credential>> answers;  ///< none left: cancelled
+  bool leavesSheetOpen = false;                  ///< the test answers, with `openSheet`
   std::function<void(char, WebDownload&)> hook;  ///< with the letter of each callback
 
   // What it heard. The letters: B begin, W window, R response, S should decode, D decide, C create,
@@ -39,6 +40,7 @@ class DownloadRecorder final : public platform::WebDownloadDelegate,
   QString suggested, path, failingURL;
   std::string error;
   std::vector<platform::AuthenticationChallenge> challenges;
+  std::function<void(std::optional<Credential>)> openSheet;
   std::uint64_t received = 0;
 
   [[nodiscard]] bool isOver() const { return calls.ends_with('F') || calls.ends_with('E'); }
@@ -80,6 +82,7 @@ class DownloadRecorder final : public platform::WebDownloadDelegate,
   void beginAuthenticationSheet(const platform::AuthenticationChallenge& challenge,
                                 std::function<void(std::optional<Credential>)> answer) override {
     challenges.push_back(challenge);
+    if (leavesSheetOpen) return openSheet.swap(answer);
     if (answers.empty()) answers.emplace_back();
     const std::optional<Credential> next = answers.front();
     answers.pop_front();

@@ -101,6 +101,24 @@ TEST_F(DownloadTest, AsksForALoginUntilItIsTakenAndRemembersIt) {
   }
 }
 
+TEST_F(DownloadTest, OnlyTheFirstAnswerToAQuestionThatIsStillOpenCounts) {
+  RawServer server(Guarded("WWW-Authenticate: Basic realm=r\r\n"));
+  DownloadRecorder cancelled = recorder(), answered = recorder();
+  cancelled.leavesSheetOpen = answered.leavesSheetOpen = true;
+  const std::shared_ptr<WebDownload> download = start(server.url("/x"), cancelled);
+  EXPECT_TRUE(RunLoopUntil([&] { return !cancelled.challenges.empty(); }));
+  download->cancel();
+  cancelled.openSheet(kGood);
+  const std::shared_ptr<WebDownload> other = start(server.url("/x"), answered);
+  EXPECT_TRUE(RunLoopUntil([&] { return !answered.challenges.empty(); }));
+  answered.openSheet(kGood);
+  answered.openSheet(std::nullopt);
+  EXPECT_TRUE(RunLoopUntil([&] { return answered.isOver(); }));
+  EXPECT_EQ(content(answered), "whole");
+  EXPECT_EQ(cancelled.calls, "BW");
+  EXPECT_EQ(names().size(), 1);
+}
+
 TEST_F(DownloadTest, ALoginThatIsNotGivenOrNotTakenFails) {
   const std::string refused = "The server answered 401 Unauthorized.";
   const std::string unanswered = "The server asks for a user name and a password.";
@@ -168,6 +186,8 @@ TEST_F(DownloadTest, AProxyAsksForItsOwnLogin) {
   for (const char* name : {"http_proxy", "https_proxy"})
     qputenv(name, QByteArray::fromStdString(proxy.url("")));
   DownloadRecorder plain = recorder(), tunnelled = recorder();
+  EXPECT_EQ(download("http://site-d.invalid/x").error,
+            "The proxy server asks for a user name and a password.");
   plain.answers = {kWrong, kGood};
   EXPECT_EQ(content(download("http://site-a.invalid/x", plain)), "whole");
   EXPECT_EQ(Asked(download("http://site-b.invalid/x")), "");
