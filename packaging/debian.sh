@@ -7,8 +7,8 @@
 #
 # COMMIT is HEAD if not given; FOLDER, build/debian, gets what is made. OPTIONs are those of dpkg-buildpackage.
 #
-# It needs git, dpkg-dev and what packaging/debian/control.in names in Build-Depends. The version, the maintainer and the
-# homepage are those of CMakeLists.txt, so that the packages' changelog is made here, too.
+# It needs git, dpkg-dev and what packaging/debian/control.in names in Build-Depends. The version, maintainer and homepage
+# are those of CMakeLists.txt, so that the packages' changelog is made here, too.
 set -euo pipefail
 
 cd "$(dirname "$0")/.."
