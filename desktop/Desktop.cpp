@@ -3,11 +3,14 @@
 #include "desktop/Desktop.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QLocale>
 #include <QMessageBox>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QUrl>
 #include <utility>
 
 #include "desktop/Activation.h"
@@ -323,8 +326,18 @@ void Desktop::showAbout() {
   });
 }
 
-// The viewers of the two large desktops, and then what every desktop has.
+// The manual that is installed with the program. Where there is none, or nothing to show it with, the manual
+// page: in the viewers of the two large desktops, and then in what every desktop has.
 void Desktop::showManual() {
+  const QString folder =
+      QCoreApplication::applicationDirPath() + QStringLiteral("/../share/doc/quillforth/manual/");
+  const QString language = QLocale().name().section(u'_', 0, 0);
+  for (const QString& page :
+       {folder + language + QStringLiteral("/index.html"), folder + QStringLiteral("index.html")}) {
+    if (QFileInfo::exists(page) &&
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(page).canonicalFilePath())))
+      return;
+  }
   const std::pair<const char*, QStringList> viewers[] = {
       {"yelp", {QStringLiteral("man:quillforth")}},
       {"khelpcenter", {QStringLiteral("man:/quillforth")}},
