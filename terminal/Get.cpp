@@ -40,10 +40,7 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
   downloads_.pauseBy([this] { return pauseAfterRequest(); });
-  downloads_.hearFailures(
-      [this](const platform::WebDownload& download, const platform::TransferFailure& failure) {
-        leaveAlone(download.requestURL().host().toLower(), failure);
-      });
+  downloads_.hearFailures([this](const platform::TransferFailure& failure) { leaveAlone(failure); });
   sorting_.deferWhile([this] {
     const bool goesOn = !isStopped_ && lostCount_ == 0;
     return goesOn && (!retries_.empty() || (isWaiting() && !urls_.empty()));
@@ -244,7 +241,7 @@ void Get::pageDidNotLoad(const QString& url, const QString& reason) {
     ++summary_.notFetched;
     return leave(page);
   }
-  leaveAlone(platform::HostOf(url), pages_.failure());
+  leaveAlone(pages_.failure());
   fail(page, {}, {platform::WithoutCredentials(url), reason, true, pages_.failure()});
 }
 
@@ -261,9 +258,9 @@ void Get::fail(const GivenURL& url, const QString& page, const Failure& failure)
   reporter_.didFail(failure);
 }
 
-void Get::leaveAlone(const QString& host, const platform::TransferFailure& failure) {
+void Get::leaveAlone(const platform::TransferFailure& failure) {
   if (settings_.retries > 0 && failure.retryAfter > 0) {
-    hostsLeftAlone_[host] = Clock::now() + std::chrono::seconds(failure.retryAfter);
+    hostsLeftAlone_[failure.host] = Clock::now() + std::chrono::seconds(failure.retryAfter);
   }
 }
 

@@ -153,9 +153,11 @@ constexpr std::array kGetOptions{
            .value = "LINE",
            .bind = Fill<GetArguments, &GetArguments::headers>,
            .text = "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. "
-                   "It does not go to another host after a redirect. Authorization and Cookie go only where "
-                   "scheme, host and port are those of a URL that you give. A Cookie is sent together with "
-                   "those of --cookies and of the server",
+                   "It goes to every host that a page links to. Only Authorization, Cookie and "
+                   "Proxy-Authorization do not: they go where scheme, host and port are those of a URL that "
+                   "you give. After a redirect no field goes to another scheme, host or port, except from "
+                   "http to https on the default port. A Cookie is sent together with those of --cookies and "
+                   "of the server",
            .example = "get --header 'Accept-Language: de' http://www.example.org/",
            .isRepeated = true},
     Option{.names = "--referer",

@@ -57,6 +57,7 @@ struct TransferOutcome {
   /// The status for `status`, an error number for `system` and `file`, libcurl's code for `other`.
   long detail = 0;
   int retryAfter = 0;  ///< seconds for which the server wants to be left alone
+  QString host{};      ///< that server's, as `HostOf` has it
 
   [[nodiscard]] bool isWhole() const { return kind == OutcomeKind::whole; }
   /// "The server answered 404 Not Found."; codes without a registered phrase (RFC 9110, section 15) stand

@@ -39,7 +39,8 @@ class GetOptions : public EndToEnd {
   std::atomic<int> flakyCount_ = 0;
   RawServer server_{[this](RawServer::Connection& connection, const std::string& request) {
     const std::string path = request.substr(4, request.find(' ', 4) - 4);
-    std::string reply = HttpReply("200 OK", path, "Last-Modified: Tue, 15 Nov 1994 12:45:26 GMT\r\n");
+    std::string reply = HttpReply("200 OK", path, "Last-Modified: Tue, 15 Nov 1994 12:45:26 GMT\r\n"
+                                   "Link: </a>, <http://h/?n=http://me:p/w@h/>\r\n");
     if (path == "/g/") reply = HtmlReply("<a href=a.jpg><a href=b.zip><a href=\"a.jpg#x\"><a href=sub/>");
     if (path == "/missing.zip") reply = HttpReply("404 No", "");
     if (path == "/page.php") reply = HtmlReply("");
@@ -138,11 +139,12 @@ TEST_F(GetOptions, RequestsCarryWhatTheUserGivesAndNobodyElseDoes) {
                 fieldOfLast("Referer"),
             "sid=abc; mine=secret secret UA http://h/p?q");
   EXPECT_NE(outcome.errors.find("> GET /t.zip HTTP/1.1\n"), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find("Link: </a>, <http://h/?n=http://h/>"), std::string::npos) << outcome.errors;
   for (const char* secret : {"abc", "secret", "pw"})
     EXPECT_EQ(outcome.errors.find(secret), std::string::npos) << outcome.errors;
   // A redirect to another port of the host.
   EXPECT_EQ(getWith({"--header", "@" + inRoot("headers"), other_.url("/moved.zip")}).exitStatus, 0);
-  EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key"), "none secret");
+  EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key"), "none none");
   struct stat status {};
   EXPECT_EQ(::stat(inFolder("t.zip").c_str(), &status), 0);
   EXPECT_EQ(status.st_mtime, 784903526);
