@@ -10,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "host/FileOrigins.h"
+
 namespace quillforth::terminal {
 namespace {
 
@@ -34,6 +36,16 @@ TEST(FinishedURLs, AnArchiveListsWholeLinesOnly) {
     EXPECT_EQ(bytes.str(), isDiskFull ? "http://h/a\nhttp://h/b"
                                       : "http://h/a\nhttp://h/b (cut off)\nhttp://h/long.zip\n");
   }
+}
+
+TEST(FinishedURLs, TheLookForFilesEndsWhenTheRunIsToStop) {
+  const QTemporaryDir folder;
+  for (const char* name : {"a", "b", "c"}) std::ofstream(folder.filePath(QLatin1String(name)).toStdString());
+  int askedCount = 0;
+  host::ForEachOrigin(
+      folder.path().toStdString(), [](const std::string&, const std::string&) {},
+      [&askedCount] { return ++askedCount == 2; });
+  EXPECT_EQ(askedCount, 2);
 }
 
 }  // namespace
