@@ -37,14 +37,17 @@ using fileops::AggregationResult;
 
 constexpr qsizetype kPortion = 65536;
 
-// What the system's log gets in a window goes to the person at the terminal.
+// What the system's log gets in a window goes to the person at the terminal, unless nothing is tried.
 class NoticeLog final : public platform::SystemLog {
  public:
-  explicit NoticeLog(Output& errors) : errors_(errors) {}
-  void log(const QString& message) override { errors_.write(NoticeText(message)); }
+  NoticeLog(Output& errors, bool isDryRun) : errors_(errors), isDryRun_(isDryRun) {}
+  void log(const QString& message) override {
+    if (!isDryRun_) errors_.write(NoticeText(message));
+  }
 
  private:
   Output& errors_;
+  const bool isDryRun_;
 };
 
 std::string ReasonToStay(common::Status status) {
@@ -145,7 +148,7 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
     }
     if (!Confirm(prompt, app::AggregationConfirmation(folder))) return Fail("nothing was moved", errors);
   }
-  NoticeLog log(errors);
+  NoticeLog log(errors, arguments.dryRun);
   const fileops::AggregationServices services{
       folders, log, nullptr, [&errors](const std::string& name, common::Status reason) {
         const QString item = Printable(platform::LosslessText(name));
@@ -156,9 +159,7 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
       arguments.dryRun ? Plan(folder, services, results, errors) : fileops::AggregateFolder(services, folder);
   if (result.status != common::kNoError) return Fail(*found.path + ": cannot be read", errors);
   if (result.left == 0) return kExitSuccess;
-  const std::string notAll =
-      arguments.dryRun ? "not everything would be moved" : "not everything could be moved";
-  return Fail(notAll + "; items that stay: " + std::to_string(result.left), errors);
+  return Fail("not everything can be moved; items that stay: " + std::to_string(result.left), errors);
 }
 
 namespace {
