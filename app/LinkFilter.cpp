@@ -96,14 +96,15 @@ bool MakeExpressions(const QStringList& patterns, std::vector<QRegularExpression
   return true;
 }
 
-enum class Found { no, yes, tooMuchWork };
-Found Find(const std::vector<QRegularExpression>& expressions, const QString& url) {
+// Whether one of the expressions is found.
+LinkFilter::Verdict Find(const std::vector<QRegularExpression>& expressions, const QString& url) {
+  LinkFilter::Verdict verdict = LinkFilter::Verdict::no;
   for (const QRegularExpression& expression : expressions) {
     const QRegularExpressionMatch match = expression.match(url);
-    if (!match.isValid()) return Found::tooMuchWork;
-    if (match.hasMatch()) return Found::yes;
+    if (!match.isValid()) verdict = LinkFilter::Verdict::tooMuchWork;
+    if (match.hasMatch()) return LinkFilter::Verdict::yes;
   }
-  return Found::no;
+  return verdict;
 }
 
 }  // namespace
@@ -148,22 +149,34 @@ bool LinkFilter::isEmpty() const {
   return accept_.isEmpty() && reject_.isEmpty() && match_.empty() && noMatch_.empty() && !sameHost_;
 }
 
-bool LinkFilter::passes(const FoundLink& link, const classify::CExtensionMap& extensions) const {
+QStringList LinkFilter::unknownWords(const classify::CExtensionMap& extensions) const {
+  QStringList unknown;
+  for (const QString& word : accept_.extensions + reject_.extensions) {
+    if (!KindsOfExtensions().contains(word) && TypeOf(word, extensions).isEmpty()) unknown.append(word);
+  }
+  return unknown;
+}
+
+LinkFilter::Verdict LinkFilter::passes(const FoundLink& link,
+                                       const classify::CExtensionMap& extensions) const {
   if (!accept_.isEmpty() || !reject_.isEmpty()) {
     const QString extension = ExtensionOf(link.url);
     const LinkKinds kinds = KindsOf(extension, extensions);
     const auto isIn = [&](const Items& items) {
       return (items.kinds & kinds) != 0 || items.extensions.contains(extension);
     };
-    if (!accept_.isEmpty() && !isIn(accept_)) return false;
-    if (isIn(reject_)) return false;
+    if (!accept_.isEmpty() && !isIn(accept_)) return Verdict::no;
+    if (isIn(reject_)) return Verdict::no;
   }
   if (sameHost_) {
     const QString host = platform::HostOf(link.url);
     const bool isOfPage = host == platform::HostOf(link.page) || host == platform::HostOf(link.askedPage);
-    if (host.isEmpty() || !isOfPage) return false;
+    if (host.isEmpty() || !isOfPage) return Verdict::no;
   }
-  return (match_.empty() || Find(match_, link.url) == Found::yes) && Find(noMatch_, link.url) == Found::no;
+  const Verdict match = match_.empty() ? Verdict::yes : Find(match_, link.url);
+  const Verdict noMatch = match == Verdict::no ? Verdict::no : Find(noMatch_, link.url);
+  if (match == Verdict::no || noMatch == Verdict::yes) return Verdict::no;
+  return noMatch == Verdict::no ? match : noMatch;
 }
 
 }  // namespace quillforth::app

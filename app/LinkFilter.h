@@ -60,8 +60,11 @@ class LinkFilter {
   /// Nothing when an expression is not valid. Then `error` says why, for people.
   [[nodiscard]] static std::optional<LinkFilter> make(const Rules& rules, QString& error);
 
-  /// The work of an expression on a URL is bounded; a link on which it takes longer does not pass.
-  [[nodiscard]] bool passes(const FoundLink& link, const classify::CExtensionMap& extensions) const;
+  enum class Verdict { no, yes, tooMuchWork };
+  /// The work of an expression on a URL is bounded. `tooMuchWork`: the bound was reached before it was clear.
+  [[nodiscard]] Verdict passes(const FoundLink& link, const classify::CExtensionMap& extensions) const;
+  /// What of `accept` and `reject` is neither a kind nor an extension that is known.
+  [[nodiscard]] QStringList unknownWords(const classify::CExtensionMap& extensions) const;
   [[nodiscard]] bool isEmpty() const;
 
  private:

@@ -25,7 +25,8 @@ std::string OriginOf(const std::string& path) {
 }  // namespace
 
 void ForEachOrigin(const std::string& folder,
-                   const std::function<void(const std::string& path, const std::string& origin)>& take) {
+                   const std::function<void(const std::string& path, const std::string& origin)>& take,
+                   const std::function<bool()>& shouldStop) {
   std::vector<fs::path> folders{folder};
   while (!folders.empty()) {
     const fs::path next = std::move(folders.back());
@@ -33,6 +34,7 @@ void ForEachOrigin(const std::string& folder,
     std::error_code error;
     for (fs::directory_iterator item(next, error); !error && item != fs::directory_iterator();
          item.increment(error)) {
+      if (shouldStop()) return;
       if (item->path().filename().native().starts_with('.')) continue;
       std::error_code unknown;
       // None of these three looks at the item: the listing of the folder has told its kind.

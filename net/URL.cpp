@@ -255,6 +255,22 @@ QString WithoutCredentials(const QString& text) {
   return QString(text).remove(credentials.start, credentials.length);
 }
 
+QString WithoutCredentialsInside(const QString& text) {
+  const auto isSlashAt = [&text](qsizetype i) { return i >= 0 && (text[i] == u'/' || text[i] == u'\\'); };
+  const qsizetype last = text.lastIndexOf(u'@');
+  QString result;
+  qsizetype taken = 0;
+  for (qsizetype i = 0; i < last; ++i) {
+    if (!isSlashAt(i) || !isSlashAt(i + 1) || isSlashAt(i - 1)) continue;
+    const Span credentials = CredentialsIn(QStringView(text).sliced(i));
+    if (credentials.length == 0) continue;
+    result += QStringView(text).sliced(taken, i + credentials.start - taken);
+    taken = i + credentials.start + credentials.length;
+    i = taken - 1;
+  }
+  return result.append(QStringView(text).sliced(taken));
+}
+
 QString WithoutPassword(const QString& text) {
   const Span credentials = CredentialsIn(text);
   const QStringView user = QStringView(text).sliced(credentials.start, credentials.length);

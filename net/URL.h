@@ -68,7 +68,10 @@ class URL {
 /// and the first of these cannot be a port. A mangled text is better than a password on the screen. Only
 /// "mailto:user@host" stays as it is.
 [[nodiscard]] QString WithoutCredentials(const QString& text);
-/// The same with the user name kept, as "user@".
+/// The same for URLs that stand anywhere in `text`, and in one another: each "//" counts as the beginning of
+/// an authority.
+[[nodiscard]] QString WithoutCredentialsInside(const QString& text);
+/// As `WithoutCredentials`, with the user name kept, as "user@".
 [[nodiscard]] QString WithoutPassword(const QString& text);
 /// Overwrites user name and password with "*", up to the "@". For an argument of the process, which other
 /// programs can read as long as it runs.

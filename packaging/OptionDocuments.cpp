@@ -174,10 +174,12 @@ _quillforth_cli() {
     }
     text += "      " + patterns + ") " + BashValues(option) + " ;;\n";
   });
-  text += "      settings:--unset) words=$keys ;;\n      settings:-*) ;;\n";
-  text +=
-      "      settings:*) if [[ $COMP_CWORD -eq 3 ]]; then key=$previous; else words=\"$keys --unset "
-      "--help\"; fi ;;\n";
+  text += "      settings:--unset | settings:--json) words=$keys ;;\n      settings:-*) ;;\n";
+  text += "      settings:*) if [[ $COMP_CWORD -eq 3 ]]; then key=$previous; else words=\"$keys";
+  for (const Option& option : std::ranges::find(Commands(), "settings", &CommandDescription::name)->options) {
+    if (!option.isArgument()) text.append(" ").append(option.longName());
+  }
+  text += "\"; fi ;;\n";
   for (const CommandDescription& command : Commands()) {
     if (command.name.empty() || command.name == "settings") continue;
     text += "      " + std::string(command.name) + ":*) words='";

@@ -12,6 +12,7 @@ struct TransferFailure {
   int httpStatus = 0;    ///< of the answer, when that is the reason
   int retryAfter = 0;    ///< seconds for which the server wants to be left alone
   bool mayPass = false;  ///< the same request may well succeed later
+  QString host{};        ///< that gave `retryAfter`, after redirects; as `HostOf` (net/URL.h) has it
 };
 
 }  // namespace quillforth::platform

@@ -37,14 +37,17 @@ using fileops::AggregationResult;
 
 constexpr qsizetype kPortion = 65536;
 
-// What the system's log gets in a window goes to the person at the terminal.
+// What the system's log gets in a window goes to the person at the terminal, unless nothing is tried.
 class NoticeLog final : public platform::SystemLog {
  public:
-  explicit NoticeLog(Output& errors) : errors_(errors) {}
-  void log(const QString& message) override { errors_.write(NoticeText(message)); }
+  NoticeLog(Output& errors, bool isDryRun) : errors_(errors), isDryRun_(isDryRun) {}
+  void log(const QString& message) override {
+    if (!isDryRun_) errors_.write(NoticeText(message));
+  }
 
  private:
   Output& errors_;
+  const bool isDryRun_;
 };
 
 std::string ReasonToStay(common::Status status) {
@@ -145,7 +148,7 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
     }
     if (!Confirm(prompt, app::AggregationConfirmation(folder))) return Fail("nothing was moved", errors);
   }
-  NoticeLog log(errors);
+  NoticeLog log(errors, arguments.dryRun);
   const fileops::AggregationServices services{
       folders, log, nullptr, [&errors](const std::string& name, common::Status reason) {
         const QString item = Printable(platform::LosslessText(name));
@@ -156,7 +159,7 @@ int RunAggregate(const AggregateArguments& arguments, platform::FolderAccess& fo
       arguments.dryRun ? Plan(folder, services, results, errors) : fileops::AggregateFolder(services, folder);
   if (result.status != common::kNoError) return Fail(*found.path + ": cannot be read", errors);
   if (result.left == 0) return kExitSuccess;
-  return Fail("not everything could be moved; items that stay: " + std::to_string(result.left), errors);
+  return Fail("not everything can be moved; items that stay: " + std::to_string(result.left), errors);
 }
 
 namespace {
@@ -194,12 +197,14 @@ QByteArray TabSeparated(const QStringList& columns) {
 
 }  // namespace
 
-void PrintClassifications(const QStringList& urls, bool asJson, const classify::CExtensionMap& map,
+void PrintClassifications(const std::vector<GivenURL>& urls, bool asJson, const classify::CExtensionMap& map,
                           platform::HTTPReadStreamFactory& streams, Output& output) {
-  for (const QString& url : urls) {
-    const classify::Classification classification = classify::classifyURL(url, map, streams);
+  for (const GivenURL& url : urls) {
+    const std::optional<platform::URL> meant = MeantURL(url);
+    const classify::Classification classification =
+        meant ? classify::classifyURL(meant->absoluteString(), map, streams) : classify::Classification();
     const QString kind = classification.isPage ? QStringLiteral("page") : QStringLiteral("file");
-    const QString shown = platform::WithoutCredentials(url);
+    const QString shown = platform::WithoutCredentials(meant ? meant->absoluteString() : url.text);
     const QString reason = ReasonText(classification);
     const QByteArray line = asJson ? JsonLine({{QStringLiteral("kind"), kind},
                                                {QStringLiteral("url"), shown},
@@ -289,12 +294,13 @@ int RunFind(const CommentArguments& arguments, const FindOrigins& findOrigins, O
   for (const std::string& path : arguments.files) {
     const FolderAtPath folder = ExistingFolder(path);
     if (!folder.path) return Fail(folder.error, errors);
-    findOrigins(*folder.path, [&](const std::string& file, const std::string& origin) {
+    const auto take = [&](const std::string& file, const std::string& origin) {
       const QString url = platform::WithoutCredentials(QString::fromStdString(origin));
       if (!url.contains(QString::fromStdString(*arguments.find))) return;
       results.writeLine(TabSeparated({platform::LosslessText(file), url}));
       exitStatus = kExitSuccess;
-    });
+    };
+    findOrigins(*folder.path, take, [&results] { return results.failed(); });
   }
   return exitStatus;
 }

@@ -4,15 +4,16 @@
 // thread.
 #pragma once
 
-#include <QStringList>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "appleevents/AppleEventManager.h"
 #include "classify/ExtensionMap.h"
 #include "platform/Folder.h"
 #include "platform/HTTPReadStream.h"
 #include "terminal/CommandLine.h"
+#include "terminal/InputFile.h"
 #include "terminal/Output.h"
 #include "terminal/TerminalPrompt.h"
 
@@ -29,17 +30,18 @@ namespace quillforth::terminal {
                                const TerminalPrompt& prompt, Output& results, Output& errors);
 
 /// `classify`: "page" or "file", the URL without credentials and the reason, separated by tabs: one line for
-/// each URL. As JSON, one object for each.
-void PrintClassifications(const QStringList& urls, bool asJson, const classify::CExtensionMap& map,
+/// each URL. As JSON, one object for each. Typed texts are mended; what is no URL stands as it is.
+void PrintClassifications(const std::vector<GivenURL>& urls, bool asJson, const classify::CExtensionMap& map,
                           platform::HTTPReadStreamFactory& streams, Output& output);
 
 /// `extensions`: extension and MIME type, separated by a tab: one line for each entry, in the table's order.
 void PrintExtensions(const classify::CExtensionMap& map, Output& output);
 
-/// Tells where the files below a folder came from.
+/// Tells where the files below a folder came from, until `shouldStop` is true.
 using FindOrigins =
     std::function<void(const std::string& folder,
-                       const std::function<void(const std::string& path, const std::string& origin)>& take)>;
+                       const std::function<void(const std::string& path, const std::string& origin)>& take,
+                       const std::function<bool()>& shouldStop)>;
 
 /// `comment --find`: path and origin, separated by a tab, of each file below the folders whose origin holds
 /// the text. The exit status; 1 when there is none, or a folder cannot be read.

@@ -20,6 +20,8 @@ namespace {
 
 // So often at most the disk is made to take the archive.
 constexpr std::chrono::seconds kSyncInterval{1};
+// Ends a line that was cut off. What it begins with is no URL then that is ever asked for.
+constexpr char kCutOff[] = " (cut off)\n";
 
 }  // namespace
 
@@ -44,9 +46,12 @@ std::optional<QString> FinishedURLs::openArchive(const std::string& path, bool i
   if (archive_ < 0) return fail(std::strerror(errno));
   struct stat status {};
   if (::fstat(archive_, &status) != 0 || !S_ISREG(status.st_mode)) return fail("not a regular file");
+  ::flock(archive_, LOCK_SH);  // nobody is in the middle of a line
   const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
+  ::flock(archive_, LOCK_UN);
   if (!list.error.isNull()) return list.error;
-  for (const GivenURL& url : URLsOfList(list.bytes)) archived_.insert(SameFileKey(url.text));
+  const QByteArray wholeLines = list.bytes.first(list.bytes.lastIndexOf('\n') + 1);
+  for (const GivenURL& url : URLsOfList(wholeLines)) archived_.insert(SameFileKey(url.text));
   return std::nullopt;
 }
 
@@ -69,13 +74,16 @@ bool FinishedURLs::archive(const QString& url) {
   return isWritten && (!isDue || ::fdatasync(archive_) == 0);
 }
 
-// Under the lock. A line that somebody has not ended ends here.
+// Under the lock. Leaves all or nothing of the line, also on a full disk.
 bool FinishedURLs::append(const QByteArray& line) {
   char last = '\n';
   const off_t length = ::lseek(archive_, 0, SEEK_END);
   if (length > 0 && ::pread(archive_, &last, 1, length - 1) != 1) return false;
-  const QByteArray bytes = last == '\n' ? line : '\n' + line;
-  return ::write(archive_, bytes.constData(), static_cast<std::size_t>(bytes.size())) == bytes.size();
+  const QByteArray bytes = last == '\n' ? line : kCutOff + line;
+  if (::write(archive_, bytes.constData(), static_cast<std::size_t>(bytes.size())) == bytes.size())
+    return true;
+  static_cast<void>(::ftruncate(archive_, length));
+  return false;
 }
 
 }  // namespace quillforth::terminal

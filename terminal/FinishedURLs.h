@@ -3,7 +3,8 @@
 // The URLs that need not be fetched: their files are there already, or a list says that they were fetched.
 //
 // The list is a file of the user's, "the archive": a URL a line, without user name and password. Several runs
-// may append to it at a time; a line that was cut off by a power cut is ended before the next. Main thread.
+// may append to it at a time. A last line without its newline was cut off: it lists nothing, and is marked so
+// before the next is appended. Main thread.
 #pragma once
 
 #include <QHash>

@@ -40,10 +40,7 @@ Get::Get(const app::Host& services, const GetSettings& settings, Reporter& repor
   next_.setSingleShot(true);
   next_.callOnTimeout([this] { moveOn(); });
   downloads_.pauseBy([this] { return pauseAfterRequest(); });
-  downloads_.hearFailures(
-      [this](const platform::WebDownload& download, const platform::TransferFailure& failure) {
-        leaveAlone(download.requestURL().host().toLower(), failure);
-      });
+  downloads_.hearFailures([this](const platform::TransferFailure& failure) { leaveAlone(failure); });
   sorting_.deferWhile([this] {
     const bool goesOn = !isStopped_ && lostCount_ == 0;
     return goesOn && (!retries_.empty() || (isWaiting() && !urls_.empty()));
@@ -72,6 +69,8 @@ Summary Get::run() {
   urls_.assign(settings_.urls.begin(), settings_.urls.end());
   controller_.awakeFromNib();
   controller_.applicationWillFinishLaunching();
+  for (const QString& word : settings_.filter.unknownWords(controller_.extensionMap()))
+    reporter_.notice(UnknownWordNotice(word));
   if (openArchive()) {
     findFiles();
     moveOnLater();
@@ -95,9 +94,10 @@ void Get::findFiles() {
   if (!settings_.arguments.skipExisting || !findOrigins_) return;
   const QString folder = controller_.destinationFolder().decidedDestinationPath();
   if (folder.isNull()) return;
-  findOrigins_(folder.toStdString(), [this](const std::string& path, const std::string& origin) {
+  const auto take = [this](const std::string& path, const std::string& origin) {
     finished_.addFile(QString::fromStdString(origin), QString::fromStdString(path));
-  });
+  };
+  findOrigins_(folder.toStdString(), take, shouldStop_);
 }
 
 void Get::stop() {
@@ -197,9 +197,14 @@ void Get::workPage(const QString& url) {
 
 bool Get::wants(const app::FoundLink& link) {
   ++foundLinks_;
-  if (!settings_.filter.passes(link, controller_.extensionMap())) return false;
+  const app::LinkFilter::Verdict verdict = settings_.filter.passes(link, controller_.extensionMap());
+  if (verdict == app::LinkFilter::Verdict::no) return false;
   ++passedLinks_;
-  return !isDouble(link.url) && !isSettled(link.url);
+  if (isDouble(link.url)) return false;
+  if (verdict == app::LinkFilter::Verdict::yes) return !isSettled(link.url);
+  fail({link.url, GivenURL::Kind::file}, {},
+       {platform::WithoutCredentials(link.url), TooMuchWorkReason(), false, {QStringLiteral("tooMuchWork")}});
+  return false;
 }
 
 bool Get::isDouble(const QString& url) {
@@ -217,7 +222,9 @@ bool Get::isSettled(const QString& url) {
     return true;
   }
   if (!settings_.arguments.dryRun) return false;
-  if (platform::URL::URLWithString(url)) {
+  if (lostCount_ > 0 || !controller_.checkInternetConnection()) {
+    urlWasLost(url);
+  } else if (platform::URL::URLWithString(url)) {
     reporter_.wouldFetch(shown, NameOf(url));
   } else {
     fail({url, GivenURL::Kind::file}, {}, {shown, app::InvalidURLReason()});
@@ -244,7 +251,7 @@ void Get::pageDidNotLoad(const QString& url, const QString& reason) {
     ++summary_.notFetched;
     return leave(page);
   }
-  leaveAlone(platform::HostOf(url), pages_.failure());
+  leaveAlone(pages_.failure());
   fail(page, {}, {platform::WithoutCredentials(url), reason, true, pages_.failure()});
 }
 
@@ -261,9 +268,9 @@ void Get::fail(const GivenURL& url, const QString& page, const Failure& failure)
   reporter_.didFail(failure);
 }
 
-void Get::leaveAlone(const QString& host, const platform::TransferFailure& failure) {
+void Get::leaveAlone(const platform::TransferFailure& failure) {
   if (settings_.retries > 0 && failure.retryAfter > 0) {
-    hostsLeftAlone_[host] = Clock::now() + std::chrono::seconds(failure.retryAfter);
+    hostsLeftAlone_[failure.host] = Clock::now() + std::chrono::seconds(failure.retryAfter);
   }
 }
 
@@ -349,7 +356,8 @@ void Get::leave(const GivenURL& url) {
   const bool isPage = url.kind == GivenURL::Kind::page;
   const bool isPlain = url.kind == GivenURL::Kind::judged || !target ||
                        (!target->pathExtension().isEmpty() && controller_.isWebPageURL(url.text) == isPage);
-  rest_ += LineOfList({url.text, isPlain ? GivenURL::Kind::judged : url.kind});
+  if (!AppendToList(rest_, {url.text, isPlain ? GivenURL::Kind::judged : url.kind}))
+    reporter_.notice(NotInListNotice(url.text));
 }
 
 // What is still there when the run ends was not fetched.

@@ -84,7 +84,7 @@ class Get final : private app::ControllerObserver {
   [[nodiscard]] bool isSettled(const QString& url);
 
   void fail(const GivenURL& url, const QString& page, const Failure& failure);
-  void leaveAlone(const QString& host, const platform::TransferFailure& failure);
+  void leaveAlone(const platform::TransferFailure& failure);
   /// Whether requests come one after the other, with a wait in between.
   [[nodiscard]] bool isWaiting() const { return settings_.wait.count() > 0; }
   void noteEndOfRequest() { nextRequest_ = Clock::now() + settings_.wait; }

@@ -42,7 +42,7 @@ GivenURL::Kind KindOf(const GetArguments& arguments) {
 
 // The kind that is given for all counts for more than that of a line.
 void TakeURL(const GivenURL& url, GivenURL::Kind kind, GetSettings& run) {
-  if (const auto meant = platform::URLOfTypedText(url.text)) {
+  if (const auto meant = MeantURL(url)) {
     run.urls.push_back({meant->absoluteString(), kind == GivenURL::Kind::judged ? url.kind : kind});
   } else {
     run.refused.push_back(url);
@@ -63,6 +63,11 @@ QStringList TextsOf(const std::vector<std::string>& texts) {
 
 bool HasControlCharacter(std::string_view text) {
   return std::ranges::any_of(text, [](char c) { return (c >= 0 && c < 0x20 && c != '\t') || c == 0x7f; });
+}
+
+// Without a byte-order mark.
+QList<QByteArray> LinesOf(const QByteArray& bytes) {
+  return (bytes.startsWith("\xef\xbb\xbf") ? bytes.sliced(3) : bytes).split('\n');
 }
 
 // A field whose meaning is the transfer's own (RFC 9112, section 6; RFC 9110, sections 7.2, 12.5.3 and 14).
@@ -89,6 +94,19 @@ Error TakeHeader(const std::string& line, GetOptions& options) {
   return std::nullopt;
 }
 
+Error TakeHeaderFile(const std::string& path, const QByteArray& bytes, GetOptions& options) {
+  int number = 0;
+  for (const QByteArray& line : LinesOf(bytes)) {
+    ++number;
+    if (line.trimmed().isEmpty()) continue;
+    Error error = TakeHeader(line.trimmed().toStdString(), options);
+    if (!error) continue;
+    error->message += " (" + path + ", line " + std::to_string(number) + ")";
+    return error;
+  }
+  return std::nullopt;
+}
+
 Error TakeHeaders(const GetArguments& arguments, GetOptions& options) {
   for (const std::string& text : arguments.headers) {
     if (!text.starts_with('@')) {
@@ -98,10 +116,7 @@ Error TakeHeaders(const GetArguments& arguments, GetOptions& options) {
     const InputFile file =
         ReadInputFile(text.substr(1), kMaxSmallFile, QStringLiteral("too long for fields of a request"));
     if (!file.error.isNull()) return Failed(file.error);
-    for (const QByteArray& line : file.bytes.split('\n')) {
-      if (line.trimmed().isEmpty()) continue;
-      if (Error error = TakeHeader(line.trimmed().toStdString(), options)) return error;
-    }
+    if (Error error = TakeHeaderFile(text.substr(1), file.bytes, options)) return error;
   }
   return std::nullopt;
 }
@@ -112,12 +127,13 @@ Error TakeCookies(const GetArguments& arguments, GetOptions& options) {
       ReadInputFile(*arguments.cookies, kMaxSmallFile, QStringLiteral("too long for cookies"));
   if (!file.error.isNull()) return Failed(file.error);
   int number = 0;
-  for (QByteArray line : file.bytes.split('\n')) {
-    if (++number == 1 && line.startsWith("\xef\xbb\xbf")) line.remove(0, 3);
+  for (QByteArray line : LinesOf(file.bytes)) {
+    ++number;
     if (line.endsWith('\r')) line.chop(1);
     const bool isCookie = line.startsWith("#HttpOnly_") || !line.startsWith('#');
     if (line.trimmed().isEmpty() || !isCookie) continue;
-    if (line.count('\t') < 5) {
+    // libcurl would take the line of an answer, too.
+    if (line.count('\t') < 5 || line.toLower().startsWith("set-cookie:")) {
       return SettingsError{*arguments.cookies + ": line " + std::to_string(number) +
                            " is no cookie in Netscape's form: seven columns with tabs between"};
     }
@@ -232,7 +248,8 @@ Error MakeFilter(const FilterArguments& arguments, app::LinkFilter& filter) {
 
 Error TakeURLs(const GetArguments& arguments, GetSettings& run) {
   const GivenURL::Kind kind = KindOf(arguments);
-  for (const std::string& text : arguments.urls) TakeURL({QString::fromStdString(text)}, kind, run);
+  for (const std::string& text : arguments.urls)
+    TakeURL({GivenText(QByteArray::fromStdString(text))}, kind, run);
   for (const std::string& path : arguments.inputFiles) {
     const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
     if (!list.error.isNull()) return Failed(list.error);

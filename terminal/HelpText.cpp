@@ -144,7 +144,7 @@ Examples:
 
 Exit status:
   0  all pages were read, whether or not they have links
-  1  a page could not be read, or the links not be written
+  1  a page could not be read, a link not be judged, or the links not be written
   2  a mistake on the command line
 )"},
     {"classify",
@@ -156,6 +156,8 @@ when "quillforth-cli extensions" lists a type for it that begins with "text/",
 else a file. Letter case counts. A URL without an extension costs a "HEAD"
 request: a page when the server's Content-Type begins with "text/". Whatever
 fails makes a file; a server that stays silent is given up after ten seconds.
+A URL may be typed as for "get", and is printed as it is meant. A text that
+makes none is printed as it is, as a file.
 
 Output, one line a URL, separated by tabs:
   page or file, the URL, the reason
@@ -211,8 +213,7 @@ Exit status:
   2  a mistake on the command line
 )"},
     {"settings",
-     R"(Usage: quillforth-cli settings
-       quillforth-cli settings KEY
+     R"(Usage: quillforth-cli settings [--json] [KEY]
        quillforth-cli settings KEY VALUE
        quillforth-cli settings --unset KEY
 

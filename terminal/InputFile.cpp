@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QList>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -14,6 +15,8 @@ namespace quillforth::terminal {
 namespace {
 
 constexpr qsizetype kPortion = 65536;
+// What is kept of a line that is too long.
+constexpr qsizetype kShownLength = 200;
 
 QString NameOf(const std::string& path) {
   return path == "-" ? QStringLiteral("standard input") : QString::fromStdString(path);
@@ -36,11 +39,22 @@ InputFile ReadDescriptor(int descriptor, const std::string& path, qsizetype limi
   }
 }
 
-// Bytes that are no UTF-8 stand for themselves in a URL.
-QString TextOf(const QByteArray& line) {
-  if (line.isValidUtf8()) return QString::fromUtf8(line);
+GivenURL TakeLine(const QByteArray& line) {
+  if (line.size() > kMaxLineLength)
+    return {.text = GivenText(line.first(kShownLength)) + QChar(u'\u2026'), .isCut = true};
+  const QList<QByteArray> columns = line.split('\t');
+  if (columns.size() < 2 || (columns[0] != "page" && columns[0] != "file"))
+    return {GivenText(line.trimmed())};
+  return {GivenText(columns[1].trimmed()),
+          columns[0] == "page" ? GivenURL::Kind::page : GivenURL::Kind::file};
+}
+
+}  // namespace
+
+QString GivenText(const QByteArray& bytes) {
+  if (bytes.isValidUtf8()) return QString::fromUtf8(bytes);
   QString text;
-  for (const char byte : line) {
+  for (const char byte : bytes) {
     const auto value = static_cast<unsigned char>(byte);
     text += value < 0x80 ? QString(QLatin1Char(byte))
                          : QStringLiteral("%") + QString::number(value, 16).toUpper();
@@ -48,13 +62,9 @@ QString TextOf(const QByteArray& line) {
   return text;
 }
 
-GivenURL TakeLine(const QByteArray& line) {
-  const QList<QByteArray> columns = line.split('\t');
-  if (columns.size() < 2 || (columns[0] != "page" && columns[0] != "file")) return {TextOf(line.trimmed())};
-  return {TextOf(columns[1].trimmed()), columns[0] == "page" ? GivenURL::Kind::page : GivenURL::Kind::file};
+std::optional<platform::URL> MeantURL(const GivenURL& url) {
+  return url.isCut ? std::nullopt : platform::URLOfTypedText(url.text);
 }
-
-}  // namespace
 
 InputFile ReadInputFile(const std::string& path, qsizetype limit, const QString& tooLong) {
   if (path == "-") return ReadDescriptor(STDIN_FILENO, path, limit, tooLong);
@@ -70,7 +80,7 @@ std::vector<GivenURL> URLsOfList(const QByteArray& list) {
   for (qsizetype start = list.startsWith("\xef\xbb\xbf") ? 3 : 0; start < list.size();) {
     const qsizetype newline = list.indexOf('\n', start);
     const qsizetype end = newline < 0 ? list.size() : newline;
-    const QByteArray line = list.sliced(start, end - start);
+    const QByteArray line = list.sliced(start, std::min(end - start, kMaxLineLength + 1));
     const QByteArray trimmed = line.trimmed();
     if (!trimmed.isEmpty() && !trimmed.startsWith('#')) urls.push_back(TakeLine(line));
     start = end + 1;
@@ -78,9 +88,12 @@ std::vector<GivenURL> URLsOfList(const QByteArray& list) {
   return urls;
 }
 
-QByteArray LineOfList(const GivenURL& url) {
+bool AppendToList(QByteArray& list, const GivenURL& url) {
   const char* kinds[] = {"", "page\t", "file\t"};
-  return kinds[static_cast<int>(url.kind)] + url.text.toUtf8() + '\n';
+  const QByteArray line = kinds[static_cast<int>(url.kind)] + url.text.toUtf8() + '\n';
+  if (URLsOfList(line) != std::vector{url}) return false;
+  list += line;
+  return true;
 }
 
 }  // namespace quillforth::terminal

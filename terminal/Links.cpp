@@ -48,7 +48,7 @@ void AppendField(QByteArray& portion, std::string_view field) {
 QByteArray JsonOf(const std::string& source, std::string_view link, const QString& url) {
   return JsonLine({{QStringLiteral("source"), platform::WithoutCredentials(QString::fromStdString(source))},
                    {QStringLiteral("link"), QString::fromUtf8(link)},
-                   {QStringLiteral("url"), url}});
+                   {QStringLiteral("url"), platform::WithoutCredentials(url)}});
 }
 
 // A link that is not valid UTF-8 is left out, as the queue does.
@@ -79,9 +79,14 @@ std::optional<QString> PrintLinks(const std::string& source, const LinksArgument
   if (!page.error.isNull()) return page.error;
   const QString own = QString::fromStdString(arguments.base.value_or(arguments.url.value_or(source)));
   QByteArray portion;
+  int unjudgedCount = 0;
   for (const linkextract::LinkEntry& entry : LinksOf(page.bytes, source, arguments, extensions)) {
     const common::BoundedText url = entry.value();
-    if (!filter.isEmpty() && !filter.passes({QString::fromUtf8(url.view()), own, own}, extensions)) continue;
+    if (!filter.isEmpty()) {
+      const auto verdict = filter.passes({QString::fromUtf8(url.view()), own, own}, extensions);
+      if (verdict == app::LinkFilter::Verdict::tooMuchWork) ++unjudgedCount;
+      if (verdict != app::LinkFilter::Verdict::yes) continue;
+    }
     if (arguments.withFilename) AppendField(portion, source);
     if (arguments.null) {
       AppendField(portion, entry.key());
@@ -94,7 +99,10 @@ std::optional<QString> PrintLinks(const std::string& source, const LinksArgument
     portion.resize(0);
   }
   output.write(portion);
-  return std::nullopt;
+  if (unjudgedCount == 0) return std::nullopt;
+  return QStringLiteral("%1: links on which a regular expression needs too much work: %2")
+      .arg(platform::WithoutCredentials(QString::fromStdString(source)))
+      .arg(unjudgedCount);
 }
 
 }  // namespace quillforth::terminal

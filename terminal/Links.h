@@ -18,7 +18,7 @@ namespace quillforth::terminal {
 [[nodiscard]] bool IsWebSource(const std::string& source);
 
 /// Prints those links of one of the sources that pass the filter; what went wrong when the page could not be
-/// read. A source that is not on the web comes with a base or a URL.
+/// read, or not each link judged. A source that is not on the web comes with a base or a URL.
 [[nodiscard]] std::optional<QString> PrintLinks(const std::string& source, const LinksArguments& arguments,
                                                 const classify::CExtensionMap& extensions,
                                                 const app::LinkFilter& filter, platform::PageLoader& pages,

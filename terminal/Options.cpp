@@ -59,7 +59,7 @@ constexpr std::array kGetOptions{
            .text =
                "at the end, also after Ctrl-C, write the URLs that failed or were not fetched, and the texts "
                "that are no URLs, to FILE, for --input-file. Only its owner may read it, because it keeps "
-               "passwords in URLs",
+               "passwords in URLs. With --dry-run nothing is written",
            .completes = Completes::files,
            .example = "get --rest left.txt --input-file list.txt"},
     Option{.names = "--unique",
@@ -104,7 +104,8 @@ constexpr std::array kGetOptions{
         .bind = Fill<GetArguments, &GetArguments::match>,
         .text =
             "take only links in whose absolute URL this regular expression (of Perl's kind) is found; may be "
-            "repeated, and then one of them has to be found",
+            "repeated, and then one of them has to be found. A URL on which it needs too much work has "
+            "failed",
         .example = "get --match '/full/.*[0-9]+[.]jpg$' http://www.example.org/gallery/",
         .isRepeated = true},
     Option{.names = "--no-match",
@@ -153,9 +154,11 @@ constexpr std::array kGetOptions{
            .value = "LINE",
            .bind = Fill<GetArguments, &GetArguments::headers>,
            .text = "send the field \"Name: value\" with pages and files, or with @FILE each line of FILE. "
-                   "It does not go to another host after a redirect. Authorization and Cookie go only where "
-                   "scheme, host and port are those of a URL that you give. A Cookie is sent together with "
-                   "those of --cookies and of the server",
+                   "It goes to every host that a page links to. Only Authorization, Cookie and "
+                   "Proxy-Authorization do not: they go where scheme, host and port are those of a URL that "
+                   "you give. After a redirect no field goes to another scheme, host or port, except from "
+                   "http to https on the default port. A Cookie is sent together with those of --cookies and "
+                   "of the server",
            .example = "get --header 'Accept-Language: de' http://www.example.org/",
            .isRepeated = true},
     Option{.names = "--referer",
@@ -180,7 +183,7 @@ constexpr std::array kGetOptions{
             "when all else is done, try again what may work later: after a time-out, a connection that broke "
             "off, an answer of 408, 429 or 5xx; up to N times for each URL, after 1, 2, 4 and so on to 60 "
             "seconds. A server that says how long (Retry-After) is left alone for that time, up to 10 "
-            "minutes",
+            "minutes; the order stays, so what stands behind one of its URLs waits, too",
         .completes = Completes::words,
         .words = "1 2 3 5 10",
         .example = "get --retry 5 --input-file list.txt"},
@@ -316,7 +319,8 @@ constexpr std::array kLinksOptions{
         .bind = Fill<LinksArguments, &LinksArguments::match>,
         .text =
             "take only links in whose absolute URL this regular expression (of Perl's kind) is found; may be "
-            "repeated, and then one of them has to be found",
+            "repeated, and then one of them has to be found. Links on which it needs too much work are left "
+            "out and counted in a message",
         .example = "links --match '/full/.*[0-9]+[.]jpg$' http://www.example.org/gallery/",
         .isRepeated = true},
     Option{.names = "--no-match",
@@ -333,8 +337,8 @@ constexpr std::array kLinksOptions{
     Option{.names = "--json",
            .value = "",
            .bind = Fill<LinksArguments, &LinksArguments::json>,
-           .text = "print one JSON object for each link, with \"source\", \"link\" (as it stands in the "
-                   "page) and \"url\"",
+           .text = "print one JSON object for each link, with \"source\" and \"url\", both without user name "
+                   "and password, and \"link\", as it stands in the page",
            .example = "links --json http://www.example.org/ | jq -r .url",
            .excludes = "--null"},
     kHelp,

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <chrono>
 
+#include "net/URL.h"
 #include "terminal/Text.h"
 
 namespace quillforth::terminal {
@@ -91,6 +92,19 @@ QString SummaryNotice(const Summary& summary) {
   const bool wasInterrupted = summary.exitStatus >= 128;
   if (summary.notFetched == 0 || wasInterrupted) return {};
   return QStringLiteral("%1 of the URLs not fetched").arg(summary.notFetched);
+}
+
+QString TooMuchWorkReason() {
+  return QStringLiteral("A regular expression needs too much work on this URL.");
+}
+
+QString UnknownWordNotice(const QString& word) {
+  return QStringLiteral("\"%1\" is neither a kind nor a known extension").arg(Excerpt(word));
+}
+
+QString NotInListNotice(const QString& text) {
+  return Excerpt(platform::WithoutCredentials(text)) +
+         QStringLiteral(": no list of URLs can hold this text, so it is left out of what is left");
 }
 
 void LineReporter::pageDidLoad(const QString& url, int links) {

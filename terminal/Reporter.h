@@ -60,6 +60,13 @@ class Reporter {
   virtual void end(const Summary& summary) = 0;
 };
 
+/// Why a link failed that `app::LinkFilter` could not judge.
+[[nodiscard]] QString TooMuchWorkReason();
+/// What is told of a word that `--accept` and `--reject` do not know.
+[[nodiscard]] QString UnknownWordNotice(const QString& word);
+/// What is told of a text that no list can hold.
+[[nodiscard]] QString NotInListNotice(const QString& text);
+
 /// "done URL -> PATH", "failed URL: reason" and the like on `results`, a line each; all else on `errors`.
 class LineReporter : public Reporter {
  public:

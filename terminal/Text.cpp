@@ -34,6 +34,11 @@ qsizetype UnitsInWidth(Iterator first, Iterator last, int columns) {
 
 }  // namespace
 
+QString Excerpt(const QString& text) {
+  constexpr qsizetype kMaxLength = 2000;
+  return text.size() <= kMaxLength ? text : text.first(kMaxLength) + QChar(u'\u2026');
+}
+
 int DisplayWidth(QStringView text) {
   int width = 0;
   for (const char32_t c : text.toUcs4()) width += Width(c);

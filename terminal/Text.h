@@ -18,6 +18,9 @@ using platform::Printable;
 /// Columns that a printable text takes: wide characters two, combining ones none.
 [[nodiscard]] int DisplayWidth(QStringView text);
 
+/// `text`, or what it begins with and "…": enough of a text for a message.
+[[nodiscard]] QString Excerpt(const QString& text);
+
 /// The longest beginning of a printable text that fits into `columns`.
 [[nodiscard]] QString CutToWidth(const QString& text, int columns);
 

@@ -40,7 +40,7 @@ void WatchedDownloads::downloadDidFinish(platform::WebDownload& download) {
 
 void WatchedDownloads::downloadDidFailWithError(platform::WebDownload& download,
                                                 const platform::DownloadError& error) {
-  if (hearFailure_) hearFailure_(download, error.cause);
+  if (hearFailure_) hearFailure_(error.cause);
   tellEnd([this, &download, error] {
     failure_ = error.cause;
     types_.erase(&download);

@@ -34,8 +34,7 @@ class WatchedDownloads final : public platform::WebDownloadService, private plat
 
   void pauseBy(Pause pause) { pause_ = std::move(pause); }
   /// Hears why a download has failed, before the wait and before the delegate does.
-  void hearFailures(
-      std::function<void(const platform::WebDownload&, const platform::TransferFailure&)> hear) {
+  void hearFailures(std::function<void(const platform::TransferFailure&)> hear) {
     hearFailure_ = std::move(hear);
   }
   /// While the delegate is told of an end, these two are about that download.
@@ -82,7 +81,7 @@ class WatchedDownloads final : public platform::WebDownloadService, private plat
   const bool mayGoAhead_;
   platform::WebDownloadDelegate* delegate_ = nullptr;
   Pause pause_;
-  std::function<void(const platform::WebDownload&, const platform::TransferFailure&)> hearFailure_;
+  std::function<void(const platform::TransferFailure&)> hearFailure_;
   std::unordered_map<const platform::WebDownload*, QString> types_;
   std::deque<std::function<void()>> held_;
   bool isEnding_ = false;

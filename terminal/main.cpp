@@ -79,12 +79,6 @@ bool IsCapableTerminal(const Output& output) {
          std::strcmp(kind, "dumb") != 0;
 }
 
-QStringList StringList(const std::vector<std::string>& texts) {
-  QStringList list;
-  for (const std::string& text : texts) list.append(QString::fromStdString(text));
-  return list;
-}
-
 int Finish(int exitStatus, const Output& results, Output& errors) {
   ReportFailure(results, errors);
   return results.failed() && exitStatus == kExitSuccess ? kExitFailure : exitStatus;
@@ -147,7 +141,9 @@ platform::TransferSettings TransfersFor(const GetOptions& options, int interrupt
 bool WriteRest(const GetArguments& arguments, QByteArray rest, const std::vector<GivenURL>& refused,
                Output& errors) {
   if (!arguments.rest || arguments.dryRun) return true;
-  for (const GivenURL& url : refused) rest += LineOfList(url);
+  for (const GivenURL& url : refused) {
+    if (!AppendToList(rest, url)) errors.write(NoticeText(NotInListNotice(url.text)));
+  }
   QSaveFile file(QFile::decodeName(arguments.rest->c_str()));
   file.setDirectWriteFallback(true);
   const bool isWritten = file.open(QIODevice::WriteOnly) &&
@@ -155,6 +151,12 @@ bool WriteRest(const GetArguments& arguments, QByteArray rest, const std::vector
                          file.write(rest) == rest.size() && file.commit();
   if (!isWritten) errors.write(NoticeText(file.fileName() + QStringLiteral(": ") + file.errorString()));
   return isWritten;
+}
+
+QString RefusalNotice(const GivenURL& url) {
+  return Excerpt(platform::WithoutCredentials(url.text)) +
+         (url.isCut ? QStringLiteral(": longer than a line of a list may be")
+                    : QStringLiteral(": no http, https or ftp URL"));
 }
 
 // Has outputs of its own, because a wait for their readers ends with a signal, too.
@@ -167,8 +169,7 @@ int Run(const GetArguments& arguments, Output& /*results*/, Output& unguardedErr
   Output results(STDOUT_FILENO, interruption.descriptor());
   Output errors(STDERR_FILENO, interruption.descriptor());
   for (const GivenURL& url : options.run.refused) {
-    errors.write(
-        NoticeText(platform::WithoutCredentials(url.text) + QStringLiteral(": no http, https or ftp URL")));
+    if (!errors.write(NoticeText(RefusalNotice(url)))) break;
   }
   if (options.run.urls.empty() && !options.run.refused.empty()) {
     static_cast<void>(WriteRest(arguments, {}, options.run.refused, errors));
@@ -232,6 +233,8 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
   platform::TransferThread thread(transfers);
   platform::CurlPageLoader pages(thread);
   const classify::CExtensionMap extensions = LoadExtensionMap();
+  for (const QString& word : filter.unknownWords(extensions))
+    errors.write(NoticeText(UnknownWordNotice(word)));
   int exitStatus = kExitSuccess;
   for (const std::string& source : arguments.sources) {
     if (const auto error = PrintLinks(source, arguments, extensions, filter, pages, results)) {
@@ -244,11 +247,12 @@ int Run(const LinksArguments& arguments, Output& results, Output& errors) {
 }
 
 int Run(const ClassifyArguments& arguments, Output& results, Output& errors) {
-  QStringList urls = StringList(arguments.urls);
+  std::vector<GivenURL> urls;
+  for (const std::string& text : arguments.urls) urls.push_back({GivenText(QByteArray::fromStdString(text))});
   for (const std::string& path : arguments.inputFiles) {
     const InputFile list = ReadInputFile(path, kMaxListLength, QStringLiteral("too long for a list of URLs"));
     if (!list.error.isNull()) return Complain(SettingsError{list.error.toStdString()}, "classify", errors);
-    for (const GivenURL& url : URLsOfList(list.bytes)) urls.append(url.text);
+    std::ranges::move(URLsOfList(list.bytes), std::back_inserter(urls));
   }
   const platform::CurlGlobal curl;
   const platform::TransferSettings transfers = platform::SettingsFromEnvironment();

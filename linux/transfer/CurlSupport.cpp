@@ -20,7 +20,8 @@ std::string Environment(const char* name) {
 }  // namespace
 
 bool HeaderField::tellsWhoAsks() const {
-  return common::EqualsNoCase(name, "Authorization") || common::EqualsNoCase(name, "Cookie");
+  return common::EqualsNoCase(name, "Authorization") || common::EqualsNoCase(name, "Cookie") ||
+         common::EqualsNoCase(name, "Proxy-Authorization");
 }
 
 TransferSettings SettingsFromEnvironment() {

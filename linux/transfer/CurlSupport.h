@@ -39,7 +39,7 @@ class CurlGlobal {
 struct HeaderField {
   std::string name;
   std::string value;
-  /// Whether it may tell the server who the user is: Authorization and Cookie.
+  /// Whether it may tell the server who the user is: Authorization, Cookie and Proxy-Authorization.
   [[nodiscard]] bool tellsWhoAsks() const;
 };
 
@@ -53,7 +53,8 @@ struct TransferSettings {
   // The members from here to `trace` are for pages and files only, not for probes.
   /// Cookies to begin with: lines of a file of Netscape's form.
   std::vector<std::string> cookies{};
-  /// They go to the host of each URL that is asked for, and to no other host after a redirect.
+  /// They go to the origin of each URL that is asked for. After a redirect they go to no other, except from
+  /// http to https on the same host and the default port.
   std::vector<HeaderField> headers{};
   /// The origins (`RequestURL`) that also get the fields that tell who the user is.
   std::unordered_set<std::string> trustedOrigins{};

@@ -42,12 +42,11 @@ std::string ShownHeadLine(std::string_view line, const TransferSettings& setting
   if (common::StartsWithNoCase(line, "PASS ") || common::StartsWithNoCase(line, "USER ")) {  // FTP
     return std::string(line.substr(0, 5)) + "(not shown)";
   }
-  if (colon == std::string_view::npos) return std::string(line);
-  if (IsSecret(name, settings)) return std::string(name) + ": (not shown)";
-  if (!common::EqualsNoCase(name, "Location")) return std::string(line);
-  const QString value =
-      QString::fromUtf8(line.substr(colon + 1).data(), static_cast<qsizetype>(line.size() - colon - 1));
-  return std::string(name) + ": " + WithoutCredentials(value.trimmed()).toStdString();
+  if (colon != std::string_view::npos && IsSecret(name, settings)) return std::string(name) + ": (not shown)";
+  const QString text = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+  if (!common::EqualsNoCase(name, "Location")) return WithoutCredentialsInside(text).toStdString();
+  const QString url = WithoutCredentials(text.sliced(text.indexOf(u':') + 1).trimmed());
+  return std::string(name) + ": " + WithoutCredentialsInside(url).toStdString();
 }
 
 void TraceHeads(CURL* handle, const TransferSettings& settings) {

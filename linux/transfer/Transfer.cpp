@@ -28,6 +28,13 @@ bool IsWantedStatus(Purpose purpose, int status) {
   return false;
 }
 
+// The origin on the same host and on the default port of https; empty unless `origin` is of http.
+std::string SecureOrigin(const std::string& origin) {
+  constexpr std::string_view kScheme = "http:";
+  if (!origin.starts_with(kScheme)) return {};
+  return "https:" + origin.substr(kScheme.size(), origin.rfind(':') - kScheme.size()) + ":443";
+}
+
 }  // namespace
 
 void Transfer::start(TransferContext& context) {
@@ -43,7 +50,6 @@ void Transfer::start(TransferContext& context) {
   const bool hasFixedReferrer = request_.purpose != Purpose::probe && !context.settings.referrer.empty();
   referrer_ = hasFixedReferrer ? context.settings.referrer : request_.referrer;
   firstOrigin_ = url->origin;
-  firstHost_ = url->host;
   goTo(*std::move(url));
 }
 
@@ -58,8 +64,8 @@ void Transfer::goTo(RequestURL url) {
 // The user's fields that the server of `url` may see.
 std::vector<HeaderField> Transfer::fieldsFor(const RequestURL& url) const {
   const TransferSettings& settings = context_->settings;
-  const bool isLessSecure = firstOrigin_.starts_with("https:") && !url.origin.starts_with("https:");
-  if (request_.purpose == Purpose::probe || url.host != firstHost_ || isLessSecure) return {};
+  const bool isAllowed = url.origin == firstOrigin_ || url.origin == SecureOrigin(firstOrigin_);
+  if (request_.purpose == Purpose::probe || !isAllowed) return {};
   std::vector<HeaderField> fields = settings.headers;
   if (!settings.trustedOrigins.contains(url.origin)) {
     std::erase_if(fields, [](const HeaderField& field) { return field.tellsWhoAsks(); });
@@ -110,7 +116,8 @@ TransferOutcome Transfer::judgeAnswer() const {
     return {isFolder ? OutcomeKind::folder : OutcomeKind::whole};
   }
   if (!IsWantedStatus(request_.purpose, head.status()))
-    return {OutcomeKind::status, head.status(), exchange_->retryAfter()};
+    return {OutcomeKind::status, head.status(), exchange_->retryAfter(),
+            HostOf(QString::fromStdString(url_.text))};
   const std::int64_t length = exchange_->announcedLength();
   const bool isTooLong = length > 0 && static_cast<std::uint64_t>(length) > request_.maxBodyLength;
   return {isTooLong ? OutcomeKind::tooLong : OutcomeKind::whole};

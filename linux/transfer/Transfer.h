@@ -135,7 +135,6 @@ class Transfer : private Exchange::Taker {
   RequestURL url_;
   std::string referrer_;     // what `url_` may be told; it never grows again on the way
   std::string firstOrigin_;  // what was asked for, before any redirect
-  std::string firstHost_;
   int redirectsLeft_ = kMaxRedirects;
   int attemptsLeft_ = 0;  // of the present URL
   std::optional<DownloadLogins> logins_;

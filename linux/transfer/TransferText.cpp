@@ -243,7 +243,7 @@ QString TransferOutcome::sentence() const {
 TransferFailure TransferOutcome::failure() const {
   if (isWhole()) return {};
   const int status = HasStatus(kind) ? static_cast<int>(detail) : 0;
-  return {QString::fromLatin1(PhraseOf(kind).word), status, retryAfter, MayPass(kind, detail)};
+  return {QString::fromLatin1(PhraseOf(kind).word), status, retryAfter, MayPass(kind, detail), host};
 }
 
 TransferOutcome OutcomeOf(CURLcode code) {

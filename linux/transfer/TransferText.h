@@ -59,6 +59,7 @@ struct TransferOutcome {
   /// `other`.
   long detail = 0;
   int retryAfter = 0;  ///< seconds for which the server wants to be left alone
+  QString host{};      ///< that server's, as `HostOf` has it
 
   [[nodiscard]] bool isWhole() const { return kind == OutcomeKind::whole; }
   /// "The server answered 404 Not Found."; codes without a registered phrase (RFC 9110, section 15) stand

@@ -43,9 +43,9 @@ _quillforth_cli() {
       classify:-i | classify:--input-file) kind=file ;;
       comment:--set) return ;;
       comment:--find) return ;;
-      settings:--unset) words=$keys ;;
+      settings:--unset | settings:--json) words=$keys ;;
       settings:-*) ;;
-      settings:*) if [[ $COMP_CWORD -eq 3 ]]; then key=$previous; else words="$keys --unset --help"; fi ;;
+      settings:*) if [[ $COMP_CWORD -eq 3 ]]; then key=$previous; else words="$keys --unset --json --help"; fi ;;
       get:*) words='--to --input-file --rest --unique --page --file --accept --reject --match --no-match --same-host --dry-run --skip-existing --archive --cookies --header --referer --user-agent --retry --wait --limit-rate --no-comment --remote-time --ahead --set --no-cookies --local --json --quiet --verbose --help' ;;
       links:*) words='--base --url --null --with-filename --accept --reject --match --no-match --same-host --json --help' kind=file ;;
       classify:*) words='--input-file --json --help' ;;

@@ -61,7 +61,7 @@ complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l reject -x -
 complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l match -x -d 'take only links in whose absolute URL this regular expression (of Perl\'s kind) is found'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l no-match -x -d 'leave out links in which it is found'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l same-host -d 'take only links to the host of their page'
-complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l json -d 'print one JSON object for each link, with "source", "link" (as it stands in the page) and "url"'
+complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -l json -d 'print one JSON object for each link, with "source" and "url", both without user name and password, and "link", as it stands in the page'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -s h -l help -d 'show this text'
 complete -c quillforth-cli -n '__fish_seen_subcommand_from links' -F
 complete -c quillforth-cli -n '__fish_seen_subcommand_from classify' -s i -l input-file -r -F -d 'take URLs from FILE, one a line, or from standard input when FILE is -'

@@ -29,10 +29,12 @@ std::string PassedLinks(const QString& options) {
                            "no name.jpg", "http://WWW.h.test/f.mp3"}) {
     const QString text = QString::fromLatin1(link);
     const QString url = text.startsWith(u"http") ? text : QStringLiteral("http://h.test/") + text;
-    const bool passes = filter->passes(
+    const auto verdict = filter->passes(
         {url, QStringLiteral("http://www.h.test/g/"), QStringLiteral("http://me:pw@h.test/g/")}, extensions);
-    if (passes) passed.append(QString(text).replace(u' ', u'_'));
+    if (verdict == app::LinkFilter::Verdict::tooMuchWork) passed.append(QStringLiteral("too_much"));
+    if (verdict == app::LinkFilter::Verdict::yes) passed.append(QString(text).replace(u' ', u'_'));
   }
+  for (const QString& word : filter->unknownWords(extensions)) passed.append(u'?' + word);
   return passed.join(u' ').toStdString();
 }
 

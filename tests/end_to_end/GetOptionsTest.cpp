@@ -39,7 +39,9 @@ class GetOptions : public EndToEnd {
   std::atomic<int> flakyCount_ = 0;
   RawServer server_{[this](RawServer::Connection& connection, const std::string& request) {
     const std::string path = request.substr(4, request.find(' ', 4) - 4);
-    std::string reply = HttpReply("200 OK", path, "Last-Modified: Tue, 15 Nov 1994 12:45:26 GMT\r\n");
+    std::string reply = HttpReply("200 OK", path,
+                                  "Last-Modified: Tue, 15 Nov 1994 12:45:26 GMT\r\n"
+                                  "Link: </a>, <http://h/?n=http://me:p/w@h/>\r\n");
     if (path == "/g/") reply = HtmlReply("<a href=a.jpg><a href=b.zip><a href=\"a.jpg#x\"><a href=sub/>");
     if (path == "/missing.zip") reply = HttpReply("404 No", "");
     if (path == "/page.php") reply = HtmlReply("");
@@ -57,6 +59,8 @@ class GetOptions : public EndToEnd {
 };
 
 TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
+  const std::string kTooLong = std::string(200, '.') + "\u2026";
+  const std::string kLeftOut = ": no list of URLs can hold this text, so it is left out of what is left\n";
   const struct {
     std::vector<std::string> arguments;
     std::string input, output, errors;
@@ -71,23 +75,39 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
        "",
        "",
        "quillforth-cli: none of the 4 links on {}/g/ is wanted\n"},
+      {{"--page", "--accept", "zip,picture", "--no-match", "(.*)(.*)(.*)(.*)(.*)(.*)(.*)(.*)(.*)[A-Z]",
+        "{}/g/", "--rest", "~.unjudged"},
+       "",
+       "failed {}/g/b.zip: A regular expression needs too much work on this URL.\n",
+       "quillforth-cli: \"picture\" is neither a kind nor a known extension\n",
+       1},
       {{"-i", "-", "--rest", "~.rest"},
        "{}/x.zip\r\n{}/missing.zip\nfile\t{}/p.html\tits reason\n",
        "done {}/x.zip -> ~/x.zip\nfailed {}/missing.zip: The server answered 404 Not Found.\n"
        "done {}/p.html -> ~/p.html\n",
        "",
        1},
-      {{"--skip-existing", "{}/x.zip#again", "{}/é.zip"},
+      {{"--skip-existing", "{}/x.zip#again", "{}/\xe9.zip"},
        "",
-       "skipped {}/x.zip#again -> ~/x.zip\ndone {}/%C3%A9.zip -> ~/\u00e9.zip\n",
+       "skipped {}/x.zip#again -> ~/x.zip\ndone {}/%E9.zip -> ~/\u00e9.zip\n",
        ""},
       {{"--archive", "~.archive", "{}/y.zip"}, "", "done {}/y.zip -> ~/y.zip\n", ""},
       {{"--archive", "~.archive", "{}/y.zip"}, "", "skipped {}/y.zip -> ~.archive\n", ""},
-      {{"-i", "-", "--rest", "~.refused"},
-       "mailto:me@h\npage\tx:// y\n",
+      // What a list would make something else of is not in the rest.
+      {{"-i", "-", "#a", "x:\n{}/no.zip", "page\tx:", "--rest", "~.refused"},
+       "mailto:me@h\npage\tx:// y\n" + std::string(65537, '.'),
        "",
+       "quillforth-cli: #a: no http, https or ftp URL\n"
+       "quillforth-cli: x:\\x0a{}/no.zip: no http, https or ftp URL\n"
+       "quillforth-cli: page\\x09x:: no http, https or ftp URL\n"
        "quillforth-cli: mailto:me@h: no http, https or ftp URL\n"
-       "quillforth-cli: x:// y: no http, https or ftp URL\n",
+       "quillforth-cli: x:// y: no http, https or ftp URL\n"
+       "quillforth-cli: " +
+           kTooLong +
+           ": longer than a line of a list may be\n"
+           "quillforth-cli: #a" +
+           kLeftOut + "quillforth-cli: x:\\x0a{}/no.zip" + kLeftOut +
+           "quillforth-cli: page\\x09x:" + kLeftOut + "quillforth-cli: " + kTooLong + kLeftOut,
        2},
       // Each of two equal URLs has its own tries.
       {{"--retry", "1", "--set", "aggregateFiles=yes", "{}/flaky.zip", "{}/flaky.zip"},
@@ -119,6 +139,7 @@ TEST_F(GetOptions, PrintAndLeaveWhatTheyPromise) {
   }
   EXPECT_EQ(contents(folder() + ".rest"), filled("{}/missing.zip\n"));
   EXPECT_EQ(contents(folder() + ".refused"), "mailto:me@h\npage\tx:// y\n");
+  EXPECT_EQ(contents(folder() + ".unjudged"), filled("{}/g/b.zip\n"));
   EXPECT_EQ(contents(folder() + ".archive"), filled("{}/y.zip\n"));
   EXPECT_EQ(contents(inFolder("zip/flaky.zip")), "/flaky.zip");
   EXPECT_EQ(contents(inFolder("held.zip")), "alone");
@@ -138,11 +159,12 @@ TEST_F(GetOptions, RequestsCarryWhatTheUserGivesAndNobodyElseDoes) {
                 fieldOfLast("Referer"),
             "sid=abc; mine=secret secret UA http://h/p?q");
   EXPECT_NE(outcome.errors.find("> GET /t.zip HTTP/1.1\n"), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find("Link: </a>, <http://h/?n=http://h/>"), std::string::npos) << outcome.errors;
   for (const char* secret : {"abc", "secret", "pw"})
     EXPECT_EQ(outcome.errors.find(secret), std::string::npos) << outcome.errors;
   // A redirect to another port of the host.
   EXPECT_EQ(getWith({"--header", "@" + inRoot("headers"), other_.url("/moved.zip")}).exitStatus, 0);
-  EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key"), "none secret");
+  EXPECT_EQ(fieldOfLast("Cookie") + ' ' + fieldOfLast("X-Key"), "none none");
   struct stat status {};
   EXPECT_EQ(::stat(inFolder("t.zip").c_str(), &status), 0);
   EXPECT_EQ(status.st_mtime, 784903526);

@@ -69,6 +69,15 @@ TEST_F(CurlPageLoaderTest, KeepsTheConnectionAndAnswersOnlyTheHostThatTheCredent
   EXPECT_EQ(load(server.url("/private")), "-");
 }
 
+TEST_F(CurlPageLoaderTest, TellsWhichHostWantsToBeLeftAlone) {
+  const RawServer busy(tests::Serving({{"/", HttpReply("503 No", "", "Retry-After: 7\r\n")}}));
+  const RawServer first(
+      tests::Serving({{"/", HttpReply("302 Found", "", "Location: " + busy.url("/") + "\r\n")}}));
+  const auto url = URL::URLWithString(QStringLiteral("http://localhost:%1/").arg(first.port()));
+  const TransferFailure cause = loader.resourceData(*url).cause;
+  EXPECT_EQ(cause.host.toStdString() + ' ' + std::to_string(cause.retryAfter), "127.0.0.1 7");
+}
+
 TEST_F(CurlPageLoaderTest, GivesUpOnAStallAndSoonAfterAnInterruption) {
   std::counting_semaphore<> arrived(0), left(0);
   RawServer server([&](Connection& connection, const std::string&) {
