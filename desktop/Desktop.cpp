@@ -24,8 +24,12 @@ Desktop::Desktop(const DesktopServices& services)
       preferences_(*host_.userDefaults),
       notice_(noticeServices()),
       outcomes_(pacer_, window_, host_.localizedText),
-      pacedIntake_(gate_),
-      workLine_(pacer_, window_, [this](bool isWaiting) { return workProgress_.bytesText(isWaiting); }),
+      state_(pacer_, [this] { followState(); }),
+      pacedIntake_(gate_, [this] { state_.request(); }),
+      workLine_(pacer_, window_,
+                [this](bool isWaiting) {
+                  return isHeld_ && !isWaiting ? QString() : workProgress_.bytesText(isWaiting);
+                }),
       workProgress_(pacer_, window_,
                     {.waitingCount = [this] { return controller_.numberOfRows(); },
                      .isWorkLeft = [this] { return hasWork() || gate_.hasWaiting(); },

@@ -197,6 +197,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   app::Preferences preferences_;
   CompletionNotice notice_;
   Outcomes outcomes_;
+  FramePacer::Update state_;
   PacedIntake pacedIntake_;
   WorkLine workLine_;
   WorkProgress workProgress_;
