@@ -202,7 +202,7 @@ void Desktop::connectCommands() {
   QObject::connect(rows, &QAbstractItemModel::rowsRemoved, &window_, [this] { showFilterCount(); });
   using Controller = app::MyAppController;
   bind(ui.actionImportURL, ui.importButton, [this] { importOutlet_.makeKeyAndOrderFront(); });
-  bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs(QString()); });
+  bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs({}); });
   bind(ui.actionGetBrowserURL, nullptr, &Controller::processCurrentBrowserURL);
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });

@@ -153,8 +153,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void take(const PastedURLs& pasted);
   void queueEntries(const QStringList& entries);
   void queueAgain();
-  /// Opens the sheet that URLs are typed into, with this text in it.
-  void askForURLs(const QString& text);
+  /// Opens the sheet that URLs are typed into, with these in it.
+  void askForURLs(const QStringList& urls);
   struct TypedBatch;
   void take(const std::shared_ptr<TypedBatch>& batch);
   void takeNext(TypedBatch& batch);

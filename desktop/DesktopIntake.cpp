@@ -166,9 +166,9 @@ struct Desktop::TypedBatch {
   bool isOver = false;  // the rest went back to the user
 };
 
-void Desktop::askForURLs(const QString& text) {
-  statusOutlet_.beginSheet([this, text] {
-    auto* sheet = new AddSheet(text, &window_);
+void Desktop::askForURLs(const QStringList& urls) {
+  statusOutlet_.beginSheet([this, urls] {
+    auto* sheet = new AddSheet(urls, &window_);
     QObject::connect(sheet, &QDialog::accepted, &window_, [this, sheet] {
       auto batch = std::make_shared<TypedBatch>();
       batch->urls = sheet->urls();
@@ -181,7 +181,7 @@ void Desktop::askForURLs(const QString& text) {
 void Desktop::take(const std::shared_ptr<TypedBatch>& batch) {
   if (static_cast<std::size_t>(SizeOf(batch->urls)) > pacedIntake_.room()) {
     tellTooMuch();
-    return askForURLs(batch->urls.join(u'\n'));
+    return askForURLs(batch->urls);
   }
   const Given given = begin(QString());
   for (const QString& url : batch->urls) add(given, {url}, [this, batch] { takeNext(*batch); });
@@ -206,7 +206,7 @@ void Desktop::takeNext(TypedBatch& batch) {
   batch.isFolderChosen = batch.isFolderChosen || work() != before;
   if (!wasURLLost_ || batch.next == batch.urls.size()) return;
   batch.isOver = true;
-  askForURLs(batch.urls.sliced(batch.next).join(u'\n'));
+  askForURLs(batch.urls.sliced(batch.next));
 }
 
 // They were judged when they were queued first. Where nothing runs, the first one sets the queue going.

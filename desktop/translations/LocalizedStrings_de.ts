@@ -886,6 +886,10 @@
         <source>The list could not be read: %1</source>
         <translation>Die Liste konnte nicht gelesen werden: %1</translation>
     </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Nicht übernommen:</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>

@@ -886,6 +886,10 @@
         <source>The list could not be read: %1</source>
         <translation>La liste n’a pas pu être lue : %1</translation>
     </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Non acceptées :</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>
