@@ -239,6 +239,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   std::deque<UndoStep> undoSteps_;
   QString undoText_;                           // of the command that runs; null: it cannot be undone
   std::vector<PacedIntake::Waiting> dropped_;  // by that command
+  bool wasQueueEmptied_ = false;               // by that command
   bool isHeld_ = false;
   bool isNoneChosen_ = false;  // of the links of a page that is about to be queued
   QPointer<QMessageBox> quitQuestion_;

@@ -85,17 +85,20 @@ void Desktop::drop(const QMimeData& data) {
   give([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
 }
 
-// As an alert of the controller, which is in the middle of a page.
+// As an alert of the controller, which is in the middle of a page. It takes the keyboard from no other sheet.
 void Desktop::chooseLinks(app::UrlQueue& links) {
   if (!preferences_.chooseLinks()) return;
   const CommandGate::Hold hold(gate_);
-  if (!window_.isVisible()) window_.show();
-  std::optional<std::vector<std::size_t>> unwanted;
-  {
-    ChooseSheet sheet(links, controller_.extensionMap(), &window_);
-    if (!gate_.isClosed() && sheet.exec() == QDialog::Accepted) unwanted = sheet.unwanted();
-  }
-  unwanted ? links.takeAt(*unwanted) : links.takeAll();
+  QPointer<ChooseSheet> sheet;
+  const int result = statusOutlet_.runSheet([&] {
+    sheet = new ChooseSheet(links, controller_.extensionMap(), &window_);
+    if (wasQueueEmptied_)
+      sheet->setNotice(StatusWindow::tr("Import has emptied the queue; Undo brings it back."));
+    return sheet.data();
+  });
+  const std::vector<std::size_t> unwanted = sheet ? sheet->unwanted() : std::vector<std::size_t>();
+  delete sheet;  // it reads the links
+  result == QDialog::Accepted ? links.takeAt(unwanted) : links.takeAll();
   isNoneChosen_ = links.empty();
 }
 

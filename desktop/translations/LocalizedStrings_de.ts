@@ -1344,6 +1344,14 @@
         <source>%1 of %2 bytes</source>
         <translation>%1 von %2 Byte</translation>
     </message>
+    <message>
+        <source>No links on %1.</source>
+        <translation>Keine Links auf %1.</translation>
+    </message>
+    <message>
+        <source>Import has emptied the queue; Undo brings it back.</source>
+        <translation>Der Import hat die Warteschlange geleert; Rückgängig bringt sie zurück.</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::WorkLine</name>

@@ -1344,6 +1344,14 @@
         <source>%1 of %2 bytes</source>
         <translation>%1 octets sur %2</translation>
     </message>
+    <message>
+        <source>No links on %1.</source>
+        <translation>Aucun lien sur %1.</translation>
+    </message>
+    <message>
+        <source>Import has emptied the queue; Undo brings it back.</source>
+        <translation>L’import a vidé la file d’attente ; Annuler la rétablit.</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::WorkLine</name>
