@@ -119,6 +119,7 @@ void Desktop::takeOutUnwantedFile() {
   const std::uint64_t next = nextIdentifier();
   if (next <= before->nextIdentifier) return;
   outcomes_.addCancelled(controller_.objectValueForRow(controller_.numberOfRows() - 1));
+  workProgress_.urlWasCancelled();
   fileTable_.runFor({{next - 1, next - 1}}, [this] { controller_.deleteButtonClicked(); });
 }
 

@@ -106,8 +106,8 @@ TEST_F(WaitingTest, TheLineCountsOnWhileAPageLoads) {
   const auto& line = find<QLabel>("workLabel");
   EXPECT_TRUE(RunLoopUntil([&] {
     const bool isWaiting = line.text().startsWith(u"Loading ");
-    if (isWaiting && line.text().endsWith(u"/slow.html — 4 of 9 bytes")) mayAnswer_ = true;
-    if (isWaiting && line.text().endsWith(u" — 9 of 9 bytes")) trigger("actionCancelWait");
+    if (isWaiting && line.text().endsWith(u"/half-gated.bin, 4 of 9 bytes")) mayAnswer_ = true;
+    if (isWaiting && line.text().endsWith(u", 9 of 9 bytes")) trigger("actionCancelWait");
     return mayAnswer_ && !desktop_.gate().isBusy();
   }));
 }
@@ -124,7 +124,6 @@ TEST_F(WaitingTest, TheQuestionBeforeTheEndSaysWhatWouldBeLostNow) {
     if (text.contains(QStringLiteral("lost: 2<"))) mayAnswer_ = true;
     return mayAnswer_ && isOne && files() == u"a.bin b.bin";
   }));
-  EXPECT_EQ(files(), QStringLiteral("a.bin b.bin"));
 }
 
 class HoldTest : public WaitingTest {
