@@ -12,6 +12,7 @@
 
 #include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
+#include "net/URL.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -255,10 +256,13 @@ void Desktop::chooseDestination() {
   });
 }
 
-void Desktop::pageWasQueued(const QString& /*url*/, std::size_t linkCount) {
+void Desktop::pageWasQueued(const QString& url, std::size_t linkCount) {
   beforeUnwantedFile_.reset();  // the answer came first: it is a page
   const bool isEmpty = linkCount == 0 && !std::exchange(isNoneChosen_, false);
-  if (isEmpty) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+  if (!isEmpty) return;
+  importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+  end_ = StatusWindow::tr("No links on %1.").arg(platform::WithoutCredentials(url));
+  showStanding();
 }
 
 void Desktop::pageDidNotLoad(const QString& /*url*/, const QString& reason) {
