@@ -14,13 +14,14 @@
 
 #include "desktop/MimePasteboard.h"
 #include "desktop/ShownText.h"
+#include "net/URL.h"
 
 namespace quillforth::desktop {
 
 namespace {
 
-constexpr qsizetype kMostHostsListed = 5;
-constexpr qsizetype kLongestHostListed = 60;
+constexpr qsizetype kMostListed = 5;
+constexpr qsizetype kLongestListed = 60;
 constexpr int kShortText = 1 << 16;
 constexpr std::chrono::milliseconds kPause(300);
 
@@ -54,26 +55,44 @@ QStringList URLsInProse(const QString& line) {
   return urls;
 }
 
+// Not "Note: see there".
+bool BeginsLikeURL(const QString& line) {
+  static const QRegularExpression scheme(QStringLiteral("^[a-z][a-z0-9+.-]*:(//|\\S+$)"),
+                                         QRegularExpression::CaseInsensitiveOption);
+  return scheme.match(line).hasMatch();
+}
+
+void List(const QString& title, const QStringList& texts, QStringList& lines) {
+  if (texts.isEmpty()) return;
+  lines.append(title);
+  for (const QString& text : texts.first(std::min(texts.size(), kMostListed))) {
+    lines.append(ShownText(platform::WithoutPassword(text), kLongestListed));
+  }
+  if (texts.size() > kMostListed) lines.append(AddSheet::tr("and %1 more").arg(texts.size() - kMostListed));
+}
+
 }  // namespace
 
-TypedURLs TypedURLs::in(const QString& text) {
+TypedURLs TypedURLs::in(const QString& text, const QSet<QString>& whole) {
   TypedURLs typed;
   for (const QString& part : text.split(u'\n', Qt::SkipEmptyParts)) {
     const QString line = part.trimmed();
     const QString host = QStringLiteral("http://") + line;
-    if (CanBeTaken(line)) {
+    if (CanBeTaken(line) || whole.contains(line)) {
       typed.urls.append(line);
     } else if (LooksLikeHost(line) && CanBeTaken(host)) {
       typed.urls.append(host);
       typed.hosts.append(host);
     } else {
-      typed.urls += URLsInProse(line);
+      const QStringList found = URLsInProse(line);
+      typed.urls += found;
+      if (found.isEmpty() && BeginsLikeURL(line)) typed.refused.append(line);
     }
   }
   return typed;
 }
 
-AddSheet::AddSheet(const QString& text, QWidget* parent)
+AddSheet::AddSheet(const QStringList& urls, QWidget* parent)
     : QDialog(parent), text_(new QPlainTextEdit(this)), hosts_(new QLabel(this)) {
   setWindowTitle(tr("Add URLs"));
   auto* label = new QLabel(tr("&URLs of pages and files, one a line:"), this);
@@ -98,7 +117,7 @@ AddSheet::AddSheet(const QString& text, QWidget* parent)
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(text_, &QPlainTextEdit::textChanged, this, &AddSheet::followText);
-  text_->setPlainText(text);
+  append(urls.join(u'\n'));
   parse();
   resize(520, 300);
 }
@@ -129,24 +148,28 @@ void AddSheet::openList(const QString& path) {
     hosts_->setText(tr("That is too much at a time."));
     return hosts_->show();
   }
+  append(QString::fromUtf8(bytes));
+}
+
+void AddSheet::append(const QString& lines) {
+  for (const QString& part : lines.split(u'\n', Qt::SkipEmptyParts)) {
+    const QString line = part.trimmed();
+    const bool isWhole = platform::HasWebScheme(line) && line.size() <= app::Pasteboard::kMaxStringLength;
+    if (isWhole && !CanBeTaken(line)) whole_.insert(line);
+  }
   const QString text = text_->toPlainText();
   const bool isLineEnded = text.isEmpty() || text.endsWith(u'\n');
-  text_->setPlainText(text + (isLineEnded ? QString() : QString(u'\n')) + QString::fromUtf8(bytes));
+  text_->setPlainText(text + (isLineEnded ? QString() : QString(u'\n')) + lines);
 }
 
 void AddSheet::parse() {
   parse_.stop();
   const bool isTooLong = text_->document()->characterCount() > kMaxLength;
-  typed_ = isTooLong ? TypedURLs() : TypedURLs::in(text_->toPlainText());
+  typed_ = isTooLong ? TypedURLs() : TypedURLs::in(text_->toPlainText(), whole_);
   QStringList lines;
   if (isTooLong) lines.append(tr("That is too much at a time."));
-  if (!typed_.hosts.isEmpty()) lines.append(tr("Lines that are taken for hosts:"));
-  for (const QString& host : typed_.hosts.first(std::min(typed_.hosts.size(), kMostHostsListed))) {
-    lines.append(ShownText(host, kLongestHostListed));
-  }
-  if (typed_.hosts.size() > kMostHostsListed) {
-    lines.append(tr("and %1 more").arg(typed_.hosts.size() - kMostHostsListed));
-  }
+  List(tr("Lines that are taken for hosts:"), typed_.hosts, lines);
+  List(tr("Not taken:"), typed_.refused, lines);
   hosts_->setText(lines.join(u'\n'));
   hosts_->setHidden(lines.isEmpty());
   add_->setEnabled(!typed_.urls.isEmpty());

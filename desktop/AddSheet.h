@@ -10,17 +10,20 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSet>
 #include <QStringList>
 #include <QTimer>
 
 namespace quillforth::desktop {
 
 struct TypedURLs {
-  QStringList urls;   ///< of http, https or ftp, in their order; with the hosts
-  QStringList hosts;  ///< those of them that were typed without "http://", which they have here
+  QStringList urls;     ///< of http, https or ftp, in their order; with the hosts
+  QStringList hosts;    ///< those of them that were typed without "http://", which they have here
+  QStringList refused;  ///< lines that begin as a URL does, and hold none
 
   /// In prose only what begins with "http://", "https://" or "ftp://" counts, without the punctuation around.
-  [[nodiscard]] static TypedURLs in(const QString& text);
+  /// `whole`: lines that are URLs as they stand, whatever is in them.
+  [[nodiscard]] static TypedURLs in(const QString& text, const QSet<QString>& whole = {});
 };
 
 class AddSheet final : public QDialog {
@@ -30,14 +33,16 @@ class AddSheet final : public QDialog {
   static constexpr qsizetype kMaxLength = 16
                                           << 20;  ///< of the text, in UTF-16 units, and of a file, in bytes
 
-  /// `text` stands in it when it opens.
-  AddSheet(const QString& text, QWidget* parent);
+  /// `urls` stand in it when it opens, and are taken as they are.
+  AddSheet(const QStringList& urls, QWidget* parent);
   /// What is to be taken when it is accepted.
   [[nodiscard]] QStringList urls() const { return typed_.urls; }
 
  private:
   void followText();
   void parse();
+  /// Puts these lines behind the text. Those that begin with "http://", "https://" or "ftp://" stay whole.
+  void append(const QString& lines);
   void askForList();
   /// Puts what stands in the file behind the text.
   void openList(const QString& path);
@@ -47,6 +52,7 @@ class AddSheet final : public QDialog {
   QPushButton* add_;
   QTimer parse_;  // a long text is not read with every letter
   TypedURLs typed_;
+  QSet<QString> whole_;  // lines of lists
 };
 
 }  // namespace quillforth::desktop

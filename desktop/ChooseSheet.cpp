@@ -121,6 +121,7 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
       kinds_(new KindsButton(this)),
       table_(new QueueTable(this)),
       counts_(new QLabel(this)),
+      notice_(new QLabel(this)),
       tickAll_(new QPushButton(tr("&Tick All"), this)),
       untickAll_(new QPushButton(tr("&Untick All"), this)) {
   setWindowTitle(tr("Choose Links"));
@@ -134,6 +135,8 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
   table_->setModel(&model_);
   table_->setItemDelegate(MakeURLDelegate(table_));
   counts_->setTextFormat(Qt::PlainText);
+  notice_->setWordWrap(true);
+  notice_->hide();
   auto* buttons = new QDialogButtonBox(this);
   queue_ = buttons->addButton(tr("&Queue Ticked"), QDialogButtonBox::AcceptRole);
   buttons->addButton(tr("&Cancel"), QDialogButtonBox::RejectRole)->setToolTip(tr("Queue none of them"));
@@ -149,6 +152,7 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
   }
   auto* rows = new QVBoxLayout(this);
   rows->addWidget(page);
+  rows->addWidget(notice_);
   rows->addLayout(filterRow);
   rows->addWidget(table_);
   rows->addLayout(tickRow);
@@ -170,6 +174,11 @@ ChooseSheet::ChooseSheet(const app::UrlQueue& links, const classify::CExtensionM
 // The model goes before the table.
 ChooseSheet::~ChooseSheet() {
   table_->setModel(nullptr);
+}
+
+void ChooseSheet::setNotice(const QString& text) {
+  notice_->setText(text);
+  notice_->show();
 }
 
 bool ChooseSheet::eventFilter(QObject* watched, QEvent* event) {

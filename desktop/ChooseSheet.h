@@ -67,6 +67,8 @@ class ChooseSheet final : public QDialog {
   /// `links`: at least one, as for LinkModel. `extensions` outlives this.
   ChooseSheet(const app::UrlQueue& links, const classify::CExtensionMap& extensions, QWidget* parent);
   ~ChooseSheet() override;
+  /// Stands below the name of the page.
+  void setNotice(const QString& text);
   /// The links that are not to join the queue when it is accepted; ascending.
   [[nodiscard]] std::vector<std::size_t> unwanted() const { return model_.unticked(); }
 
@@ -87,6 +89,7 @@ class ChooseSheet final : public QDialog {
   KindsButton* kinds_;
   QueueTable* table_;
   QLabel* counts_;
+  QLabel* notice_;
   QPushButton* tickAll_;
   QPushButton* untickAll_;
   QPushButton* queue_;

@@ -15,6 +15,7 @@
 
 #include "desktop/Activation.h"
 #include "desktop/MessageSheets.h"
+#include "net/URL.h"
 #include "ui_StatusWindow.h"
 
 namespace quillforth::desktop {
@@ -27,8 +28,12 @@ Desktop::Desktop(const DesktopServices& services)
       preferences_(*host_.userDefaults),
       notice_(noticeServices()),
       outcomes_(pacer_, window_, host_.localizedText),
-      pacedIntake_(gate_),
-      workLine_(pacer_, window_, [this](bool isWaiting) { return workProgress_.bytesText(isWaiting); }),
+      state_(pacer_, [this] { followState(); }),
+      pacedIntake_(gate_, [this] { state_.request(); }),
+      workLine_(pacer_, window_,
+                [this](bool isWaiting) {
+                  return isHeld_ && !isWaiting ? QString() : workProgress_.bytesText(isWaiting);
+                }),
       workProgress_(pacer_, window_,
                     {.waitingCount = [this] { return controller_.numberOfRows(); },
                      .isWorkLeft = [this] { return hasWork() || gate_.hasWaiting(); },
@@ -201,7 +206,7 @@ void Desktop::connectCommands() {
   QObject::connect(rows, &QAbstractItemModel::rowsRemoved, &window_, [this] { showFilterCount(); });
   using Controller = app::MyAppController;
   bind(ui.actionImportURL, ui.importButton, [this] { importOutlet_.makeKeyAndOrderFront(); });
-  bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs(QString()); });
+  bind(ui.actionAddURLs, ui.addButton, [this] { askForURLs({}); });
   bind(ui.actionGetBrowserURL, nullptr, &Controller::processCurrentBrowserURL);
   bind(ui.actionPreferences, nullptr, &Controller::showPreferencesWindow);
   bind(ui.actionChooseDestination, ui.chooseFolderButton, [this] { chooseDestination(); });
@@ -254,10 +259,13 @@ void Desktop::chooseDestination() {
   });
 }
 
-void Desktop::pageWasQueued(const QString& /*url*/, std::size_t linkCount) {
+void Desktop::pageWasQueued(const QString& url, std::size_t linkCount) {
   beforeUnwantedFile_.reset();  // the answer came first: it is a page
   const bool isEmpty = linkCount == 0 && !std::exchange(isNoneChosen_, false);
-  if (isEmpty) importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+  if (!isEmpty) return;
+  importOutlet_.setFailure(StatusWindow::tr("The page has no links."));
+  end_ = StatusWindow::tr("No links on %1.").arg(platform::WithoutCredentials(url));
+  showStanding();
 }
 
 void Desktop::pageDidNotLoad(const QString& /*url*/, const QString& reason) {

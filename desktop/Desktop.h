@@ -153,8 +153,8 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   void take(const PastedURLs& pasted);
   void queueEntries(const QStringList& entries);
   void queueAgain();
-  /// Opens the sheet that URLs are typed into, with this text in it.
-  void askForURLs(const QString& text);
+  /// Opens the sheet that URLs are typed into, with these in it.
+  void askForURLs(const QStringList& urls);
   struct TypedBatch;
   void take(const std::shared_ptr<TypedBatch>& batch);
   void takeNext(TypedBatch& batch);
@@ -197,6 +197,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   app::Preferences preferences_;
   CompletionNotice notice_;
   Outcomes outcomes_;
+  FramePacer::Update state_;
   PacedIntake pacedIntake_;
   WorkLine workLine_;
   WorkProgress workProgress_;
@@ -238,6 +239,7 @@ class Desktop final : private StatusWindowOwner, private app::ControllerObserver
   std::deque<UndoStep> undoSteps_;
   QString undoText_;                           // of the command that runs; null: it cannot be undone
   std::vector<PacedIntake::Waiting> dropped_;  // by that command
+  bool wasQueueEmptied_ = false;               // by that command
   bool isHeld_ = false;
   bool isNoneChosen_ = false;  // of the links of a page that is about to be queued
   QPointer<QMessageBox> quitQuestion_;

@@ -48,6 +48,9 @@ void ShowDownloadFolder(QFileDialog& dialog) {
 void DesktopApplication::activateIgnoringOtherApps() {
   if (!window_.isVisible()) return;
   if (window_.isMinimized()) window_.showNormal();
+  for (QDialog* dialog : window_.findChildren<QDialog*>(Qt::FindDirectChildrenOnly)) {
+    if (dialog->isVisible() && dialog->isModal() && dialog->isMinimized()) dialog->showNormal();
+  }
   if (QApplication::activeWindow() != nullptr) return;
   window_.raise();
   ActivateWindow(window_);

@@ -85,17 +85,20 @@ void Desktop::drop(const QMimeData& data) {
   give([this, pasteboard] { controller_.tableViewAcceptDrop(pasteboard); });
 }
 
-// As an alert of the controller, which is in the middle of a page.
+// As an alert of the controller, which is in the middle of a page. It takes the keyboard from no other sheet.
 void Desktop::chooseLinks(app::UrlQueue& links) {
   if (!preferences_.chooseLinks()) return;
   const CommandGate::Hold hold(gate_);
-  if (!window_.isVisible()) window_.show();
-  std::optional<std::vector<std::size_t>> unwanted;
-  {
-    ChooseSheet sheet(links, controller_.extensionMap(), &window_);
-    if (!gate_.isClosed() && sheet.exec() == QDialog::Accepted) unwanted = sheet.unwanted();
-  }
-  unwanted ? links.takeAt(*unwanted) : links.takeAll();
+  QPointer<ChooseSheet> sheet;
+  const int result = statusOutlet_.runSheet([&] {
+    sheet = new ChooseSheet(links, controller_.extensionMap(), &window_);
+    if (wasQueueEmptied_)
+      sheet->setNotice(StatusWindow::tr("Import has emptied the queue; Undo brings it back."));
+    return sheet.data();
+  });
+  const std::vector<std::size_t> unwanted = sheet ? sheet->unwanted() : std::vector<std::size_t>();
+  delete sheet;  // it reads the links
+  result == QDialog::Accepted ? links.takeAt(unwanted) : links.takeAll();
   isNoneChosen_ = links.empty();
 }
 
@@ -166,9 +169,9 @@ struct Desktop::TypedBatch {
   bool isOver = false;  // the rest went back to the user
 };
 
-void Desktop::askForURLs(const QString& text) {
-  statusOutlet_.beginSheet([this, text] {
-    auto* sheet = new AddSheet(text, &window_);
+void Desktop::askForURLs(const QStringList& urls) {
+  statusOutlet_.beginSheet([this, urls] {
+    auto* sheet = new AddSheet(urls, &window_);
     QObject::connect(sheet, &QDialog::accepted, &window_, [this, sheet] {
       auto batch = std::make_shared<TypedBatch>();
       batch->urls = sheet->urls();
@@ -181,7 +184,7 @@ void Desktop::askForURLs(const QString& text) {
 void Desktop::take(const std::shared_ptr<TypedBatch>& batch) {
   if (static_cast<std::size_t>(SizeOf(batch->urls)) > pacedIntake_.room()) {
     tellTooMuch();
-    return askForURLs(batch->urls.join(u'\n'));
+    return askForURLs(batch->urls);
   }
   const Given given = begin(QString());
   for (const QString& url : batch->urls) add(given, {url}, [this, batch] { takeNext(*batch); });
@@ -206,7 +209,7 @@ void Desktop::takeNext(TypedBatch& batch) {
   batch.isFolderChosen = batch.isFolderChosen || work() != before;
   if (!wasURLLost_ || batch.next == batch.urls.size()) return;
   batch.isOver = true;
-  askForURLs(batch.urls.sliced(batch.next).join(u'\n'));
+  askForURLs(batch.urls.sliced(batch.next));
 }
 
 // They were judged when they were queued first. Where nothing runs, the first one sets the queue going.

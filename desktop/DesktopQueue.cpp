@@ -119,6 +119,7 @@ void Desktop::takeOutUnwantedFile() {
   const std::uint64_t next = nextIdentifier();
   if (next <= before->nextIdentifier) return;
   outcomes_.addCancelled(controller_.objectValueForRow(controller_.numberOfRows() - 1));
+  workProgress_.urlWasCancelled();
   fileTable_.runFor({{next - 1, next - 1}}, [this] { controller_.deleteButtonClicked(); });
 }
 
@@ -129,6 +130,7 @@ void Desktop::doUndoably(const QString& undoText, const std::function<void()>& c
   command();
   if (!dropped_.empty()) urlsWereDiscarded(std::make_shared<const app::UrlQueue>());
   undoText_ = QString();
+  wasQueueEmptied_ = false;
 }
 
 void Desktop::controllerMovedOn() {
@@ -143,6 +145,7 @@ void Desktop::downloadFailed(const app::DownloadProgress& progress, const QStrin
 
 void Desktop::urlsWereDiscarded(const std::shared_ptr<const app::UrlQueue>& urls) {
   if (undoText_.isNull()) return;
+  wasQueueEmptied_ = true;
   undoSteps_.push_back({undoText_, urls, std::exchange(dropped_, {})});
   if (undoSteps_.size() > kMostUndoSteps) undoSteps_.pop_front();
 }

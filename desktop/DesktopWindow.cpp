@@ -3,6 +3,7 @@
 #include "desktop/DesktopWindow.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QScreen>
 #include <utility>
 
@@ -105,6 +106,22 @@ void DesktopWindow::beginAuthenticationSheet(
 
 void DesktopWindow::beginSheet(MakeSheet makeSheet) {
   begin({std::move(makeSheet), CommandGate::Held::commands});
+}
+
+int DesktopWindow::runSheet(MakeSheet makeSheet) {
+  if (gate_.isClosed()) return QDialog::Rejected;
+  int result = QDialog::Rejected;
+  QEventLoop loop;
+  begin({[&] {
+    QDialog* dialog = makeSheet();
+    QObject::connect(dialog, &QDialog::finished, &loop, [&](int code) {
+      result = code;
+      loop.quit();
+    });
+    return dialog;
+  }});
+  loop.exec();
+  return result;
 }
 
 void DesktopWindow::begin(Waiting sheet) {

@@ -52,6 +52,9 @@ class DesktopWindow : public app::Window {
   /// themselves and may find nobody. Called when the sheets before it have gone; the dialog is deleted when
   /// it is finished.
   void beginSheet(MakeSheet makeSheet);
+  /// For a sheet that the caller waits for, behind those before it. What it has ended with; rejected, too,
+  /// when the program ends first.
+  [[nodiscard]] int runSheet(MakeSheet makeSheet);
   /// The next alert sheet is for the failure of this URL. Failures that wait, or come while one is shown, are
   /// one sheet, which blocks nothing.
   void expectFailure(const QString& url) { failing_ = url; }

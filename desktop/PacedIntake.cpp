@@ -14,7 +14,8 @@ constexpr std::chrono::milliseconds kPause(100);  // while the gate is full
 
 }  // namespace
 
-PacedIntake::PacedIntake(CommandGate& gate) : gate_(gate) {
+PacedIntake::PacedIntake(CommandGate& gate, std::function<void()> wasAdded)
+    : gate_(gate), wasAdded_(std::move(wasAdded)) {
   retry_.setSingleShot(true);
   retry_.setInterval(kPause);
   retry_.callOnTimeout([this] { moveOn(); });
@@ -26,6 +27,7 @@ bool PacedIntake::add(Waiting waiting) {
   waiting_.push_back(std::move(waiting));
   ++addedCount_;
   moveOn();
+  wasAdded_();
   return true;
 }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -21,8 +22,8 @@ class PacedIntake final {
   /// Of all items that wait, in UTF-16 units; nothing costs nothing, so that their number is bounded.
   static constexpr std::size_t kMaxSize = 16U << 20U;
 
-  /// `gate` outlives this.
-  explicit PacedIntake(CommandGate& gate);
+  /// `gate` outlives this. `wasAdded` is called for each item that comes in.
+  PacedIntake(CommandGate& gate, std::function<void()> wasAdded);
 
   /// The size of all items that may be added now.
   [[nodiscard]] std::size_t room() const { return gate_.isClosed() ? 0 : kMaxSize - size_; }
@@ -52,6 +53,7 @@ class PacedIntake final {
   Waiting takeFirst();
 
   CommandGate& gate_;
+  std::function<void()> wasAdded_;
   std::deque<Waiting> waiting_;
   std::size_t size_ = 0;
   std::uint64_t addedCount_ = 0;

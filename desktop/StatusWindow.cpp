@@ -79,6 +79,7 @@ StatusWindow::StatusWindow(StatusWindowOwner& owner)
   for (QAction* action : findChildren<QAction*>()) action->setAutoRepeat(false);  // a key held down is one
   connect(ui_->actionSelectAll, &QAction::triggered, this, [this] { table().selectAll(); });
   ui_->filterField->installEventFilter(this);
+  ui_->fileTable->installEventFilter(this);
   connect(ui_->actionFilter, &QAction::triggered, this, [this] {
     ui_->tabs->setCurrentIndex(0);
     ui_->filterRow->show();
@@ -131,7 +132,8 @@ void StatusWindow::dropEvent(QDropEvent* event) {
 
 bool StatusWindow::eventFilter(QObject* watched, QEvent* event) {
   if ((watched == ui_->filterField || watched == ui_->kindsButton) && endFilter(*event)) return true;
-  if (watched == ui_->filterField) return false;
+  if (watched == ui_->fileTable && ui_->filterRow->isVisible() && endFilter(*event)) return true;
+  if (watched == ui_->filterField || watched == ui_->fileTable) return false;
   return event->type() == QEvent::MouseButtonDblClick || QMainWindow::eventFilter(watched, event);
 }
 

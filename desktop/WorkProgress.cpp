@@ -32,8 +32,9 @@ WorkProgress::~WorkProgress() {
   showOnIcon(-1);
 }
 
-void WorkProgress::downloadBegan(const app::DownloadProgress& /*progress*/) {
+void WorkProgress::downloadBegan(const app::DownloadProgress& progress) {
   begin();
+  url_ = progress.url;
   isUnderWay_ = true;
   received_ = 0;
   expected_ = -1;
@@ -60,7 +61,8 @@ void WorkProgress::pageDidNotLoad(const QString& /*url*/, const QString& reason)
 }
 
 void WorkProgress::downloadCancelled(const app::DownloadProgress& /*progress*/) {
-  end();
+  isUnderWay_ = false;
+  fail();
 }
 
 void WorkProgress::begin() {
@@ -103,8 +105,11 @@ QString WorkProgress::bytesText(bool isWaiting) const {
   if (!isUnderWay_ || isTold || count == 0) return {};
   const QLocale locale;
   const QString received = locale.toString(qulonglong{count});
-  if (expected_ <= 0) return StatusWindow::tr("%1 bytes").arg(received);
-  return StatusWindow::tr("%1 of %2 bytes").arg(received, locale.toString(qlonglong{expected_}));
+  const QString text =
+      expected_ <= 0
+          ? StatusWindow::tr("%1 bytes").arg(received)
+          : StatusWindow::tr("%1 of %2 bytes").arg(received, locale.toString(qlonglong{expected_}));
+  return isWaiting ? url_ + QStringLiteral(", ") + text : text;
 }
 
 void WorkProgress::show() {

@@ -38,12 +38,15 @@ class WorkProgress final : public app::ControllerObserver {
   void downloadFailed(const app::DownloadProgress& progress, const QString& reason) override;
   void downloadCancelled(const app::DownloadProgress& progress) override;
   void controllerMovedOn() override;
+  /// A URL is cancelled that no download has begun for.
+  void urlWasCancelled() { fail(); }
   /// The queue has changed.
   void queueDidChange() { update_.request(); }
   /// A command has returned, or a download has ended: nothing may be left.
   void settle();
   /// How many bytes of the file under way there are, where the progress bar and its text cannot tell: their
-  /// counts have 32 bits and need the length. `isWaiting`: the controller does not hear of them now.
+  /// counts have 32 bits and need the length. `isWaiting`: the controller does not hear of them now, and the
+  /// text names the file, because it stands beside another URL.
   [[nodiscard]] QString bytesText(bool isWaiting) const;
 
  private:
@@ -58,7 +61,8 @@ class WorkProgress final : public app::ControllerObserver {
   bool isWork_ = false;
   std::size_t ended_ = 0;  // of this piece of work
   std::size_t failed_ = 0;
-  std::uint64_t received_ = 0;  // of the file under way
+  QString url_;                 // of the file under way
+  std::uint64_t received_ = 0;  // of that file
   std::int64_t expected_ = -1;
   bool isUnderWay_ = false;
   int shownPercent_ = -1;  // on the icon; below 0: none

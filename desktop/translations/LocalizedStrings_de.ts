@@ -886,6 +886,10 @@
         <source>The list could not be read: %1</source>
         <translation>Die Liste konnte nicht gelesen werden: %1</translation>
     </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Nicht übernommen:</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>
@@ -1339,6 +1343,14 @@
     <message>
         <source>%1 of %2 bytes</source>
         <translation>%1 von %2 Byte</translation>
+    </message>
+    <message>
+        <source>No links on %1.</source>
+        <translation>Keine Links auf %1.</translation>
+    </message>
+    <message>
+        <source>Import has emptied the queue; Undo brings it back.</source>
+        <translation>Der Import hat die Warteschlange geleert; Rückgängig bringt sie zurück.</translation>
     </message>
 </context>
 <context>

@@ -886,6 +886,10 @@
         <source>The list could not be read: %1</source>
         <translation>La liste n’a pas pu être lue : %1</translation>
     </message>
+    <message>
+        <source>Not taken:</source>
+        <translation>Non acceptées :</translation>
+    </message>
 </context>
 <context>
     <name>quillforth::desktop::AuthenticationSheet</name>
@@ -1339,6 +1343,14 @@
     <message>
         <source>%1 of %2 bytes</source>
         <translation>%1 octets sur %2</translation>
+    </message>
+    <message>
+        <source>No links on %1.</source>
+        <translation>Aucun lien sur %1.</translation>
+    </message>
+    <message>
+        <source>Import has emptied the queue; Undo brings it back.</source>
+        <translation>L’import a vidé la file d’attente ; Annuler la rétablit.</translation>
     </message>
 </context>
 <context>

@@ -20,11 +20,14 @@ see example.test, or (HTTP://h/wiki_(a)), <https://h/>, mailto:x@h.test and noht
 x@h.test
 word
 http://
-http://h/a b)"));
+http://h/a b
+file:///etc/x
+javascript:x)"));
   EXPECT_EQ(
       typed.urls.join(u' '),
       QStringLiteral("ftp://h/a)b. http://example.test:8080/a.html HTTP://h/wiki_(a) https://h/ http://h/a"));
   EXPECT_EQ(typed.hosts.join(u' '), QStringLiteral("http://example.test:8080/a.html"));
+  EXPECT_EQ(typed.refused.join(u' '), QStringLiteral("http:// file:///etc/x javascript:x"));
 }
 
 class AddSheetTest : public DesktopFixture {
@@ -56,7 +59,7 @@ TEST_F(AddSheetTest, WhatIsNotTakenWithoutAConnectionStandsInTheSheetAgain) {
 }
 
 TEST_F(AddSheetTest, AListThatWasSavedIsOpenedHere) {
-  const QString urls = QStringLiteral("http://a.test/1\nhttp://a.test/2\n");
+  const QString urls = QStringLiteral("http://a.test/1\nhttp://a.test/2 b\n");
   for (const QString& url : urls.split(u'\n', Qt::SkipEmptyParts)) desktop_.controller().queueURL(url);
   const auto choose = [this](const char* path) {
     auto* dialog = window().findChild<QFileDialog*>();
@@ -77,6 +80,7 @@ TEST_F(AddSheetTest, AListThatWasSavedIsOpenedHere) {
     ASSERT_TRUE(RunLoopUntil([this] { return window().findChild<QFileDialog*>() == nullptr; }));
   }
   EXPECT_EQ(sheet()->findChild<QPlainTextEdit*>()->toPlainText(), urls);
+  EXPECT_EQ(sheet()->urls().join(u'\n') + u'\n', urls);
   sheet()->reject();
 }
 

@@ -60,7 +60,8 @@ TEST_P(LayoutTest, NothingIsCutOffOrOverlaps) {
   desktop::AuthenticationSheet sheet(challenge, QString(), nullptr);
   const QString folder = QString(1000, u'm');
   auto* box = desktop::MakeMessageBox({folder, folder, folder.left(9), {}}, QMessageBox::Warning, &window());
-  desktop::AddSheet add(QStringLiteral("a.test\n").repeated(9), nullptr);
+  desktop::AddSheet add(QStringList(9, QStringLiteral("a.test")) + QStringList(9, QStringLiteral("file:///")),
+                        nullptr);
   app::UrlQueue links;
   links.append(folder, folder);
   desktop::ChooseSheet choose(links, desktop_.controller().extensionMap(), nullptr);
