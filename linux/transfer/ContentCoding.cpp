@@ -134,7 +134,7 @@ TransferOutcome UndoContentCodings(const std::vector<std::string_view>& fields, 
     const std::unique_ptr<Decoder> decoder =
         DecoderFor(codings.back(), {body.constData(), static_cast<std::size_t>(body.size())});
     if (!decoder) return {OutcomeKind::unknownCoding};
-    if (const TransferOutcome outcome = Decode(*decoder, maxLength, body); !outcome.isWhole()) return outcome;
+    if (TransferOutcome outcome = Decode(*decoder, maxLength, body); !outcome.isWhole()) return outcome;
   }
   return {};
 }
