@@ -19,7 +19,7 @@ inline constexpr const char* kApplicationID = "com.tessarysoftware.Quillforth";
 /// The desktop's icon of the program, else the embedded drawing; sharp in every size.
 [[nodiscard]] QIcon ProgramIcon();
 
-/// The theme's icon of this name, which is one of the freedesktop icon naming specification, else a drawing
+/// The theme's icon of this name (one of the standard icon names of freedesktop.org), else a drawing
 /// of our own in the colour of the text beside it.
 [[nodiscard]] QIcon CommandIcon(const QString& name);
 
