@@ -14,6 +14,7 @@
 #include <QPixmap>
 #include <QStyle>
 #include <QToolTip>
+#include <utility>
 
 namespace quillforth::desktop {
 
@@ -94,10 +95,11 @@ uint Preference(QVariant value) {
   return value.toUInt();
 }
 
-/// A drawing whose shape alone counts.
+/// A drawing whose shape alone counts. It is read when it is painted first: what reads drawings is a plugin,
+/// and a theme that has the icon spares its loading.
 class ShapeIcon final : public QIconEngine {
  public:
-  explicit ShapeIcon(const QIcon& drawing) : drawing_(drawing) {}
+  explicit ShapeIcon(QString file) : file_(std::move(file)) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
     const qreal ratio = painter->device()->devicePixelRatio();
@@ -106,23 +108,24 @@ class ShapeIcon final : public QIconEngine {
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/) override {
     const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
     const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
+    if (drawing_.isNull()) drawing_ = QIcon(file_);
     QPixmap shape = drawing_.pixmap(size, 1.0);
     QPainter painter(&shape);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(shape.rect(), QGuiApplication::palette().color(group, role));
     return shape;
   }
-  [[nodiscard]] QIconEngine* clone() const override { return new ShapeIcon(drawing_); }
+  [[nodiscard]] QIconEngine* clone() const override { return new ShapeIcon(file_); }
 
  private:
+  const QString file_;
   QIcon drawing_;
 };
 
 }  // namespace
 
 QIcon CommandIcon(const QString& name) {
-  const QIcon drawing(QStringLiteral(":/icons/%1.svg").arg(name));
-  return QIcon::fromTheme(name, QIcon(new ShapeIcon(drawing)));
+  return QIcon::fromTheme(name, QIcon(new ShapeIcon(QStringLiteral(":/icons/%1.svg").arg(name))));
 }
 
 QIcon ProgramIcon() {
